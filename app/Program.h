@@ -1,0 +1,40 @@
+// The composition root: what exists, who owns it, who talks to whom.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/Platform.h"
+
+namespace orvanto {
+
+struct TaskRecord;
+
+struct StartOptions {
+  std::string commandLine;    // what stands behind the program's name
+  std::string programFolder;  // where the program is installed, as a Windows path
+};
+
+// Made once by the host's entry point, which then calls Start and runs the loop. The loop is quit
+// when the main window has been unloaded; destroy the program after that, before the platform.
+class Program {
+ public:
+  Program(Platform& platform, StartOptions options);
+  ~Program();
+
+  // Loads the main window, and shows it unless the command line says otherwise.
+  void Start();
+
+  // Ends the program from outside (a signal, the end of the session): unloads the main window.
+  void Quit();
+
+  // Told before a task is carried out, on whatever ground.
+  std::function<void(const TaskRecord&)> onTaskRun;
+
+ private:
+  struct Parts;
+  std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace orvanto

@@ -1,0 +1,64 @@
+// The one thread of the program: timers, posted work and, on each host, its windows and sockets.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace orvanto {
+
+// A repeating timer. Its handler is called from the loop, never from inside Start or Stop. Handlers
+// may start, stop or restart their own timer; they may not destroy it. Periods missed while the
+// thread was busy or held collapse into one call. Destroying a timer stops it.
+class Timer {
+ public:
+  virtual ~Timer() = default;
+
+  // (Re)starts: the first call comes one interval from now, then one each interval.
+  // An interval below one millisecond is taken as one millisecond.
+  virtual void Start(std::chrono::milliseconds interval) = 0;
+  virtual void Stop() = 0;
+  virtual bool Enabled() const = 0;
+};
+
+// Everything runs on the thread that created the loop; nothing here may be called from another.
+// An exception that leaves a handler is reported on the host's error output and goes no further.
+class EventLoop {
+ public:
+  virtual ~EventLoop() = default;
+
+  // Handles events until Quit has been called. Returns at once when it already was.
+  virtual void Run() = 0;
+  virtual void Quit() = 0;
+  virtual bool QuitRequested() const = 0;
+
+  // Handles what is pending now and returns; never waits. It re-enters: any handler may run inside.
+  // Does nothing while the loop is held.
+  virtual void DoEvents() = 0;
+
+  // Queues work to run from the loop, in order, after the caller has returned.
+  virtual void Post(std::function<void()> work) = 0;
+
+  // The timer starts disabled. The loop must outlive it.
+  virtual std::unique_ptr<Timer> NewTimer(std::function<void()> handler) = 0;
+
+  // Blocking is deliberate: inside a Hold no timer, posted work or socket event is delivered, even
+  // if something (a message box) pumps messages meanwhile. What falls due is kept and delivered
+  // after the outermost Hold has ended. Holds nest.
+  class Hold {
+   public:
+    explicit Hold(EventLoop& loop) : loop_(loop) { loop_.BeginHold(); }
+    ~Hold() { loop_.EndHold(); }
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+
+   private:
+    EventLoop& loop_;
+  };
+
+ protected:
+  virtual void BeginHold() = 0;
+  virtual void EndHold() = 0;
+};
+
+}  // namespace orvanto

@@ -1,0 +1,24 @@
+// The system's modal message box.
+#pragma once
+
+#include <string>
+
+namespace orvanto {
+
+inline constexpr const char* kProgramTitle = "Orvanto";
+
+enum class Buttons { Ok, OkCancel, YesNo };
+enum class BoxIcon { None, Question };
+enum class Answer { Ok, Cancel, Yes, No };
+
+class MessageBoxes {
+ public:
+  virtual ~MessageBoxes() = default;
+
+  // Returns when it has been answered. Everything else waits meanwhile (EventLoop::Hold). Where
+  // nobody can answer, the safe answer is taken: Ok, Cancel or No.
+  virtual Answer Show(const std::string& text, const std::string& title, Buttons buttons,
+                      BoxIcon icon) = 0;
+};
+
+}  // namespace orvanto

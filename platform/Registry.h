@@ -1,0 +1,82 @@
+// The registry in the system's own terms: predefined roots, key paths, value names, value types and
+// Win32 status codes. Key paths and value names are compared without regard to case and keep the
+// case of their first writing. All text is UTF-8.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace orvanto {
+
+using Status = std::uint32_t;  // 0 or a Win32 error code
+inline constexpr Status kSuccess = 0;
+inline constexpr Status kFileNotFound = 2;   // no such key or value
+inline constexpr Status kAccessDenied = 5;   // missing access right, or a key that has subkeys
+inline constexpr Status kInvalidHandle = 6;  // a key that is not open
+inline constexpr Status kInvalidParameter = 87;
+inline constexpr Status kDiskFull = 112;
+inline constexpr Status kBadPathname = 161;  // a key path with an empty component
+inline constexpr Status kMoreData = 234;     // the caller's buffer is too small
+inline constexpr Status kWriteFault = 29;
+
+enum class RootKey { ClassesRoot, CurrentUser, LocalMachine, Users, CurrentConfig, DynData };
+
+enum class ValueType : std::uint32_t { None = 0, String = 1, Binary = 3, Dword = 4 };
+
+// Access rights of an open key, as bits.
+inline constexpr std::uint32_t kQueryValue = 1;
+inline constexpr std::uint32_t kSetValue = 2;
+inline constexpr std::uint32_t kCreateSubKey = 4;
+
+class Registry {
+ public:
+  using Key = std::uintptr_t;  // 0 is no key; every opened or created key must be closed
+
+  virtual ~Registry() = default;
+
+  // `path` is relative to the root, components parted by one backslash; a trailing backslash is
+  // ignored. On failure `key` is 0.
+  virtual Status OpenKey(RootKey root, const std::string& path, std::uint32_t access, Key& key) = 0;
+  // Opens, creating the key and all that is missing above it.
+  virtual Status CreateKey(RootKey root, const std::string& path, std::uint32_t access,
+                           Key& key) = 0;
+
+  // Copies up to `size` bytes into `data` and sets `size` to the value's full size. With a buffer
+  // that is too small nothing is copied and kMoreData is returned. A String's bytes include its
+  // terminating NUL; a Dword's are little-endian.
+  virtual Status QueryValue(Key key, const std::string& name, ValueType& type, void* data,
+                            std::uint32_t& size) = 0;
+  virtual Status SetValue(Key key, const std::string& name, ValueType type, const void* data,
+                          std::uint32_t size) = 0;
+  virtual Status DeleteValue(Key key, const std::string& name) = 0;
+  // A key with subkeys is not deleted: kAccessDenied.
+  virtual Status DeleteKey(Key parent, const std::string& subkey) = 0;
+  virtual Status CloseKey(Key key) = 0;
+
+  // Everything written between the two belongs together. The file-backed registry makes it visible
+  // and durable as one step, shut off against other processes; it then reports from EndChange what
+  // went wrong and keeps the state from before. Windows has no such step: there each write counts
+  // at once. Changes nest; the outermost end decides.
+  virtual void BeginChange() = 0;
+  virtual Status EndChange() = 0;
+};
+
+// Scope of one change. Commit ends it and reports; without Commit the destructor ends it.
+class RegistryChange {
+ public:
+  explicit RegistryChange(Registry& registry) : registry_(&registry) { registry.BeginChange(); }
+  ~RegistryChange() { Commit(); }
+  RegistryChange(const RegistryChange&) = delete;
+  RegistryChange& operator=(const RegistryChange&) = delete;
+
+  Status Commit() {
+    Registry* registry = registry_;
+    registry_ = nullptr;
+    return registry != nullptr ? registry->EndChange() : kSuccess;
+  }
+
+ private:
+  Registry* registry_;
+};
+
+}  // namespace orvanto

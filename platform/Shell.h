@@ -1,0 +1,35 @@
+// Opening, printing and starting things the way the user's desktop does it.
+#pragma once
+
+#include <string>
+
+namespace orvanto {
+
+// The show-window commands that the program uses, with their system numbers.
+enum class ShowCommand : int {
+  Hide = 0,
+  Normal = 1,
+  Minimized = 2,
+  Maximized = 3,
+  NoActivate = 4,
+  MinimizedNoActivate = 7,
+};
+
+struct ShellRequest {
+  std::string operation;   // "open" or "print"
+  std::string file;        // a file, document or program, as the caller has it
+  std::string parameters;  // mostly empty: task command lines travel in `file`
+  std::string directory;   // working directory, empty for the current one
+  ShowCommand show = ShowCommand::Normal;
+};
+
+class Shell {
+ public:
+  virtual ~Shell() = default;
+
+  // Returns at once; what was started runs on its own. False when nothing was started. Shows no
+  // error of its own.
+  virtual bool Execute(const ShellRequest& request) = 0;
+};
+
+}  // namespace orvanto

@@ -1,0 +1,7 @@
+// The retained forms: everything a form needs in one include.
+#pragma once
+
+#include "platform/forms/Control.h"
+#include "platform/forms/Form.h"
+#include "platform/forms/Menu.h"
+#include "platform/forms/TreeView.h"

@@ -1,0 +1,152 @@
+// Controls that hold the truth: text, visible, enabled, value, position. A host mirrors them into
+// real windows or does not; forms and tests never see the difference.
+//
+// Positions and sizes are twips (1440 an inch, 15 a pixel at 96 dpi), relative to the container.
+// A control belongs to the form that it was created with, as a member of it, and dies with it.
+// The order of creation is the tab order.
+//
+// Two kinds of call: setters are the program's and raise no event unless said so; the calls under
+// "user" are what a person does (the host and the tests call them): they return false and do
+// nothing where a person could not do it, and raise the event otherwise.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace orvanto::forms {
+
+class Form;
+
+enum class Kind { Label, Button, OptionButton, TextBox, Frame, Lamp, TreeView };
+enum class Property { Text, Visible, Enabled, Bounds, Value, Nodes, Selection };
+
+struct Bounds {
+  int left = 0;
+  int top = 0;
+  int width = 0;
+  int height = 0;
+  bool operator==(const Bounds&) const = default;
+};
+
+class Control {
+ public:
+  Control(const Control&) = delete;
+  Control& operator=(const Control&) = delete;
+  virtual ~Control() = default;
+
+  Kind GetKind() const { return kind_; }
+  Form& Owner() const { return form_; }
+  // The frame around it, or null when it stands on the form itself.
+  const Control* Container() const { return container_; }
+
+  // Caption or contents, with '&' before the mnemonic where the kind has one.
+  const std::string& Text() const { return text_; }
+  void SetText(const std::string& text);
+
+  // The control's own flag; a person sees it only when its containers are visible too.
+  bool Visible() const { return visible_; }
+  void SetVisible(bool visible);
+  bool Enabled() const { return enabled_; }
+  void SetEnabled(bool enabled);
+  const Bounds& GetBounds() const { return bounds_; }
+  void SetBounds(const Bounds& bounds);
+  void SetHeight(int height);
+
+  bool ShownToUser() const;  // visible with all its containers, on a form that is visible
+  bool Usable() const;       // shown and enabled with all its containers
+
+ protected:
+  Control(Form& form, const Control* container, Kind kind, std::string text, Bounds bounds);
+  void Changed(Property property);
+  void Raise(const std::function<void()>& event) const;
+
+  std::string text_;
+
+ private:
+  Form& form_;
+  const Control* container_;
+  Kind kind_;
+  Bounds bounds_;
+  bool visible_ = true;
+  bool enabled_ = true;
+};
+
+class Label : public Control {
+ public:
+  Label(Form& form, const Control* container, std::string caption, Bounds bounds)
+      : Control(form, container, Kind::Label, std::move(caption), bounds) {}
+};
+
+class Frame : public Control {
+ public:
+  Frame(Form& form, const Control* container, std::string caption, Bounds bounds)
+      : Control(form, container, Kind::Frame, std::move(caption), bounds) {}
+};
+
+class Button : public Control {
+ public:
+  Button(Form& form, const Control* container, std::string caption, Bounds bounds)
+      : Control(form, container, Kind::Button, std::move(caption), bounds) {}
+
+  std::function<void()> onClick;
+
+  // user
+  bool Press();
+};
+
+// Option buttons in one container exclude each other.
+class OptionButton : public Control {
+ public:
+  OptionButton(Form& form, const Control* container, std::string caption, Bounds bounds)
+      : Control(form, container, Kind::OptionButton, std::move(caption), bounds) {}
+
+  bool Value() const { return value_; }
+  void SetValue(bool value);  // true clears the others of the container
+
+  std::function<void()> onClick;
+
+  // user
+  bool Choose();
+
+ private:
+  bool value_ = false;
+};
+
+class TextBox : public Control {
+ public:
+  struct Style {
+    bool multiLine = false;  // lines end in CR LF; scrolls by itself to its end on SetText
+    bool readOnly = false;
+  };
+  TextBox(Form& form, const Control* container, Style style, Bounds bounds)
+      : Control(form, container, Kind::TextBox, {}, bounds), style_(style) {}
+
+  const Style& GetStyle() const { return style_; }
+
+  // Raised by Type, not by SetText.
+  std::function<void()> onChange;
+
+  // user: replaces the contents
+  bool Type(const std::string& text);
+
+ private:
+  Style style_;
+};
+
+// A round status lamp.
+class Lamp : public Control {
+ public:
+  Lamp(Form& form, const Control* container, Bounds bounds)
+      : Control(form, container, Kind::Lamp, {}, bounds) {}
+
+  static constexpr std::uint32_t kLit = 0x00FF00;  // red, green, blue from the high byte down
+  static constexpr std::uint32_t kDark = 0xC0C0C0;
+  std::uint32_t Colour() const { return colour_; }
+  void SetLit(bool lit);
+
+ private:
+  std::uint32_t colour_ = kDark;
+};
+
+}  // namespace orvanto::forms

@@ -1,0 +1,113 @@
+// A form and the two sides of it: Form is written by the program, FormPeer and FormHost by a host.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/forms/Control.h"
+#include "platform/forms/Menu.h"
+
+namespace orvanto::forms {
+
+enum class FormProperty { Caption, Visible, Position, TopMost };
+
+struct Size {
+  int width = 0;
+  int height = 0;
+};
+
+// The real window of a loaded form, if the host makes one. Called on every change of the truth,
+// before the setter returns; reads the rest from the form. Never calls back from inside. Once
+// detached it touches neither the form nor its controls, which may be gone.
+class FormPeer {
+ public:
+  virtual ~FormPeer() = default;
+  virtual void FormChanged(FormProperty property) = 0;
+  virtual void ControlChanged(const Control& control, Property property) = 0;
+  virtual void MenuChanged(const MenuItem& item) = 0;
+};
+
+class FormHost {
+ public:
+  virtual ~FormHost() = default;
+  // Makes the window of a form that is being loaded: all its controls exist, it is not visible yet.
+  virtual std::unique_ptr<FormPeer> Attach(Form& form) = 0;
+  // Takes the window of an unloaded form. A call of the peer's own may be on the stack, so a host
+  // that dispatches from it destroys it later.
+  virtual void Detach(std::unique_ptr<FormPeer> peer) = 0;
+  virtual Size ScreenSize() const = 0;                 // the work area of the main screen, in twips
+  virtual Size FrameSize(const Form& form) const = 0;  // what border, caption and menu add
+};
+
+class Form {
+ public:
+  Form(FormHost& host, std::string caption, Size clientSize);
+  Form(const Form&) = delete;
+  Form& operator=(const Form&) = delete;
+  virtual ~Form();
+
+  const std::string& Caption() const { return caption_; }
+  void SetCaption(const std::string& caption);
+  Size ClientSize() const { return clientSize_; }
+  int Left() const { return left_; }
+  int Top() const { return top_; }
+  void CentreOnScreen();
+  bool Visible() const { return visible_; }
+  bool TopMost() const { return topMost_; }
+  void SetTopMost(bool topMost);
+
+  // Load makes the window, hidden. Show loads when that is still to be done. Unload hides it,
+  // raises onUnload and drops the window; the form may be loaded again. Each does nothing when it
+  // is so already.
+  bool Loaded() const { return loaded_; }
+  void Load();
+  void Show();
+  void Hide();
+  void Unload();
+
+  std::function<void()> onUnload;
+
+  // user: the close button of the frame, or Alt+F4. Unloads unless the form says otherwise.
+  bool Close();
+  std::function<void()> onClose;  // replaces the unloading
+
+  // Enter and Esc press these; null for none.
+  Button* defaultButton = nullptr;
+  Button* cancelButton = nullptr;
+  bool minimizeButton = false;
+
+  // For hosts.
+  const std::vector<Control*>& Controls() const { return controls_; }
+  const std::vector<MenuItem*>& MenuBar() const { return menuBar_; }
+
+ private:
+  friend class Control;
+  friend class MenuItem;
+  friend class OptionButton;
+  void Changed(FormProperty property);
+
+  FormHost& host_;
+  std::unique_ptr<FormPeer> peer_;
+  std::string caption_;
+  Size clientSize_;
+  int left_ = 0;
+  int top_ = 0;
+  bool visible_ = false;
+  bool loaded_ = false;
+  bool topMost_ = false;
+  std::vector<Control*> controls_;
+  std::vector<MenuItem*> menuBar_;
+};
+
+// Keeps forms in memory only: the console host's and the tests'.
+class HeadlessFormHost : public FormHost {
+ public:
+  std::unique_ptr<FormPeer> Attach(Form&) override { return nullptr; }
+  void Detach(std::unique_ptr<FormPeer>) override {}
+  Size ScreenSize() const override { return {1280 * 15, 800 * 15}; }
+  Size FrameSize(const Form&) const override { return {0, 0}; }
+};
+
+}  // namespace orvanto::forms

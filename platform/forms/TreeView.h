@@ -1,0 +1,55 @@
+// A tree of nodes, each with a key, a text and two images.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/forms/Control.h"
+
+namespace orvanto::forms {
+
+class TreeView : public Control {
+ public:
+  using NodeId = std::size_t;  // position in Nodes(), in order of adding; good until Clear
+
+  struct Node {
+    std::optional<NodeId> parent;  // none at root level
+    std::string key;
+    std::string text;
+    std::string image;          // name of an icon resource
+    std::string selectedImage;  // shown while selected
+    bool expanded = false;
+  };
+
+  TreeView(Form& form, const Control* container, Bounds bounds)
+      : Control(form, container, Kind::TreeView, {}, bounds) {}
+
+  const std::vector<Node>& Nodes() const { return nodes_; }
+  void Clear();                     // also clears the selection
+  NodeId Add(Node node);            // behind the last child of its parent
+  void EnsureVisible(NodeId node);  // expands every node above it
+  // Between the two the host need not redraw; they do not nest.
+  void BeginUpdate();
+  void EndUpdate();
+
+  std::optional<NodeId> Selected() const { return selected_; }
+  void Select(std::optional<NodeId> node);
+
+  // A node was clicked or reached by the keyboard; it is the selected one then.
+  std::function<void()> onNodeClick;
+
+  // user
+  bool ClickNode(NodeId node);
+  bool SetExpanded(NodeId node, bool expanded);
+
+  bool Updating() const { return updating_; }
+
+ private:
+  std::vector<Node> nodes_;
+  std::optional<NodeId> selected_;
+  bool updating_ = false;
+};
+
+}  // namespace orvanto::forms
