@@ -18,6 +18,7 @@ inline constexpr Status kDiskFull = 112;
 inline constexpr Status kBadPathname = 161;  // a key path with an empty component
 inline constexpr Status kMoreData = 234;     // the caller's buffer is too small
 inline constexpr Status kWriteFault = 29;
+inline constexpr Status kKeyDeleted = 1018;  // the open key has been deleted meanwhile
 
 enum class RootKey { ClassesRoot, CurrentUser, LocalMachine, Users, CurrentConfig, DynData };
 

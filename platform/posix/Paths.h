@@ -1,0 +1,17 @@
+// Windows paths and those of this system. The root directory shows as "Z:\".
+#pragma once
+
+#include <string>
+
+namespace orvanto::posix {
+
+// "Z:\a\b" becomes "/a/b"; backslashes become slashes in every path, relative ones stay relative.
+// Of a drive other than Z: nothing is known, it becomes a directory of that name ("C:/dir"). A path
+// that does not exist as it is written is looked up component by component without regard to case;
+// what is not found at all keeps the case of its writing.
+std::string ToNative(const std::string& path);
+
+// "/a/b" becomes "Z:\a\b"; relative paths stay relative.
+std::string FromNative(const std::string& path);
+
+}  // namespace orvanto::posix
