@@ -1,0 +1,175 @@
+#include "core/Sched.h"
+
+#include <optional>
+#include <vector>
+
+#include "core/Convert.h"
+#include "core/modTaskOperations.h"
+
+namespace orvanto {
+namespace {
+
+constexpr std::array<const char*, kEveryCodesThatFire> kEvery{
+    "Every Day",      "Every Sunday", "Every Monday",   "Every Tuesday", "Every Wednesday",
+    "Every Thursday", "Every Friday", "Every Saturday", "Every Weekday", "Every Weekend Day"};
+constexpr std::array<const char*, 4> kOrdinals{"1st", "2nd", "3rd", "4th"};
+constexpr std::array<const char*, 7> kWeekdays{"Sunday",   "Monday", "Tuesday", "Wednesday",
+                                               "Thursday", "Friday", "Saturday"};
+constexpr std::array<const char*, kInCodes> kIn{
+    "Every Month", "January", "February",  "March",   "April",    "May",     "June",
+    "July",        "August",  "September", "October", "November", "December"};
+
+struct TaskTypeTexts {
+  const char* name;
+  const char* separator;
+};
+constexpr std::array<TaskTypeTexts, kTaskTypes> kTypes{{
+    {"Run Automation Script", " | Run Script | "},
+    {"Run Program/Shortcut", " | Run | "},
+    {"Print File", " | Print File | "},
+    {"Reset Computer", " | Reset Computer | "},
+    {"Shutdown Computer", " | Shutdown Computer | "},
+    {"Popup Message", " | Popup Message | "},
+    {"Play Sound", " | Play Sound | "},
+}};
+
+template <typename Table>
+auto At(const Table& table, int code) -> const typename Table::value_type* {
+  if (code < 1 || code > static_cast<int>(table.size())) return nullptr;
+  return &table[static_cast<std::size_t>(code - 1)];
+}
+
+template <typename Table>
+std::string TextAt(const Table& table, int code) {
+  const auto* text = At(table, code);
+  return text != nullptr ? *text : "";
+}
+
+// A stored number against the clock; one that does not convert equals nothing.
+bool Equals(const std::string& text, int number) {
+  return ToInt16Or(text, -1) == number;
+}
+
+bool EveryMatches(int every, int weekday) {
+  switch (every) {
+    case 1:
+      return true;
+    case 9:
+      return weekday > 1 && weekday < 7;
+    case 10:
+      return weekday == 1 || weekday == 7;
+    default:
+      return every >= 2 && every <= 8 && weekday == every - 1;
+  }
+}
+
+}  // namespace
+
+std::string EveryName(int code) {
+  if (code <= kEveryCodesThatFire || code > kEveryCodes) return TextAt(kEvery, code);
+  const int beyond = code - kEveryCodesThatFire - 1;
+  return std::string("The ") + kOrdinals[static_cast<std::size_t>(beyond / 7)] + " " +
+         kWeekdays[static_cast<std::size_t>(beyond % 7)];
+}
+
+std::string InName(int code) {
+  return TextAt(kIn, code);
+}
+
+std::string TaskTypeName(int code) {
+  const auto* type = At(kTypes, code);
+  return type != nullptr ? type->name : "";
+}
+
+std::string FormatTaskDate(const TaskRecord& task, int dateOrderMonthFirst, const Clock& clock) {
+  const std::string day = TwoDigits(task.dateDay);
+  const std::string month = TwoDigits(task.dateMonth);
+  const std::string year =
+      task.dateYear.size() == 4 ? task.dateYear : std::to_string(clock.Now().year);
+  return (dateOrderMonthFirst == 0 ? day + "-" + month : month + "-" + day) + "-" + year;
+}
+
+std::string DescribeWhen(const TaskRecord& task, int dateOrderMonthFirst, const Clock& clock) {
+  switch (task.timeType) {
+    case kTimeOnce:
+      return FormatTaskDate(task, dateOrderMonthFirst, clock);
+    case kTimeRecurring:
+      return EveryName(task.every) + " In " + InName(task.in);
+    case kTimeDayNumber:
+      return "Day Number: " + std::to_string(task.dayNo);
+    default:
+      return "";
+  }
+}
+
+std::string DetectDateOrder(const Clock& clock) {
+  std::vector<int> fields;
+  std::optional<int> field;
+  for (const char c : clock.ShortDate(1958, 8, 25) + "/") {
+    if (c >= '0' && c <= '9') {
+      field = field.value_or(0) % 10000 * 10 + (c - '0');
+    } else if (field) {
+      fields.push_back(*field);
+      field.reset();
+    }
+  }
+  std::string pattern;
+  for (const int number : fields) {
+    const char* label = number == 25                     ? "dd"
+                        : number == 8                    ? "mm"
+                        : number == 58 || number == 1958 ? "yyyy"
+                                                         : nullptr;
+    if (label == nullptr) continue;
+    if (!pattern.empty()) pattern += '/';
+    pattern += label;
+  }
+  return pattern;
+}
+
+std::size_t Sched::Slot(std::int16_t index) {
+  if (index < 1 || index > kMaxTasks) {
+    throw Error(kSubscriptOutOfRange, "Subscript out of range");
+  }
+  return static_cast<std::size_t>(index - 1);
+}
+
+std::string Sched::DescribeTask(std::int16_t index) {
+  const std::size_t slot = Slot(index);
+  store_.LoadTask(index);
+  const TaskRecord& task = store_.CurrentTask;
+  described_[slot] = {task.timeHour, task.timeMinute};
+  const auto* type = At(kTypes, task.taskType);
+  if (type == nullptr) return "";
+  return task.name + type->separator + task.timeHour + ":" + task.timeMinute + " on " +
+         DescribeWhen(task, store_.DateOrderMonthFirst, clock_);
+}
+
+void Sched::MatchRecurrence(int every, int in, const DateTime& now) {
+  if (in < 1 || in > kInCodes) return;
+  const bool monthMatches = in == 1 || now.month == in - 1;
+  // A weekend-day rule of one month holds on every Sunday of the year: kept as it is.
+  const bool anySunday = every == 10 && now.weekday == 1;
+  if (EveryMatches(every, now.weekday) && (monthMatches || anySunday)) RecurrenceMatched = 1;
+}
+
+bool Sched::IsDue(const TaskRecord& task) {
+  if (!Equals(task.timeHour, clock_.Now().hour)) return false;
+  if (!Equals(task.timeMinute, clock_.Now().minute)) return false;
+  switch (task.timeType) {
+    case kTimeOnce:
+      return Equals(task.dateYear, clock_.Now().year) &&
+             Equals(task.dateMonth, clock_.Now().month) && Equals(task.dateDay, clock_.Now().day);
+    case kTimeRecurring: {
+      MatchRecurrence(task.every, task.in, clock_.Now());
+      const bool matched = RecurrenceMatched == 1;
+      RecurrenceMatched = 0;
+      return matched;
+    }
+    case kTimeDayNumber:
+      return clock_.Now().day == task.dayNo;
+    default:
+      return false;
+  }
+}
+
+}  // namespace orvanto

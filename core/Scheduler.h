@@ -1,0 +1,66 @@
+// The scheduler's second: refreshes the caption clock, and at second 00 runs what is due. There is
+// no queue and no catch-up: the tick at second 00 is the only look at its minute.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/Clock.h"
+#include "platform/EventLoop.h"
+
+namespace orvanto {
+
+class Sched;
+class TaskExecution;
+class TaskStore;
+
+// Calls back once for every second of the wall clock while the thread is free: aligned to where the
+// second begins, however late a timer comes, and never twice for the same second. A second during
+// which the thread was busy to its end is skipped. A clock set back by up to a minute is waited
+// for; one set back further, or forward, is followed at once.
+class SecondTimer {
+ public:
+  SecondTimer(EventLoop& loop, const Clock& clock, std::function<void()> onSecond);
+
+  void Start();  // the first call comes with the next second
+  void Stop();
+  bool Enabled() const { return timer_->Enabled(); }
+
+ private:
+  void OnTimer();
+  void Arm();
+
+  const Clock& clock_;
+  std::function<void()> onSecond_;
+  std::int64_t lastSecond_ = 0;
+  std::unique_ptr<Timer> timer_;
+};
+
+class Scheduler {
+ public:
+  Scheduler(EventLoop& loop, const Clock& clock, TaskStore& store, Sched& sched,
+            TaskExecution& execution);
+
+  // One tick. It may re-enter: a script that a task runs lets other events through, and the second
+  // 00 of the next minute among them is looked at like any other.
+  void Tick();
+
+  // The caption for the main window, on every tick: "Orvanto - 14:05".
+  std::function<void(const std::string& caption)> onCaption;
+  // On every tick, after the caption.
+  std::function<void()> onSecond;
+
+  SecondTimer tmrSched;
+
+ private:
+  void RunDueTasks();
+
+  const Clock& clock_;
+  TaskStore& store_;
+  Sched& sched_;
+  TaskExecution& execution_;
+};
+
+}  // namespace orvanto

@@ -1,0 +1,303 @@
+#include "core/modTaskOperations.h"
+
+#include "core/Convert.h"
+#include "core/Sched.h"
+
+namespace orvanto {
+namespace {
+
+constexpr const char* kCount = "NoTasks";
+constexpr const char* kNameEnd = " | ";
+
+std::string SlotName(int index) {
+  return "Task" + std::to_string(index);
+}
+
+// The sections of the program's own settings. Backslashes at the ends do not count: the registry
+// takes "General\" for "General".
+bool IsOwnSection(const std::string& name) {
+  const auto first = name.find_first_not_of('\\');
+  if (first == std::string::npos) return true;
+  const std::string bare = name.substr(first, name.find_last_not_of('\\') - first + 1);
+  return EqualIgnoringCase(bare, kGeneral) || EqualIgnoringCase(bare, kInternet);
+}
+
+// Throws what ToInt16 throws.
+bool DayFitsMonth(std::int16_t day, std::int16_t month, std::int16_t year) {
+  switch (month) {
+    case 2:
+      return day < (year % 4 == 0 ? 30 : 29);
+    case 4:
+    case 6:
+    case 8:  // August counts as a short month and September as a long one: kept as it is.
+    case 11:
+      return day <= 30;
+    default:
+      return true;
+  }
+}
+
+}  // namespace
+
+void TaskStore::ReadDateOrder() {
+  DateOrderMonthFirst = DetectDateOrder(clock_).substr(0, 2) == "mm" ? 1 : 0;
+}
+
+void TaskStore::SetProgramFolder(const std::string& folder) {
+  // A drive's root ends with its backslash already.
+  AppDir = folder.size() == 3 ? folder : folder + "\\";
+}
+
+std::int16_t TaskStore::NoTasks() {
+  const std::int16_t count = ToInt16Or(settings_.ReadSetting(kGeneral, kCount, "0"), -1);
+  if (count >= 0) return count;
+  if (settings_.StorageMode() != 0 && settings_.StorageMode() != 1) return 0;
+  // Somebody damaged the count. Were it taken as 0, the next new task would overwrite the first.
+  std::int16_t found = 0;
+  while (found < kMaxTasks && !TaskName(static_cast<std::int16_t>(found + 1)).empty()) ++found;
+  return found;
+}
+
+std::string TaskStore::TaskName(std::int16_t index) {
+  return settings_.ReadSetting(kGeneral, SlotName(index), "");
+}
+
+void TaskStore::LoadTask(std::int16_t index) {
+  TaskRecord task;
+  task.dateDay = task.dateMonth = task.dateYear = "0";
+  task.index = index;
+  task.name = TaskName(index);
+  const std::string& section = task.name;
+  const auto number = [&](const char* value, const char* defaultValue) {
+    return ToInt16Or(settings_.ReadSetting(section, value, defaultValue), 0);
+  };
+
+  settings_.ReadSetting(section, "Group", "", task.group);
+  if (task.group.empty()) task.group = kGeneral;
+  task.timeType = number("TimeType", "0");
+  ReadWhen(section, task);
+  task.taskType = number("TaskType", "2");
+  settings_.ReadSetting(section, "Path", "", task.path);
+  settings_.ReadSetting(section, "CmdLine", "", task.cmdLine);
+  task.winStyle = number("WinStyle", "1");
+  CurrentTask = std::move(task);
+}
+
+void TaskStore::ReadWhen(const std::string& section, TaskRecord& task) {
+  const DateTime now = clock_.Now();
+  const auto twoDigits = [&](const char* value, int defaultValue, std::string& field) {
+    settings_.ReadSetting(section, value, TwoDigits(defaultValue), field);
+    field = TwoDigits(field);
+  };
+  twoDigits("TimeHour", now.hour, task.timeHour);
+  // The month, not the minute, stands in for a missing minute: stored tasks rely on it.
+  twoDigits("TimeMinute", now.month, task.timeMinute);
+  switch (task.timeType) {
+    case kTimeOnce:
+      twoDigits("DateDay", now.day, task.dateDay);
+      twoDigits("DateMonth", now.month, task.dateMonth);
+      settings_.ReadSetting(section, "DateYear", std::to_string(now.year), task.dateYear);
+      break;
+    case kTimeRecurring:
+      task.every = ToInt16Or(settings_.ReadSetting(section, "Every", "0"), 0);
+      task.in = ToInt16Or(settings_.ReadSetting(section, "In", "0"), 0);
+      break;
+    case kTimeDayNumber:
+      task.dayNo = ToInt16Or(settings_.ReadSetting(section, "DayNo", "1"), 0);
+      break;
+    default:
+      break;
+  }
+}
+
+void TaskStore::SaveTask(const TaskEntry& entry) {
+  RegistryChange change(settings_.Store());
+  settings_.WriteSetting(entry.name, "Group", entry.group);
+  WriteWhen(entry);
+  ClaimSlot(entry);
+  WriteWhat(entry);
+}
+
+void TaskStore::WriteWhen(const TaskEntry& entry) {
+  const auto write = [&](const char* value, const std::string& text) {
+    settings_.WriteSetting(entry.name, value, text);
+  };
+  switch (entry.timeType) {
+    case kTimeOnce:
+      write(DateOrderMonthFirst == 0 ? "DateDay" : "DateMonth", entry.datePart1);
+      write(DateOrderMonthFirst == 0 ? "DateMonth" : "DateDay", entry.datePart2);
+      write("DateYear", entry.year);
+      break;
+    case kTimeRecurring:
+      write("Every", std::to_string(entry.every));
+      write("In", std::to_string(entry.in));
+      break;
+    case kTimeDayNumber:
+      write("DayNo", std::to_string(entry.dayNo));
+      break;
+    default:
+      break;
+  }
+  write("TimeHour", entry.hour);
+  write("TimeMinute", entry.minute);
+  write("TimeType", std::to_string(entry.timeType));
+  write("TaskType", std::to_string(entry.taskType));
+}
+
+void TaskStore::ClaimSlot(const TaskEntry& entry) {
+  if (entry.index > NoTasks()) {
+    settings_.WriteSetting(kGeneral, kCount, std::to_string(entry.index));
+  } else if (const std::string count = settings_.ReadSetting(kGeneral, kCount, "0");
+             entry.name != count) {
+    // A section named like the count goes, a renamed task's old section stays: kept as it is.
+    DeleteSection(count);
+  }
+  settings_.WriteSetting(kGeneral, SlotName(entry.index), entry.name);
+}
+
+void TaskStore::WriteWhat(const TaskEntry& entry) {
+  const auto write = [&](const char* value, const std::string& text) {
+    settings_.WriteSetting(entry.name, value, text);
+  };
+  switch (entry.taskType) {
+    case kRunScript:
+    case kPopupMessage:
+    case kPlaySound:
+      write("Path", entry.path);
+      break;
+    case kRunProgram:
+    case kPrintFile:
+      write("WinStyle", std::to_string(entry.winStyle));
+      write("Path", entry.path);
+      write("CmdLine", entry.cmdLine);
+      break;
+    case kResetComputer:
+      write("Path", "Reset Computer");
+      break;
+    case kShutdownComputer:
+      write("Path", "Shutdown Computer");
+      break;
+    default:
+      break;
+  }
+}
+
+void TaskStore::DeleteSection(const std::string& name) {
+  if (!IsOwnSection(name)) settings_.DeleteUserKey(name);
+}
+
+void TaskStore::DeleteTask(std::int16_t index) {
+  {
+    RegistryChange change(settings_.Store());
+    const int count = NoTasks();
+    if (index < 1 || index > count) return;
+    DeleteSection(TaskName(index));
+    settings_.DeleteUserSetting(kGeneral, SlotName(index));
+    for (int j = index + 1; j <= count; ++j) {
+      settings_.WriteSetting(kGeneral, SlotName(j - 1), TaskName(static_cast<std::int16_t>(j)));
+      settings_.DeleteUserSetting(kGeneral, SlotName(j));
+    }
+    settings_.WriteSetting(kGeneral, kCount, std::to_string(count - 1));
+  }
+  if (onListChanged) onListChanged();
+}
+
+void TaskStore::FindTaskIndex(const std::string& nodeText, std::int16_t& index) {
+  const auto end = nodeText.find(kNameEnd);
+  if (end == std::string::npos) return;
+  const std::string name = nodeText.substr(0, end);
+  const std::int16_t count = NoTasks();
+  for (int j = 1; j <= count; ++j) {
+    if (TaskName(static_cast<std::int16_t>(j)) == name) {
+      index = static_cast<std::int16_t>(j);
+      return;
+    }
+  }
+}
+
+void TaskStore::ValidateTask(const TaskEntry& entry) {
+  TaskValidationMessage.clear();
+  ValidateTaskName(entry.name, entry.index);
+  ValidateWhen(entry);
+  CheckTaskFile(entry.taskType, LowerCase(entry.path));
+}
+
+void TaskStore::ValidateWhen(const TaskEntry& entry) {
+  if (entry.timeType == kTimeOnce) {
+    const bool monthFirst = DateOrderMonthFirst != 0;
+    ValidateDate(monthFirst ? entry.datePart2 : entry.datePart1,
+                 monthFirst ? entry.datePart1 : entry.datePart2, entry.year);
+  }
+  if (entry.timeType == kTimeDayNumber && (entry.dayNo < 1 || entry.dayNo > 31)) {
+    TaskValidationMessage = "Invlaid Day of Month Given";
+  }
+  const std::int16_t hour = ToInt16Or(entry.hour, -1);
+  const std::int16_t minute = ToInt16Or(entry.minute, -1);
+  if (hour < 0 || hour > 23) TaskValidationMessage = "Invlaid Hour given for Time";
+  if (minute < 0 || minute > 59) TaskValidationMessage = "Invalid Minute given for Time";
+}
+
+void TaskStore::ValidateTaskName(const std::string& name, std::int16_t ownIndex) {
+  constexpr const char* kInUse = "That Task Name is already in use. Please use a different one.";
+  if (name.empty()) {
+    TaskValidationMessage = "No task name given";
+    return;
+  }
+  // A task of that name would share the section of the settings, and deleting it delete them.
+  if (IsOwnSection(name)) {
+    TaskValidationMessage = kInUse;
+    return;
+  }
+  const std::int16_t count = NoTasks();
+  for (int j = 1; j <= count; ++j) {
+    if (j == ownIndex || TaskName(static_cast<std::int16_t>(j)) != name) continue;
+    TaskValidationMessage = kInUse;
+    return;
+  }
+}
+
+void TaskStore::ValidateDate(const std::string& dayText, const std::string& monthText,
+                             const std::string& yearText) {
+  constexpr const char* kInvalidDay = "Invalid Day given for Date";
+  try {
+    const std::int16_t day = ToInt16(dayText);
+    const std::int16_t month = ToInt16(monthText);
+    const std::int16_t year = ToInt16(yearText);
+    if (!DayFitsMonth(day, month, year)) {
+      TaskValidationMessage = kInvalidDay;
+    } else if (month < 1 || month > 12) {
+      TaskValidationMessage = "Invalid Month given for Date";
+    } else if (yearText.size() < 4) {
+      TaskValidationMessage = "Invalid Year given for Date";
+    } else if (day < 1 || day > 31) {
+      TaskValidationMessage = kInvalidDay;
+    }
+  } catch (const Error&) {
+    TaskValidationMessage = "Invalid Date";
+  }
+}
+
+void TaskStore::ValidateTime(const std::string& hourText, const std::string& minuteText) {
+  try {
+    const std::int16_t hour = ToInt16(hourText);
+    if (hour < 0 || hour > 23) TaskValidationMessage = "Invalid Hour selected for execution time";
+    const std::int16_t minute = ToInt16(minuteText);
+    if (minute < 0 || minute > 59) {
+      TaskValidationMessage = "Invalid Minute selected for execution time";
+    }
+  } catch (const Error&) {
+    TaskValidationMessage = "Invalid Time";
+  }
+}
+
+void TaskStore::CheckTaskFile(std::int16_t taskType, const std::string& path) {
+  if (taskType != kRunScript && taskType != kRunProgram && taskType != kPrintFile &&
+      taskType != kPlaySound) {
+    return;
+  }
+  const bool absolute = path.size() >= 3 && path.compare(1, 2, ":\\") == 0;
+  const std::string file = absolute ? path : AppDir + "scripts\\" + path;
+  if (!finder_.FindFile(LowerCase(file))) TaskValidationMessage = "File does not exist";
+}
+
+}  // namespace orvanto

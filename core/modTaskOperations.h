@@ -1,0 +1,81 @@
+// The task list in the settings store: a count and numbered names in section "General", and one
+// section of fields for each task. The store is read again whenever it is needed; CurrentTask and
+// TaskValidationMessage are overwritten by every load and validation and are good at once only.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "core/TaskRecord.h"
+#include "core/modRegistry.h"
+#include "platform/Clock.h"
+
+namespace orvanto {
+
+// What validation needs to know of the file system.
+class FileFinder {
+ public:
+  virtual ~FileFinder() = default;
+  // True when a file of that full path exists.
+  virtual bool FindFile(const std::string& path) = 0;
+};
+
+class TaskStore {
+ public:
+  TaskStore(Settings& settings, const Clock& clock, FileFinder& finder)
+      : settings_(settings), clock_(clock), finder_(finder) {}
+
+  TaskRecord CurrentTask;
+  std::string TaskValidationMessage;  // empty: valid
+
+  // 1 when the system's short date begins with the month; read at start.
+  int DateOrderMonthFirst = 0;
+  void ReadDateOrder();
+
+  // The program's folder with a backslash at its end.
+  std::string AppDir;
+  void SetProgramFolder(const std::string& folder);
+
+  // The number of slots. A count that does not convert is made good from the names that are there.
+  std::int16_t NoTasks();
+  std::string TaskName(std::int16_t index);
+
+  // Fills CurrentTask. Numbers that do not convert load as 0; a slot without a name loads defaults.
+  void LoadTask(std::int16_t index);
+
+  // Writes one task as one change of the store. Does not validate.
+  void SaveTask(const TaskEntry& entry);
+
+  // Removes a slot and closes the gap, as one change; then raises onListChanged. In shared mode the
+  // machine-wide section stays and is only hidden. A slot that is not there changes nothing.
+  void DeleteTask(std::int16_t index);
+  std::function<void()> onListChanged;
+
+  // The slot whose name stands before the first " | " of a tree line; `index` stays as it is when
+  // there is none.
+  void FindTaskIndex(const std::string& nodeText, std::int16_t& index);
+
+  // All checks in order; the message of the last one that fails remains.
+  void ValidateTask(const TaskEntry& entry);
+
+  // The pieces of it. Each sets TaskValidationMessage when its check fails and leaves it otherwise.
+  void ValidateTaskName(const std::string& name, std::int16_t ownIndex);
+  void ValidateDate(const std::string& day, const std::string& month, const std::string& year);
+  void ValidateTime(const std::string& hour, const std::string& minute);
+  void CheckTaskFile(std::int16_t taskType, const std::string& path);
+
+ private:
+  void ReadWhen(const std::string& section, TaskRecord& task);
+  void WriteWhen(const TaskEntry& entry);
+  void WriteWhat(const TaskEntry& entry);
+  void ClaimSlot(const TaskEntry& entry);
+  void DeleteSection(const std::string& name);
+  void ValidateWhen(const TaskEntry& entry);
+
+  Settings& settings_;
+  const Clock& clock_;
+  FileFinder& finder_;
+};
+
+}  // namespace orvanto

@@ -1,0 +1,284 @@
+#include "core/ui/frmScriptcfg.h"
+
+#include <initializer_list>
+#include <utility>
+
+#include "core/Convert.h"
+#include "core/Sched.h"
+#include "core/Scheduler.h"
+#include "core/TaskExecution.h"
+#include "core/modRegistry.h"
+#include "core/modTaskOperations.h"
+#include "core/ui/frmmsg.h"
+#include "platform/Files.h"
+#include "platform/MessageBoxes.h"
+#include "platform/TrayIcon.h"
+
+namespace orvanto {
+namespace {
+
+constexpr const char* kStartupLog = "ORVTASK.LOG";
+
+// The column of the command buttons, in twips.
+forms::Bounds CommandBounds(int row) {
+  return {7260, 120 + row * 465, 1560, 375};
+}
+
+// Redraws once, behind all changes of the tree.
+class TreeUpdate {
+ public:
+  explicit TreeUpdate(forms::TreeView& tree) : tree_(tree) { tree_.BeginUpdate(); }
+  ~TreeUpdate() { tree_.EndUpdate(); }
+  TreeUpdate(const TreeUpdate&) = delete;
+  TreeUpdate& operator=(const TreeUpdate&) = delete;
+
+ private:
+  forms::TreeView& tree_;
+};
+
+}  // namespace
+
+frmScriptcfg::frmScriptcfg(forms::FormHost& host, const Services& services)
+    : Form(host, kProgramTitle, {8940, 4350}),
+      treTasks(*this, nullptr, {120, 120, 7020, 3375}),
+      cmdNew(*this, nullptr, "&New Task", CommandBounds(0)),
+      cmdDelete(*this, nullptr, "&Delete Task", CommandBounds(1)),
+      cmdEdit(*this, nullptr, "&Edit Task", CommandBounds(2)),
+      cmdRun(*this, nullptr, "&Run Task", CommandBounds(3)),
+      cmdSystemTray(*this, nullptr, "&System Tray", CommandBounds(4)),
+      cmdAbout(*this, nullptr, "&About", CommandBounds(5)),
+      cmdExit(*this, nullptr, "E&xit", CommandBounds(6)),
+      fraInet(*this, nullptr, "Internet Server:", {120, 3600, 7020, 630}),
+      optIneton(*this, &fraInet, "&On", {180, 270, 1200, 270}),
+      optInetoff(*this, &fraInet, "O&ff", {1560, 270, 1200, 270}),
+      fraServer(*this, nullptr, "", {120, 1650, 7020, 1845}),
+      lblConnectionFrom(*this, &fraServer, "Connection From:", {465, 285, 1500, 240}),
+      lblIpclient(*this, &fraServer, "0.0.0.0", {2010, 285, 1680, 240}),
+      lblNoConnection(*this, &fraServer, "No Connection", {4245, 285, 1440, 240}),
+      shpServeryes(*this, &fraServer, {180, 300, 195, 195}),
+      shpServerno(*this, &fraServer, {3960, 300, 195, 195}),
+      txtServer(*this, &fraServer, {.multiLine = true, .readOnly = true}, {180, 630, 5280, 1050}),
+      cmdChat(*this, &fraServer, "&Chat", {5610, 630, 1230, 375}),
+      cmdKick(*this, &fraServer, "&Kick", {5610, 1095, 1230, 375}),
+      mnuScheduler(*this, "&Scheduler"),
+      mnuSettings(mnuScheduler, "Settings"),
+      mnuOnTop(mnuScheduler, "Always on Top"),
+      mnuSystemTray(mnuScheduler, "Show in System Tray"),
+      mnuSeparator(mnuScheduler, "-"),
+      mnuAbout(mnuScheduler, "About"),
+      mnuExit(mnuScheduler, "Exit"),
+      mnuTasks(*this, "&Tasks"),
+      mnuNew(mnuTasks, "New"),
+      mnuDelete(mnuTasks, "Delete"),
+      mnuEdit(mnuTasks, "Edit"),
+      mnuRun(mnuTasks, "Run"),
+      mnuInternet(*this, "&Internet"),
+      mnuServer(mnuInternet, "Server"),
+      mnuServeron(mnuServer, "On"),
+      mnuServeroff(mnuServer, "Off"),
+      mnuServersetup(mnuServer, "Setup"),
+      mnuInetchat(mnuInternet, "Chat"),
+      mnuInetsendfile(mnuInternet, "Send File"),
+      services_(services) {
+  minimizeButton = true;
+  fraInet.SetVisible(false);
+  fraServer.SetVisible(false);
+  optInetoff.SetValue(true);
+  WireCommands();
+}
+
+void frmScriptcfg::WireCommands() {
+  const std::initializer_list<std::pair<forms::Button*, Command>> buttons{
+      {&cmdNew, kNew},         {&cmdDelete, kDelete}, {&cmdEdit, kEdit}, {&cmdRun, kRun},
+      {&cmdSystemTray, kTray}, {&cmdAbout, kAbout},   {&cmdExit, kExit}};
+  for (const auto& [button, command] : buttons) {
+    button->onClick = [this, command = command] { OnCommand(command); };
+  }
+  const std::initializer_list<std::pair<forms::MenuItem*, Command>> items{
+      {&mnuNew, kNew},         {&mnuDelete, kDelete}, {&mnuEdit, kEdit}, {&mnuRun, kRun},
+      {&mnuSystemTray, kTray}, {&mnuAbout, kAbout},   {&mnuExit, kExit}};
+  for (const auto& [item, command] : items) {
+    item->onClick = [this, command = command] { OnCommand(command); };
+  }
+  mnuSettings.onClick = [this] { showSettings(); };
+  mnuOnTop.onClick = [this] {
+    mnuOnTop.SetChecked(!mnuOnTop.Checked());
+    SetTopMost(mnuOnTop.Checked());
+  };
+  treTasks.onNodeClick = [this] { EnableTaskCommands(!treTasks.Nodes().empty()); };
+  services_.trayIcon.onMouse = [this](int mouseMessage) {
+    if (mouseMessage != kLeftDoubleClick) return;
+    services_.trayIcon.Remove();
+    Show();
+  };
+  services_.scheduler.onCaption = [this](const std::string& caption) { SetCaption(caption); };
+  services_.store.onListChanged = [this] { BuildTaskTree(); };
+  onUnload = [this] { OnUnload(); };
+}
+
+void frmScriptcfg::OnCommand(Command command) {
+  switch (command) {
+    case kNew:
+      showEditor(true, static_cast<std::int16_t>(services_.store.NoTasks() + 1));
+      break;
+    case kDelete:
+      services_.store.DeleteTask(SelectedSlot());
+      break;
+    case kEdit:
+      if (const std::int16_t slot = SelectedSlot(); slot > 0) showEditor(false, slot);
+      break;
+    case kRun:
+      // A group's node names no task.
+      if (const std::int16_t slot = SelectedSlot(); slot > 0) services_.execution.RunTask(slot);
+      break;
+    case kTray:
+      services_.trayIcon.Add(kProgramTitle);
+      Hide();
+      break;
+    case kAbout:
+      showAbout();
+      break;
+    case kExit:
+      Unload();
+      break;
+  }
+}
+
+std::int16_t frmScriptcfg::SelectedSlot() {
+  std::int16_t slot = 0;
+  if (const auto node = treTasks.Selected()) {
+    services_.store.FindTaskIndex(treTasks.Nodes()[*node].text, slot);
+  }
+  return slot;
+}
+
+void frmScriptcfg::EnableTaskCommands(bool selected) {
+  const bool editable = selected && showEditor != nullptr;
+  cmdDelete.SetEnabled(selected);
+  mnuDelete.SetEnabled(selected);
+  cmdRun.SetEnabled(selected);
+  mnuRun.SetEnabled(selected);
+  cmdEdit.SetEnabled(editable);
+  mnuEdit.SetEnabled(editable);
+}
+
+void frmScriptcfg::Step(const std::function<void()>& step) {
+  int number = kInternalError;
+  try {
+    step();
+    return;
+  } catch (const Error& error) {
+    number = error.Number();
+  } catch (const std::exception&) {
+    // Logged as an internal error.
+  }
+  services_.files.Append(kStartupLog, "\"Error Code:" + std::to_string(number) + "\"" + kCrLf);
+}
+
+void frmScriptcfg::Start(const std::string& commandLine, const std::string& programFolder) {
+  Settings& settings = services_.settings;
+  TaskStore& store = services_.store;
+  const bool invisible = LowerCase(commandLine) == "invisible";
+
+  Step([&] { Load(); });
+  Step([&] {
+    services_.message.Load();
+    services_.message.SetTopMost(true);
+  });
+  // Read before the storage mode is known, so always from the user's own settings.
+  Step([&] {
+    fraInet.SetVisible(true);
+    ReadRemoteSettings();
+  });
+  Step([&] { settings.ReadStorageMode(); });
+  Step([&] {
+    if (settings.ReadSetting(kGeneral, "OnTop", "0") != "1") return;
+    mnuOnTop.SetChecked(true);
+    SetTopMost(true);
+  });
+  ReadProxySettings();
+  Step([&] {
+    programSettings.checkAutoUpdate =
+        ToInt16(settings.ReadSetting(kGeneral, "Check_Auto_Update", "0"));
+  });
+  Step([&] { store.ReadDateOrder(); });
+  Step([&] { CentreOnScreen(); });
+  Step([&] { store.SetProgramFolder(programFolder); });
+  Step([&] { BuildTaskTree(); });
+
+  const bool canEdit = showEditor != nullptr;
+  cmdNew.SetEnabled(canEdit);
+  mnuNew.SetEnabled(canEdit);
+  cmdAbout.SetEnabled(showAbout != nullptr);
+  mnuAbout.SetEnabled(showAbout != nullptr);
+  mnuSettings.SetEnabled(showSettings != nullptr);
+  // Until there is a server to switch.
+  for (forms::Control* control :
+       {static_cast<forms::Control*>(&optIneton), static_cast<forms::Control*>(&optInetoff)}) {
+    control->SetEnabled(false);
+  }
+  mnuInternet.SetEnabled(false);
+
+  services_.scheduler.tmrSched.Start();
+  if (!invisible) Show();
+}
+
+void frmScriptcfg::ReadRemoteSettings() {
+  Settings& settings = services_.settings;
+  RemoteSettings& remote = programSettings.remote;
+  settings.ReadSetting(kGeneral, "Inet_Passwd", "", remote.password);
+  remote.passwordRequired = settings.ReadSetting(kGeneral, "Inet_Passwd_Required", "") == "1";
+  remote.chatAutoAccept = settings.ReadSetting(kGeneral, "Inet_Chat_Auto", "") == "1";
+  settings.ReadSetting(kGeneral, "Inet_ServerPort", "", remote.serverPort);
+  remote.serverOn = settings.ReadSetting(kGeneral, "Inet_ServerOn", "") == "1";
+}
+
+void frmScriptcfg::ReadProxySettings() {
+  Settings& settings = services_.settings;
+  ProxySettings& proxy = programSettings.proxy;
+  Step([&] { settings.ReadSetting(kGeneral, "Proxy", "0", proxy.host); });
+  if (proxy.host.empty()) return;
+  Step([&] { proxy.port = ToInt16(settings.ReadSetting(kGeneral, "ProxyPort", "0")); });
+  Step([&] { proxy.ftpThroughProxy = ToInt16(settings.ReadSetting(kInternet, "Proxy FTP", "0")); });
+}
+
+void frmScriptcfg::BuildTaskTree() {
+  TaskStore& store = services_.store;
+  TreeUpdate update(treTasks);
+  treTasks.Clear();
+  EnableTaskCommands(false);
+  const std::int16_t count = store.NoTasks();
+  for (int i = 1; i <= count; ++i) {
+    const auto slot = static_cast<std::int16_t>(i);
+    const std::string description = services_.sched.DescribeTask(slot);
+    const std::string group = store.CurrentTask.group;
+    // Any node of that text will do, in the order of their making.
+    std::optional<forms::TreeView::NodeId> parent;
+    for (std::size_t id = 0; id < treTasks.Nodes().size() && !parent; ++id) {
+      if (treTasks.Nodes()[id].text == group) parent = id;
+    }
+    if (!parent) {
+      parent = treTasks.Add({.parent = std::nullopt,
+                             .key = "g " + group,
+                             .text = group,
+                             .image = "GROUP",
+                             .selectedImage = "GROUP"});
+    }
+    const auto node = treTasks.Add({.parent = parent,
+                                    .key = "t " + description,
+                                    .text = description,
+                                    .image = "TASK",
+                                    .selectedImage = "TASK_SELECTED"});
+    treTasks.EnsureVisible(node);
+  }
+}
+
+void frmScriptcfg::OnUnload() {
+  services_.scheduler.tmrSched.Stop();
+  services_.trayIcon.Remove();
+  services_.message.Unload();
+  services_.settings.WriteSetting(kGeneral, "OnTop", mnuOnTop.Checked() ? "1" : "0");
+  if (onEnded) onEnded();
+}
+
+}  // namespace orvanto

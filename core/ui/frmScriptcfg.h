@@ -1,0 +1,87 @@
+// The main window: the tree of tasks and the commands on them, the caption clock, the tray, and the
+// area of the remote control, whose handlers belong to its server.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "core/ProgramSettings.h"
+#include "platform/forms.h"
+
+namespace orvanto {
+
+class Clock;
+class Files;
+class Sched;
+class Scheduler;
+class Settings;
+class TaskExecution;
+class TaskStore;
+class TrayIcon;
+class frmmsg;
+
+class frmScriptcfg : public forms::Form {
+ public:
+  struct Services {
+    Settings& settings;
+    TaskStore& store;
+    Sched& sched;
+    Scheduler& scheduler;
+    TaskExecution& execution;
+    const Clock& clock;
+    Files& files;
+    TrayIcon& trayIcon;
+    frmmsg& message;
+  };
+  frmScriptcfg(forms::FormHost& host, const Services& services);
+
+  // The windows that commands open; a command without its window is disabled. Set before Start.
+  std::function<void(bool newTask, std::int16_t slot)> showEditor;
+  std::function<void()> showAbout;
+  std::function<void()> showSettings;
+
+  // The window has been unloaded: the program ends.
+  std::function<void()> onEnded;
+
+  // Loads the program's state and the window, in the order that start-up is defined in, and shows
+  // it unless the command line is "invisible". A step that fails is logged in ORVTASK.LOG and the
+  // next one follows.
+  void Start(const std::string& commandLine, const std::string& programFolder);
+
+  // Reads the store anew. The selection is lost. Throws Error 9 behind the hundredth task.
+  void BuildTaskTree();
+
+  ProgramSettings programSettings;
+
+  forms::TreeView treTasks;
+  // Created column by column: the order is the tab order.
+  forms::Button cmdNew, cmdDelete, cmdEdit, cmdRun, cmdSystemTray, cmdAbout, cmdExit;
+  forms::Frame fraInet;
+  forms::OptionButton optIneton, optInetoff;
+  forms::Frame fraServer;
+  forms::Label lblConnectionFrom, lblIpclient, lblNoConnection;
+  forms::Lamp shpServeryes, shpServerno;
+  forms::TextBox txtServer;
+  forms::Button cmdChat, cmdKick;
+
+  forms::MenuItem mnuScheduler, mnuSettings, mnuOnTop, mnuSystemTray, mnuSeparator, mnuAbout,
+      mnuExit;
+  forms::MenuItem mnuTasks, mnuNew, mnuDelete, mnuEdit, mnuRun;
+  forms::MenuItem mnuInternet, mnuServer, mnuServeron, mnuServeroff, mnuServersetup, mnuInetchat,
+      mnuInetsendfile;
+
+ private:
+  enum Command { kNew, kDelete, kEdit, kRun, kTray, kAbout, kExit };
+  void WireCommands();
+  void OnCommand(Command command);
+  void OnUnload();
+  void ReadRemoteSettings();
+  void ReadProxySettings();
+  void Step(const std::function<void()>& step);
+  void EnableTaskCommands(bool selected);
+  std::int16_t SelectedSlot();
+
+  Services services_;
+};
+
+}  // namespace orvanto

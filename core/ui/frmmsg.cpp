@@ -1,0 +1,15 @@
+#include "core/ui/frmmsg.h"
+
+#include "platform/MessageBoxes.h"
+
+namespace orvanto {
+
+frmmsg::frmmsg(forms::FormHost& host)
+    : Form(host, kProgramTitle, {4500, 1725}),
+      lblMsg(*this, nullptr, "", {180, 180, 4140, 885}),
+      cmdOK(*this, nullptr, "&OK", {1635, 1185, 1230, 375}) {
+  cmdOK.onClick = [this] { Unload(); };
+  defaultButton = cancelButton = &cmdOK;
+}
+
+}  // namespace orvanto

@@ -1,0 +1,16 @@
+// The popup message of scripts: a small window above all others that blocks nothing.
+#pragma once
+
+#include "platform/forms.h"
+
+namespace orvanto {
+
+class frmmsg : public forms::Form {
+ public:
+  explicit frmmsg(forms::FormHost& host);
+
+  forms::Label lblMsg;
+  forms::Button cmdOK;  // unloads the form
+};
+
+}  // namespace orvanto
