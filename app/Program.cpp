@@ -39,9 +39,8 @@ struct Program::Parts {
                   nullptr),
         scheduler(platform.loop, platform.clock, store, sched, execution),
         message(platform.forms),
-        mainWindow(platform.forms,
-                   {settings, store, sched, scheduler, execution, platform.clock, platform.files,
-                    platform.trayIcon, message}) {}
+        mainWindow(platform.forms, {settings, store, sched, scheduler, execution, platform.clock,
+                                    platform.files, platform.trayIcon, message}) {}
 
   StartOptions options;
   Settings settings;
@@ -68,6 +67,30 @@ void Program::Start() {
   parts_->mainWindow.Start(parts_->options.commandLine, parts_->options.programFolder);
 }
 
-void Program::Quit() { parts_->mainWindow.Unload(); }
+void Program::Prepare() {
+  parts_->settings.ReadStorageMode();
+  parts_->store.ReadDateOrder();
+  parts_->store.SetProgramFolder(parts_->options.programFolder);
+}
+
+Settings& Program::GetSettings() {
+  return parts_->settings;
+}
+TaskStore& Program::Store() {
+  return parts_->store;
+}
+Sched& Program::GetSched() {
+  return parts_->sched;
+}
+TaskExecution& Program::Execution() {
+  return parts_->execution;
+}
+frmScriptcfg& Program::MainWindow() {
+  return parts_->mainWindow;
+}
+
+void Program::Quit() {
+  parts_->mainWindow.Unload();
+}
 
 }  // namespace orvanto

@@ -9,6 +9,11 @@
 
 namespace orvanto {
 
+class Sched;
+class Settings;
+class TaskExecution;
+class TaskStore;
+class frmScriptcfg;
 struct TaskRecord;
 
 struct StartOptions {
@@ -25,6 +30,16 @@ class Program {
 
   // Loads the main window, and shows it unless the command line says otherwise.
   void Start();
+
+  // Instead of Start, for one command without a window: reads what the task store needs to know.
+  // Throws Error for a storage mode that does not convert.
+  void Prepare();
+
+  Settings& GetSettings();
+  TaskStore& Store();
+  Sched& GetSched();
+  TaskExecution& Execution();
+  frmScriptcfg& MainWindow();
 
   // Ends the program from outside (a signal, the end of the session): unloads the main window.
   void Quit();

@@ -179,6 +179,10 @@ Status RegistryAccess::RegDeleteKeyAt(const std::string& rootName, const std::st
   return status == kFileNotFound ? kSuccess : status;
 }
 
+void Settings::ReadStorageMode() {
+  storageMode_ = ToInt16(ReadMachineSetting(kGeneral, "Users_Share", "0"));
+}
+
 const char* Settings::Root() const {
   switch (storageMode_) {
     case 0:

@@ -53,6 +53,8 @@ class Settings {
   // result stays as it was) and nothing is written.
   std::int16_t StorageMode() const { return storageMode_; }
   void SetStorageMode(std::int16_t mode) { storageMode_ = mode; }
+  // Takes it from the machine-wide `Users_Share`. Throws what ToInt16 throws; then it stays.
+  void ReadStorageMode();
 
   void ReadSetting(const std::string& section, const std::string& valueName,
                    const std::string& defaultValue, std::string& result);

@@ -1,6 +1,7 @@
 #include "core/modTaskOperations.h"
 
 #include "core/Convert.h"
+#include "core/Sched.h"
 
 namespace orvanto {
 namespace {
@@ -37,6 +38,15 @@ bool DayFitsMonth(std::int16_t day, std::int16_t month, std::int16_t year) {
 }
 
 }  // namespace
+
+void TaskStore::ReadDateOrder() {
+  DateOrderMonthFirst = DetectDateOrder(clock_).substr(0, 2) == "mm" ? 1 : 0;
+}
+
+void TaskStore::SetProgramFolder(const std::string& folder) {
+  // A drive's root ends with its backslash already.
+  AppDir = folder.size() == 3 ? folder : folder + "\\";
+}
 
 std::int16_t TaskStore::NoTasks() {
   const std::int16_t count = ToInt16Or(settings_.ReadSetting(kGeneral, kCount, "0"), -1);

@@ -29,10 +29,13 @@ class TaskStore {
   TaskRecord CurrentTask;
   std::string TaskValidationMessage;  // empty: valid
 
-  // 1 when the system's short date begins with the month. The host of the store sets it at start.
+  // 1 when the system's short date begins with the month; read at start.
   int DateOrderMonthFirst = 0;
+  void ReadDateOrder();
+
   // The program's folder with a backslash at its end.
   std::string AppDir;
+  void SetProgramFolder(const std::string& folder);
 
   // The number of slots. A count that does not convert is made good from the names that are there.
   std::int16_t NoTasks();

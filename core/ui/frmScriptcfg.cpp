@@ -190,9 +190,7 @@ void frmScriptcfg::Start(const std::string& commandLine, const std::string& prog
     fraInet.SetVisible(true);
     ReadRemoteSettings();
   });
-  Step([&] {
-    settings.SetStorageMode(ToInt16(settings.ReadMachineSetting(kGeneral, "Users_Share", "0")));
-  });
+  Step([&] { settings.ReadStorageMode(); });
   Step([&] {
     if (settings.ReadSetting(kGeneral, "OnTop", "0") != "1") return;
     mnuOnTop.SetChecked(true);
@@ -203,14 +201,9 @@ void frmScriptcfg::Start(const std::string& commandLine, const std::string& prog
     programSettings.checkAutoUpdate =
         ToInt16(settings.ReadSetting(kGeneral, "Check_Auto_Update", "0"));
   });
-  Step([&] {
-    store.DateOrderMonthFirst = DetectDateOrder(services_.clock).substr(0, 2) == "mm" ? 1 : 0;
-  });
+  Step([&] { store.ReadDateOrder(); });
   Step([&] { CentreOnScreen(); });
-  Step([&] {
-    // A drive's root ends with its backslash already.
-    store.AppDir = programFolder.size() == 3 ? programFolder : programFolder + "\\";
-  });
+  Step([&] { store.SetProgramFolder(programFolder); });
   Step([&] { BuildTaskTree(); });
 
   const bool canEdit = showEditor != nullptr;

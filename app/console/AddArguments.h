@@ -1,0 +1,24 @@
+// The words of `add`, taken apart.
+#pragma once
+
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "core/TaskRecord.h"
+
+namespace orvanto {
+
+// What makes a command line unusable, in words for the user.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// From the words behind `add`: the name and the options. Fills in all but the slot. What is only
+// invalid (a 31 April, a 25th hour) is left to the validation of tasks. Throws UsageError.
+TaskEntry ParseAddArguments(const std::vector<std::string>& words,
+                            const std::function<std::string(const std::string&)>& taskPath);
+
+}  // namespace orvanto

@@ -1,0 +1,189 @@
+#include "app/console/Commands.h"
+
+#include <array>
+
+#include "app/Program.h"
+#include "app/console/AddArguments.h"
+#include "core/Convert.h"
+#include "core/Sched.h"
+#include "core/TaskExecution.h"
+#include "core/modRegistry.h"
+#include "core/modTaskOperations.h"
+
+namespace orvanto {
+namespace {
+
+using Words = std::vector<std::string>;
+
+// The storage mode itself is always kept machine-wide.
+bool IsMachineSetting(const std::string& section, const std::string& name) {
+  return EqualIgnoringCase(section, kGeneral) && EqualIgnoringCase(name, "Users_Share");
+}
+
+int Refuse(const CommandContext& context, const std::string& message) {
+  context.err << message << "\n";
+  return kExitRefused;
+}
+
+int Finish(const CommandContext& context, RegistryChange& change) {
+  const Status status = change.Commit();
+  if (status == kSuccess) return 0;
+  return Refuse(context, "The registry could not be written (error " + std::to_string(status) +
+                             "). Nothing was changed.");
+}
+
+int Get(const Words& words, const CommandContext& context) {
+  Settings& settings = context.program.GetSettings();
+  // Two defaults tell a missing value from an empty one.
+  const auto read = [&](const char* missing) {
+    return IsMachineSetting(words[1], words[2])
+               ? settings.ReadMachineSetting(words[1], words[2], missing)
+               : settings.ReadSetting(words[1], words[2], missing);
+  };
+  const std::string text = read("");
+  if (text.empty() && read("missing") == "missing") {
+    return Refuse(context, "There is no value \"" + words[2] + "\" in \"" + words[1] + "\".");
+  }
+  context.out << text << "\n";
+  return 0;
+}
+
+int Set(const Words& words, const CommandContext& context) {
+  Settings& settings = context.program.GetSettings();
+  RegistryChange change(settings.Store());
+  if (IsMachineSetting(words[1], words[2])) {
+    settings.WriteMachineSetting(words[1], words[2], words[3]);
+  } else {
+    settings.WriteSetting(words[1], words[2], words[3]);
+  }
+  return Finish(context, change);
+}
+
+int List(const Words&, const CommandContext& context) {
+  TaskStore& store = context.program.Store();
+  const std::int16_t count = store.NoTasks();
+  for (int i = 1; i <= count; ++i) {
+    const auto slot = static_cast<std::int16_t>(i);
+    // A line that cannot be described still has its number and its name.
+    std::string line = i <= kMaxTasks ? context.program.GetSched().DescribeTask(slot) : "";
+    if (line.empty()) line = store.TaskName(slot);
+    context.out << i << ") " << line << "\n";
+  }
+  return 0;
+}
+
+int Add(const Words& words, const CommandContext& context) {
+  TaskEntry entry = ParseAddArguments({words.begin() + 1, words.end()}, context.taskPath);
+  TaskStore& store = context.program.Store();
+  // One change from the look at the list to the last write: two of us at once do not collide.
+  RegistryChange change(context.program.GetSettings().Store());
+  if (store.NoTasks() >= kMaxTasks) {
+    return Refuse(context, "The task list is full: it holds " + std::to_string(kMaxTasks) +
+                               " tasks. Delete one first.");
+  }
+  entry.index = static_cast<std::int16_t>(store.NoTasks() + 1);
+  store.ValidateTask(entry);
+  if (!store.TaskValidationMessage.empty()) return Refuse(context, store.TaskValidationMessage);
+  store.SaveTask(entry);
+  if (const int status = Finish(context, change); status != 0) return status;
+  if (entry.every > kEveryCodesThatFire) {
+    context.err << "Note: a task with the rule \"" << EveryName(entry.every)
+                << "\" is kept but never comes due.\n";
+  }
+  context.out << entry.index << ") " << context.program.GetSched().DescribeTask(entry.index)
+              << "\n";
+  return 0;
+}
+
+// The slot that a word names, or 0 with the refusal written.
+std::int16_t SlotOf(const std::string& word, const CommandContext& context) {
+  if (word.empty() || word.find_first_not_of("0123456789") != std::string::npos) {
+    throw UsageError("\"" + word + "\" is no task number.");
+  }
+  const std::int16_t slot = ToInt16Or(word, 0);
+  if (slot >= 1 && slot <= context.program.Store().NoTasks()) return slot;
+  Refuse(context, "There is no task " + word + ".");
+  return 0;
+}
+
+int Delete(const Words& words, const CommandContext& context) {
+  RegistryChange change(context.program.GetSettings().Store());
+  const std::int16_t slot = SlotOf(words[1], context);
+  if (slot == 0) return kExitRefused;
+  context.program.Store().DeleteTask(slot);
+  return Finish(context, change);
+}
+
+int Run(const Words& words, const CommandContext& context) {
+  const std::int16_t slot = SlotOf(words[1], context);
+  if (slot == 0) return kExitRefused;
+  context.program.Store().LoadTask(slot);
+  if (context.program.Store().CurrentTask.taskType == kRunScript) {
+    return Refuse(context, "This version does not run automation scripts yet.");
+  }
+  context.program.Execution().RunTask(slot);
+  return 0;
+}
+
+struct Command {
+  const char* name;
+  std::size_t leastWords;  // the command itself included
+  std::size_t mostWords;
+  int (*run)(const Words&, const CommandContext&);
+  const char* usage;
+};
+
+constexpr std::size_t kAnyNumber = 1000;
+
+constexpr std::array<Command, 6> kCommands{{
+    {"get", 3, 3, Get, "get SECTION NAME              print a setting"},
+    {"set", 4, 4, Set, "set SECTION NAME TEXT         store a setting"},
+    {"list", 1, 1, List, "list                          print the tasks with their numbers"},
+    {"add", 2, kAnyNumber, Add,
+     "add NAME --at HH:MM WHEN WHAT [--group G]\n"
+     "      WHEN  --once DATE | --every TEXT [--in TEXT] | --day N\n"
+     "      WHAT  --script F | --program F [--params T] [--window N] | --print F |\n"
+     "            --reset | --shutdown | --message T | --sound F"},
+    {"delete", 2, 2, Delete, "delete N                      delete task N"},
+    {"run", 2, 2, Run, "run N                         run task N now, in this process"},
+}};
+
+const Command* FindCommand(const std::string& word) {
+  for (const Command& command : kCommands) {
+    if (word == command.name) return &command;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+void PrintUsage(std::ostream& out) {
+  out << "Usage: orvanto [--home DIR] [invisible]   run the scheduler\n"
+         "       orvanto [--home DIR] COMMAND\n"
+         "Commands:\n";
+  for (const Command& command : kCommands) out << "  " << command.usage << "\n";
+  out << "Dates are in the system's order; rules are texts like \"Every Weekday\" and \"March\".\n";
+}
+
+bool IsCommand(const std::string& word) {
+  return FindCommand(word) != nullptr;
+}
+
+int RunCommand(const std::vector<std::string>& words, const CommandContext& context) {
+  try {
+    const Command* command = words.empty() ? nullptr : FindCommand(words[0]);
+    if (command == nullptr) throw UsageError("There is no such command.");
+    if (words.size() < command->leastWords || words.size() > command->mostWords) {
+      throw UsageError("The command " + words[0] + " is used differently.");
+    }
+    return command->run(words, context);
+  } catch (const UsageError& error) {
+    context.err << error.what() << "\n";
+    PrintUsage(context.err);
+    return kExitUsage;
+  } catch (const Error& error) {
+    return Refuse(context, error.what());
+  }
+}
+
+}  // namespace orvanto

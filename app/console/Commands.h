@@ -1,0 +1,32 @@
+// The commands of the console program: one change or question, then the end.
+#pragma once
+
+#include <functional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace orvanto {
+
+class Program;
+
+inline constexpr int kExitRefused = 1;  // understood, but not valid: nothing was stored
+inline constexpr int kExitUsage = 2;    // not understood
+
+void PrintUsage(std::ostream& out);
+
+// True when the word is the name of a command.
+bool IsCommand(const std::string& word);
+
+struct CommandContext {
+  Program& program;  // prepared, not started
+  std::ostream& out;
+  std::ostream& err;
+  // A file as the user names it on this system, as a task stores it.
+  std::function<std::string(const std::string&)> taskPath;
+};
+
+// Carries out `words` (the command and its arguments) and returns the exit status.
+int RunCommand(const std::vector<std::string>& words, const CommandContext& context);
+
+}  // namespace orvanto

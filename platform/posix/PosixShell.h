@@ -1,0 +1,32 @@
+// Starting programs and handing documents to the desktop's programs.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/Shell.h"
+
+namespace orvanto::posix {
+
+// What the file of a request names.
+struct ShellTarget {
+  std::string path;                    // of this system, absolute
+  std::vector<std::string> arguments;  // the rest of the text, parted at blanks outside quotes
+  bool operator==(const ShellTarget&) const = default;
+};
+
+// A text that is an existing file as a whole is that file. Otherwise the shortest beginning before
+// a blank that is an existing file or a program on PATH is taken, and the rest are its arguments; a
+// beginning in double quotes is taken as it stands. Arguments that begin with "Z:\" become paths of
+// this system. Nothing when no beginning exists.
+std::optional<ShellTarget> FindShellTarget(const std::string& text);
+
+// An executable file is run; "open" hands everything else to xdg-open, "print" to lp or lpr. The
+// show command means nothing here.
+class PosixShell : public Shell {
+ public:
+  bool Execute(const ShellRequest& request) override;
+};
+
+}  // namespace orvanto::posix

@@ -1,0 +1,116 @@
+#include "platform/posix/TerminalMessageBoxes.h"
+
+#include <poll.h>
+
+#include <cerrno>
+#include <string>
+
+#include "platform/RegistryTree.h"
+#include "platform/posix/Descriptor.h"
+
+namespace orvanto::posix {
+namespace {
+
+Answer SafeAnswer(Buttons buttons) {
+  switch (buttons) {
+    case Buttons::OkCancel:
+      return Answer::Cancel;
+    case Buttons::YesNo:
+      return Answer::No;
+    default:
+      return Answer::Ok;
+  }
+}
+
+const char* Prompt(Buttons buttons) {
+  switch (buttons) {
+    case Buttons::OkCancel:
+      return "[o]k/[c]ancel: ";
+    case Buttons::YesNo:
+      return "[y]es/[n]o: ";
+    default:
+      return "[Enter] ";
+  }
+}
+
+std::optional<Answer> Understand(const std::string& line, Buttons buttons) {
+  const std::string word = RegistryTree::Fold(line);
+  switch (buttons) {
+    case Buttons::OkCancel:
+      if (word == "o" || word == "ok") return Answer::Ok;
+      if (word == "c" || word == "cancel") return Answer::Cancel;
+      return std::nullopt;
+    case Buttons::YesNo:
+      if (word == "y" || word == "yes") return Answer::Yes;
+      if (word == "n" || word == "no") return Answer::No;
+      return std::nullopt;
+    default:
+      return Answer::Ok;
+  }
+}
+
+// The text may come from a remote computer.
+std::string Printable(const std::string& text) {
+  std::string printable;
+  for (const char c : text) {
+    if (c == '\r') continue;
+    const bool control =
+        (static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t') || c == 0x7F;
+    printable += control ? '?' : c;
+  }
+  return printable;
+}
+
+}  // namespace
+
+Answer TerminalMessageBoxes::Show(const std::string& text, const std::string& title,
+                                  Buttons buttons, BoxIcon) {
+  const EventLoop::Hold hold(loop_);
+  if (!CanAsk()) {
+    Print(Printable(title + ": " + text) + '\n');
+    return SafeAnswer(buttons);
+  }
+  Print(Printable(title + '\n' + text) + '\n');
+  for (;;) {
+    Print(Prompt(buttons));
+    const std::optional<std::string> line = ReadLine();
+    if (!line) {
+      Print("\n");
+      return SafeAnswer(buttons);
+    }
+    if (const auto answer = Understand(*line, buttons)) return *answer;
+  }
+}
+
+bool TerminalMessageBoxes::CanAsk() const {
+  if (::isatty(input_) == 0 || ::isatty(output_) == 0) return false;
+  // In the background, reading from the terminal would stop the program.
+  const pid_t foreground = ::tcgetpgrp(input_);
+  return foreground < 0 || foreground == ::getpgrp();
+}
+
+void TerminalMessageBoxes::Print(const std::string& text) const {
+  WriteAll(output_, text.data(), text.size());
+}
+
+// A line without blanks around it; nothing at the end of the input or when a signal came.
+std::optional<std::string> TerminalMessageBoxes::ReadLine() const {
+  std::string line;
+  for (;;) {
+    pollfd waited[] = {{input_, POLLIN, 0}, {loop_.SignalFd(), POLLIN, 0}};
+    if (::poll(waited, 2, -1) < 0) {
+      if (errno == EINTR) continue;
+      return std::nullopt;
+    }
+    if (waited[1].revents != 0) return std::nullopt;
+    // Byte by byte: what follows the line belongs to somebody else.
+    char c = 0;
+    const ssize_t count = ::read(input_, &c, 1);
+    if (count < 0 && (errno == EINTR || errno == EAGAIN)) continue;
+    if (count <= 0) return std::nullopt;
+    if (c == '\n') return line;
+    if (c != ' ' && c != '\t' && c != '\r') line += c;
+  }
+}
+
+}  // namespace orvanto::posix

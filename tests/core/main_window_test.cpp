@@ -1,0 +1,186 @@
+#include <gtest/gtest.h>
+
+#include "core/ui/frmScriptcfg.h"
+#include "core/ui/frmmsg.h"
+#include "tests/core/CoreDesk.h"
+
+namespace orvanto {
+namespace {
+
+class MainWindowTest : public testing::Test, public CoreDesk {
+ protected:
+  MainWindowTest() {
+    window.onEnded = [this] { loop.Quit(); };
+  }
+  void Start(const std::string& commandLine = "") { window.Start(commandLine, "C:\\Orvanto"); }
+  void InGroup(const std::string& name, const std::string& group) {
+    Add(name, "10:00", [&](TaskEntry& entry) { entry.group = group; });
+  }
+  // The tree, one line a node, indented below its parent.
+  std::vector<std::string> Lines() const {
+    std::vector<std::string> lines;
+    for (const auto& node : window.treTasks.Nodes()) {
+      lines.push_back((node.parent ? window.treTasks.Nodes()[*node.parent].text + "/" : "") +
+                      node.text.substr(0, node.text.find(" | ")));
+    }
+    return lines;
+  }
+  void Click(const std::string& name) {
+    for (std::size_t id = 0; id < window.treTasks.Nodes().size(); ++id) {
+      if (window.treTasks.Nodes()[id].text.substr(0, name.size()) != name) continue;
+      ASSERT_TRUE(window.treTasks.ClickNode(id));
+      return;
+    }
+    FAIL() << "no node " << name;
+  }
+  std::string Stored(const char* value) { return settings.ReadSetting(kGeneral, value, "?"); }
+
+  frmmsg message{forms};
+  frmScriptcfg window{
+      forms, {settings, store, sched, scheduler, execution, clock, files, trayIcon, message}};
+};
+
+using NodeLines = std::vector<std::string>;
+
+TEST_F(MainWindowTest, GroupsStandInOrderOfTheirFirstTask) {
+  InGroup("One", "B");
+  InGroup("Two", "A");
+  InGroup("Three", "B");
+  InGroup("Four", "");
+  Start();
+  EXPECT_EQ(Lines(), (NodeLines{"B", "B/One", "A", "A/Two", "B/Three", "General", "General/Four"}));
+  EXPECT_TRUE(window.treTasks.Nodes()[0].expanded);
+  EXPECT_EQ(window.treTasks.Nodes()[0].key, "g B");
+  EXPECT_EQ(window.treTasks.Nodes()[1].key,
+            "t One | Popup Message | 10:00 on Every Day In Every Month");
+  EXPECT_NE(window.treTasks.Nodes()[0].image, window.treTasks.Nodes()[1].image);
+}
+
+TEST_F(MainWindowTest, CommandsAreOfferedWhenANodeIsSelected) {
+  InGroup("One", "G");
+  Start();
+  EXPECT_FALSE(window.cmdDelete.Press());
+  EXPECT_FALSE(window.cmdRun.Press());
+  EXPECT_FALSE(window.mnuRun.Choose());
+  EXPECT_FALSE(window.cmdNew.Press()) << "there is no editor";
+  EXPECT_FALSE(window.mnuSettings.Choose());
+  Click("One");
+  EXPECT_FALSE(window.cmdEdit.Press());
+  messageBoxes.expected = {{"One"}, {"One"}};
+  EXPECT_TRUE(window.cmdRun.Press());
+  EXPECT_TRUE(window.mnuRun.Choose());
+  EXPECT_TRUE(messageBoxes.expected.empty());
+  EXPECT_TRUE(window.mnuDelete.Choose());
+  EXPECT_TRUE(Lines().empty());
+  EXPECT_FALSE(window.cmdDelete.Press());
+  EXPECT_FALSE(window.mnuRun.Choose());
+}
+
+TEST_F(MainWindowTest, AGroupNodeNamesNoTask) {
+  InGroup("One", "G");
+  Start();
+  Click("G");
+  EXPECT_TRUE(window.cmdRun.Press());
+  EXPECT_TRUE(window.cmdDelete.Press());
+  EXPECT_EQ(store.NoTasks(), 1);
+}
+
+TEST_F(MainWindowTest, TheEditorGetsTheSlot) {
+  InGroup("One", "G");
+  InGroup("Two", "G");
+  std::vector<std::pair<bool, int>> shown;
+  window.showEditor = [&](bool newTask, std::int16_t slot) { shown.emplace_back(newTask, slot); };
+  Start();
+  EXPECT_TRUE(window.cmdNew.Press());
+  Click("Two");
+  EXPECT_TRUE(window.mnuEdit.Choose());
+  EXPECT_EQ(shown, (std::vector<std::pair<bool, int>>{{true, 3}, {false, 2}}));
+}
+
+TEST_F(MainWindowTest, TheTrayTakesTheWindowAndADoubleClickBringsItBack) {
+  Start();
+  EXPECT_TRUE(window.Visible());
+  EXPECT_TRUE(window.cmdSystemTray.Press());
+  EXPECT_FALSE(window.Visible());
+  EXPECT_TRUE(trayIcon.added);
+  EXPECT_EQ(trayIcon.shownTip, "Orvanto");
+  for (const int ignored : {kMouseMove, kLeftDown, kLeftUp, kRightUp}) trayIcon.onMouse(ignored);
+  EXPECT_FALSE(window.Visible());
+  Add("In the tray", "14:05", [](TaskEntry& entry) { entry.taskType = kShutdownComputer; });
+  loop.Advance(60000);
+  EXPECT_EQ(session.ends.size(), 1U);
+  trayIcon.onMouse(kLeftDoubleClick);
+  EXPECT_TRUE(window.Visible());
+  EXPECT_FALSE(trayIcon.added);
+}
+
+TEST_F(MainWindowTest, InvisibleInAnyCaseHidesTheWindowAndTasksRun) {
+  Add("Hidden", "14:05");
+  messageBoxes.expected = {{"Hidden"}};
+  Start("INVisible");
+  loop.Advance(31000);
+  EXPECT_FALSE(window.Visible());
+  EXPECT_TRUE(messageBoxes.expected.empty());
+  EXPECT_EQ(window.Caption(), "Orvanto - 14:05");
+}
+
+TEST_F(MainWindowTest, AlwaysOnTopIsKeptFromOneRunToTheNext) {
+  settings.WriteSetting(kGeneral, "OnTop", "1");
+  Start();
+  EXPECT_TRUE(window.TopMost());
+  EXPECT_TRUE(window.mnuOnTop.Checked());
+  EXPECT_TRUE(window.mnuOnTop.Choose());
+  EXPECT_FALSE(window.TopMost());
+  EXPECT_TRUE(window.cmdExit.Press());
+  EXPECT_EQ(Stored("OnTop"), "0");
+  EXPECT_FALSE(message.Loaded());
+  EXPECT_TRUE(loop.QuitRequested());
+  EXPECT_FALSE(scheduler.tmrSched.Enabled());
+}
+
+TEST_F(MainWindowTest, RemoteSettingsAreReadBeforeTheStorageMode) {
+  for (const std::int16_t mode : {0, 1}) {
+    settings.SetStorageMode(mode);
+    settings.WriteSetting(kGeneral, "Inet_Passwd", mode == 0 ? "user" : "machine");
+    settings.WriteSetting(kGeneral, "OnTop", mode == 0 ? "0" : "1");
+  }
+  settings.SetStorageMode(0);
+  settings.WriteSetting(kGeneral, "Inet_Passwd_Required", "1");
+  settings.WriteSetting(kGeneral, "Inet_Chat_Auto", "yes");
+  settings.WriteMachineSetting(kGeneral, "Users_Share", "1");
+  Start();
+  EXPECT_EQ(window.programSettings.remote.password, "user");
+  EXPECT_EQ(window.programSettings.remote.passwordRequired, 1);
+  EXPECT_EQ(window.programSettings.remote.chatAutoAccept, 0);
+  EXPECT_EQ(window.programSettings.remote.serverPort, "");
+  EXPECT_TRUE(window.TopMost());
+  EXPECT_TRUE(message.TopMost());
+  EXPECT_EQ(window.programSettings.proxy.host, "0");
+  EXPECT_EQ(window.programSettings.proxy.port, 0);
+}
+
+TEST_F(MainWindowTest, AFailedStepIsLoggedAndTheNextOnesFollow) {
+  settings.WriteMachineSetting(kGeneral, "Users_Share", "both");
+  settings.WriteSetting(kGeneral, "ProxyPort", "70000");
+  settings.WriteSetting(kGeneral, "NoTasks", "101");
+  files.contents["ORVTASK.LOG"] = "\"Error Code:53\"\r\n";
+  clock.shortDateOrder = "m/d/y";
+  Start();
+  EXPECT_EQ(files.contents["ORVTASK.LOG"],
+            "\"Error Code:53\"\r\n\"Error Code:13\"\r\n\"Error Code:6\"\r\n\"Error Code:9\"\r\n");
+  EXPECT_EQ(store.DateOrderMonthFirst, 1);
+  EXPECT_EQ(store.AppDir, "C:\\Orvanto\\");
+  EXPECT_TRUE(window.Visible());
+  EXPECT_TRUE(scheduler.tmrSched.Enabled());
+  // The first hundred are shown all the same: their one group and themselves.
+  EXPECT_EQ(Lines().size(), 101U);
+}
+
+TEST_F(MainWindowTest, TheWindowIsCentred) {
+  Start();
+  EXPECT_EQ(window.Left(), (1280 * 15 - window.ClientSize().width) / 2);
+  EXPECT_EQ(window.Top(), (800 * 15 - window.ClientSize().height) / 2);
+}
+
+}  // namespace
+}  // namespace orvanto

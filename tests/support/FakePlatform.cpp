@@ -1,0 +1,161 @@
+#include "tests/support/FakePlatform.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+
+namespace orvanto {
+namespace {
+
+constexpr std::int64_t kDay = 24LL * 60 * 60 * 1000;
+
+std::chrono::sys_days Date(int year, int month, int day) {
+  return std::chrono::year(year) / month / day;
+}
+
+}  // namespace
+
+DateTime FakeClock::Now() const {
+  const std::chrono::sys_days days{std::chrono::days(now_ / kDay)};
+  const std::chrono::year_month_day date(days);
+  const int seconds = static_cast<int>(now_ % kDay / 1000);
+  DateTime now;
+  now.year = int{date.year()};
+  now.month = static_cast<int>(unsigned{date.month()});
+  now.day = static_cast<int>(unsigned{date.day()});
+  now.hour = seconds / 3600;
+  now.minute = seconds / 60 % 60;
+  now.second = seconds % 60;
+  now.weekday = static_cast<int>(std::chrono::weekday(days).c_encoding()) + 1;
+  return now;
+}
+
+std::string FakeClock::ShortDate(int year, int month, int day) const {
+  std::string text;
+  for (const char c : shortDateOrder) {
+    if (c == 'd') {
+      text += std::to_string(day);
+    } else if (c == 'm') {
+      text += std::to_string(month);
+    } else if (c == 'y') {
+      text += std::to_string(year);
+    } else {
+      text += c;
+    }
+  }
+  return text;
+}
+
+void FakeClock::Set(int year, int month, int day, int hour, int minute, int second,
+                    int millisecond) {
+  now_ = Date(year, month, day).time_since_epoch().count() * kDay +
+         ((hour * 60 + minute) * 60 + second) * 1000LL + millisecond;
+}
+
+class FakeLoop::FakeTimer : public Timer {
+ public:
+  FakeTimer(FakeLoop& loop, std::function<void()> handler)
+      : loop_(loop), handler_(std::move(handler)) {
+    loop_.timers_.push_back(this);
+  }
+  ~FakeTimer() override { loop_.timers_.remove(this); }
+
+  void Start(std::chrono::milliseconds interval) override {
+    interval_ = std::max<std::int64_t>(1, interval.count());
+    deadline_ = loop_.monotonic_ + interval_;
+    enabled_ = true;
+  }
+  void Stop() override { enabled_ = false; }
+  bool Enabled() const override { return enabled_; }
+
+  std::int64_t Deadline() const { return deadline_; }
+  void Deliver() {
+    deadline_ += (loop_.monotonic_ - deadline_) / interval_ * interval_ + interval_;
+    handler_();
+  }
+
+ private:
+  FakeLoop& loop_;
+  std::function<void()> handler_;
+  std::int64_t interval_ = 1;
+  std::int64_t deadline_ = 0;
+  bool enabled_ = false;
+};
+
+std::unique_ptr<Timer> FakeLoop::NewTimer(std::function<void()> handler) {
+  return std::make_unique<FakeTimer>(*this, std::move(handler));
+}
+
+void FakeLoop::Pass(std::int64_t milliseconds) {
+  monotonic_ += milliseconds;
+  clock_.Move(milliseconds);
+}
+
+void FakeLoop::Block(std::int64_t milliseconds) {
+  Pass(milliseconds);
+}
+
+void FakeLoop::Run() {
+  DoEvents();
+}
+
+void FakeLoop::DoEvents() {
+  if (held_ > 0) return;
+  for (std::size_t left = posted_.size(); left > 0 && !posted_.empty(); --left) {
+    const auto work = std::move(posted_.front());
+    posted_.pop_front();
+    work();
+  }
+  while (DeliverNext(monotonic_)) {
+  }
+}
+
+bool FakeLoop::DeliverNext(std::int64_t until) {
+  FakeTimer* next = nullptr;
+  for (FakeTimer* timer : timers_) {
+    if (!timer->Enabled() || timer->Deadline() > until) continue;
+    if (next == nullptr || timer->Deadline() < next->Deadline()) next = timer;
+  }
+  if (next == nullptr) return false;
+  if (next->Deadline() > monotonic_) Pass(next->Deadline() - monotonic_);
+  if (lateness) Pass(lateness());
+  next->Deliver();
+  return true;
+}
+
+void FakeLoop::Advance(std::int64_t milliseconds) {
+  const std::int64_t until = monotonic_ + milliseconds;
+  DoEvents();
+  while (monotonic_ < until && DeliverNext(until)) {
+  }
+  if (monotonic_ < until) Pass(until - monotonic_);
+}
+
+bool FakeFiles::Exists(const std::string& path) const {
+  const auto same = [&](const auto& file) {
+    return RegistryTree::Fold(file.first) == RegistryTree::Fold(path);
+  };
+  return std::any_of(contents.begin(), contents.end(), same);
+}
+
+bool FakeFiles::Append(const std::string& path, const std::string& bytes) {
+  contents[path] += bytes;
+  return true;
+}
+
+Answer FakeMessageBoxes::Show(const std::string& text, const std::string&, Buttons buttons,
+                              BoxIcon) {
+  if (expected.empty()) {
+    ADD_FAILURE() << "unexpected message box: " << text;
+    return buttons == Buttons::Ok ? Answer::Ok
+                                  : (buttons == Buttons::YesNo ? Answer::No : Answer::Cancel);
+  }
+  const Expected box = std::move(expected.front());
+  expected.pop_front();
+  EXPECT_EQ(text, box.text);
+  if (box.whileOpen) box.whileOpen();
+  return box.answer;
+}
+
+}  // namespace orvanto
