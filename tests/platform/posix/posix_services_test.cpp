@@ -118,7 +118,7 @@ class ProgramsTest : public testing::Test {
                            "{ printf '%s' \"${0##*/}\"; for a; do printf '|%s' \"$a\"; done\n"
                            "echo; pwd; /bin/readlink /proc/$$/fd/0\n"
                            "[ -e /proc/$$/fd/57 ] && echo leaked\n"
-                           "/bin/grep -E 'SigBlk|SigIgn' /proc/$$/status\n"
+                           "/bin/grep -E 'SigBlk|SigIgn' /proc/self/status\n"
                            "/usr/bin/cut -d' ' -f6 /proc/$$/stat; } > \"$RECORD.part\"\n"
                            "/bin/mv \"$RECORD.part\" \"$RECORD\"\n";
     fs::permissions(path, fs::perms::owner_all);
