@@ -104,13 +104,14 @@ std::string DescribeWhen(const TaskRecord& task, int dateOrderMonthFirst, const 
 
 std::string DetectDateOrder(const Clock& clock) {
   std::vector<int> fields;
-  std::optional<int> field;
+  constexpr int kNoField = -1;
+  int field = kNoField;
   for (const char c : clock.ShortDate(1958, 8, 25) + "/") {
     if (c >= '0' && c <= '9') {
-      field = field.value_or(0) % 10000 * 10 + (c - '0');
-    } else if (field) {
-      fields.push_back(*field);
-      field.reset();
+      field = std::max(field, 0) % 10000 * 10 + (c - '0');
+    } else if (field != kNoField) {
+      fields.push_back(field);
+      field = kNoField;
     }
   }
   std::string pattern;

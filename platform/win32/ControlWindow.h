@@ -1,0 +1,60 @@
+// The windows of the controls. Each kind is a class of its own; MakeControlWindow is the one place
+// that lists them.
+#pragma once
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <memory>
+
+#include "platform/forms.h"
+#include "platform/win32/Handle.h"
+
+namespace orvanto::win32 {
+
+// Made and used by the form's window, which calls nothing of it any more once the control may be
+// gone. All windows stand side by side on the form, so a frame is one that the others lie on.
+class ControlWindow {
+ public:
+  struct Look {
+    const wchar_t* windowClass;
+    DWORD style;
+    DWORD extendedStyle = 0;
+  };
+
+  ControlWindow(forms::Control& control, const Look& look, HWND parent, int id);
+  ControlWindow(const ControlWindow&) = delete;
+  ControlWindow& operator=(const ControlWindow&) = delete;
+  virtual ~ControlWindow() = default;
+
+  HWND Get() const { return window_; }
+  forms::Control& GetControl() const { return control_; }
+
+  // From the control to the window. Bounds, Visible and Enabled are the form window's business.
+  virtual void Mirror(forms::Property property);
+  // Once after creation, and again when font, images and scale have changed.
+  virtual void Rescale(UINT /*dpi*/) {}
+
+  // From the user to the control; may unload the form or run the loop.
+  virtual void OnCommand(WORD /*code*/) {}
+  // `person` is false while the report is only the echo of a change of our own.
+  virtual LRESULT OnNotify(const NMHDR& /*header*/, bool /*person*/) { return 0; }
+
+  virtual void OnDraw(const DRAWITEMSTRUCT& /*draw*/) const {}
+
+ protected:
+  void SetWindowTextIfOther(const std::string& text) const;
+
+  HWND window_;  // destroyed with its parent
+
+ private:
+  forms::Control& control_;
+};
+
+std::unique_ptr<ControlWindow> MakeControlWindow(forms::Control& control, HWND parent, int id);
+
+// The text of a window, as UTF-8.
+std::string WindowText(HWND window);
+
+}  // namespace orvanto::win32

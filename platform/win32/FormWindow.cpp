@@ -1,0 +1,413 @@
+#include "platform/win32/FormWindow.h"
+
+#include <string>
+#include <utility>
+
+#include "platform/win32/HiddenWindow.h"
+#include "platform/win32/Scale.h"
+#include "platform/win32/Text.h"
+
+namespace orvanto::win32 {
+
+using forms::FormProperty;
+using forms::Kind;
+using forms::Property;
+
+namespace {
+
+constexpr const wchar_t* kWindowClass = L"OrvantoForm";
+constexpr UINT kDestroy = WM_APP;
+constexpr UINT kFirstControl = 100;  // above IDOK and IDCANCEL
+constexpr UINT kFirstMenuItem = 0x1000;
+
+// Counts up as long as the scope lasts.
+class Scope {
+ public:
+  explicit Scope(int& count) : count_(count) { ++count_; }
+  ~Scope() { --count_; }
+  Scope(const Scope&) = delete;
+  Scope& operator=(const Scope&) = delete;
+
+ private:
+  int& count_;
+};
+
+DWORD StyleOf(const forms::Form& form) {
+  return WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | (form.minimizeButton ? WS_MINIMIZEBOX : 0);
+}
+
+DWORD ExtendedStyleOf(const forms::Form& form) {
+  return form.minimizeButton ? 0 : DWORD{WS_EX_DLGMODALFRAME};
+}
+
+void RegisterFormClass(WNDPROC procedure) {
+  WNDCLASSEXW windowClass = {};
+  windowClass.cbSize = sizeof windowClass;
+  if (GetClassInfoExW(ThisModule(), kWindowClass, &windowClass)) return;
+  windowClass.hInstance = ThisModule();
+  windowClass.lpszClassName = kWindowClass;
+  windowClass.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));  // IDC_ARROW
+  windowClass.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
+  windowClass.lpfnWndProc = procedure;
+  RegisterClassExW(&windowClass);
+}
+
+HFONT MessageFont(UINT dpi) {
+  NONCLIENTMETRICSW metrics = {};
+  metrics.cbSize = sizeof metrics;
+  SystemParametersInfoForDpi(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0, dpi);
+  return CreateFontIndirectW(&metrics.lfMessageFont);
+}
+
+}  // namespace
+
+SIZE OuterSize(const forms::Form& form, UINT dpi) {
+  RECT outer = {0, 0, ToPixels(form.ClientSize().width, dpi),
+                ToPixels(form.ClientSize().height, dpi)};
+  AdjustWindowRectExForDpi(&outer, StyleOf(form), !form.MenuBar().empty(), ExtendedStyleOf(form),
+                           dpi);
+  return {outer.right - outer.left, outer.bottom - outer.top};
+}
+
+FormWindow::FormWindow(forms::Form& form, HWND owner, std::function<void(FormWindow&)> gone)
+    : form_(&form), gone_(std::move(gone)) {
+  const Scope mirroring(mirroring_);
+  MakeWindow(owner);
+  MakeControls();
+  Rescale();
+  const SIZE size = OuterSize(form, dpi_);
+  SetWindowPos(window_, nullptr, 0, 0, size.cx, size.cy,
+               SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+  if (form.Left() != 0 || form.Top() != 0) MoveToPosition();
+  if (form.TopMost()) FormChanged(FormProperty::TopMost);
+}
+
+FormWindow::~FormWindow() {
+  form_ = nullptr;
+  gone_ = nullptr;
+  if (window_ != nullptr) DestroyWindow(window_);
+}
+
+void FormWindow::MakeWindow(HWND owner) {
+  RegisterFormClass(Procedure);
+  HMENU menu = nullptr;
+  if (!form_->MenuBar().empty()) {
+    menu = CreateMenu();  // the window's from now on
+    FillMenu(menu, form_->MenuBar());
+  }
+  window_ = CreateWindowExW(ExtendedStyleOf(*form_), kWindowClass, ToWide(form_->Caption()).c_str(),
+                            StyleOf(*form_), CW_USEDEFAULT, CW_USEDEFAULT, 100, 100, owner, menu,
+                            ThisModule(), nullptr);
+  SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+  dpi_ = GetDpiForWindow(window_);
+  // As a dialog does: mnemonics are underlined once the keyboard is used.
+  SendMessageW(window_, WM_CHANGEUISTATE, MAKEWPARAM(UIS_INITIALIZE, 0), 0);
+}
+
+void FormWindow::MakeControls() {
+  bool afterOption = false;
+  const forms::Control* container = nullptr;
+  for (forms::Control* control : form_->Controls()) {
+    const bool isOption = control->GetKind() == Kind::OptionButton;
+    controls_.push_back(
+        MakeControlWindow(*control, window_, static_cast<int>(kFirstControl + controls_.size())));
+    // The arrow keys walk through the options of one container, and Tab enters them at one.
+    DWORD extra = 0;
+    if (isOption && !(afterOption && container == control->Container())) {
+      extra = WS_GROUP | WS_TABSTOP;
+    } else if (!isOption && afterOption) {
+      extra = WS_GROUP;
+    }
+    const HWND window = controls_.back()->Get();
+    SetWindowLongPtrW(window, GWL_STYLE, GetWindowLongPtrW(window, GWL_STYLE) | LONG_PTR{extra});
+    afterOption = isOption;
+    container = control->Container();
+  }
+  for (const auto& window : controls_) MirrorState(*window);
+}
+
+void FormWindow::FillMenu(HMENU menu, const std::vector<forms::MenuItem*>& items) {
+  for (forms::MenuItem* item : items) {
+    const auto position = static_cast<UINT>(GetMenuItemCount(menu));
+    if (item->IsSeparator()) {
+      AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+    } else if (item->Items().empty()) {
+      AppendMenuW(menu, MF_STRING, kFirstMenuItem + menuItems_.size(),
+                  ToWide(item->Caption()).c_str());
+    } else {
+      const HMENU below = CreatePopupMenu();
+      AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(below),
+                  ToWide(item->Caption()).c_str());
+    }
+    menuItems_.push_back({item, menu, position});
+    MirrorMenuItem(menuItems_.back());
+    if (!item->Items().empty())
+      FillMenu(GetSubMenu(menu, static_cast<int>(position)), item->Items());
+  }
+}
+
+void FormWindow::MirrorMenuItem(const MenuPlace& place) const {
+  const UINT enabled = place.item->Enabled() ? MF_ENABLED : MF_GRAYED;
+  const UINT checked = place.item->Checked() ? MF_CHECKED : MF_UNCHECKED;
+  EnableMenuItem(place.menu, place.position, MF_BYPOSITION | enabled);
+  CheckMenuItem(place.menu, place.position, MF_BYPOSITION | checked);
+}
+
+void FormWindow::MenuChanged(const forms::MenuItem& item) {
+  for (const MenuPlace& place : menuItems_) {
+    if (place.item == &item) MirrorMenuItem(place);
+  }
+  DrawMenuBar(window_);
+}
+
+// Font, images and places for the present resolution.
+void FormWindow::Rescale() {
+  const Scope mirroring(mirroring_);
+  Handle<HFONT, DeleteObject> font(MessageFont(dpi_));
+  for (const auto& window : controls_) {
+    SendMessageW(window->Get(), WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), FALSE);
+    Place(*window);
+    window->Rescale(dpi_);
+  }
+  font_ = std::move(font);
+  for (const auto& [size, kind] : {std::pair{SM_CXICON, ICON_BIG}, {SM_CXSMICON, ICON_SMALL}}) {
+    const int side = GetSystemMetricsForDpi(size, dpi_);
+    // Shared: the system keeps one of each size and frees it at the end.
+    const HANDLE icon =
+        LoadImageW(ThisModule(), MAKEINTRESOURCEW(1), IMAGE_ICON, side, side, LR_SHARED);
+    SendMessageW(window_, WM_SETICON, static_cast<WPARAM>(kind), reinterpret_cast<LPARAM>(icon));
+  }
+  InvalidateRect(window_, nullptr, TRUE);
+}
+
+// Edges are rounded rather than sizes, so that what touches keeps touching.
+void FormWindow::Place(const ControlWindow& window) const {
+  const forms::Bounds& bounds = window.GetControl().GetBounds();
+  int left = bounds.left;
+  int top = bounds.top;
+  for (auto* frame = window.GetControl().Container(); frame; frame = frame->Container()) {
+    left += frame->GetBounds().left;
+    top += frame->GetBounds().top;
+  }
+  const int x = ToPixels(left, dpi_);
+  const int y = ToPixels(top, dpi_);
+  SetWindowPos(window.Get(), nullptr, x, y, ToPixels(left + bounds.width, dpi_) - x,
+               ToPixels(top + bounds.height, dpi_) - y, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void FormWindow::MirrorState(const ControlWindow& window) const {
+  bool visible = true;
+  bool enabled = true;
+  for (const forms::Control* each = &window.GetControl(); each; each = each->Container()) {
+    visible = visible && each->Visible();
+    enabled = enabled && each->Enabled();
+  }
+  // A keyboard that talks to a dead window is dead, too.
+  if (!(visible && enabled) && GetFocus() == window.Get()) {
+    SetFocus(GetNextDlgTabItem(window_, window.Get(), FALSE));
+  }
+  ShowWindow(window.Get(), visible ? SW_SHOWNA : SW_HIDE);
+  EnableWindow(window.Get(), enabled);
+}
+
+void FormWindow::ControlChanged(const forms::Control& control, Property property) {
+  const Scope mirroring(mirroring_);
+  const bool place = property == Property::Bounds;
+  const bool state = property == Property::Visible || property == Property::Enabled;
+  for (const auto& window : controls_) {
+    const forms::Control* each = &window->GetControl();
+    if (!place && !state) {
+      if (each == &control) window->Mirror(property);
+      continue;
+    }
+    // A frame's changes are those of all that stands in it.
+    while (each != nullptr && each != &control) each = each->Container();
+    if (each == nullptr) continue;
+    if (place) Place(*window);
+    if (state) MirrorState(*window);
+  }
+  if (place || state) InvalidateRect(window_, nullptr, TRUE);
+}
+
+void FormWindow::MoveToPosition() const {
+  RECT area = {};
+  SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
+  SetWindowPos(window_, nullptr, area.left + ToPixels(form_->Left(), dpi_),
+               area.top + ToPixels(form_->Top(), dpi_), 0, 0,
+               SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void FormWindow::FormChanged(FormProperty property) {
+  const Scope mirroring(mirroring_);
+  switch (property) {
+    case FormProperty::Caption:
+      SetWindowTextW(window_, ToWide(form_->Caption()).c_str());
+      break;
+    case FormProperty::Position:
+      MoveToPosition();
+      break;
+    case FormProperty::TopMost:
+      SetWindowPos(window_, form_->TopMost() ? HWND_TOPMOST : HWND_NOTOPMOST, 0, 0, 0, 0,
+                   SWP_NOMOVE | SWP_NOSIZE);
+      break;
+    case FormProperty::Visible:
+      if (form_->Visible()) {
+        ShowWindow(window_, SW_SHOWNORMAL);
+        SetForegroundWindow(window_);
+      } else {
+        ShowWindow(window_, SW_HIDE);
+      }
+      break;
+  }
+}
+
+void FormWindow::Detach() {
+  const Scope mirroring(mirroring_);
+  form_ = nullptr;
+  controls_.clear();
+  menuItems_.clear();
+  ShowWindow(window_, SW_HIDE);
+  DestroyWhenIdle();
+}
+
+// Posted, because the child that reported something may still be at it when we have returned.
+void FormWindow::DestroyWhenIdle() {
+  if (form_ == nullptr && depth_ == 0) PostMessageW(window_, kDestroy, 0, 0);
+}
+
+LRESULT CALLBACK FormWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  auto* self = reinterpret_cast<FormWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+  if (self == nullptr) return DefWindowProcW(window, message, wParam, lParam);
+  if (message == WM_NCDESTROY) {
+    SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+    self->window_ = nullptr;
+    if (const auto gone = self->gone_) gone(*self);
+    return DefWindowProcW(window, message, wParam, lParam);
+  }
+  if (message == kDestroy && self->form_ == nullptr) {
+    if (self->depth_ == 0) DestroyWindow(window);
+    return 0;
+  }
+  LRESULT result = 0;
+  {
+    const Scope depth(self->depth_);
+    try {
+      result = self->OnMessage(message, wParam, lParam);
+    } catch (...) {
+      ReportException("form");
+    }
+  }
+  self->DestroyWhenIdle();
+  return result;
+}
+
+LRESULT FormWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+  if (form_ == nullptr) return DefWindowProcW(window_, message, wParam, lParam);
+  switch (message) {
+    case WM_CLOSE:
+      form_->Close();
+      return 0;
+    case WM_COMMAND:
+      OnCommand(LOWORD(wParam), HIWORD(wParam));
+      return 0;
+    case WM_NOTIFY:
+      return OnNotify(*reinterpret_cast<const NMHDR*>(lParam));
+    case WM_DRAWITEM: {
+      const auto& draw = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
+      if (const ControlWindow* window = Find(draw.CtlID)) window->OnDraw(draw);
+      return TRUE;
+    }
+    case WM_CTLCOLORSTATIC:
+      return OnStaticColour(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
+    case WM_ACTIVATE:
+      OnActivate(LOWORD(wParam) != WA_INACTIVE);
+      break;
+    case WM_SETFOCUS:
+      TakeFocus();
+      return 0;
+    case DM_GETDEFID:
+      for (const auto& window : controls_) {
+        if (&window->GetControl() != form_->defaultButton) continue;
+        return MAKELRESULT(GetDlgCtrlID(window->Get()), DC_HASDEFID);
+      }
+      return 0;
+    default:
+      return OnSystemChange(message, wParam, lParam);
+  }
+  return DefWindowProcW(window_, message, wParam, lParam);
+}
+
+LRESULT FormWindow::OnSystemChange(UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_GETDPISCALEDSIZE:
+      *reinterpret_cast<SIZE*>(lParam) = OuterSize(*form_, static_cast<UINT>(wParam));
+      return TRUE;
+    case WM_DPICHANGED: {
+      dpi_ = HIWORD(wParam);
+      const auto& place = *reinterpret_cast<const RECT*>(lParam);
+      SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left,
+                   place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
+      Rescale();
+      return 0;
+    }
+    case WM_SETTINGCHANGE:
+      if (wParam == SPI_SETNONCLIENTMETRICS) Rescale();
+      break;
+    case WM_SYSCOLORCHANGE:
+      // The common controls are told by nobody else.
+      for (const auto& window : controls_) SendMessageW(window->Get(), message, wParam, lParam);
+      break;
+    default:
+      break;
+  }
+  // Not in a mirroring scope: this may be a whole menu or the moving of the window.
+  return DefWindowProcW(window_, message, wParam, lParam);
+}
+
+LRESULT FormWindow::OnStaticColour(HDC context, HWND control) {
+  const ControlWindow* window = Find(static_cast<UINT>(GetDlgCtrlID(control)));
+  const bool isText = window != nullptr && window->GetControl().GetKind() == Kind::TextBox;
+  const int background = isText ? COLOR_WINDOW : COLOR_BTNFACE;
+  SetTextColor(context, GetSysColor(isText ? COLOR_WINDOWTEXT : COLOR_BTNTEXT));
+  SetBkColor(context, GetSysColor(background));
+  return reinterpret_cast<LRESULT>(GetSysColorBrush(background));
+}
+
+ControlWindow* FormWindow::Find(UINT id) const {
+  if (id < kFirstControl || id - kFirstControl >= controls_.size()) return nullptr;
+  return controls_[id - kFirstControl].get();
+}
+
+// After the call of a handler nothing of the form is touched: it may be gone.
+void FormWindow::OnCommand(UINT id, WORD code) {
+  if (mirroring_ > 0) return;
+  if (id == IDOK && form_->defaultButton != nullptr) {
+    form_->defaultButton->Press();
+  } else if (id == IDCANCEL && form_->cancelButton != nullptr) {
+    form_->cancelButton->Press();
+  } else if (id >= kFirstMenuItem && id - kFirstMenuItem < menuItems_.size()) {
+    menuItems_[id - kFirstMenuItem].item->Choose();
+  } else if (ControlWindow* window = Find(id)) {
+    window->OnCommand(code);
+  }
+}
+
+LRESULT FormWindow::OnNotify(const NMHDR& header) {
+  ControlWindow* window = Find(static_cast<UINT>(header.idFrom));
+  return window != nullptr ? window->OnNotify(header, mirroring_ == 0) : 0;
+}
+
+void FormWindow::OnActivate(bool active) {
+  if (active) return;
+  const HWND focus = GetFocus();
+  if (focus != nullptr && IsChild(window_, focus)) lastFocus_ = focus;
+}
+
+void FormWindow::TakeFocus() {
+  if (lastFocus_ == nullptr || !IsWindowVisible(lastFocus_) || !IsWindowEnabled(lastFocus_)) {
+    lastFocus_ = GetNextDlgTabItem(window_, nullptr, FALSE);
+  }
+  if (lastFocus_ != nullptr) SetFocus(lastFocus_);
+}
+
+}  // namespace orvanto::win32

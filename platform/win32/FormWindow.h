@@ -1,0 +1,73 @@
+// The window of a form, with those of its controls and its menu.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "platform/forms.h"
+#include "platform/win32/ControlWindow.h"
+#include "platform/win32/Handle.h"
+
+namespace orvanto::win32 {
+
+// Lives from Attach until its window is destroyed, which is some time after Detach: a handler may
+// unload its own form while messages of the window are on the stack. From Detach on it touches
+// neither the form nor its controls.
+class FormWindow {
+ public:
+  // `gone` is called when the window has been destroyed, as the last thing; it may delete this.
+  FormWindow(forms::Form& form, HWND owner, std::function<void(FormWindow&)> gone);
+  ~FormWindow();
+  FormWindow(const FormWindow&) = delete;
+  FormWindow& operator=(const FormWindow&) = delete;
+
+  HWND Get() const { return window_; }
+
+  void FormChanged(forms::FormProperty property);
+  void ControlChanged(const forms::Control& control, forms::Property property);
+  void MenuChanged(const forms::MenuItem& item);
+  void Detach();
+
+ private:
+  struct MenuPlace {
+    forms::MenuItem* item;
+    HMENU menu;
+    UINT position;
+  };
+
+  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT OnSystemChange(UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT OnStaticColour(HDC context, HWND control);
+  void OnCommand(UINT id, WORD code);
+  LRESULT OnNotify(const NMHDR& header);
+  void OnActivate(bool active);
+  void TakeFocus();
+  void DestroyWhenIdle();
+
+  void MakeWindow(HWND owner);
+  void MakeControls();
+  void FillMenu(HMENU menu, const std::vector<forms::MenuItem*>& items);
+  void MirrorMenuItem(const MenuPlace& place) const;
+  void Rescale();
+  void Place(const ControlWindow& window) const;
+  void MirrorState(const ControlWindow& window) const;
+  void MoveToPosition() const;
+  ControlWindow* Find(UINT id) const;
+
+  forms::Form* form_;  // null when detached
+  std::function<void(FormWindow&)> gone_;
+  HWND window_ = nullptr;
+  UINT dpi_ = USER_DEFAULT_SCREEN_DPI;
+  Handle<HFONT, DeleteObject> font_;
+  std::vector<std::unique_ptr<ControlWindow>> controls_;
+  std::vector<MenuPlace> menuItems_;
+  HWND lastFocus_ = nullptr;
+  int depth_ = 0;      // messages of this window on the stack
+  int mirroring_ = 0;  // > 0: what the windows report now comes from us, not from a person
+};
+
+}  // namespace orvanto::win32

@@ -1,0 +1,23 @@
+// From the forms' twips to pixels.
+#pragma once
+
+#include <windows.h>
+
+#include "platform/forms.h"
+
+namespace orvanto::win32 {
+
+inline constexpr int kTwipsPerInch = 1440;
+
+inline int ToPixels(int twips, UINT dpi) {
+  return MulDiv(twips, static_cast<int>(dpi), kTwipsPerInch);
+}
+
+inline int ToTwips(int pixels, UINT dpi) {
+  return MulDiv(pixels, kTwipsPerInch, static_cast<int>(dpi));
+}
+
+// The outer size in pixels of a form's window.
+SIZE OuterSize(const forms::Form& form, UINT dpi);
+
+}  // namespace orvanto::win32

@@ -1,0 +1,135 @@
+#include "platform/win32/Services.h"
+
+#include <mmsystem.h>
+#include <shellapi.h>
+
+#include <utility>
+
+#include "platform/win32/Handle.h"
+#include "platform/win32/Text.h"
+
+namespace orvanto::win32 {
+
+namespace {
+
+using FileHandle = Handle<HANDLE, CloseHandle, -1>;
+
+// The form of a path that no length limit applies to. Short ones stay as they are, so that device
+// names and relative paths keep their meaning.
+std::wstring SystemPath(const std::string& path) {
+  std::wstring wide = ToWide(path);
+  const DWORD room = GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr);
+  if (room < MAX_PATH - 12 || wide.starts_with(L"\\\\?\\")) return wide;
+  std::wstring full(room, L'\0');
+  full.resize(GetFullPathNameW(wide.c_str(), room, full.data(), nullptr));
+  if (full.starts_with(L"\\\\")) return L"\\\\?\\UNC" + full.substr(1);
+  return L"\\\\?\\" + full;
+}
+
+}  // namespace
+
+// Both read the same system clock, so their seconds begin together.
+DateTime Win32Clock::Now() const {
+  SYSTEMTIME time;
+  GetLocalTime(&time);
+  return {time.wYear,   time.wMonth,  time.wDay,          time.wHour,
+          time.wMinute, time.wSecond, time.wDayOfWeek + 1};
+}
+
+std::int64_t Win32Clock::UnixMilliseconds() const {
+  constexpr std::int64_t kFrom1601To1970 = 11644473600000;
+  FILETIME time;
+  GetSystemTimeAsFileTime(&time);
+  const auto ticks = (static_cast<std::int64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime;
+  return ticks / 10000 - kFrom1601To1970;
+}
+
+std::string Win32Clock::ShortDate(int year, int month, int day) const {
+  SYSTEMTIME date = {};
+  date.wYear = static_cast<WORD>(year);
+  date.wMonth = static_cast<WORD>(month);
+  date.wDay = static_cast<WORD>(day);
+  const auto format = [&](wchar_t* buffer, int room) {
+    return GetDateFormatEx(LOCALE_NAME_USER_DEFAULT, DATE_SHORTDATE, &date, nullptr, buffer, room,
+                           nullptr);
+  };
+  const int room = format(nullptr, 0);
+  if (room <= 0) return {};
+  std::wstring text(static_cast<std::size_t>(room), L'\0');
+  format(text.data(), room);
+  text.pop_back();
+  return ToUtf8(text);
+}
+
+bool Win32Files::Exists(const std::string& path) const {
+  const DWORD attributes = GetFileAttributesW(SystemPath(path).c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
+bool Win32Files::Append(const std::string& path, const std::string& bytes) {
+  const FileHandle file(CreateFileW(SystemPath(path).c_str(), FILE_APPEND_DATA,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr));
+  if (!file) return false;
+  DWORD written = 0;
+  return WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
+         written == bytes.size();
+}
+
+Win32Shell::Win32Shell(EventLoop& loop, std::function<HWND()> mainWindow)
+    : loop_(loop), mainWindow_(std::move(mainWindow)) {}
+
+bool Win32Shell::Execute(const ShellRequest& request) {
+  const std::wstring operation = ToWide(request.operation);
+  const std::wstring file = ToWide(request.file);
+  const std::wstring parameters = ToWide(request.parameters);
+  const std::wstring directory = ToWide(request.directory);
+  const auto orNull = [](const std::wstring& text) {
+    return text.empty() ? nullptr : text.c_str();
+  };
+  SHELLEXECUTEINFOW info = {};
+  info.cbSize = sizeof info;
+  info.fMask = SEE_MASK_FLAG_NO_UI;
+  info.hwnd = mainWindow_();
+  info.lpVerb = orNull(operation);
+  info.lpFile = file.c_str();
+  info.lpParameters = orNull(parameters);
+  info.lpDirectory = orNull(directory);
+  info.nShow = static_cast<int>(request.show);
+  // The shell may handle messages while it looks for the program.
+  const EventLoop::Hold hold(loop_);
+  return ShellExecuteExW(&info) != 0;
+}
+
+bool Win32Session::End(std::uint32_t flags) {
+  return ExitWindowsEx(flags, 0) != 0;
+}
+
+bool Win32Sound::Play(const std::string& name) {
+  return PlaySoundW(ToWide(name).c_str(), nullptr, SND_ASYNC) != 0;
+}
+
+Answer Win32MessageBoxes::Show(const std::string& text, const std::string& title, Buttons buttons,
+                               BoxIcon icon) {
+  // No owner, because the main window may be hidden; task-modal, so that all our windows wait;
+  // top-most, so that it is not lost behind a main window that is.
+  UINT type = MB_TASKMODAL | MB_SETFOREGROUND | MB_TOPMOST;
+  if (buttons == Buttons::OkCancel) type |= MB_OKCANCEL;
+  if (buttons == Buttons::YesNo) type |= MB_YESNO;
+  if (icon == BoxIcon::Question) type |= MB_ICONQUESTION;
+  const EventLoop::Hold hold(loop_);
+  switch (MessageBoxW(nullptr, ToWide(text).c_str(), ToWide(title).c_str(), type)) {
+    case IDOK:
+      return Answer::Ok;
+    case IDYES:
+      return Answer::Yes;
+    case IDCANCEL:
+      return buttons == Buttons::OkCancel ? Answer::Cancel : Answer::Ok;
+    default:  // IDNO, or a box that could not be shown
+      return buttons == Buttons::YesNo      ? Answer::No
+             : buttons == Buttons::OkCancel ? Answer::Cancel
+                                            : Answer::Ok;
+  }
+}
+
+}  // namespace orvanto::win32

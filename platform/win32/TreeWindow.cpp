@@ -1,0 +1,148 @@
+#include "platform/win32/TreeWindow.h"
+
+#include <uxtheme.h>
+
+#include "platform/win32/HiddenWindow.h"
+#include "platform/win32/Scale.h"
+#include "platform/win32/Text.h"
+
+namespace orvanto::win32 {
+
+using forms::Property;
+using forms::TreeView;
+
+TreeWindow::TreeWindow(TreeView& tree, HWND parent, int id)
+    : ControlWindow(
+          tree,
+          {WC_TREEVIEWW,
+           WS_TABSTOP | TVS_HASBUTTONS | TVS_LINESATROOT | TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP,
+           WS_EX_CLIENTEDGE},
+          parent, id),
+      tree_(tree) {
+  SetWindowTheme(window_, L"Explorer", nullptr);
+  TreeView_SetExtendedStyle(window_, TVS_EX_DOUBLEBUFFER, TVS_EX_DOUBLEBUFFER);
+}
+
+void TreeWindow::Mirror(Property property) {
+  if (property == Property::Nodes && !tree_.Updating()) Rebuild();
+  if (property == Property::Selection && !tree_.Updating()) MirrorSelection();
+}
+
+void TreeWindow::Rescale(UINT dpi) {
+  imageSize_ = {GetSystemMetricsForDpi(SM_CXSMICON, dpi), GetSystemMetricsForDpi(SM_CYSMICON, dpi)};
+  ImageList fresh(ImageList_Create(imageSize_.cx, imageSize_.cy, ILC_COLOR32, 4, 4));
+  TreeView_SetImageList(window_, fresh.Get(), TVSIL_NORMAL);
+  images_ = std::move(fresh);
+  imageIndices_.clear();
+  TreeView_SetIndent(window_, imageSize_.cx + ToPixels(45, dpi));
+  TreeView_SetItemHeight(window_, -1);  // as font and images ask for
+  Rebuild();
+}
+
+int TreeWindow::ImageIndex(const std::string& name) {
+  const auto found = imageIndices_.find(name);
+  if (found != imageIndices_.end()) return found->second;
+  const Handle<HICON, DestroyIcon> icon(static_cast<HICON>(
+      LoadImageW(ThisModule(), ToWide(name).c_str(), IMAGE_ICON, imageSize_.cx, imageSize_.cy, 0)));
+  const int index = icon ? ImageList_AddIcon(images_.Get(), icon.Get()) : I_IMAGENONE;
+  imageIndices_[name] = index;
+  return index;
+}
+
+void TreeWindow::Rebuild() {
+  SendMessageW(window_, WM_SETREDRAW, FALSE, 0);
+  TreeView_DeleteAllItems(window_);
+  items_.clear();
+  const auto& nodes = tree_.Nodes();
+  std::vector<bool> hasChildren(nodes.size());
+  for (const TreeView::Node& node : nodes) {
+    std::wstring text = ToWide(node.text);
+    TVINSERTSTRUCTW insert = {};
+    insert.hParent = node.parent ? items_.at(*node.parent) : TVI_ROOT;
+    insert.hInsertAfter = TVI_LAST;
+    insert.item.mask = TVIF_TEXT | TVIF_PARAM | TVIF_IMAGE | TVIF_SELECTEDIMAGE;
+    insert.item.pszText = text.data();
+    insert.item.lParam = static_cast<LPARAM>(items_.size());
+    insert.item.iImage = ImageIndex(node.image);
+    insert.item.iSelectedImage = ImageIndex(node.selectedImage);
+    items_.push_back(TreeView_InsertItem(window_, &insert));
+    if (node.parent) hasChildren.at(*node.parent) = true;
+  }
+  // A node can be expanded only once it has children.
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    if (nodes[i].expanded && hasChildren[i]) TreeView_Expand(window_, items_[i], TVE_EXPAND);
+  }
+  MirrorSelection();
+  SendMessageW(window_, WM_SETREDRAW, TRUE, 0);
+  InvalidateRect(window_, nullptr, TRUE);
+}
+
+void TreeWindow::MirrorSelection() {
+  const auto selected = tree_.Selected();
+  SelectItem(selected && *selected < items_.size() ? items_[*selected] : nullptr);
+}
+
+// Without a selection the arrow keys would lead nowhere.
+void TreeWindow::SelectSomething() {
+  if (TreeView_GetSelection(window_) == nullptr) SelectItem(TreeView_GetFirstVisible(window_));
+}
+
+void TreeWindow::SelectItem(HTREEITEM item) {
+  if (TreeView_GetSelection(window_) == item) return;
+  selecting_ = true;
+  TreeView_SelectItem(window_, item);
+  selecting_ = false;
+}
+
+HTREEITEM TreeWindow::ItemUnderMouse() const {
+  const DWORD position = GetMessagePos();
+  TVHITTESTINFO hit = {};
+  hit.pt = {static_cast<short>(LOWORD(position)), static_cast<short>(HIWORD(position))};
+  ScreenToClient(window_, &hit.pt);
+  TreeView_HitTest(window_, &hit);
+  return (hit.flags & TVHT_ONITEM) != 0 ? hit.hItem : nullptr;
+}
+
+std::optional<TreeView::NodeId> TreeWindow::NodeOf(LPARAM data) const {
+  const auto node = static_cast<TreeView::NodeId>(data);
+  if (node >= items_.size()) return std::nullopt;
+  return node;
+}
+
+LRESULT TreeWindow::OnNotify(const NMHDR& header, bool person) {
+  const auto& change = reinterpret_cast<const NMTREEVIEWW&>(header);
+  // The window selects a node by itself when it gets the focus: nobody has chosen that one.
+  if (header.code == TVN_SELCHANGINGW && change.action == TVC_UNKNOWN && !selecting_) return TRUE;
+  if (!person) return 0;
+  switch (header.code) {
+    case TVN_SELCHANGEDW:
+      clickTold_ = change.action == TVC_BYMOUSE;
+      if (change.itemNew.hItem == nullptr) break;
+      if (const auto node = NodeOf(change.itemNew.lParam)) tree_.ClickNode(*node);
+      break;
+    case NM_CLICK: {
+      // A click on the selected node is one too, though it selects nothing new.
+      if (std::exchange(clickTold_, false)) break;
+      const HTREEITEM item = ItemUnderMouse();
+      const auto selected = tree_.Selected();
+      if (item != nullptr && selected && NodeOf(static_cast<LPARAM>(*selected)) &&
+          items_[*selected] == item) {
+        tree_.ClickNode(*selected);
+      }
+      break;
+    }
+    case TVN_ITEMEXPANDEDW:
+      if (const auto node = NodeOf(change.itemNew.lParam)) {
+        tree_.SetExpanded(*node, change.action == TVE_EXPAND);
+      }
+      break;
+    case TVN_KEYDOWN:
+      SelectSomething();
+      break;
+    default:
+      break;
+  }
+  return 0;
+}
+
+}  // namespace orvanto::win32

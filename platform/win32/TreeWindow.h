@@ -1,0 +1,42 @@
+// The window of a tree.
+#pragma once
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/win32/ControlWindow.h"
+
+namespace orvanto::win32 {
+
+class TreeWindow : public ControlWindow {
+ public:
+  TreeWindow(forms::TreeView& tree, HWND parent, int id);
+
+  void Mirror(forms::Property property) override;
+  void Rescale(UINT dpi) override;
+  LRESULT OnNotify(const NMHDR& header, bool person) override;
+
+ private:
+  using ImageList = Handle<HIMAGELIST, ImageList_Destroy>;
+
+  void Rebuild();
+  void MirrorSelection();
+  void SelectSomething();
+  void SelectItem(HTREEITEM item);
+  int ImageIndex(const std::string& name);
+  HTREEITEM ItemUnderMouse() const;
+  // The node of an item, if it is one of the tree's present nodes.
+  std::optional<forms::TreeView::NodeId> NodeOf(LPARAM data) const;
+
+  forms::TreeView& tree_;
+  std::vector<HTREEITEM> items_;  // by node
+  ImageList images_;
+  std::map<std::string, int> imageIndices_;
+  SIZE imageSize_ = {};
+  bool selecting_ = false;  // by SelectItem
+  bool clickTold_ = false;
+};
+
+}  // namespace orvanto::win32

@@ -1,0 +1,95 @@
+#include "platform/win32/Win32FormHost.h"
+
+#include <commctrl.h>
+#include <shellscalingapi.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/win32/Scale.h"
+
+namespace orvanto::win32 {
+
+namespace {
+
+UINT MainScreenDpi() {
+  UINT x = USER_DEFAULT_SCREEN_DPI;
+  UINT y = USER_DEFAULT_SCREEN_DPI;
+  GetDpiForMonitor(MonitorFromPoint({0, 0}, MONITOR_DEFAULTTOPRIMARY), MDT_EFFECTIVE_DPI, &x, &y);
+  return x;
+}
+
+}  // namespace
+
+class Win32FormHost::Peer : public forms::FormPeer {
+ public:
+  explicit Peer(FormWindow& window) : window_(window) {}
+  void FormChanged(forms::FormProperty property) override { window_.FormChanged(property); }
+  void ControlChanged(const forms::Control& control, forms::Property property) override {
+    window_.ControlChanged(control, property);
+  }
+  void MenuChanged(const forms::MenuItem& item) override { window_.MenuChanged(item); }
+  void Detach() { window_.Detach(); }
+
+ private:
+  FormWindow& window_;
+};
+
+Win32FormHost::Win32FormHost(Win32Loop& loop)
+    : loop_(loop), owner_(L"OrvantoOwner", [](UINT, WPARAM, LPARAM) { return std::nullopt; }) {
+  const INITCOMMONCONTROLSEX classes = {sizeof classes,
+                                        ICC_STANDARD_CLASSES | ICC_TREEVIEW_CLASSES};
+  InitCommonControlsEx(&classes);
+  loop_.preTranslate = [this](MSG& message) { return Navigate(message); };
+}
+
+Win32FormHost::~Win32FormHost() {
+  loop_.preTranslate = nullptr;
+  for (auto& window : std::exchange(windows_, {})) window.reset();
+}
+
+std::unique_ptr<forms::FormPeer> Win32FormHost::Attach(forms::Form& form) {
+  const bool isMain = mainWindow_ == nullptr;
+  auto window = std::make_unique<FormWindow>(form, isMain ? nullptr : owner_.Get(),
+                                             [this](FormWindow& gone) { Forget(gone); });
+  if (isMain) mainWindow_ = window->Get();
+  windows_.push_back(std::move(window));
+  return std::make_unique<Peer>(*windows_.back());
+}
+
+void Win32FormHost::Detach(std::unique_ptr<forms::FormPeer> peer) {
+  static_cast<Peer&>(*peer).Detach();
+}
+
+void Win32FormHost::Forget(const FormWindow& window) {
+  const auto found = std::find_if(windows_.begin(), windows_.end(),
+                                  [&](const auto& each) { return each.get() == &window; });
+  if (found == windows_.end()) return;
+  if ((*found)->Get() == mainWindow_) mainWindow_ = nullptr;
+  windows_.erase(found);
+}
+
+forms::Size Win32FormHost::ScreenSize() const {
+  RECT area = {};
+  SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
+  const UINT dpi = MainScreenDpi();
+  return {ToTwips(area.right - area.left, dpi), ToTwips(area.bottom - area.top, dpi)};
+}
+
+forms::Size Win32FormHost::FrameSize(const forms::Form& form) const {
+  const UINT dpi = MainScreenDpi();
+  const SIZE outer = OuterSize(form, dpi);
+  return {ToTwips(outer.cx, dpi) - form.ClientSize().width,
+          ToTwips(outer.cy, dpi) - form.ClientSize().height};
+}
+
+// Tab, arrows, mnemonics, Enter and Esc. The forms have no accelerators; they would go first.
+bool Win32FormHost::Navigate(MSG& message) const {
+  if (message.hwnd == nullptr) return false;
+  const HWND root = GetAncestor(message.hwnd, GA_ROOT);
+  const bool ours = std::any_of(windows_.begin(), windows_.end(),
+                                [&](const auto& each) { return each->Get() == root; });
+  return ours && IsDialogMessageW(root, &message);
+}
+
+}  // namespace orvanto::win32

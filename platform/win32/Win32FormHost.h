@@ -1,0 +1,43 @@
+// Gives every loaded form a real window.
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+#include <vector>
+
+#include "platform/forms.h"
+#include "platform/win32/FormWindow.h"
+#include "platform/win32/HiddenWindow.h"
+#include "platform/win32/Win32Loop.h"
+
+namespace orvanto::win32 {
+
+// The first form that is loaded is the main window, the only one in the task bar; the others belong
+// to a hidden owner.
+class Win32FormHost : public forms::FormHost {
+ public:
+  explicit Win32FormHost(Win32Loop& loop);
+  ~Win32FormHost() override;
+
+  std::unique_ptr<forms::FormPeer> Attach(forms::Form& form) override;
+  void Detach(std::unique_ptr<forms::FormPeer> peer) override;
+  forms::Size ScreenSize() const override;
+  forms::Size FrameSize(const forms::Form& form) const override;
+
+  // Null when there is none.
+  HWND MainWindow() const { return mainWindow_; }
+
+ private:
+  class Peer;
+
+  bool Navigate(MSG& message) const;
+  void Forget(const FormWindow& window);
+
+  Win32Loop& loop_;
+  HiddenWindow owner_;
+  HWND mainWindow_ = nullptr;
+  std::vector<std::unique_ptr<FormWindow>> windows_;
+};
+
+}  // namespace orvanto::win32

@@ -1,0 +1,176 @@
+#include "platform/win32/Win32Loop.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace orvanto::win32 {
+
+namespace {
+
+// The system hands out posted messages before input, painting and timers, so a flood of the first
+// would starve the others. A round therefore takes some of each kind in turn.
+constexpr UINT kKinds[] = {QS_SENDMESSAGE, QS_POSTMESSAGE | QS_HOTKEY, QS_INPUT, QS_PAINT,
+                           QS_TIMER};
+constexpr int kMessagesPerKind = 16;
+constexpr std::size_t kPostsPerWake = 64;
+constexpr int kRoundsPerDoEvents = 64;
+
+template <typename Work>
+void Guarded(const char* where, const Work& work) {
+  try {
+    work();
+  } catch (...) {
+    ReportException(where);
+  }
+}
+
+}  // namespace
+
+class Win32Loop::LoopTimer : public Timer {
+ public:
+  LoopTimer(Win32Loop& loop, std::function<void()> handler)
+      : loop_(loop), handler_(std::move(handler)) {}
+  ~LoopTimer() override { Stop(); }
+
+  void Start(std::chrono::milliseconds interval) override {
+    Stop();
+    // A new number each time: a message of the former run may still be under way.
+    id_ = ++loop_.lastTimer_;
+    loop_.timers_[id_] = this;
+    const auto period = std::clamp<long long>(interval.count(), 1, USER_TIMER_MAXIMUM);
+    SetTimer(loop_.window_.Get(), id_, static_cast<UINT>(period), nullptr);
+  }
+
+  void Stop() override {
+    if (id_ == 0) return;
+    KillTimer(loop_.window_.Get(), id_);
+    loop_.timers_.erase(id_);
+    std::erase(loop_.heldTimers_, id_);
+    id_ = 0;
+  }
+
+  bool Enabled() const override { return id_ != 0; }
+
+  void Fire() const { Guarded("timer", handler_); }
+
+ private:
+  Win32Loop& loop_;
+  std::function<void()> handler_;
+  UINT_PTR id_ = 0;
+};
+
+Win32Loop::Win32Loop()
+    : window_(L"OrvantoLoop", [this](UINT message, WPARAM wParam, LPARAM lParam) {
+        return OnMessage(message, wParam, lParam);
+      }) {}
+
+Win32Loop::~Win32Loop() = default;
+
+void Win32Loop::Run() {
+  while (!quit_) {
+    if (PumpRound()) continue;
+    // Unlike GetMessage this also returns for messages that are there but were looked at before.
+    MsgWaitForMultipleObjectsEx(0, nullptr, INFINITE, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+  }
+}
+
+void Win32Loop::Quit() {
+  quit_ = true;
+  Wake();
+}
+
+void Win32Loop::DoEvents() {
+  if (holds_ > 0) return;
+  for (int round = 0; round < kRoundsPerDoEvents && PumpRound(); ++round) {
+  }
+}
+
+bool Win32Loop::PumpRound() {
+  bool any = false;
+  for (const UINT kind : kKinds) {
+    MSG message;
+    for (int i = 0; i < kMessagesPerKind; ++i) {
+      if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | (kind << 16))) break;
+      any = true;
+      if (message.message == WM_QUIT) {
+        quit_ = true;
+      } else {
+        bool done = false;
+        if (preTranslate) Guarded("message", [&] { done = preTranslate(message); });
+        if (!done) {
+          TranslateMessage(&message);
+          DispatchMessageW(&message);
+        }
+      }
+      if (quit_) return true;
+    }
+  }
+  return any;
+}
+
+void Win32Loop::Post(std::function<void()> work) {
+  posted_.push_back(std::move(work));
+  Wake();
+}
+
+void Win32Loop::Wake() {
+  if (wakePosted_) return;
+  wakePosted_ = PostMessageW(window_.Get(), kWake, 0, 0) != 0;
+}
+
+void Win32Loop::EndHold() {
+  if (--holds_ == 0 && (!posted_.empty() || !heldTimers_.empty())) Wake();
+}
+
+std::optional<LRESULT> Win32Loop::OnMessage(UINT message, WPARAM wParam, LPARAM) {
+  switch (message) {
+    case kWake:
+      wakePosted_ = false;
+      Deliver();
+      return 0;
+    case WM_TIMER:
+      Fire(wParam);
+      return 0;
+    case WM_QUERYENDSESSION:
+      return TRUE;  // at once: what there is to save is saved when the end is certain
+    case WM_ENDSESSION:
+      if (wParam != 0 && onSessionEnd) onSessionEnd();
+      return 0;
+    default:
+      return std::nullopt;
+  }
+}
+
+void Win32Loop::Fire(UINT_PTR id) {
+  const auto found = timers_.find(id);
+  if (found == timers_.end()) return;
+  if (holds_ == 0) {
+    found->second->Fire();
+  } else if (std::find(heldTimers_.begin(), heldTimers_.end(), id) == heldTimers_.end()) {
+    heldTimers_.push_back(id);
+  }
+}
+
+// Any of this may begin a hold, run DoEvents or stop timers.
+void Win32Loop::Deliver() {
+  while (holds_ == 0 && !quit_ && !heldTimers_.empty()) {
+    const UINT_PTR id = heldTimers_.front();
+    heldTimers_.erase(heldTimers_.begin());
+    Fire(id);
+  }
+  // What is posted meanwhile waits for the next wake-up.
+  for (std::size_t left = std::min(posted_.size(), kPostsPerWake); left > 0; --left) {
+    if (holds_ > 0 || quit_ || posted_.empty()) break;
+    const auto work = std::move(posted_.front());
+    posted_.pop_front();
+    Guarded("posted work", work);
+  }
+  if (holds_ == 0 && !posted_.empty()) Wake();
+}
+
+std::unique_ptr<Timer> Win32Loop::NewTimer(std::function<void()> handler) {
+  return std::make_unique<LoopTimer>(*this, std::move(handler));
+}
+
+}  // namespace orvanto::win32

@@ -1,0 +1,65 @@
+// The message loop. Everything the loop delivers comes through one hidden window of its own, also
+// where a message loop of the system's runs (a message box, a menu, a window being moved); that is
+// why holding back is done in that window's procedure.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "platform/EventLoop.h"
+#include "platform/win32/HiddenWindow.h"
+
+namespace orvanto::win32 {
+
+class Win32Loop : public EventLoop {
+ public:
+  Win32Loop();
+  ~Win32Loop() override;
+
+  void Run() override;
+  void Quit() override;
+  bool QuitRequested() const override { return quit_; }
+  void DoEvents() override;
+  void Post(std::function<void()> work) override;
+  std::unique_ptr<Timer> NewTimer(std::function<void()> handler) override;
+
+  // Sees every message before its window does; true when it is dealt with (keyboard navigation).
+  std::function<bool(MSG&)> preTranslate;
+
+  // The session ends and the process with it as soon as this returns. Called even inside a Hold.
+  std::function<void()> onSessionEnd;
+
+ protected:
+  void BeginHold() override { ++holds_; }
+  void EndHold() override;
+
+ private:
+  class LoopTimer;
+
+  // Messages of the loop's window. Sockets will have theirs behind these, and will be held by
+  // Deliver like everything else.
+  static constexpr UINT kWake = WM_APP;
+
+  std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+  bool PumpRound();
+  void Wake();
+  void Deliver();
+  void Fire(UINT_PTR id);
+
+  bool quit_ = false;
+  int holds_ = 0;
+  bool wakePosted_ = false;
+  std::deque<std::function<void()>> posted_;
+  std::map<UINT_PTR, LoopTimer*> timers_;  // the running ones; every start has a number of its own
+  std::vector<UINT_PTR> heldTimers_;       // fell due inside a hold, each at most once
+  UINT_PTR lastTimer_ = 0;
+  HiddenWindow window_;
+};
+
+}  // namespace orvanto::win32

@@ -1,0 +1,45 @@
+// All services of this host, made and ended in the right order.
+#pragma once
+
+#include "platform/Platform.h"
+#include "platform/win32/Services.h"
+#include "platform/win32/Win32FormHost.h"
+#include "platform/win32/Win32Loop.h"
+#include "platform/win32/Win32Registry.h"
+#include "platform/win32/Win32TrayIcon.h"
+
+namespace orvanto::win32 {
+
+class Win32Platform {
+ public:
+  Win32Platform();
+
+  Win32Loop loop;
+  Win32Clock clock;
+  Win32Registry registry;
+  Win32Files files;
+  Win32FormHost forms{loop};
+  Win32Shell shell{loop, [this] { return forms.MainWindow(); }};
+  Win32Session session;
+  Win32Sound sound;
+  Win32MessageBoxes messageBoxes{loop};
+  Win32TrayIcon trayIcon{loop};
+
+  Platform Services();
+
+ private:
+  // The shell's extensions want COM on the thread that calls the shell.
+  class Com {
+   public:
+    Com();
+    ~Com();
+    Com(const Com&) = delete;
+    Com& operator=(const Com&) = delete;
+
+   private:
+    bool begun_;
+  };
+  Com com_;
+};
+
+}  // namespace orvanto::win32
