@@ -49,14 +49,17 @@ std::optional<Answer> Understand(const std::string& line, Buttons buttons) {
   }
 }
 
-// The text may come from a remote computer.
+// The text may come from a remote computer. A terminal also obeys U+0080 to U+009F.
 std::string Printable(const std::string& text) {
   std::string printable;
-  for (const char c : text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto c = static_cast<unsigned char>(text[i]);
+    const unsigned next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0;
     if (c == '\r') continue;
-    const bool control =
-        (static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t') || c == 0x7F;
-    printable += control ? '?' : c;
+    const bool wide = c == 0xC2 && next >= 0x80 && next <= 0x9F;
+    if (wide) ++i;
+    const bool control = (c < 0x20 && c != '\n' && c != '\t') || c == 0x7F || wide;
+    printable += control ? '?' : static_cast<char>(c);
   }
   return printable;
 }
@@ -93,7 +96,7 @@ void TerminalMessageBoxes::Print(const std::string& text) const {
   WriteAll(output_, text.data(), text.size());
 }
 
-// A line without blanks around it; nothing at the end of the input or when a signal came.
+// A line without its blanks; nothing at the end of the input or when a signal came.
 std::optional<std::string> TerminalMessageBoxes::ReadLine() const {
   std::string line;
   for (;;) {

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "core/Convert.h"
 #include "core/Sched.h"
 #include "core/Scheduler.h"
 #include "core/TaskExecution.h"

@@ -139,8 +139,8 @@ TEST_F(MainWindowTest, AlwaysOnTopIsKeptFromOneRunToTheNext) {
 }
 
 TEST_F(MainWindowTest, RemoteSettingsAreReadBeforeTheStorageMode) {
-  for (const std::int16_t mode : {0, 1}) {
-    settings.SetStorageMode(mode);
+  for (const int mode : {0, 1}) {
+    settings.SetStorageMode(static_cast<std::int16_t>(mode));
     settings.WriteSetting(kGeneral, "Inet_Passwd", mode == 0 ? "user" : "machine");
     settings.WriteSetting(kGeneral, "OnTop", mode == 0 ? "0" : "1");
   }

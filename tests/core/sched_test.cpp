@@ -66,9 +66,9 @@ TEST(Sched, DescribesTasks) {
   desk.store.DateOrderMonthFirst = 1;
   EXPECT_EQ(desk.sched.DescribeTask(2), "Xmas | Play Sound | 08:05 on 12-25-2001");
   EXPECT_EQ(desk.sched.DescribeTask(100), " | Run | 14:11 on ");
-  for (const std::int16_t slot : {0, 101}) {
+  for (const int slot : {0, 101}) {
     try {
-      desk.sched.DescribeTask(slot);
+      desk.sched.DescribeTask(static_cast<std::int16_t>(slot));
       ADD_FAILURE() << slot;
     } catch (const Error& error) {
       EXPECT_EQ(error.Number(), kSubscriptOutOfRange);

@@ -108,8 +108,8 @@ TEST_F(SchedulerTest, AWeekOfLateTimersSkipsNoMinuteAndRepeatsNone) {
       ++expected[std::string(rule.name) + " " + std::to_string(day) + " " + rule.time];
     }
   }
-  // Also something in every minute of an hour.
-  for (int minute = 0; minute < 60; ++minute) {
+  // Also something in each of a few minutes that follow each other.
+  for (int minute = 0; minute < 10; ++minute) {
     const std::string time = "03:" + TwoDigits(minute);
     AddSilent("minute " + std::to_string(minute), time);
     for (int day = 22; day <= 28; ++day) {

@@ -77,7 +77,8 @@ TEST_F(TaskStoreTest, EveryTaskAndTimeTypeComesBackValueForValue) {
     store.DateOrderMonthFirst = monthFirst;
     for (std::int16_t timeType = 1; timeType <= 3; ++timeType) {
       for (std::int16_t taskType = 1; taskType <= 7; ++taskType) {
-        TaskEntry entry = Message("Task " + std::to_string(slot + 1), ++slot);
+        ++slot;
+        TaskEntry entry = Message("Task " + std::to_string(slot), slot);
         entry.timeType = timeType;
         entry.datePart1 = "25";
         entry.datePart2 = "12";

@@ -1,9 +1,13 @@
 #include "tests/support/MemoryRegistry.h"
 
-#include <gtest/gtest.h>
+#include "tests/platform/registry_contract.h"
 
 namespace orvanto {
 namespace {
+
+INSTANTIATE_TEST_SUITE_P(Memory, RegistryContract, testing::Values(MakeRegistry([] {
+                           return std::make_unique<MemoryRegistry>();
+                         })));
 
 TEST(RegistryTree, FoldsThePairsOfLatinGreekAndCyrillic) {
   const struct {

@@ -97,7 +97,7 @@ class FakeMessageBoxes : public MessageBoxes {
   struct Expected {
     std::string text;
     Answer answer = Answer::Ok;
-    std::function<void()> whileOpen;
+    std::function<void()> whileOpen = {};
   };
   std::deque<Expected> expected;
 };

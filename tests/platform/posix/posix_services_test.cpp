@@ -1,0 +1,346 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <poll.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <optional>
+#include <sstream>
+#include <thread>
+
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/Paths.h"
+#include "platform/posix/PosixClock.h"
+#include "platform/posix/PosixFiles.h"
+#include "platform/posix/PosixSession.h"
+#include "platform/posix/PosixShell.h"
+#include "platform/posix/PosixSound.h"
+#include "platform/posix/TerminalMessageBoxes.h"
+#include "tests/support/TemporaryDirectory.h"
+
+namespace orvanto::posix {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+std::string ReadFile(const std::string& path) {
+  std::ostringstream text;
+  text << std::ifstream(path, std::ios::binary).rdbuf();
+  return text.str();
+}
+
+class Environment {
+ public:
+  Environment(const char* name, const std::string& value) : name_(name) {
+    if (const char* old = std::getenv(name)) old_ = old;
+    ::setenv(name, value.c_str(), 1);
+  }
+  ~Environment() { old_ ? ::setenv(name_, old_->c_str(), 1) : ::unsetenv(name_); }
+
+ private:
+  const char* const name_;
+  std::optional<std::string> old_;
+};
+
+TEST(PosixClock, TellsLocalTimeAndTheShortDate) {
+  const Environment zone("TZ", "TEST-05:30");
+  const PosixClock clock("C");
+  std::int64_t before = 0;
+  DateTime now;
+  do {
+    before = clock.UnixMilliseconds() / 1000;
+    now = clock.Now();
+  } while (clock.UnixMilliseconds() / 1000 != before);
+  const std::int64_t local = before + 5 * 3600 + 30 * 60;
+  const std::chrono::sys_days day{std::chrono::days(local / 86400)};
+  const std::chrono::year_month_day date(day);
+  EXPECT_EQ(now.year, static_cast<int>(date.year()));
+  EXPECT_EQ(now.month, static_cast<int>(static_cast<unsigned>(date.month())));
+  EXPECT_EQ(now.day, static_cast<int>(static_cast<unsigned>(date.day())));
+  EXPECT_EQ(now.hour * 3600 + now.minute * 60 + now.second, local % 86400);
+  EXPECT_EQ(now.weekday, static_cast<int>(std::chrono::weekday(day).c_encoding()) + 1);
+  EXPECT_EQ(clock.ShortDate(1958, 8, 25), "08/25/58");
+  EXPECT_EQ(PosixClock("no such locale").ShortDate(2026, 1, 2), "01/02/26");
+}
+
+TEST(PosixFiles, LooksNamesUpWithoutRegardToCase) {
+  const TemporaryDirectory directory;
+  fs::create_directories(directory / "Dir/Sub");
+  PosixFiles files;
+  const auto shown = [&](const std::string& name) { return FromNative(directory / name); };
+  EXPECT_TRUE(files.Append(shown("Dir/Sub/Größe.txt"), "1"));
+  EXPECT_TRUE(files.Append(shown("dIR/sUB/GRÖßE.TXT"), "2"));
+  EXPECT_EQ(ReadFile(directory / "Dir/Sub/Größe.txt"), "12");
+  EXPECT_TRUE(files.Append(shown("DIR/New.txt"), "3"));
+  EXPECT_EQ(ReadFile(directory / "Dir/New.txt"), "3");
+  EXPECT_TRUE(files.Append(shown("Dir/NEW.TXT"), ""));
+  std::ofstream(directory / "Dir/NEW.TXT") << "exact";
+  EXPECT_EQ(ToNative(shown("Dir/NEW.TXT")), directory / "Dir/NEW.TXT");
+
+  EXPECT_TRUE(files.Exists(shown("dir\\sub\\größe.txt")));
+  EXPECT_FALSE(files.Exists(shown("dir\\sub")));
+  EXPECT_FALSE(files.Exists(shown("dir\\sub\\none")));
+  EXPECT_FALSE(files.Exists(""));
+  EXPECT_FALSE(files.Append(shown("none\\file"), "x"));
+}
+
+TEST(Paths, MapBetweenTheTwoForms) {
+  const struct {
+    const char* shown;
+    const char* native;
+  } cases[] = {{"Z:\\", "/"},
+               {"z:\\no\\Such", "/no/Such"},
+               {"no\\such", "no/such"},
+               {"C:\\no\\such", "C:/no/such"},
+               {"/no/such", "/no/such"},
+               {"", ""}};
+  for (const auto& c : cases) EXPECT_EQ(ToNative(c.shown), c.native);
+  EXPECT_EQ(FromNative("/a/b"), "Z:\\a\\b");
+  EXPECT_EQ(FromNative("a/b"), "a\\b");
+}
+
+// Programs that write down how they were called.
+class ProgramsTest : public testing::Test {
+ protected:
+  ProgramsTest() : path_("PATH", directory_ / "bin"), record_("RECORD", directory_ / "record") {
+    fs::create_directories(directory_ / "bin");
+  }
+
+  void MakeProgram(const std::string& name) {
+    const std::string path = directory_ / name;
+    std::ofstream(path) << "#!/bin/sh\n"
+                           "{ printf '%s' \"${0##*/}\"; for a; do printf '|%s' \"$a\"; done\n"
+                           "echo; pwd; /bin/readlink /proc/$$/fd/0\n"
+                           "[ -e /proc/$$/fd/57 ] && echo leaked\n"
+                           "/bin/grep -E 'SigBlk|SigIgn' /proc/$$/status\n"
+                           "/usr/bin/cut -d' ' -f6 /proc/$$/stat; } > \"$RECORD.part\"\n"
+                           "/bin/mv \"$RECORD.part\" \"$RECORD\"\n";
+    fs::permissions(path, fs::perms::owner_all);
+  }
+
+  // The lines of the next record; the first is the program and its arguments.
+  std::vector<std::string> Record() {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (!fs::exists(directory_ / "record") && std::chrono::steady_clock::now() < deadline) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    std::vector<std::string> lines;
+    std::ifstream file(directory_ / "record");
+    for (std::string line; std::getline(file, line);) lines.push_back(line);
+    fs::remove(directory_ / "record");
+    if (lines.empty()) lines.push_back("nothing was started");
+    return lines;
+  }
+
+  TemporaryDirectory directory_;
+  const Environment path_;
+  const Environment record_;
+};
+
+TEST_F(ProgramsTest, FindsTheTargetInTheText) {
+  MakeProgram("bin/tool");
+  MakeProgram("bin/two words");
+  MakeProgram("two");
+  std::ofstream(directory_ / "two words.txt") << "";
+  const std::string dir = FromNative(directory_ / "");
+  const struct {
+    std::string text;
+    std::string path;  // empty: nothing found
+    std::vector<std::string> arguments;
+  } cases[] = {
+      {"tool", "bin/tool", {}},
+      {"tool  a \"b  c\"d \"\"", "bin/tool", {"a", "b  cd", ""}},
+      {"two words x", "bin/two words", {"x"}},
+      {dir + "two words.txt", "two words.txt", {}},
+      {dir + "TWO WORDS.TXT", "two words.txt", {}},
+      {dir + "two words.txt more", "two", {"words.txt", "more"}},
+      {'"' + dir + "two words.txt\" more", "two words.txt", {"more"}},
+      {"tool " + dir + "TWO", "bin/tool", {directory_ / "two"}},
+      {dir, "", {}},
+      {dir + "bin tool", "", {}},
+      {"none", "", {}},
+      {"\"none\" tool", "", {}},
+      {" ", "", {}},
+      {"", "", {}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    const auto target = FindShellTarget(c.text);
+    if (c.text == dir) {
+      EXPECT_TRUE(target && fs::equivalent(target->path, directory_ / ""));
+      continue;
+    }
+    ASSERT_EQ(target.has_value(), !c.path.empty());
+    if (target) EXPECT_EQ(*target, (ShellTarget{directory_ / c.path, c.arguments}));
+  }
+}
+
+TEST_F(ProgramsTest, RunsProgramsAndHandsDocumentsOn) {
+  for (const char* name : {"tool", "bin/xdg-open", "bin/lpr"}) MakeProgram(name);
+  std::ofstream(directory_ / "text.txt") << "";
+  std::ofstream(directory_ / "bad") << "#!/no/such/interpreter\n";
+  fs::permissions(directory_ / "bad", fs::perms::owner_all);
+  const std::string text = directory_ / "text.txt";
+  const auto execute = [&](const std::string& operation, const std::string& file,
+                           const std::string& parameters = "", const std::string& in = "") {
+    return PosixShell().Execute({operation, file, parameters, in, ShowCommand::Normal});
+  };
+  const std::string tool = FromNative(directory_ / "TOOL");
+  ASSERT_TRUE(execute("open", tool + " a b", "c \"d e\"", "Z:\\"));
+  const auto lines = Record();
+  EXPECT_EQ(lines[0], "tool|a|b|c|d e");
+  EXPECT_EQ(lines.at(1), "/");
+  ASSERT_TRUE(execute("Open", FromNative(text)));
+  EXPECT_EQ(Record()[0], "xdg-open|" + text);
+  ASSERT_TRUE(execute("print", FromNative(text)));
+  EXPECT_EQ(Record()[0], "lpr|" + text);
+  MakeProgram("bin/lp");
+  ASSERT_TRUE(execute("print", FromNative(text)));
+  EXPECT_EQ(Record()[0], "lp|" + text);
+
+  EXPECT_FALSE(execute("open", FromNative(directory_ / "bad")));
+  EXPECT_FALSE(execute("open", tool, "", "Z:\\no\\such\\directory"));
+  EXPECT_FALSE(execute("print", "none"));
+  EXPECT_FALSE(execute("explore", tool));
+}
+
+TEST_F(ProgramsTest, WhatIsStartedBeginsClean) {
+  MakeProgram("tool");
+  const Descriptor leaky(::fcntl(STDERR_FILENO, F_DUPFD, 57));
+  ASSERT_EQ(leaky.Get(), 57);
+  const auto handler = std::signal(SIGPIPE, SIG_IGN);
+  PosixLoop loop;
+  loop.OnSignals({SIGTERM}, [](int) {});
+  ASSERT_TRUE(PosixShell().Execute({"open", directory_ / "tool", "", "", ShowCommand::Normal}));
+  const auto lines = Record();
+  std::signal(SIGPIPE, handler);
+  ASSERT_EQ(lines.size(), 6u);
+  EXPECT_EQ(lines[2], "/dev/null");
+  EXPECT_THAT(lines[3], HasSubstr("SigBlk:\t0000000000000000"));
+  EXPECT_THAT(lines[4], HasSubstr("SigIgn:\t0000000000000000"));
+  EXPECT_NE(lines[5], std::to_string(::getsid(0)));
+  EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
+  EXPECT_EQ(errno, ECHILD);
+}
+
+TEST_F(ProgramsTest, SessionCallsShutdown) {
+  PosixSession session;
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(session.End(kShutdown));
+  EXPECT_FALSE(session.End(kReboot));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "orvanto: the program shutdown is not on PATH; the system is not ended\n");
+  MakeProgram("bin/shutdown");
+  EXPECT_TRUE(session.End(kShutdown));
+  EXPECT_EQ(Record()[0], "shutdown|-h|now");
+  EXPECT_TRUE(session.End(kReboot));
+  EXPECT_EQ(Record()[0], "shutdown|-r|now");
+  EXPECT_FALSE(session.End(kShutdown | kReboot));
+  EXPECT_FALSE(session.End(0));
+}
+
+TEST_F(ProgramsTest, SoundUsesTheFirstPlayer) {
+  const std::string file = directory_ / "s.wav";
+  std::ofstream(file) << "RIFF";
+  PosixSound sound;
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(sound.Play(FromNative(file)));
+  EXPECT_FALSE(sound.Play(FromNative(file)));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "orvanto: no sound: neither paplay, pw-play nor aplay is on PATH\n");
+  for (const char* player : {"aplay", "pw-play", "paplay"}) {
+    MakeProgram(std::string("bin/") + player);
+    ASSERT_TRUE(sound.Play(FromNative(file)));
+    EXPECT_EQ(Record()[0], player + ('|' + file));
+  }
+  EXPECT_FALSE(sound.Play("SystemAsterisk"));
+}
+
+std::string Drain(int fd) {
+  std::string text;
+  char buffer[4096];
+  pollfd waited{fd, POLLIN, 0};
+  while (::poll(&waited, 1, 0) > 0 && (waited.revents & POLLIN) != 0) {
+    const ssize_t count = ::read(fd, buffer, sizeof buffer);
+    if (count <= 0) break;
+    text.append(buffer, static_cast<std::size_t>(count));
+  }
+  return text;
+}
+
+TEST(TerminalMessageBoxes, AsksUntilItUnderstands) {
+  const struct {
+    Buttons buttons;
+    const char* typed;  // \x04 ends the input
+    Answer answer;
+    int prompts;
+  } cases[] = {
+      {Buttons::Ok, "\n", Answer::Ok, 1},
+      {Buttons::Ok, "\x04", Answer::Ok, 1},
+      {Buttons::OkCancel, "o\n", Answer::Ok, 1},
+      {Buttons::OkCancel, "\nyes\n Cancel \n", Answer::Cancel, 3},
+      {Buttons::OkCancel, "\x04", Answer::Cancel, 1},
+      {Buttons::YesNo, "Y\n", Answer::Yes, 1},
+      {Buttons::YesNo, "maybe\nno\n", Answer::No, 2},
+      {Buttons::YesNo, "x\n\x04", Answer::No, 2},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.typed);
+    int master = -1;
+    int slave = -1;
+    ASSERT_EQ(::openpty(&master, &slave, nullptr, nullptr, nullptr), 0);
+    const Descriptor user(master);
+    const Descriptor terminal(slave);
+    const std::string typed(c.typed);
+    ASSERT_TRUE(WriteAll(master, typed.data(), typed.size()));
+    PosixLoop loop;
+    TerminalMessageBoxes boxes(loop, slave, slave);
+    EXPECT_EQ(boxes.Show("Sure?\r\n\x1B[2J\xC2\x9B", "Title", c.buttons, BoxIcon::None), c.answer);
+    const std::string shown = Drain(master);
+    EXPECT_THAT(shown, HasSubstr("Title\r\nSure?\r\n?[2J?\r\n"));
+    int prompts = 0;
+    for (std::size_t at = 0; (at = shown.find("] ", at)) != std::string::npos; ++at) ++prompts;
+    for (std::size_t at = 0; (at = shown.find("]o: ", at)) != std::string::npos; ++at) ++prompts;
+    for (std::size_t at = 0; (at = shown.find("]ancel: ", at)) != std::string::npos; ++at)
+      ++prompts;
+    EXPECT_EQ(prompts, c.prompts) << shown;
+  }
+}
+
+TEST(TerminalMessageBoxes, ASignalTakesTheSafeAnswerAndReachesTheLoop) {
+  int master = -1;
+  int slave = -1;
+  ASSERT_EQ(::openpty(&master, &slave, nullptr, nullptr, nullptr), 0);
+  const Descriptor user(master);
+  const Descriptor terminal(slave);
+  PosixLoop loop;
+  int signals = 0;
+  loop.OnSignals({SIGTERM}, [&](int) { ++signals; });
+  std::raise(SIGTERM);
+  TerminalMessageBoxes boxes(loop, slave, slave);
+  EXPECT_EQ(boxes.Show("Sure?", "Title", Buttons::YesNo, BoxIcon::Question), Answer::No);
+  loop.DoEvents();
+  EXPECT_EQ(signals, 1);
+}
+
+TEST(TerminalMessageBoxes, WhereNobodyCanAnswerTheSafeAnswerIsTaken) {
+  int ends[2];
+  ASSERT_EQ(::pipe(ends), 0);
+  const Descriptor out(ends[0]);
+  const Descriptor in(ends[1]);
+  PosixLoop loop;
+  TerminalMessageBoxes boxes(loop, ends[0], ends[1]);
+  EXPECT_EQ(boxes.Show("text", "Title", Buttons::Ok, BoxIcon::None), Answer::Ok);
+  EXPECT_EQ(Drain(ends[0]), "Title: text\n");
+  EXPECT_EQ(boxes.Show("text", "Title", Buttons::OkCancel, BoxIcon::None), Answer::Cancel);
+  EXPECT_EQ(boxes.Show("text", "Title", Buttons::YesNo, BoxIcon::None), Answer::No);
+}
+
+}  // namespace
+}  // namespace orvanto::posix
