@@ -1,6 +1,6 @@
 #include "core/Sched.h"
 
-#include <optional>
+#include <algorithm>
 #include <vector>
 
 #include "core/Convert.h"

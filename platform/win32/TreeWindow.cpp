@@ -1,7 +1,5 @@
 #include "platform/win32/TreeWindow.h"
 
-#include <uxtheme.h>
-
 #include "platform/win32/HiddenWindow.h"
 #include "platform/win32/Scale.h"
 #include "platform/win32/Text.h"
@@ -12,14 +10,13 @@ using forms::Property;
 using forms::TreeView;
 
 TreeWindow::TreeWindow(TreeView& tree, HWND parent, int id)
-    : ControlWindow(
-          tree,
-          {WC_TREEVIEWW,
-           WS_TABSTOP | TVS_HASBUTTONS | TVS_LINESATROOT | TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP,
-           WS_EX_CLIENTEDGE},
-          parent, id),
+    : ControlWindow(tree,
+                    {WC_TREEVIEWW,
+                     WS_TABSTOP | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT |
+                         TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP,
+                     WS_EX_CLIENTEDGE},
+                    parent, id),
       tree_(tree) {
-  SetWindowTheme(window_, L"Explorer", nullptr);
   TreeView_SetExtendedStyle(window_, TVS_EX_DOUBLEBUFFER, TVS_EX_DOUBLEBUFFER);
 }
 
@@ -36,6 +33,7 @@ void TreeWindow::Rescale(UINT dpi) {
   imageIndices_.clear();
   TreeView_SetIndent(window_, imageSize_.cx + ToPixels(45, dpi));
   TreeView_SetItemHeight(window_, -1);  // as font and images ask for
+  TreeView_SetItemHeight(window_, TreeView_GetItemHeight(window_) + ToPixels(45, dpi));
   Rebuild();
 }
 
