@@ -7,6 +7,8 @@
 #include "core/TaskExecution.h"
 #include "core/modRegistry.h"
 #include "core/modTaskOperations.h"
+#include "core/ui/frmAbout.h"
+#include "core/ui/frmEdit.h"
 #include "core/ui/frmScriptcfg.h"
 #include "core/ui/frmmsg.h"
 #include "platform/EventLoop.h"
@@ -39,8 +41,12 @@ struct Program::Parts {
                   nullptr),
         scheduler(platform.loop, platform.clock, store, sched, execution),
         message(platform.forms),
-        mainWindow(platform.forms, {settings, store, sched, scheduler, execution, platform.clock,
-                                    platform.files, platform.trayIcon, message}) {}
+        editor(platform.forms, {store, platform.clock, platform.shell, platform.messageBoxes,
+                                platform.fileDialogs}),
+        about(platform.forms, platform.shell),
+        mainWindow(platform.forms,
+                   {settings, store, sched, scheduler, execution, platform.clock, platform.files,
+                    platform.trayIcon, platform.messageBoxes, message}) {}
 
   StartOptions options;
   Settings settings;
@@ -50,6 +56,8 @@ struct Program::Parts {
   TaskExecution execution;
   Scheduler scheduler;
   frmmsg message;
+  frmEdit editor;
+  frmAbout about;
   frmScriptcfg mainWindow;
 };
 
@@ -58,10 +66,33 @@ Program::Program(Platform& platform, StartOptions options)
   parts_->execution.onRun = [this](const TaskRecord& task) {
     if (onTaskRun) onTaskRun(task);
   };
-  parts_->mainWindow.onEnded = [&loop = platform.loop] { loop.Quit(); };
+  WireWindows(platform.loop);
 }
 
 Program::~Program() = default;
+
+void Program::WireWindows(EventLoop& loop) {
+  frmScriptcfg& window = parts_->mainWindow;
+  window.showEditor = [this](bool newTask, std::int16_t slot) {
+    parts_->editor.Open(newTask, slot);
+  };
+  window.showAbout = [this] { parts_->about.Open(); };
+  parts_->editor.onSaved = [&window] { window.BuildTaskTree(); };
+  parts_->editor.onClosed = [&window] { window.Return(); };
+  parts_->about.onClosed = [&window] { window.Return(); };
+  window.onEnded = [this, &loop] {
+    parts_->editor.Unload();
+    parts_->about.Unload();
+    loop.Quit();
+  };
+}
+
+void Program::BringToFront() {
+  for (forms::Form* form : std::initializer_list<forms::Form*>{&parts_->editor, &parts_->about}) {
+    if (form->Visible()) return form->Activate();
+  }
+  parts_->mainWindow.Return();
+}
 
 void Program::Start() {
   parts_->mainWindow.Start(parts_->options.commandLine, parts_->options.programFolder);
@@ -73,24 +104,13 @@ void Program::Prepare() {
   parts_->store.SetProgramFolder(parts_->options.programFolder);
 }
 
-Settings& Program::GetSettings() {
-  return parts_->settings;
-}
-TaskStore& Program::Store() {
-  return parts_->store;
-}
-Sched& Program::GetSched() {
-  return parts_->sched;
-}
-TaskExecution& Program::Execution() {
-  return parts_->execution;
-}
-frmScriptcfg& Program::MainWindow() {
-  return parts_->mainWindow;
-}
+Settings& Program::GetSettings() { return parts_->settings; }
+TaskStore& Program::Store() { return parts_->store; }
+Sched& Program::GetSched() { return parts_->sched; }
+TaskExecution& Program::Execution() { return parts_->execution; }
+frmScriptcfg& Program::MainWindow() { return parts_->mainWindow; }
+frmEdit& Program::Editor() { return parts_->editor; }
 
-void Program::Quit() {
-  parts_->mainWindow.Unload();
-}
+void Program::Quit() { parts_->mainWindow.Unload(); }
 
 }  // namespace orvanto

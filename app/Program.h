@@ -13,6 +13,7 @@ class Sched;
 class Settings;
 class TaskExecution;
 class TaskStore;
+class frmEdit;
 class frmScriptcfg;
 struct TaskRecord;
 
@@ -40,6 +41,11 @@ class Program {
   Sched& GetSched();
   TaskExecution& Execution();
   frmScriptcfg& MainWindow();
+  frmEdit& Editor();
+
+  // Shows the window that the user is to see: the open dialog, or the main window, also out of the
+  // tray. What a second start of the program asks of the first.
+  void BringToFront();
 
   // Ends the program from outside (a signal, the end of the session): unloads the main window.
   void Quit();
@@ -48,6 +54,8 @@ class Program {
   std::function<void(const TaskRecord&)> onTaskRun;
 
  private:
+  void WireWindows(EventLoop& loop);
+
   struct Parts;
   std::unique_ptr<Parts> parts_;
 };

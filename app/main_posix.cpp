@@ -15,6 +15,7 @@
 #include "platform/forms.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/FileRegistry.h"
+#include "platform/posix/NoFileDialogs.h"
 #include "platform/posix/NoTrayIcon.h"
 #include "platform/posix/Paths.h"
 #include "platform/posix/PosixClock.h"
@@ -79,10 +80,11 @@ struct PosixPlatform {
   posix::PosixSession session;
   posix::PosixSound sound;
   posix::TerminalMessageBoxes messageBoxes{loop};
+  posix::NoFileDialogs fileDialogs;
   posix::NoTrayIcon trayIcon;
   forms::HeadlessFormHost forms;
-  Platform platform{loop,    clock, registry,     files,    shell,
-                    session, sound, messageBoxes, trayIcon, forms};
+  Platform platform{loop,  clock,        registry,    files,    shell, session,
+                    sound, messageBoxes, fileDialogs, trayIcon, forms};
 };
 
 int RunScheduler(const std::string& home, const std::string& commandLine) {
@@ -170,6 +172,4 @@ int Main(int argc, char** argv) {
 }  // namespace
 }  // namespace orvanto
 
-int main(int argc, char** argv) {
-  return orvanto::Main(argc, argv);
-}
+int main(int argc, char** argv) { return orvanto::Main(argc, argv); }

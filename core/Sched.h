@@ -16,7 +16,6 @@ class TaskStore;
 inline constexpr int kEveryCodes = 38;  // all that can be stored
 inline constexpr int kEveryCodesThatFire = 10;
 inline constexpr int kInCodes = 13;
-inline constexpr int kTaskTypes = 7;
 
 // The text of a code, counted from 1; empty for a code outside the table.
 std::string EveryName(int code);

@@ -21,9 +21,7 @@ void SecondTimer::Start() {
   Arm();
 }
 
-void SecondTimer::Stop() {
-  timer_->Stop();
-}
+void SecondTimer::Stop() { timer_->Stop(); }
 
 void SecondTimer::Arm() {
   const std::int64_t into = clock_.UnixMilliseconds() % kMillisecondsPerSecond;

@@ -1,4 +1,5 @@
 #include "core/TaskExecution.h"
+#include "core/ProgramTitle.h"
 
 #include "core/Sched.h"
 #include "core/modTaskOperations.h"

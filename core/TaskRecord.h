@@ -21,6 +21,8 @@ enum TaskType : std::int16_t {
   kPlaySound = 7,
 };
 
+inline constexpr int kTaskTypes = 7;
+
 struct TaskRecord {
   std::string name;           // unique, and the name of the task's section
   std::int16_t index = 0;     // slot, from 1

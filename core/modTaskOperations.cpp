@@ -9,9 +9,7 @@ namespace {
 constexpr const char* kCount = "NoTasks";
 constexpr const char* kNameEnd = " | ";
 
-std::string SlotName(int index) {
-  return "Task" + std::to_string(index);
-}
+std::string SlotName(int index) { return "Task" + std::to_string(index); }
 
 // The sections of the program's own settings. Backslashes at the ends do not count: the registry
 // takes "General\" for "General".
@@ -205,14 +203,16 @@ void TaskStore::DeleteTask(std::int16_t index) {
 void TaskStore::FindTaskIndex(const std::string& nodeText, std::int16_t& index) {
   const auto end = nodeText.find(kNameEnd);
   if (end == std::string::npos) return;
-  const std::string name = nodeText.substr(0, end);
+  if (const std::int16_t slot = SlotOfName(nodeText.substr(0, end)); slot != 0) index = slot;
+}
+
+std::int16_t TaskStore::SlotOfName(const std::string& name) {
   const std::int16_t count = NoTasks();
   for (int j = 1; j <= count; ++j) {
-    if (TaskName(static_cast<std::int16_t>(j)) == name) {
-      index = static_cast<std::int16_t>(j);
-      return;
-    }
+    const auto slot = static_cast<std::int16_t>(j);
+    if (TaskName(slot) == name) return slot;
   }
+  return 0;
 }
 
 void TaskStore::ValidateTask(const TaskEntry& entry) {
@@ -292,9 +292,12 @@ void TaskStore::CheckTaskFile(std::int16_t taskType, const std::string& path) {
       taskType != kPlaySound) {
     return;
   }
+  if (!finder_.FindFile(LowerCase(TaskFile(path)))) TaskValidationMessage = "File does not exist";
+}
+
+std::string TaskStore::TaskFile(const std::string& path) const {
   const bool absolute = path.size() >= 3 && path.compare(1, 2, ":\\") == 0;
-  const std::string file = absolute ? path : AppDir + "scripts\\" + path;
-  if (!finder_.FindFile(LowerCase(file))) TaskValidationMessage = "File does not exist";
+  return absolute ? path : AppDir + "scripts\\" + path;
 }
 
 }  // namespace orvanto

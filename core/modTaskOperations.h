@@ -41,6 +41,17 @@ class TaskStore {
   std::int16_t NoTasks();
   std::string TaskName(std::int16_t index);
 
+  // The first slot of that name, compared with regard to case; 0 for none.
+  std::int16_t SlotOfName(const std::string& name);
+
+  // The scope of a change that begins with a look at the list.
+  RegistryChange BeginChange() { return RegistryChange(settings_.Store()); }
+  static constexpr const char* kListFull =
+      "The task list is full: it holds 100 tasks. Delete one first.";
+
+  // The full path of a task's file: relative ones belong to the scripts folder.
+  std::string TaskFile(const std::string& path) const;
+
   // Fills CurrentTask. Numbers that do not convert load as 0; a slot without a name loads defaults.
   void LoadTask(std::int16_t index);
 

@@ -5,8 +5,6 @@
 
 namespace orvanto {
 
-inline constexpr const char* kProgramTitle = "Orvanto";
-
 enum class Buttons { Ok, OkCancel, YesNo };
 enum class BoxIcon { None, Question };
 enum class Answer { Ok, Cancel, Yes, No };

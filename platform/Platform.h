@@ -5,6 +5,7 @@ namespace orvanto {
 
 class Clock;
 class EventLoop;
+class FileDialogs;
 class Files;
 class MessageBoxes;
 class Registry;
@@ -25,6 +26,7 @@ struct Platform {
   Session& session;
   Sound& sound;
   MessageBoxes& messageBoxes;
+  FileDialogs& fileDialogs;
   TrayIcon& trayIcon;
   forms::FormHost& forms;
 };

@@ -30,6 +30,10 @@ class Shell {
   // Returns at once; what was started runs on its own. False when nothing was started. Shows no
   // error of its own.
   virtual bool Execute(const ShellRequest& request) = 0;
+
+  // Starts a program by its command line, not through file associations. Returns at once; false
+  // when it could not be started.
+  virtual bool Start(const std::string& commandLine, ShowCommand show) = 0;
 };
 
 }  // namespace orvanto

@@ -3,5 +3,6 @@
 
 #include "platform/forms/Control.h"
 #include "platform/forms/Form.h"
+#include "platform/forms/Lists.h"
 #include "platform/forms/Menu.h"
 #include "platform/forms/TreeView.h"

@@ -78,9 +78,7 @@ std::vector<std::string> Split(const std::string& text, const char* separators) 
 }
 
 // A number out of 16 bits or none at all becomes one that no validation lets through.
-std::int16_t NumberOrInvalid(const std::string& text) {
-  return ToInt16Or(text, -1);
-}
+std::int16_t NumberOrInvalid(const std::string& text) { return ToInt16Or(text, -1); }
 
 void ReadTime(const Options& options, TaskEntry& entry) {
   if (options.count("--at") == 0) throw UsageError("When? Say --at HH:MM.");
@@ -115,12 +113,8 @@ void ReadWhen(const Options& options, TaskEntry& entry) {
   }
 }
 
-bool HoldsFile(std::int16_t taskType) {
-  return taskType != kPopupMessage;
-}
-bool HasWindow(std::int16_t taskType) {
-  return taskType == kRunProgram || taskType == kPrintFile;
-}
+bool HoldsFile(std::int16_t taskType) { return taskType != kPopupMessage; }
+bool HasWindow(std::int16_t taskType) { return taskType == kRunProgram || taskType == kPrintFile; }
 
 void ReadWhat(const Options& options,
               const std::function<std::string(const std::string&)>& taskPath, TaskEntry& entry) {

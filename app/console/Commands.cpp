@@ -78,8 +78,7 @@ int Add(const Words& words, const CommandContext& context) {
   // One change from the look at the list to the last write: two of us at once do not collide.
   RegistryChange change(context.program.GetSettings().Store());
   if (store.NoTasks() >= kMaxTasks) {
-    return Refuse(context, "The task list is full: it holds " + std::to_string(kMaxTasks) +
-                               " tasks. Delete one first.");
+    return Refuse(context, TaskStore::kListFull);
   }
   entry.index = static_cast<std::int16_t>(store.NoTasks() + 1);
   store.ValidateTask(entry);
@@ -165,9 +164,7 @@ void PrintUsage(std::ostream& out) {
   out << "Dates are in the system's order; rules are texts like \"Every Weekday\" and \"March\".\n";
 }
 
-bool IsCommand(const std::string& word) {
-  return FindCommand(word) != nullptr;
-}
+bool IsCommand(const std::string& word) { return FindCommand(word) != nullptr; }
 
 int RunCommand(const std::vector<std::string>& words, const CommandContext& context) {
   try {

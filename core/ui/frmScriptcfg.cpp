@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/Convert.h"
+#include "core/ProgramTitle.h"
 #include "core/Sched.h"
 #include "core/Scheduler.h"
 #include "core/TaskExecution.h"
@@ -20,9 +21,7 @@ namespace {
 constexpr const char* kStartupLog = "ORVTASK.LOG";
 
 // The column of the command buttons, in twips.
-forms::Bounds CommandBounds(int row) {
-  return {7260, 120 + row * 465, 1560, 375};
-}
+forms::Bounds CommandBounds(int row) { return {7260, 120 + row * 465, 1560, 375}; }
 
 // Redraws once, behind all changes of the tree.
 class TreeUpdate {
@@ -108,8 +107,7 @@ void frmScriptcfg::WireCommands() {
   treTasks.onNodeClick = [this] { EnableTaskCommands(!treTasks.Nodes().empty()); };
   services_.trayIcon.onMouse = [this](int mouseMessage) {
     if (mouseMessage != kLeftDoubleClick) return;
-    services_.trayIcon.Remove();
-    Show();
+    Return();
   };
   services_.scheduler.onCaption = [this](const std::string& caption) { SetCaption(caption); };
   services_.store.onListChanged = [this] { BuildTaskTree(); };
@@ -119,13 +117,16 @@ void frmScriptcfg::WireCommands() {
 void frmScriptcfg::OnCommand(Command command) {
   switch (command) {
     case kNew:
-      showEditor(true, static_cast<std::int16_t>(services_.store.NoTasks() + 1));
+      NewTask();
       break;
     case kDelete:
       services_.store.DeleteTask(SelectedSlot());
       break;
     case kEdit:
-      if (const std::int16_t slot = SelectedSlot(); slot > 0) showEditor(false, slot);
+      if (const std::int16_t slot = SelectedSlot(); slot > 0) {
+        Hide();
+        showEditor(false, slot);
+      }
       break;
     case kRun:
       // A group's node names no task.
@@ -136,12 +137,29 @@ void frmScriptcfg::OnCommand(Command command) {
       Hide();
       break;
     case kAbout:
+      Hide();
       showAbout();
       break;
     case kExit:
       Unload();
       break;
   }
+}
+
+void frmScriptcfg::NewTask() {
+  const int slot = services_.store.NoTasks() + 1;
+  if (slot > kMaxTasks) {
+    services_.messageBoxes.Show(TaskStore::kListFull, kProgramTitle, Buttons::Ok, BoxIcon::None);
+    return;
+  }
+  Hide();
+  showEditor(true, static_cast<std::int16_t>(slot));
+}
+
+void frmScriptcfg::Return() {
+  if (!Loaded()) return;
+  services_.trayIcon.Remove();
+  Activate();
 }
 
 std::int16_t frmScriptcfg::SelectedSlot() {

@@ -12,6 +12,7 @@ namespace orvanto {
 
 class Clock;
 class Files;
+class MessageBoxes;
 class Sched;
 class Scheduler;
 class Settings;
@@ -31,11 +32,13 @@ class frmScriptcfg : public forms::Form {
     const Clock& clock;
     Files& files;
     TrayIcon& trayIcon;
+    MessageBoxes& messageBoxes;
     frmmsg& message;
   };
   frmScriptcfg(forms::FormHost& host, const Services& services);
 
-  // The windows that commands open; a command without its window is disabled. Set before Start.
+  // The windows that commands open in place of this one, which is hidden first; Return brings it
+  // back. A command without its window is disabled. Set before Start.
   std::function<void(bool newTask, std::int16_t slot)> showEditor;
   std::function<void()> showAbout;
   std::function<void()> showSettings;
@@ -47,6 +50,9 @@ class frmScriptcfg : public forms::Form {
   // it unless the command line is "invisible". A step that fails is logged in ORVTASK.LOG and the
   // next one follows.
   void Start(const std::string& commandLine, const std::string& programFolder);
+
+  // Shows the window, on top of the others and out of the tray, unless it has been unloaded.
+  void Return();
 
   // Reads the store anew. The selection is lost. Throws Error 9 behind the hundredth task.
   void BuildTaskTree();
@@ -74,6 +80,7 @@ class frmScriptcfg : public forms::Form {
   enum Command { kNew, kDelete, kEdit, kRun, kTray, kAbout, kExit };
   void WireCommands();
   void OnCommand(Command command);
+  void NewTask();
   void OnUnload();
   void ReadRemoteSettings();
   void ReadProxySettings();

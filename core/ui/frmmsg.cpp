@@ -1,6 +1,5 @@
 #include "core/ui/frmmsg.h"
-
-#include "platform/MessageBoxes.h"
+#include "core/ProgramTitle.h"
 
 namespace orvanto {
 

@@ -18,8 +18,8 @@ namespace orvanto::forms {
 
 class Form;
 
-enum class Kind { Label, Button, OptionButton, TextBox, Frame, Lamp, TreeView };
-enum class Property { Text, Visible, Enabled, Bounds, Value, Nodes, Selection };
+enum class Kind { Label, Button, OptionButton, TextBox, ComboBox, UpDown, Frame, Lamp, TreeView };
+enum class Property { Text, Visible, Enabled, Bounds, Value, Items, Nodes, Selection };
 
 struct Bounds {
   int left = 0;
@@ -118,6 +118,7 @@ class TextBox : public Control {
   struct Style {
     bool multiLine = false;  // lines end in CR LF; scrolls by itself to its end on SetText
     bool readOnly = false;
+    int maxLength = 0;  // in characters; 0: as long as one likes
   };
   TextBox(Form& form, const Control* container, Style style, Bounds bounds)
       : Control(form, container, Kind::TextBox, {}, bounds), style_(style) {}

@@ -11,7 +11,7 @@
 
 namespace orvanto::forms {
 
-enum class FormProperty { Caption, Visible, Position, TopMost };
+enum class FormProperty { Caption, Visible, Position, TopMost, Active };
 
 struct Size {
   int width = 0;
@@ -64,6 +64,7 @@ class Form {
   bool Loaded() const { return loaded_; }
   void Load();
   void Show();
+  void Activate();  // shows it and brings it to the front, restored where it was minimized
   void Hide();
   void Unload();
 

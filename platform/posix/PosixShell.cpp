@@ -104,4 +104,10 @@ bool PosixShell::Execute(const ShellRequest& request) {
   return !opener.empty() && StartDetached(opener, {target->path}, directory, Output::Inherit);
 }
 
+bool PosixShell::Start(const std::string& commandLine, ShowCommand) {
+  const std::optional<ShellTarget> target = FindShellTarget(commandLine);
+  return target && IsExecutable(target->path) &&
+         StartDetached(target->path, target->arguments, "", Output::Inherit);
+}
+
 }  // namespace orvanto::posix

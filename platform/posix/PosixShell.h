@@ -27,6 +27,7 @@ std::optional<ShellTarget> FindShellTarget(const std::string& text);
 class PosixShell : public Shell {
  public:
   bool Execute(const ShellRequest& request) override;
+  bool Start(const std::string& commandLine, ShowCommand show) override;
 };
 
 }  // namespace orvanto::posix

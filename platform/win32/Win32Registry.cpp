@@ -30,13 +30,9 @@ HKEY RootHandle(RootKey root) {
   return nullptr;
 }
 
-HKEY Native(Registry::Key key) {
-  return reinterpret_cast<HKEY>(key);
-}
+HKEY Native(Registry::Key key) { return reinterpret_cast<HKEY>(key); }
 
-Status ToStatus(LSTATUS status) {
-  return static_cast<Status>(status);
-}
+Status ToStatus(LSTATUS status) { return static_cast<Status>(status); }
 
 // The versions of the system do not agree on what an empty component means; here it is refused.
 Status SystemPath(const std::string& path, std::wstring& wide) {
@@ -138,8 +134,6 @@ Status Win32Registry::DeleteKey(Key parent, const std::string& subkey) {
   return ToStatus(RegDeleteKeyW(Native(parent), wide.c_str()));
 }
 
-Status Win32Registry::CloseKey(Key key) {
-  return ToStatus(RegCloseKey(Native(key)));
-}
+Status Win32Registry::CloseKey(Key key) { return ToStatus(RegCloseKey(Native(key))); }
 
 }  // namespace orvanto::win32

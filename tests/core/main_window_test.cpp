@@ -36,8 +36,9 @@ class MainWindowTest : public testing::Test, public CoreDesk {
   std::string Stored(const char* value) { return settings.ReadSetting(kGeneral, value, "?"); }
 
   frmmsg message{forms};
-  frmScriptcfg window{
-      forms, {settings, store, sched, scheduler, execution, clock, files, trayIcon, message}};
+  frmScriptcfg window{forms,
+                      {settings, store, sched, scheduler, execution, clock, files, trayIcon,
+                       messageBoxes, message}};
 };
 
 using NodeLines = std::vector<std::string>;
@@ -89,7 +90,11 @@ TEST_F(MainWindowTest, TheEditorGetsTheSlot) {
   InGroup("One", "G");
   InGroup("Two", "G");
   std::vector<std::pair<bool, int>> shown;
-  window.showEditor = [&](bool newTask, std::int16_t slot) { shown.emplace_back(newTask, slot); };
+  window.showEditor = [&](bool newTask, std::int16_t slot) {
+    EXPECT_FALSE(window.Visible());
+    shown.emplace_back(newTask, slot);
+    window.Return();
+  };
   Start();
   EXPECT_TRUE(window.cmdNew.Press());
   Click("Two");

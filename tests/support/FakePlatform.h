@@ -15,6 +15,7 @@
 
 #include "platform/Clock.h"
 #include "platform/EventLoop.h"
+#include "platform/FileDialogs.h"
 #include "platform/Files.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Platform.h"
@@ -108,7 +109,26 @@ class FakeShell : public Shell {
     requests.push_back(request);
     return true;
   }
+  bool Start(const std::string& commandLine, ShowCommand) override {
+    started.push_back(commandLine);
+    return true;
+  }
   std::vector<ShellRequest> requests;
+  std::vector<std::string> started;
+};
+
+// Answers with `chosen`; keeps what it was asked.
+class FakeFileDialogs : public FileDialogs {
+ public:
+  std::optional<std::string> ChooseFile(const std::string& title,
+                                        const std::vector<FileFilter>& filters,
+                                        const std::string& folder) override {
+    asked = title + "|" + folder;
+    for (const FileFilter& filter : filters) asked += "|" + filter.name + "=" + filter.pattern;
+    return chosen;
+  }
+  std::optional<std::string> chosen;
+  std::string asked;
 };
 
 class FakeSession : public Session {
@@ -150,10 +170,11 @@ struct FakePlatform {
   FakeSession session;
   FakeSound sound;
   FakeMessageBoxes messageBoxes;
+  FakeFileDialogs fileDialogs;
   FakeTrayIcon trayIcon;
   forms::HeadlessFormHost forms;
-  Platform platform{loop,    clock, registry,     files,    shell,
-                    session, sound, messageBoxes, trayIcon, forms};
+  Platform platform{loop,  clock,        registry,    files,    shell, session,
+                    sound, messageBoxes, fileDialogs, trayIcon, forms};
 };
 
 }  // namespace orvanto

@@ -1,0 +1,22 @@
+// What this program is, and the way to the system's own description of itself.
+#pragma once
+
+#include "platform/forms.h"
+
+namespace orvanto {
+
+class Shell;
+
+class frmAbout : public forms::Form {
+ public:
+  frmAbout(forms::FormHost& host, Shell& shell);
+
+  void Open();  // centred
+  std::function<void()> onClosed;
+
+  forms::Label lblTitle, lblVersion, lblDescription;
+  forms::Button cmdSysInfo;
+  forms::Button cmdOK;
+};
+
+}  // namespace orvanto

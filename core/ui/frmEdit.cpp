@@ -1,0 +1,357 @@
+#include "core/ui/frmEdit.h"
+
+#include <algorithm>
+
+#include "core/Convert.h"
+#include "core/ProgramTitle.h"
+#include "core/Sched.h"
+#include "core/modTaskOperations.h"
+#include "platform/Clock.h"
+#include "platform/FileDialogs.h"
+#include "platform/MessageBoxes.h"
+#include "platform/Shell.h"
+
+namespace orvanto {
+namespace {
+
+constexpr const char* kDefaultGroup = "General";
+
+constexpr std::array<const char*, kTaskTypes> kTypeCaptions{
+    "Run &Automation Script", "Run &Program/Shortcut", "&Print File", "&Reset Computer",
+    "S&hutdown Computer",     "Popup &Message",        "P&lay Sound"};
+
+// What a change of the task type does to a control. Kept is deliberate: what one type has hidden
+// stays hidden under a type that does not touch it.
+enum class Show { Yes, No, Kept };
+
+struct TypeLayout {
+  const char* caption;  // of lbl1; null: kept
+  Show first;           // lbl1, txt1
+  Show browse;
+  Show edit;
+  Show second;  // txt2 and its label
+  Show windowLabel;
+  Show window;
+};
+
+constexpr Show kYes = Show::Yes;
+constexpr Show kNo = Show::No;
+constexpr Show kKept = Show::Kept;
+
+constexpr std::array<TypeLayout, kTaskTypes> kLayouts{{
+    {"Script File:", kYes, kYes, kYes, kNo, kNo, kNo},
+    {"Program or Shortcut:", kYes, kYes, kNo, kYes, kYes, kKept},
+    {"File to Print:", kYes, kYes, kNo, kNo, kNo, kKept},
+    {nullptr, kNo, kNo, kNo, kNo, kKept, kKept},
+    {nullptr, kNo, kNo, kNo, kNo, kNo, kNo},
+    {"Message:", kYes, kNo, kNo, kNo, kNo, kNo},
+    {"Sound File:", kYes, kYes, kNo, kNo, kNo, kNo},
+}};
+
+void Apply(Show show, forms::Control& control) {
+  if (show != Show::Kept) control.SetVisible(show == Show::Yes);
+}
+
+std::vector<std::string> Texts(std::string (*nameOf)(int), int codes) {
+  std::vector<std::string> texts;
+  for (int code = 1; code <= codes; ++code) texts.push_back(nameOf(code));
+  return texts;
+}
+
+// A list's position for a code from 1, and back; a code the list does not show stays what it was.
+std::int16_t CodeOf(const forms::ComboBox& list, std::int16_t stored) {
+  const int index = list.SelectedIndex();
+  return index == forms::ComboBox::kNone ? stored : static_cast<std::int16_t>(index + 1);
+}
+
+constexpr int kTypeTop = 300;
+constexpr int kLine = 345;  // from one option to the next
+
+forms::OptionButton TypeOption(frmEdit& form, const forms::Frame& frame, int index) {
+  return {form,
+          &frame,
+          kTypeCaptions[static_cast<std::size_t>(index)],
+          {180, kTypeTop + index * kLine, 2550, 270}};
+}
+
+}  // namespace
+
+frmEdit::frmEdit(forms::FormHost& host, const Services& services)
+    : Form(host, "New Task", {9600, 6840}),
+      lblTaskName(*this, nullptr, "Name of Task:", {180, 225, 1500, 240}),
+      txtTaskName(*this, nullptr, {}, {1740, 180, 3600, 345}),
+      lblGroup(*this, nullptr, "Task Group:", {5640, 225, 1200, 240}),
+      cmbGroup(*this, nullptr, {.editable = true}, {6900, 180, 2520, 345}),
+      fraTaskType(*this, nullptr, "Type of Task:", {180, 675, 2910, 2775}),
+      optTaskType{TypeOption(*this, fraTaskType, 0), TypeOption(*this, fraTaskType, 1),
+                  TypeOption(*this, fraTaskType, 2), TypeOption(*this, fraTaskType, 3),
+                  TypeOption(*this, fraTaskType, 4), TypeOption(*this, fraTaskType, 5),
+                  TypeOption(*this, fraTaskType, 6)},
+      lbl1(*this, nullptr, "Program or Shortcut:", {3330, 765, 4200, 240}),
+      txt1(*this, nullptr, {}, {3330, 1035, 4650, 345}),
+      cmdBrowse(*this, nullptr, "&Browse", {8130, 1020, 1290, 375}),
+      cmdEdit(*this, nullptr, "E&dit Script", {8130, 1500, 1290, 375}),
+      lbl2(*this, nullptr, "Parameters:", {3330, 1560, 4200, 240}),
+      txt2(*this, nullptr, {}, {3330, 1830, 4650, 345}),
+      lblWindow(*this, nullptr, "Window style:", {3330, 2355, 4200, 240}),
+      cmbWindow(*this, nullptr, {}, {3330, 2625, 3000, 345}),
+      lblTime(*this, nullptr, "At this time:", {180, 3735, 1500, 240}),
+      txtHour(*this, nullptr, {.maxLength = 2}, {1740, 3690, 480, 345}),
+      lblColon(*this, nullptr, ":", {2280, 3735, 90, 240}),
+      txtMinute(*this, nullptr, {.maxLength = 2}, {2400, 3690, 480, 345}),
+      cmdNow(*this, nullptr, "&Now", {3060, 3675, 1080, 375}),
+      fraWhen(*this, nullptr, "When this task will occur:", {180, 4185, 9240, 1845}),
+      optOnce(*this, &fraWhen, "&Once, on this day:", {180, 345, 3150, 270}),
+      optRecurring(*this, &fraWhen, "&Recurring", {180, 825, 3150, 270}),
+      optMonthly(*this, &fraWhen, "&Every month, on this day number:", {180, 1305, 3150, 270}),
+      txtdte{forms::TextBox(*this, &fraWhen, {.maxLength = 2}, {3480, 300, 480, 345}),
+             forms::TextBox(*this, &fraWhen, {.maxLength = 2}, {4200, 300, 480, 345}),
+             forms::TextBox(*this, &fraWhen, {.maxLength = 4}, {4920, 300, 720, 345})},
+      lblSlash{forms::Label(*this, &fraWhen, "/", {4035, 345, 105, 240}),
+               forms::Label(*this, &fraWhen, "/", {4755, 345, 105, 240})},
+      cmdToday(*this, &fraWhen, "&Today", {5820, 285, 1080, 375}),
+      cmbRecur(*this, &fraWhen, {}, {3480, 780, 2400, 345}),
+      cmbMonth(*this, &fraWhen, {}, {6060, 780, 1800, 345}),
+      txtmnthday(*this, &fraWhen, {.maxLength = 2}, {3480, 1260, 480, 345}),
+      srlmnthday(*this, &fraWhen, txtmnthday, 1, 31, {3960, 1260, 255, 345}),
+      cmdSave(*this, nullptr, "&Save", {6660, 6240, 1290, 405}),
+      cmdCancel(*this, nullptr, "&Cancel", {8130, 6240, 1290, 405}),
+      services_(services) {
+  defaultButton = &cmdSave;
+  cancelButton = &cmdCancel;
+  WireControls();
+}
+
+void frmEdit::WireControls() {
+  for (int i = 0; i < kTaskTypes; ++i) {
+    optTaskType[static_cast<std::size_t>(i)].onClick = [this, i] { ChangeTaskType(i); };
+  }
+  optOnce.onClick = [this] { ChangeTimeType(kTimeOnce); };
+  optRecurring.onClick = [this] { ChangeTimeType(kTimeRecurring); };
+  optMonthly.onClick = [this] { ChangeTimeType(kTimeDayNumber); };
+  cmdBrowse.onClick = [this] { Browse(); };
+  cmdEdit.onClick = [this] { EditScript(); };
+  cmdNow.onClick = [this] { FillNow(); };
+  cmdToday.onClick = [this] { FillToday(); };
+  cmdSave.onClick = [this] { Save(); };
+  cmdCancel.onClick = [this] { Unload(); };
+  onUnload = [this] {
+    if (onClosed) onClosed();
+  };
+}
+
+void frmEdit::Open(bool newTask, std::int16_t slot) {
+  services_.store.LoadTask(slot);
+  loaded_ = services_.store.CurrentTask;
+  newTask_ = newTask;
+  if (newTask) {
+    // An empty slot loads the defaults; a time rule is not among them.
+    loaded_.timeType = kTimeOnce;
+    SetCaption("New Task");
+  } else {
+    SetCaption("Edit Task - " + loaded_.name);
+  }
+  Fill(loaded_);
+  CentreOnScreen();
+  Show();
+}
+
+void frmEdit::Fill(const TaskRecord& task) {
+  txtTaskName.SetText(task.name);
+  txt1.SetText(task.path);
+  txt2.SetText(task.cmdLine);
+  FillLists(task);
+  ShowDesignState();
+  for (int i = 0; i < kTaskTypes; ++i) {
+    optTaskType[static_cast<std::size_t>(i)].SetValue(task.taskType == i + 1);
+  }
+  if (ChosenTaskType() != 0) ChangeTaskType(task.taskType - 1);
+  FillWhen(task);
+}
+
+void frmEdit::FillLists(const TaskRecord& task) {
+  cmbGroup.SetItems(Groups());
+  cmbGroup.SetText(task.group);
+  cmbWindow.SetItems({"Normal, with Focus", "Minimized, with Focus", "Maximized, with Focus",
+                      "Normal, without Focus", "Minimized, without Focus", "Hidden"});
+  cmbWindow.Select(task.winStyle - 1);
+  // The rules that fire; one that never does is offered only to the task that has it.
+  std::vector<std::string> rules = Texts(EveryName, kEveryCodesThatFire);
+  const bool neverFires = task.every > kEveryCodesThatFire && task.every <= kEveryCodes;
+  if (neverFires) rules.push_back(EveryName(task.every));
+  cmbRecur.SetItems(std::move(rules));
+  cmbMonth.SetItems(Texts(InName, kInCodes));
+  const bool recurring = task.timeType == kTimeRecurring;
+  cmbRecur.Select(!recurring ? 0 : neverFires ? kEveryCodesThatFire : task.every - 1);
+  cmbMonth.Select(!recurring ? 0 : task.in - 1);
+}
+
+void frmEdit::FillWhen(const TaskRecord& task) {
+  if (newTask_) {
+    FillNow();
+  } else {
+    txtHour.SetText(task.timeHour);
+    txtMinute.SetText(task.timeMinute);
+  }
+  FillToday();
+  if (task.timeType == kTimeOnce && !newTask_) {
+    const bool monthFirst = services_.store.DateOrderMonthFirst != 0;
+    txtdte[0].SetText(monthFirst ? task.dateMonth : task.dateDay);
+    txtdte[1].SetText(monthFirst ? task.dateDay : task.dateMonth);
+    txtdte[2].SetText(task.dateYear);
+  }
+  txtmnthday.SetText(std::to_string(task.timeType == kTimeDayNumber ? task.dayNo : 1));
+  optOnce.SetValue(task.timeType == kTimeOnce);
+  optRecurring.SetValue(task.timeType == kTimeRecurring);
+  optMonthly.SetValue(task.timeType == kTimeDayNumber);
+  ChangeTimeType(task.timeType);
+}
+
+std::vector<std::string> frmEdit::Groups() {
+  std::vector<std::string> groups{kDefaultGroup};
+  const std::int16_t count = services_.store.NoTasks();
+  for (int i = 1; i <= count; ++i) {
+    services_.store.LoadTask(static_cast<std::int16_t>(i));
+    const std::string& group = services_.store.CurrentTask.group;
+    if (std::find(groups.begin(), groups.end(), group) == groups.end()) groups.push_back(group);
+  }
+  return groups;
+}
+
+void frmEdit::ShowDesignState() {
+  for (forms::Control* control : std::initializer_list<forms::Control*>{
+           &lbl1, &txt1, &cmdBrowse, &cmdEdit, &lbl2, &txt2, &lblWindow, &cmbWindow}) {
+    control->SetVisible(true);
+  }
+}
+
+void frmEdit::ChangeTaskType(int index) {
+  const TypeLayout& layout = kLayouts[static_cast<std::size_t>(index)];
+  if (layout.caption != nullptr) lbl1.SetText(layout.caption);
+  Apply(layout.first, lbl1);
+  Apply(layout.first, txt1);
+  Apply(layout.browse, cmdBrowse);
+  Apply(layout.edit, cmdEdit);
+  Apply(layout.second, lbl2);
+  Apply(layout.second, txt2);
+  Apply(layout.windowLabel, lblWindow);
+  Apply(layout.window, cmbWindow);
+}
+
+void frmEdit::ChangeTimeType(std::int16_t timeType) {
+  for (forms::TextBox& part : txtdte) part.SetEnabled(timeType == kTimeOnce);
+  cmdToday.SetEnabled(timeType == kTimeOnce);
+  cmbRecur.SetEnabled(timeType == kTimeRecurring);
+  cmbMonth.SetEnabled(timeType == kTimeRecurring);
+  txtmnthday.SetEnabled(timeType == kTimeDayNumber);
+  srlmnthday.SetEnabled(timeType == kTimeDayNumber);
+}
+
+std::int16_t frmEdit::ChosenTaskType() const {
+  for (std::size_t i = 0; i < optTaskType.size(); ++i) {
+    if (optTaskType[i].Value()) return static_cast<std::int16_t>(i + 1);
+  }
+  return 0;
+}
+
+std::int16_t frmEdit::ChosenTimeType() const {
+  if (optOnce.Value()) return kTimeOnce;
+  if (optRecurring.Value()) return kTimeRecurring;
+  return optMonthly.Value() ? kTimeDayNumber : 0;
+}
+
+void frmEdit::Browse() {
+  std::vector<FileFilter> filters;
+  std::string folder;
+  switch (ChosenTaskType()) {
+    case kRunScript:
+      filters.push_back({"Text Files (*.txt)", "*.txt"});
+      folder = services_.store.AppDir + "scripts\\";
+      break;
+    case kRunProgram:
+      filters.push_back({"Executables (*.exe)", "*.exe"});
+      filters.push_back({"Shortcuts (*.lnk)", "*.lnk"});
+      break;
+    case kPlaySound:
+      filters.push_back({"Sound Files (*.wav)", "*.wav"});
+      break;
+    default:
+      break;
+  }
+  filters.push_back({"All Files", "*.*"});
+  const auto file = services_.fileDialogs.ChooseFile("Select File", filters, folder);
+  if (file) txt1.SetText(file->substr(0, file->find('\0')));
+}
+
+void frmEdit::EditScript() {
+  services_.shell.Start("notepad.exe " + services_.store.TaskFile(txt1.Text()),
+                        ShowCommand::Normal);
+}
+
+void frmEdit::FillNow() {
+  const DateTime now = services_.clock.Now();
+  txtHour.SetText(TwoDigits(now.hour));
+  txtMinute.SetText(TwoDigits(now.minute));
+}
+
+void frmEdit::FillToday() {
+  const DateTime now = services_.clock.Now();
+  const bool monthFirst = services_.store.DateOrderMonthFirst != 0;
+  txtdte[0].SetText(TwoDigits(monthFirst ? now.month : now.day));
+  txtdte[1].SetText(TwoDigits(monthFirst ? now.day : now.month));
+  txtdte[2].SetText(std::to_string(now.year));
+}
+
+TaskEntry frmEdit::Entered() const {
+  TaskEntry entry;
+  entry.name = txtTaskName.Text();
+  entry.index = loaded_.index;
+  entry.group = cmbGroup.Text();
+  entry.timeType = ChosenTimeType();
+  entry.hour = TwoDigits(txtHour.Text());
+  entry.minute = TwoDigits(txtMinute.Text());
+  entry.datePart1 = TwoDigits(txtdte[0].Text());
+  entry.datePart2 = TwoDigits(txtdte[1].Text());
+  entry.year = txtdte[2].Text();
+  // Behind the rules that fire stands the task's own.
+  entry.every = CodeOf(cmbRecur, loaded_.every);
+  if (entry.every > kEveryCodesThatFire) entry.every = loaded_.every;
+  entry.in = CodeOf(cmbMonth, loaded_.in);
+  // What is no number is no day either.
+  entry.dayNo = ToInt16Or(txtmnthday.Text(), 0);
+  entry.taskType = ChosenTaskType();
+  entry.winStyle = CodeOf(cmbWindow, loaded_.winStyle);
+  entry.path = txt1.Text();
+  entry.cmdLine = txt2.Text();
+  return entry;
+}
+
+void frmEdit::Save() {
+  if (const auto refusal = TrySave()) {
+    services_.messageBoxes.Show(*refusal, kProgramTitle, Buttons::Ok, BoxIcon::None);
+    return;
+  }
+  if (onSaved) onSaved();
+  Unload();
+}
+
+// Why the entries cannot be stored, or nothing once they are.
+std::optional<std::string> frmEdit::TrySave() {
+  TaskStore& store = services_.store;
+  const auto change = store.BeginChange();
+  TaskEntry entry = Entered();
+  // The list may have changed under the open editor, from the remote control or another process.
+  if (!newTask_ && store.TaskName(entry.index) != loaded_.name) {
+    entry.index = store.SlotOfName(loaded_.name);
+  }
+  if (newTask_ || entry.index == 0) {
+    entry.index = static_cast<std::int16_t>(store.NoTasks() + 1);
+  }
+  if (entry.index > kMaxTasks) return TaskStore::kListFull;
+  store.ValidateTask(entry);
+  if (!store.TaskValidationMessage.empty()) return store.TaskValidationMessage;
+  store.SaveTask(entry);
+  return std::nullopt;
+}
+
+}  // namespace orvanto
