@@ -7,6 +7,8 @@
 #include "app/Program.h"
 #include "core/modRegistry.h"
 #include "core/modTaskOperations.h"
+#include "core/ui/frmEdit.h"
+#include "core/ui/frmScriptcfg.h"
 #include "tests/support/FakePlatform.h"
 
 namespace orvanto {
@@ -198,6 +200,50 @@ TEST(Program, StartsTheDesktopAndEndsWithItsWindow) {
   EXPECT_EQ(told, (Words{"Soon"}));
   program.Quit();
   EXPECT_TRUE(fake.loop.QuitRequested());
+}
+
+TEST(Program, OneWindowStandsForAnother) {
+  FakePlatform fake;
+  Program program(fake.platform, {"", "C:\\Home"});
+  program.Start();
+  frmScriptcfg& window = program.MainWindow();
+  frmEdit& editor = program.Editor();
+  ASSERT_TRUE(window.cmdNew.Press());
+  EXPECT_FALSE(window.Visible());
+  EXPECT_TRUE(editor.Visible());
+  program.BringToFront();
+  EXPECT_FALSE(window.Visible());
+  editor.txtTaskName.Type("Made here");
+  editor.optTaskType[5].Choose();
+  editor.txt1.Type("Hello");
+  ASSERT_TRUE(editor.cmdSave.Press());
+  EXPECT_TRUE(window.Visible());
+  ASSERT_EQ(window.treTasks.Nodes().size(), 2U) << "the group and the task";
+
+  window.cmdSystemTray.Press();
+  program.BringToFront();
+  EXPECT_TRUE(window.Visible());
+  EXPECT_FALSE(fake.trayIcon.added);
+
+  window.treTasks.ClickNode(1);
+  ASSERT_TRUE(window.cmdEdit.Press());
+  EXPECT_TRUE(editor.Visible());
+  program.Quit();
+  EXPECT_FALSE(editor.Visible());
+  EXPECT_FALSE(window.Visible()) << "it does not come back for the closing editor";
+  EXPECT_TRUE(fake.loop.QuitRequested());
+}
+
+TEST(Program, AFullListOpensNoEditor) {
+  FakePlatform fake;
+  Program program(fake.platform, {"", "C:\\Home"});
+  program.GetSettings().WriteSetting(kGeneral, "NoTasks", "100");
+  program.Start();
+  fake.messageBoxes.expected = {{TaskStore::kListFull}};
+  EXPECT_TRUE(program.MainWindow().cmdNew.Press());
+  EXPECT_TRUE(fake.messageBoxes.expected.empty());
+  EXPECT_FALSE(program.Editor().Visible());
+  EXPECT_TRUE(program.MainWindow().Visible());
 }
 
 }  // namespace
