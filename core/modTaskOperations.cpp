@@ -263,15 +263,12 @@ void TaskStore::ValidateDate(const std::string& dayText, const std::string& mont
     const std::int16_t day = ToInt16(dayText);
     const std::int16_t month = ToInt16(monthText);
     const std::int16_t year = ToInt16(yearText);
-    if (!DayFitsMonth(day, month, year)) {
-      TaskValidationMessage = kInvalidDay;
-    } else if (month < 1 || month > 12) {
-      TaskValidationMessage = "Invalid Month given for Date";
-    } else if (yearText.size() < 4) {
-      TaskValidationMessage = "Invalid Year given for Date";
-    } else if (day < 1 || day > 31) {
-      TaskValidationMessage = kInvalidDay;
-    }
+    const char* message = !DayFitsMonth(day, month, year) ? kInvalidDay
+                          : month < 1 || month > 12       ? "Invalid Month given for Date"
+                          : yearText.size() < 4           ? "Invalid Year given for Date"
+                          : day < 1 || day > 31           ? kInvalidDay
+                                                          : nullptr;
+    if (message != nullptr) TaskValidationMessage = message;
   } catch (const Error&) {
     TaskValidationMessage = "Invalid Date";
   }

@@ -156,8 +156,11 @@ void PosixLoop::Poll(bool wait) {
     if (!earliest) {
       limit = nullptr;
     } else {
-      const std::chrono::nanoseconds left =
+      std::chrono::nanoseconds left =
           std::max(earliest->due - Clock::now(), Clock::duration::zero());
+      // The system may end the wait late by a thousandth of it, which it mostly does. When it is on
+      // time the next round waits for the rest.
+      left -= left / 1001;
       timeout.tv_sec = static_cast<time_t>(left.count() / 1'000'000'000);
       timeout.tv_nsec = static_cast<long>(left.count() % 1'000'000'000);
     }

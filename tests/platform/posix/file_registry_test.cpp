@@ -106,9 +106,12 @@ RegistryTree HostileTree() {
 TEST(RegistryText, RoundTripsHostileContent) {
   const RegistryTree tree = HostileTree();
   RegistryTree back;
-  const auto error = ParseRegistry(FormatRegistry(tree), back);
+  const std::string text = FormatRegistry(tree);
+  const auto error = ParseRegistry(text, back);
   EXPECT_FALSE(error) << error->line << ": " << error->reason;
   EXPECT_TRUE(back == tree);
+  EXPECT_THAT(text, HasSubstr("\\xc0\\xaf \\xed\\xa0\\x80 \\xf5\\x80"));
+  EXPECT_THAT(text, HasSubstr("Grüße Ж € 𝄞"));
 }
 
 TEST(RegistryText, ATruncatedTextIsNeverTakenForAWholeOne) {

@@ -1,0 +1,98 @@
+// One full tick of the scheduler, the one at second 00, over a list of tasks in a registry file.
+#include <benchmark/benchmark.h>
+
+#include <filesystem>
+#include <iostream>
+
+#include "core/Sched.h"
+#include "core/Scheduler.h"
+#include "core/TaskExecution.h"
+#include "core/modRegistry.h"
+#include "core/modTaskOperations.h"
+#include "platform/MessageBoxes.h"
+#include "platform/Session.h"
+#include "platform/Sound.h"
+#include "platform/posix/FileRegistry.h"
+#include "platform/posix/PosixClock.h"
+#include "platform/posix/PosixFiles.h"
+#include "platform/posix/PosixLoop.h"
+
+namespace orvanto {
+namespace {
+
+// The system's clock, always at the beginning of a minute.
+class FullMinute : public posix::PosixClock {
+ public:
+  DateTime Now() const override {
+    DateTime now = PosixClock::Now();
+    now.second = 0;
+    return now;
+  }
+};
+
+class NoFinder : public FileFinder {
+ public:
+  bool FindFile(const std::string&) override { return true; }
+};
+
+// Counts; nothing is due, so nothing may come here.
+struct NoWay : Shell, Session, Sound, MessageBoxes {
+  bool Execute(const ShellRequest&) override { return Called(); }
+  bool End(std::uint32_t) override { return Called(); }
+  bool Play(const std::string&) override { return Called(); }
+  Answer Show(const std::string&, const std::string&, Buttons, BoxIcon) override {
+    Called();
+    return Answer::Ok;
+  }
+  bool Called() {
+    ++calls;
+    return false;
+  }
+  int calls = 0;
+};
+
+void FullTick(benchmark::State& state) {
+  const std::filesystem::path folder =
+      std::filesystem::temp_directory_path() / ("orvanto-tick-" + std::to_string(::getpid()));
+  std::filesystem::create_directory(folder);
+  {
+    posix::FileRegistry registry(folder / "registry.txt",
+                                 [](const std::string& message) { std::cerr << message << "\n"; });
+    posix::PosixLoop loop;
+    FullMinute clock;
+    Settings settings(registry);
+    NoFinder finder;
+    NoWay nothing;
+    TaskStore store(settings, clock, finder);
+    Sched sched(store, clock);
+    TaskExecution execution(store, nothing, nothing, nothing, nothing, nullptr);
+    Scheduler scheduler(loop, clock, store, sched, execution);
+    {
+      RegistryChange change(registry);
+      for (std::int16_t slot = 1; slot <= state.range(0); ++slot) {
+        TaskEntry entry;
+        entry.name = "Task number " + std::to_string(slot);
+        entry.index = slot;
+        entry.group = "General";
+        entry.timeType = kTimeRecurring;
+        entry.every = 20;  // a rule that never comes due
+        entry.in = 1;
+        entry.hour = "10";
+        entry.minute = "30";
+        entry.taskType = kRunProgram;
+        entry.path = "C:\\Program Files\\Tool\\tool.exe";
+        entry.cmdLine = "/quiet";
+        store.SaveTask(entry);
+      }
+    }
+    for (auto _ : state) scheduler.Tick();
+    if (nothing.calls != 0) state.SkipWithError("a task ran");
+  }
+  std::filesystem::remove_all(folder);
+}
+BENCHMARK(FullTick)->Arg(0)->Arg(100)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace orvanto
+
+BENCHMARK_MAIN();

@@ -1,0 +1,84 @@
+"""What the end-to-end tests of the console program share."""
+import datetime
+import os
+import pathlib
+import subprocess
+import tempfile
+import time
+import unittest
+
+PROGRAM = os.environ["ORVANTO"]
+
+
+class HomeTest(unittest.TestCase):
+    """A test with scratch homes; whatever it started ends with it."""
+
+    def setUp(self):
+        self.scratch = tempfile.TemporaryDirectory()
+        self.addCleanup(self.scratch.cleanup)
+        self.running = []
+        self.addCleanup(self.stop_all)
+
+    def home(self, name="home"):
+        path = pathlib.Path(self.scratch.name) / name
+        path.mkdir(exist_ok=True)
+        return path
+
+    def orvanto(self, home, *words, status=0, env=None):
+        """Runs one command and returns its output."""
+        done = subprocess.run([PROGRAM, "--home", home, *words], capture_output=True, text=True,
+                              timeout=60, env=env, stdin=subprocess.DEVNULL, check=False)
+        self.assertEqual(done.returncode, status, done.stdout + done.stderr)
+        self.last_error = done.stderr
+        return done.stdout
+
+    def start(self, home, env=None):
+        """Starts a scheduler and returns once it runs."""
+        process = subprocess.Popen([PROGRAM, "--home", home], stdin=subprocess.DEVNULL,
+                                   stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                                   env=env)
+        self.running.append(process)
+        self.assertIn("runs the tasks in", process.stdout.readline())
+        return process
+
+    def stop(self, process):
+        """Ends a scheduler as a user would and returns the rest of its output."""
+        process.terminate()
+        output, _ = process.communicate(timeout=20)
+        self.assertEqual(process.returncode, 0, output)
+        self.running.remove(process)
+        return output
+
+    def stop_all(self):
+        for process in self.running:
+            process.kill()
+            process.communicate()
+
+    def marker(self, home, name):
+        """A program that appends the time to a file, and that file."""
+        marks = home / (name + ".marks")
+        program = home / (name + ".sh")
+        program.write_text(f"#!/bin/sh\ndate +%H:%M:%S >>'{marks}'\n")
+        program.chmod(0o755)
+        return program, marks
+
+
+def next_minute(margin):
+    """The next full minute that is at least `margin` seconds away."""
+    now = datetime.datetime.now()
+    due = now.replace(second=0, microsecond=0) + datetime.timedelta(minutes=1)
+    if (due - now).total_seconds() < margin:
+        due += datetime.timedelta(minutes=1)
+    return due
+
+
+def hh_mm(moment):
+    return moment.strftime("%H:%M")
+
+
+def sleep_until(moment):
+    time.sleep(max(0.0, (moment - datetime.datetime.now()).total_seconds()))
+
+
+def lines_of(path):
+    return path.read_text().splitlines() if path.exists() else []

@@ -1,0 +1,83 @@
+"""The scheduler in real time."""
+import datetime
+import os
+import subprocess
+import unittest
+
+from support import HomeTest, PROGRAM, hh_mm, lines_of, next_minute, sleep_until
+
+
+class Scheduler(HomeTest):
+    def test_each_due_task_fires_once_at_its_minute(self):
+        due = next_minute(margin=15)
+        after = due + datetime.timedelta(minutes=1)
+        marks = {}
+        schedulers = []
+        for name in ("one", "two"):
+            home = self.home(name)
+            for task, minute in (("now", due), ("later", after), ("yesterday", due)):
+                program, marks[name, task] = self.marker(home, task)
+                when = ["--every", "Every Day"]
+                if task == "yesterday":
+                    day = due - datetime.timedelta(days=1)
+                    # Dates are in the order of the C locale here.
+                    when = ["--once", day.strftime("%m/%d/%Y")]
+                self.orvanto(home, "add", task, "--at", hh_mm(minute), *when,
+                             "--program", program, env={**os.environ, "LC_ALL": "C"})
+            self.orvanto(home, "set", "General", "ProxyPort", "a port")
+            schedulers.append(self.start(home))
+        # Into the store of a scheduler that is running.
+        program, marks["two", "added"] = self.marker(self.home("two"), "added")
+        self.orvanto(self.home("two"), "add", "added", "--at", hh_mm(due), "--day", str(due.day),
+                     "--program", program)
+
+        sleep_until(after + datetime.timedelta(seconds=3))
+        expected = {"now": due, "later": after, "added": due, "yesterday": None}
+        for (name, task), path in marks.items():
+            fired = lines_of(path)
+            minute = expected[task]
+            if minute is None:
+                self.assertEqual(fired, [], (name, task))
+                continue
+            self.assertEqual(len(fired), 1, (name, task, fired))
+            self.assertRegex(fired[0], "^" + hh_mm(minute) + ":0[0-2]$", (name, task))
+        output = [self.stop(process) for process in schedulers]
+        for name, text in zip(("one", "two"), output):
+            self.assertIn("now (Run Program/Shortcut)", text)
+            log = (self.home(name) / "ORVTASK.LOG").read_bytes()
+            self.assertEqual(log, b'"Error Code:13"\r\n')
+            self.assertEqual(self.orvanto(self.home(name), "get", "General", "OnTop"), "0\n")
+
+    def test_a_second_scheduler_in_the_same_home_is_refused(self):
+        home = self.home()
+        first = self.start(home)
+        done = subprocess.run([PROGRAM, "--home", home], capture_output=True, text=True,
+                              timeout=20, stdin=subprocess.DEVNULL, check=False)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("already", done.stderr)
+        self.stop(first)
+        self.stop(self.start(home))
+
+    def test_run_does_a_task_now(self):
+        home = self.home()
+        fake = self.home("fakes")
+        (fake / "shutdown").write_text(f"#!/bin/sh\necho \"$@\" >>'{home}/asked'\n")
+        (fake / "shutdown").chmod(0o755)
+        env = {**os.environ, "PATH": f"{fake}:{os.environ['PATH']}"}
+        self.orvanto(home, "add", "off", "--at", "10:00", "--day", "1", "--shutdown")
+        self.orvanto(home, "add", "again", "--at", "10:00", "--day", "1", "--reset")
+        self.orvanto(home, "add", "hello", "--at", "10:00", "--day", "1", "--message", "Hello")
+        self.orvanto(home, "run", "1", env=env)
+        self.orvanto(home, "run", "2", env=env)
+        self.assertEqual(self.orvanto(home, "run", "3"), "Orvanto: Hello\n")
+        deadline = datetime.datetime.now() + datetime.timedelta(seconds=10)
+        while len(lines_of(home / "asked")) < 2 and datetime.datetime.now() < deadline:
+            pass
+        self.assertEqual(sorted(lines_of(home / "asked")), ["-h now", "-r now"])
+        self.orvanto(home, "frobnicate", status=2)
+        self.orvanto(home, "add", "bad", "--at", "25:00", "--day", "1", "--reset", status=1)
+        self.assertEqual(self.last_error, "Invlaid Hour given for Time\n")
+
+
+if __name__ == "__main__":
+    unittest.main()
