@@ -9,12 +9,19 @@ namespace orvanto::win32 {
 namespace {
 
 // The system hands out posted messages before input, painting and timers, so a flood of the first
-// would starve the others. A round therefore takes some of each kind in turn.
-constexpr UINT kKinds[] = {QS_SENDMESSAGE, QS_POSTMESSAGE | QS_HOTKEY, QS_INPUT, QS_PAINT,
-                           QS_TIMER};
-constexpr int kMessagesPerKind = 16;
+// would starve the others. A round therefore takes some of each kind in turn. Of input it takes
+// one: the characters that a key makes are posted, and have to come before the next key.
+struct Kind {
+  UINT queue;
+  int share;
+};
+constexpr Kind kKinds[] = {{QS_SENDMESSAGE, 1},
+                           {QS_POSTMESSAGE | QS_HOTKEY, 16},
+                           {QS_INPUT, 1},
+                           {QS_PAINT, 16},
+                           {QS_TIMER, 16}};
 constexpr std::size_t kPostsPerWake = 64;
-constexpr int kRoundsPerDoEvents = 64;
+constexpr int kRoundsPerDoEvents = 256;
 
 template <typename Work>
 void Guarded(const char* where, const Work& work) {
@@ -88,10 +95,10 @@ void Win32Loop::DoEvents() {
 
 bool Win32Loop::PumpRound() {
   bool any = false;
-  for (const UINT kind : kKinds) {
+  for (const Kind& kind : kKinds) {
     MSG message;
-    for (int i = 0; i < kMessagesPerKind; ++i) {
-      if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | (kind << 16))) break;
+    for (int i = 0; i < kind.share; ++i) {
+      if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | (kind.queue << 16))) break;
       any = true;
       if (message.message == WM_QUIT) {
         quit_ = true;

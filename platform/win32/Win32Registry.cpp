@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 #include <vector>
@@ -34,7 +35,10 @@ HKEY Native(Registry::Key key) { return reinterpret_cast<HKEY>(key); }
 
 Status ToStatus(LSTATUS status) { return static_cast<Status>(status); }
 
-// The versions of the system do not agree on what an empty component means; here it is refused.
+constexpr std::size_t kLongestComponent = 255;
+
+// What is no path is refused here, with the documented codes, because versions of the system differ
+// in what they answer.
 Status SystemPath(const std::string& path, std::wstring& wide) {
   std::string_view text = path;
   if (text.ends_with('\\')) text.remove_suffix(1);
@@ -42,6 +46,11 @@ Status SystemPath(const std::string& path, std::wstring& wide) {
     return kBadPathname;
   }
   wide = ToWide(text);
+  for (std::size_t begin = 0; begin < wide.size();) {
+    const std::size_t end = std::min(wide.find(L'\\', begin), wide.size());
+    if (end - begin > kLongestComponent) return kInvalidParameter;
+    begin = end + 1;
+  }
   return kSuccess;
 }
 

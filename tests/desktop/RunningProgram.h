@@ -1,0 +1,66 @@
+// A started orvanto.exe, as another program sees it: a process with windows.
+#pragma once
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/win32/Handle.h"
+
+namespace orvanto::desktop {
+
+// Asks again and again until it holds; false when it never did.
+bool WaitFor(const std::function<bool()>& condition,
+             std::chrono::milliseconds patience = std::chrono::seconds(20));
+
+// Runs a program to its end; its exit code, or -1.
+int RunToEnd(std::wstring commandLine);
+
+// All top-level windows, visible or not, of a process (0: of any) with this class.
+std::vector<HWND> TopLevel(DWORD process, const std::wstring& windowClass);
+
+std::wstring TextOf(HWND window);
+
+struct TreeLine {
+  int level;
+  std::wstring text;
+  bool operator==(const TreeLine&) const = default;
+};
+
+class RunningProgram {
+ public:
+  // Starts the program that lies beside the test program.
+  explicit RunningProgram(const std::wstring& arguments = L"");
+  ~RunningProgram();  // ends it, the hard way if it still runs
+
+  DWORD Id() const { return id_; }
+  // The main window, or null as long as there is none. Waits for its timer to have written the
+  // caption, so it is started completely then.
+  HWND MainWindow() const;
+  HWND Button(const std::wstring& caption) const;
+  HWND Box() const;  // the message box that is open, or null
+  HWND TrayOwner() const;
+
+  // What a person does.
+  void Press(const std::wstring& caption) const;
+  void ClickTreeLine(std::size_t index) const;
+  void ChooseMenu(wchar_t menu, int itemsBelowFirst) const;
+
+  std::vector<TreeLine> Tree() const;
+  bool WaitForEnd(DWORD& exitCode) const;
+
+ private:
+  class Remote;
+  HWND TreeWindow() const;
+  std::vector<HTREEITEM> Items(std::vector<int>& levels) const;
+
+  win32::Handle<HANDLE, CloseHandle> process_;
+  DWORD id_ = 0;
+};
+
+}  // namespace orvanto::desktop
