@@ -68,29 +68,17 @@ void Program::Start() {
 }
 
 void Program::Prepare() {
-  parts_->settings.ReadStorageMode();
   parts_->store.ReadDateOrder();
   parts_->store.SetProgramFolder(parts_->options.programFolder);
+  parts_->settings.ReadStorageMode();
 }
 
-Settings& Program::GetSettings() {
-  return parts_->settings;
-}
-TaskStore& Program::Store() {
-  return parts_->store;
-}
-Sched& Program::GetSched() {
-  return parts_->sched;
-}
-TaskExecution& Program::Execution() {
-  return parts_->execution;
-}
-frmScriptcfg& Program::MainWindow() {
-  return parts_->mainWindow;
-}
+Settings& Program::GetSettings() { return parts_->settings; }
+TaskStore& Program::Store() { return parts_->store; }
+Sched& Program::GetSched() { return parts_->sched; }
+TaskExecution& Program::Execution() { return parts_->execution; }
+frmScriptcfg& Program::MainWindow() { return parts_->mainWindow; }
 
-void Program::Quit() {
-  parts_->mainWindow.Unload();
-}
+void Program::Quit() { parts_->mainWindow.Unload(); }
 
 }  // namespace orvanto

@@ -8,9 +8,7 @@
 namespace orvanto {
 namespace {
 
-char LowerAscii(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
+char LowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 std::string_view Trim(std::string_view text) {
   const auto first = text.find_first_not_of(" \t");
@@ -58,12 +56,8 @@ Int ConvertOrThrow(std::string_view text) {
 
 }  // namespace
 
-std::int16_t ToInt16(std::string_view text) {
-  return ConvertOrThrow<std::int16_t>(text);
-}
-std::int32_t ToInt32(std::string_view text) {
-  return ConvertOrThrow<std::int32_t>(text);
-}
+std::int16_t ToInt16(std::string_view text) { return ConvertOrThrow<std::int16_t>(text); }
+std::int32_t ToInt32(std::string_view text) { return ConvertOrThrow<std::int32_t>(text); }
 
 std::int16_t ToInt16Or(std::string_view text, std::int16_t fallback) {
   std::int16_t result = 0;
@@ -74,9 +68,7 @@ std::string TwoDigits(std::string_view text) {
   return text.size() == 1 ? "0" + std::string(text) : std::string(text);
 }
 
-std::string TwoDigits(int number) {
-  return TwoDigits(std::to_string(number));
-}
+std::string TwoDigits(int number) { return TwoDigits(std::to_string(number)); }
 
 std::string LowerCase(std::string_view text) {
   std::string lower(text);

@@ -46,9 +46,7 @@ std::string TextAt(const Table& table, int code) {
 }
 
 // A stored number against the clock; one that does not convert equals nothing.
-bool Equals(const std::string& text, int number) {
-  return ToInt16Or(text, -1) == number;
-}
+bool Equals(const std::string& text, int number) { return ToInt16Or(text, -1) == number; }
 
 bool EveryMatches(int every, int weekday) {
   switch (every) {
@@ -72,9 +70,7 @@ std::string EveryName(int code) {
          kWeekdays[static_cast<std::size_t>(beyond % 7)];
 }
 
-std::string InName(int code) {
-  return TextAt(kIn, code);
-}
+std::string InName(int code) { return TextAt(kIn, code); }
 
 std::string TaskTypeName(int code) {
   const auto* type = At(kTypes, code);

@@ -9,9 +9,7 @@ namespace {
 constexpr const char* kCount = "NoTasks";
 constexpr const char* kNameEnd = " | ";
 
-std::string SlotName(int index) {
-  return "Task" + std::to_string(index);
-}
+std::string SlotName(int index) { return "Task" + std::to_string(index); }
 
 // The sections of the program's own settings. Backslashes at the ends do not count: the registry
 // takes "General\" for "General".
@@ -20,6 +18,13 @@ bool IsOwnSection(const std::string& name) {
   if (first == std::string::npos) return true;
   const std::string bare = name.substr(first, name.find_last_not_of('\\') - first + 1);
   return EqualIgnoringCase(bare, kGeneral) || EqualIgnoringCase(bare, kInternet);
+}
+
+// Whether the registry can hold a section of that name, and under that name only.
+bool IsSectionName(const std::string& name) {
+  constexpr std::size_t kLongest = 255;
+  return name.size() <= kLongest && name.front() != '\\' && name.back() != '\\' &&
+         name.find("\\\\") == std::string::npos && name.find('\0') == std::string::npos;
 }
 
 // Throws what ToInt16 throws.
@@ -246,6 +251,10 @@ void TaskStore::ValidateTaskName(const std::string& name, std::int16_t ownIndex)
   // A task of that name would share the section of the settings, and deleting it delete them.
   if (IsOwnSection(name)) {
     TaskValidationMessage = kInUse;
+    return;
+  }
+  if (!IsSectionName(name)) {
+    TaskValidationMessage = "That Task Name cannot be used. Please use a different one.";
     return;
   }
   const std::int16_t count = NoTasks();

@@ -42,9 +42,7 @@ unsigned LowerCodePoint(unsigned codePoint) {
   return codePoint;
 }
 
-bool IsContinuation(char c) {
-  return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
-}
+bool IsContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
 std::size_t Utf16Length(std::string_view text) {
   std::size_t length = 0;
@@ -88,9 +86,7 @@ void AppendFolded(std::string& out, std::string_view text) {
   }
 }
 
-std::string RootId(RootKey root) {
-  return std::string(1, static_cast<char>('0' + int(root)));
-}
+std::string RootId(RootKey root) { return std::string(1, static_cast<char>('0' + int(root))); }
 
 }  // namespace
 

@@ -79,8 +79,6 @@ Status TreeRegistry::DeleteKey(Key parent, const std::string& subkey) {
   return Write([&](RegistryTree& tree) { return tree.DeleteKey(id); });
 }
 
-Status TreeRegistry::CloseKey(Key key) {
-  return open_.erase(key) == 1 ? kSuccess : kInvalidHandle;
-}
+Status TreeRegistry::CloseKey(Key key) { return open_.erase(key) == 1 ? kSuccess : kInvalidHandle; }
 
 }  // namespace orvanto

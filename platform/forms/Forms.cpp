@@ -120,9 +120,7 @@ void TreeView::EnsureVisible(NodeId node) {
   Changed(Property::Nodes);
 }
 
-void TreeView::BeginUpdate() {
-  updating_ = true;
-}
+void TreeView::BeginUpdate() { updating_ = true; }
 
 void TreeView::EndUpdate() {
   updating_ = false;

@@ -23,9 +23,7 @@ PosixClock::PosixClock(const char* locale)
   ::tzset();
 }
 
-PosixClock::~PosixClock() {
-  ::freelocale(locale_);
-}
+PosixClock::~PosixClock() { ::freelocale(locale_); }
 
 DateTime PosixClock::Now() const {
   const auto now = std::chrono::steady_clock::now();

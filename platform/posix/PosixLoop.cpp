@@ -127,9 +127,7 @@ void PosixLoop::DoEvents() {
   if (holds_ == 0) Round(false);
 }
 
-void PosixLoop::Post(std::function<void()> work) {
-  posted_.push_back(std::move(work));
-}
+void PosixLoop::Post(std::function<void()> work) { posted_.push_back(std::move(work)); }
 
 void PosixLoop::Round(bool wait) {
   Poll(wait && posted_.empty());

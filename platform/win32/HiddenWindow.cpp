@@ -24,9 +24,7 @@ void ReportException(const char* where) noexcept {
   OutputDebugStringA(what);
 }
 
-HINSTANCE ThisModule() {
-  return reinterpret_cast<HINSTANCE>(&__ImageBase);
-}
+HINSTANCE ThisModule() { return reinterpret_cast<HINSTANCE>(&__ImageBase); }
 
 HiddenWindow::HiddenWindow(const wchar_t* className, Handler handler)
     : handler_(std::move(handler)) {

@@ -101,9 +101,7 @@ bool Win32Shell::Execute(const ShellRequest& request) {
   return ShellExecuteExW(&info) != 0;
 }
 
-bool Win32Session::End(std::uint32_t flags) {
-  return ExitWindowsEx(flags, 0) != 0;
-}
+bool Win32Session::End(std::uint32_t flags) { return ExitWindowsEx(flags, 0) != 0; }
 
 bool Win32Sound::Play(const std::string& name) {
   return PlaySoundW(ToWide(name).c_str(), nullptr, SND_ASYNC) != 0;

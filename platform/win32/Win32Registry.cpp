@@ -31,13 +31,9 @@ HKEY RootHandle(RootKey root) {
   return nullptr;
 }
 
-HKEY Native(Registry::Key key) {
-  return reinterpret_cast<HKEY>(key);
-}
+HKEY Native(Registry::Key key) { return reinterpret_cast<HKEY>(key); }
 
-Status ToStatus(LSTATUS status) {
-  return static_cast<Status>(status);
-}
+Status ToStatus(LSTATUS status) { return static_cast<Status>(status); }
 
 constexpr std::size_t kLongestComponent = 255;
 
@@ -147,8 +143,6 @@ Status Win32Registry::DeleteKey(Key parent, const std::string& subkey) {
   return ToStatus(RegDeleteKeyW(Native(parent), wide.c_str()));
 }
 
-Status Win32Registry::CloseKey(Key key) {
-  return ToStatus(RegCloseKey(Native(key)));
-}
+Status Win32Registry::CloseKey(Key key) { return ToStatus(RegCloseKey(Native(key))); }
 
 }  // namespace orvanto::win32

@@ -23,9 +23,7 @@ Win32TrayIcon::Win32TrayIcon(EventLoop& loop)
               [this](UINT message, WPARAM, LPARAM lParam) { return OnMessage(message, lParam); }),
       retry_(loop.NewTimer([this] { Offer(); })) {}
 
-Win32TrayIcon::~Win32TrayIcon() {
-  Remove();
-}
+Win32TrayIcon::~Win32TrayIcon() { Remove(); }
 
 void Win32TrayIcon::Add(const std::string& tip) {
   if (wanted_) return;

@@ -92,13 +92,9 @@ void FakeLoop::Pass(std::int64_t milliseconds) {
   clock_.Move(milliseconds);
 }
 
-void FakeLoop::Block(std::int64_t milliseconds) {
-  Pass(milliseconds);
-}
+void FakeLoop::Block(std::int64_t milliseconds) { Pass(milliseconds); }
 
-void FakeLoop::Run() {
-  DoEvents();
-}
+void FakeLoop::Run() { DoEvents(); }
 
 void FakeLoop::DoEvents() {
   if (held_ > 0) return;
