@@ -99,9 +99,9 @@ void Program::Start() {
 }
 
 void Program::Prepare() {
-  parts_->settings.ReadStorageMode();
   parts_->store.ReadDateOrder();
   parts_->store.SetProgramFolder(parts_->options.programFolder);
+  parts_->settings.ReadStorageMode();
 }
 
 Settings& Program::GetSettings() { return parts_->settings; }

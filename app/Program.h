@@ -33,7 +33,7 @@ class Program {
   void Start();
 
   // Instead of Start, for one command without a window: reads what the task store needs to know.
-  // Throws Error for a storage mode that does not convert.
+  // Throws Error, last of all, for a storage mode that does not convert: it stays 0 then.
   void Prepare();
 
   Settings& GetSettings();

@@ -2,9 +2,11 @@
 #include <fcntl.h>
 #include <sys/file.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <iostream>
 
@@ -52,7 +54,7 @@ bool ParseArguments(int argc, char** argv, Arguments& arguments) {
     const std::string word = argv[i];
     if (word != "--home" || !arguments.words.empty()) {
       arguments.words.push_back(word);
-    } else if (++i < argc) {
+    } else if (++i < argc && *argv[i] != '\0') {
       arguments.home = argv[i];
     } else {
       return false;
@@ -62,11 +64,26 @@ bool ParseArguments(int argc, char** argv, Arguments& arguments) {
   return true;
 }
 
-// One scheduler at a time in one home, or every task would run twice.
-posix::Descriptor LockHome() {
+// One scheduler at a time in one home, or every task would run twice. Says why when it has none.
+posix::Descriptor LockHome(const std::string& home) {
   posix::Descriptor lock(::open(kLockFile, O_RDWR | O_CREAT | O_CLOEXEC, 0666));
-  if (lock.Get() >= 0 && ::flock(lock.Get(), LOCK_EX | LOCK_NB) != 0) lock.Close();
-  return lock;
+  if (lock && ::flock(lock.Get(), LOCK_EX | LOCK_NB) == 0) return lock;
+  if (lock && errno == EWOULDBLOCK) {
+    std::cerr << "A scheduler runs in " << home << " already." << std::endl;
+  } else {
+    std::cerr << "The home " << home << " cannot be locked: " << std::strerror(errno) << std::endl;
+  }
+  return {};
+}
+
+// What is written to a terminal or a pipe that has gone must not end the program, nor must a file
+// that it opens be taken for one of the standard streams.
+void SecureStandardStreams() {
+  std::signal(SIGPIPE, SIG_IGN);
+  for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; ++fd) {
+    // The lowest free number is taken, so these become the missing ones in turn.
+    if (::fcntl(fd, F_GETFD) < 0 && errno == EBADF && ::open("/dev/null", O_RDWR) < 0) std::abort();
+  }
 }
 
 // Services of this system, in the order in which they need each other.
@@ -88,11 +105,8 @@ struct PosixPlatform {
 };
 
 int RunScheduler(const std::string& home, const std::string& commandLine) {
-  const posix::Descriptor lock = LockHome();
-  if (lock.Get() < 0) {
-    std::cerr << "A scheduler runs in " << home << " already." << std::endl;
-    return kExitRefused;
-  }
+  const posix::Descriptor lock = LockHome(home);
+  if (!lock) return kExitRefused;
   PosixPlatform host;
   Program program(host.platform, {commandLine, posix::FromNative(home)});
   program.onTaskRun = [&](const TaskRecord& task) {
@@ -110,17 +124,19 @@ int RunScheduler(const std::string& home, const std::string& commandLine) {
   return 0;
 }
 
-// A file as the user names it, as a task stores it. Relative names belong to the scripts folder,
-// unless there is such a file where the user stands and none there.
-std::string TaskPath(const fs::path& home, const fs::path& start, const std::string& text) {
+// A file as the user names it, as a task stores it. A relative name is looked for in the scripts
+// folder, then where the user stands. Scripts are run from their folder; everything else is opened
+// from wherever the scheduler stands, so its path is stored whole.
+std::string TaskPath(const fs::path& home, const fs::path& start, const std::string& text,
+                     std::int16_t taskType) {
   std::error_code ignored;
-  if (text.empty()) return text;
-  if (text[0] == '/') return posix::FromNative(text);
-  const fs::path here = (start / text).lexically_normal();
-  if (!fs::exists(home / "scripts" / text, ignored) && fs::exists(here, ignored)) {
-    return posix::FromNative(here);
+  if (text.empty() || text[0] == '/') return posix::FromNative(text);
+  const fs::path there = home / "scripts" / text;
+  if (fs::exists(there, ignored)) {
+    return posix::FromNative(taskType == kRunScript ? text : there.string());
   }
-  return posix::FromNative(text);
+  const fs::path here = start / text;
+  return posix::FromNative(fs::exists(here, ignored) ? here.string() : text);
 }
 
 int RunOneCommand(const fs::path& home, const fs::path& start,
@@ -132,11 +148,14 @@ int RunOneCommand(const fs::path& home, const fs::path& start,
   } catch (const Error& error) {
     std::cerr << "Users_Share does not hold a number; per-user tasks are used." << std::endl;
   }
-  return RunCommand(words, {program, std::cout, std::cerr,
-                            [&](const std::string& text) { return TaskPath(home, start, text); }});
+  return RunCommand(
+      words, {program, std::cout, std::cerr, [&](const std::string& text, std::int16_t taskType) {
+                return TaskPath(home, start, text, taskType);
+              }});
 }
 
 int Main(int argc, char** argv) {
+  SecureStandardStreams();
   Arguments arguments;
   if (!ParseArguments(argc, argv, arguments)) {
     PrintUsage(std::cerr);
@@ -155,8 +174,12 @@ int Main(int argc, char** argv) {
   }
   std::error_code error;
   const fs::path start = fs::current_path(error);
-  fs::path home = fs::absolute(arguments.home, error).lexically_normal();
+  fs::path home = fs::weakly_canonical(fs::absolute(arguments.home), error);
   if (!home.has_filename()) home = home.parent_path();  // written with a slash at its end
+  if (home.string().find('\\') != std::string::npos) {
+    std::cerr << "The home's path may not hold a backslash: " << home.string() << std::endl;
+    return kExitRefused;
+  }
   fs::create_directories(home / "scripts", error);
   // Everything that is named without a directory, the logs among it, belongs into the home.
   if (!error) fs::current_path(home, error);

@@ -23,6 +23,10 @@ void SecondTimer::Start() {
 
 void SecondTimer::Stop() { timer_->Stop(); }
 
+void SecondTimer::SkipThisSecond() {
+  lastSecond_ = clock_.UnixMilliseconds() / kMillisecondsPerSecond;
+}
+
 void SecondTimer::Arm() {
   const std::int64_t into = clock_.UnixMilliseconds() % kMillisecondsPerSecond;
   timer_->Start(std::chrono::milliseconds(kMillisecondsPerSecond - into));
@@ -50,12 +54,16 @@ void Scheduler::Tick() {
   const DateTime now = clock_.Now();
   if (onCaption) onCaption("Orvanto - " + TwoDigits(now.hour) + ":" + TwoDigits(now.minute));
   if (onSecond) onSecond();
-  if (clock_.Now().second == 0) RunDueTasks();
+  if (clock_.Now().second != 0) return;
+  tmrSched.SkipThisSecond();
+  RunDueTasks();
 }
 
 void Scheduler::RunDueTasks() {
   const std::int16_t count = store_.NoTasks();
   for (int i = 1; i <= count; ++i) {
+    // The program may be told to end while a task runs (a message box left open).
+    if (!tmrSched.Enabled()) return;
     const auto slot = static_cast<std::int16_t>(i);
     store_.LoadTask(slot);
     if (!sched_.IsDue(store_.CurrentTask)) continue;

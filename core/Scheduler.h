@@ -26,6 +26,9 @@ class SecondTimer {
 
   void Start();  // the first call comes with the next second
   void Stop();
+  // Gives the present second no more: its tick has looked at it, though it was that of the second
+  // before, delivered late.
+  void SkipThisSecond();
   bool Enabled() const { return timer_->Enabled(); }
 
  private:

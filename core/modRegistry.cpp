@@ -50,8 +50,8 @@ void ReadString(Registry& registry, Registry::Key key, const std::string& name, 
     if (status == kSuccess) text.resize(size);
   }
   if (status != kSuccess || type != ValueType::String) return;
-  if (!text.empty() && text.back() == '\0') text.pop_back();
-  out = std::move(text);
+  // To the terminating NUL; whatever another program has written behind it is no text.
+  out = text.substr(0, text.find('\0'));
 }
 
 void ReadBoolean(Registry& registry, Registry::Key key, const std::string& name,

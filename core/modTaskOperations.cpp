@@ -20,6 +20,13 @@ bool IsOwnSection(const std::string& name) {
   return EqualIgnoringCase(bare, kGeneral) || EqualIgnoringCase(bare, kInternet);
 }
 
+// Whether the registry can hold a section of that name, and under that name only.
+bool IsSectionName(const std::string& name) {
+  constexpr std::size_t kLongest = 255;
+  return name.size() <= kLongest && name.front() != '\\' && name.back() != '\\' &&
+         name.find("\\\\") == std::string::npos && name.find('\0') == std::string::npos;
+}
+
 // Throws what ToInt16 throws.
 bool DayFitsMonth(std::int16_t day, std::int16_t month, std::int16_t year) {
   switch (month) {
@@ -246,6 +253,10 @@ void TaskStore::ValidateTaskName(const std::string& name, std::int16_t ownIndex)
   // A task of that name would share the section of the settings, and deleting it delete them.
   if (IsOwnSection(name)) {
     TaskValidationMessage = kInUse;
+    return;
+  }
+  if (!IsSectionName(name)) {
+    TaskValidationMessage = "That Task Name cannot be used. Please use a different one.";
     return;
   }
   const std::int16_t count = NoTasks();

@@ -77,18 +77,39 @@ std::vector<std::string> Split(const std::string& text, const char* separators) 
   return fields;
 }
 
-// A number out of 16 bits or none at all becomes one that no validation lets through.
-std::int16_t NumberOrInvalid(const std::string& text) { return ToInt16Or(text, -1); }
+bool IsDigits(const std::string& text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+}
+
+// Anything but plain digits, or too large a number, becomes one that no validation lets through.
+std::int16_t NumberOrInvalid(const std::string& text) {
+  return IsDigits(text) ? ToInt16Or(text, -1) : std::int16_t{-1};
+}
+
+// A part of a time or date for validation: two digits at least, and no number if it is not digits.
+std::string Part(const std::string& text) { return IsDigits(text) ? TwoDigits(text) : "?"; }
 
 void ReadTime(const Options& options, TaskEntry& entry) {
   if (options.count("--at") == 0) throw UsageError("When? Say --at HH:MM.");
   const auto fields = Split(options.at("--at"), ":");
   if (fields.size() != 2) throw UsageError("A time is written as HH:MM.");
-  entry.hour = TwoDigits(fields[0]);
-  entry.minute = TwoDigits(fields[1]);
+  entry.hour = Part(fields[0]);
+  entry.minute = Part(fields[1]);
 }
 
-void ReadWhen(const Options& options, TaskEntry& entry) {
+// In the system's order, or year, month and day where the year stands first.
+void ReadDate(const std::vector<std::string>& fields, bool monthFirst, TaskEntry& entry) {
+  const bool yearFirst = fields[0].size() == 4;
+  const std::string& one = fields[yearFirst ? 1 : 0];
+  const std::string& two = fields[yearFirst ? 2 : 1];
+  // Behind a year the month comes first.
+  const bool swapped = yearFirst && !monthFirst;
+  entry.datePart1 = Part(swapped ? two : one);
+  entry.datePart2 = Part(swapped ? one : two);
+  entry.year = fields[yearFirst ? 0 : 2];
+}
+
+void ReadWhen(const Options& options, bool monthFirst, TaskEntry& entry) {
   const auto has = [&](const char* option) { return options.count(option) != 0; };
   if (int{has("--once")} + int{has("--every")} + int{has("--day")} != 1) {
     throw UsageError("On which day? Say one of --once DATE, --every TEXT and --day N.");
@@ -98,9 +119,7 @@ void ReadWhen(const Options& options, TaskEntry& entry) {
     entry.timeType = kTimeOnce;
     const auto fields = Split(options.at("--once"), "-/.");
     if (fields.size() != 3) throw UsageError("A date has three numbers, as in 25-12-2026.");
-    entry.datePart1 = TwoDigits(fields[0]);
-    entry.datePart2 = TwoDigits(fields[1]);
-    entry.year = fields[2];
+    ReadDate(fields, monthFirst, entry);
   } else if (has("--every")) {
     entry.timeType = kTimeRecurring;
     const auto in = options.find("--in");
@@ -116,15 +135,14 @@ void ReadWhen(const Options& options, TaskEntry& entry) {
 bool HoldsFile(std::int16_t taskType) { return taskType != kPopupMessage; }
 bool HasWindow(std::int16_t taskType) { return taskType == kRunProgram || taskType == kPrintFile; }
 
-void ReadWhat(const Options& options,
-              const std::function<std::string(const std::string&)>& taskPath, TaskEntry& entry) {
+void ReadWhat(const Options& options, const TaskPath& taskPath, TaskEntry& entry) {
   for (const auto& [option, value] : options) {
     const std::int16_t type = kOptions.at(option).type;
     if (type == 0) continue;
     if (entry.taskType != 0) throw UsageError("A task does one thing: " + option + " is too much.");
     entry.taskType = type;
     if (!kOptions.at(option).takesValue) continue;
-    entry.path = HoldsFile(type) ? taskPath(value) : value;
+    entry.path = HoldsFile(type) ? taskPath(value, type) : value;
   }
   if (entry.taskType == 0) {
     throw UsageError(
@@ -150,12 +168,12 @@ void ReadWhat(const Options& options,
 
 }  // namespace
 
-TaskEntry ParseAddArguments(const std::vector<std::string>& words,
-                            const std::function<std::string(const std::string&)>& taskPath) {
+TaskEntry ParseAddArguments(const std::vector<std::string>& words, bool monthFirst,
+                            const TaskPath& taskPath) {
   TaskEntry entry;
   const Options options = Collect(words, entry.name);
   ReadTime(options, entry);
-  ReadWhen(options, entry);
+  ReadWhen(options, monthFirst, entry);
   ReadWhat(options, taskPath, entry);
   const auto group = options.find("--group");
   entry.group = group == options.end() ? "General" : group->second;

@@ -73,8 +73,9 @@ int List(const Words&, const CommandContext& context) {
 }
 
 int Add(const Words& words, const CommandContext& context) {
-  TaskEntry entry = ParseAddArguments({words.begin() + 1, words.end()}, context.taskPath);
   TaskStore& store = context.program.Store();
+  TaskEntry entry = ParseAddArguments({words.begin() + 1, words.end()},
+                                      store.DateOrderMonthFirst != 0, context.taskPath);
   // One change from the look at the list to the last write: two of us at once do not collide.
   RegistryChange change(context.program.GetSettings().Store());
   if (store.NoTasks() >= kMaxTasks) {
@@ -172,6 +173,12 @@ int RunCommand(const std::vector<std::string>& words, const CommandContext& cont
     if (command == nullptr) throw UsageError("There is no such command.");
     if (words.size() < command->leastWords || words.size() > command->mostWords) {
       throw UsageError("The command " + words[0] + " is used differently.");
+    }
+    const std::int16_t mode = context.program.GetSettings().StorageMode();
+    const bool mends = words.size() > 2 && IsMachineSetting(words[1], words[2]);
+    if (mode != 0 && mode != 1 && !mends) {
+      return Refuse(context, "Users_Share is " + std::to_string(mode) +
+                                 ", so nothing is read or stored. Set it to 0 or 1 first.");
     }
     return command->run(words, context);
   } catch (const UsageError& error) {

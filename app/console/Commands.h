@@ -1,6 +1,7 @@
 // The commands of the console program: one change or question, then the end.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <ostream>
 #include <string>
@@ -22,8 +23,8 @@ struct CommandContext {
   Program& program;  // prepared, not started
   std::ostream& out;
   std::ostream& err;
-  // A file as the user names it on this system, as a task stores it.
-  std::function<std::string(const std::string&)> taskPath;
+  // A file as the user names it on this system, as a task of that type stores it.
+  std::function<std::string(const std::string& file, std::int16_t taskType)> taskPath;
 };
 
 // Carries out `words` (the command and its arguments) and returns the exit status.

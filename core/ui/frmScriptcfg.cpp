@@ -110,7 +110,9 @@ void frmScriptcfg::WireCommands() {
     Return();
   };
   services_.scheduler.onCaption = [this](const std::string& caption) { SetCaption(caption); };
-  services_.store.onListChanged = [this] { BuildTaskTree(); };
+  services_.store.onListChanged = [this] {
+    if (Loaded()) BuildTaskTree();
+  };
   onUnload = [this] { OnUnload(); };
 }
 
@@ -129,7 +131,6 @@ void frmScriptcfg::OnCommand(Command command) {
       }
       break;
     case kRun:
-      // A group's node names no task.
       if (const std::int16_t slot = SelectedSlot(); slot > 0) services_.execution.RunTask(slot);
       break;
     case kTray:
@@ -164,8 +165,10 @@ void frmScriptcfg::Return() {
 
 std::int16_t frmScriptcfg::SelectedSlot() {
   std::int16_t slot = 0;
-  if (const auto node = treTasks.Selected()) {
-    services_.store.FindTaskIndex(treTasks.Nodes()[*node].text, slot);
+  const auto selected = treTasks.Selected();
+  // A group's node names no task, whatever its text looks like.
+  if (selected && treTasks.Nodes()[*selected].parent) {
+    services_.store.FindTaskIndex(treTasks.Nodes()[*selected].text, slot);
   }
   return slot;
 }
@@ -216,8 +219,9 @@ void frmScriptcfg::Start(const std::string& commandLine, const std::string& prog
   });
   ReadProxySettings();
   Step([&] {
-    programSettings.checkAutoUpdate =
-        ToInt16(settings.ReadSetting(kGeneral, "Check_Auto_Update", "0"));
+    std::string text = "0";
+    settings.ReadSetting(kGeneral, "Check_Auto_Update", "0", text);
+    programSettings.checkAutoUpdate = ToInt16(text);
   });
   Step([&] { store.ReadDateOrder(); });
   Step([&] { CentreOnScreen(); });

@@ -26,7 +26,7 @@ class CommandsTest : public testing::Test {
   int Run(const Words& words) {
     out.str("");
     err.str("");
-    return RunCommand(words, {program, out, err, [](const std::string& path) {
+    return RunCommand(words, {program, out, err, [](const std::string& path, std::int16_t) {
                                 return path == "tool" ? "C:\\tool.exe" : path;
                               }});
   }
@@ -55,7 +55,7 @@ TEST_F(CommandsTest, AddsATaskOfEveryKind) {
        " | Run | 07:05 on Every Day In March"},
       {{"--print", "C:\\TOOL.exe", "--at", "00:00", "--day", "31"},
        " | Print File | 00:00 on Day Number: 31"},
-      {{"--reset", "--at", "12:00", "--once", "25-12-2026"},
+      {{"--reset", "--at", "12:00", "--once", "2026-12-25"},
        " | Reset Computer | 12:00 on 25-12-2026"},
       {{"--shutdown", "--at", "12:00", "--once", "1.2.2026"},
        " | Shutdown Computer | 12:00 on 01-02-2026"},
@@ -100,6 +100,10 @@ TEST_F(CommandsTest, RefusesWhatIsInvalidAndStoresNothing) {
       {{"T", "--at", "10:00", "--once", "31-4-2026", "--message", "m"},
        "Invalid Day given for Date"},
       {{"T", "--at", "10:00", "--once", "x-4-2026", "--message", "m"}, "Invalid Date"},
+      {{"T", "--at", "1e1:30", "--day", "1", "--message", "m"}, "Invlaid Hour given for Time"},
+      {{"T", "--at", "10:00", "--day", "1.5", "--message", "m"}, "Invlaid Day of Month Given"},
+      {{"a\\\\b", "--at", "10:00", "--day", "1", "--message", "m"},
+       "That Task Name cannot be used. Please use a different one."},
       {{"T", "--at", "10:00", "--day", "32", "--message", "m"}, "Invlaid Day of Month Given"},
       {{"T", "--at", "10:00", "--day", "first", "--message", "m"}, "Invlaid Day of Month Given"},
       {{"T", "--at", "10:00", "--every", "Every Day", "--script", "missing.txt"},
@@ -174,6 +178,13 @@ TEST_F(CommandsTest, SettingsAreReadAndWritten) {
   EXPECT_EQ(Run({"get", "General", "OnTop"}), kExitRefused) << "now that of the machine";
   EXPECT_EQ(Run({"get", "General", "Users_Share"}), 0);
   EXPECT_EQ(out.str(), "1\n");
+  EXPECT_EQ(Run({"set", "General", "Users_Share", "2"}), 0);
+  program.Prepare();
+  const int writes = fake.registry.Writes();
+  EXPECT_EQ(Run({"set", "General", "OnTop", "1"}), kExitRefused);
+  EXPECT_EQ(Run({"get", "General", "OnTop"}), kExitRefused);
+  EXPECT_EQ(fake.registry.Writes(), writes);
+  EXPECT_EQ(Run({"set", "General", "Users_Share", "0"}), 0);
 }
 
 TEST_F(CommandsTest, RunsAndDeletesByNumber) {
@@ -195,7 +206,7 @@ TEST(Program, StartsTheDesktopAndEndsWithItsWindow) {
   program.onTaskRun = [&](const TaskRecord& task) { told.push_back(task.name); };
   std::ostringstream out;
   RunCommand({"add", "Soon", "--at", "14:05", "--day", "21", "--reset"},
-             {program, out, out, [](const std::string& path) { return path; }});
+             {program, out, out, [](const std::string& path, std::int16_t) { return path; }});
   fake.loop.Advance(60000);
   EXPECT_EQ(told, (Words{"Soon"}));
   program.Quit();

@@ -78,9 +78,9 @@ TEST_F(MainWindowTest, CommandsAreOfferedWhenANodeIsSelected) {
 }
 
 TEST_F(MainWindowTest, AGroupNodeNamesNoTask) {
-  InGroup("One", "G");
+  InGroup("One", "One | of many");
   Start();
-  Click("G");
+  Click("One | of many");
   EXPECT_TRUE(window.cmdRun.Press());
   EXPECT_TRUE(window.cmdDelete.Press());
   EXPECT_EQ(store.NoTasks(), 1);

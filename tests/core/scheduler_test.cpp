@@ -173,6 +173,27 @@ TEST_F(SchedulerTest, ADamagedTaskStopsNoOther) {
   EXPECT_EQ(fired, (Fired{"Before 21 14:05", "After 21 14:05"}));
 }
 
+TEST_F(SchedulerTest, ASecondLookedAtByALateTickIsNotLookedAtAgain) {
+  AddSilent("Task", "14:05");
+  desk.clock.Set(2026, 11, 21, 14, 4, 58, 1);
+  desk.loop.lateness = [] { return 999; };
+  // The tick of second 59 comes at its very end, and second 00 has begun when it looks.
+  desk.scheduler.onSecond = [this] { desk.loop.Block(2); };
+  Start();
+  desk.loop.Advance(5 * kSecond);
+  EXPECT_EQ(fired, (Fired{"Task 21 14:05"}));
+}
+
+TEST_F(SchedulerTest, NothingMoreIsRunOnceTheTimerHasStopped) {
+  desk.Add("Ends the program", "14:05");
+  AddSilent("Behind it", "14:05");
+  desk.messageBoxes.expected = {
+      {"Ends the program", Answer::Ok, [this] { desk.scheduler.tmrSched.Stop(); }}};
+  Start();
+  desk.loop.Advance(kMinute);
+  EXPECT_EQ(fired, (Fired{"Ends the program 21 14:05"}));
+}
+
 TEST_F(SchedulerTest, AClockSetBackRepeatsNoSecondOrIsFollowed) {
   AddSilent("Task", "14:05");
   Start();

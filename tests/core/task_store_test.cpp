@@ -8,6 +8,8 @@ namespace {
 
 constexpr const char* kInUse = "That Task Name is already in use. Please use a different one.";
 
+constexpr const char* kUnusable = "That Task Name cannot be used. Please use a different one.";
+
 class Finder : public FileFinder {
  public:
   explicit Finder(const FakeFiles& files) : files_(files) {}
@@ -259,9 +261,19 @@ TEST_F(TaskStoreTest, RefusesNames) {
                         {"General\\", 3, kInUse},
                         {"\\Internet", 3, kInUse},
                         {"\\", 3, kInUse},
+                        {"One\\", 3, kUnusable},
+                        {"\\One", 3, kUnusable},
+                        {"a\\\\b", 3, kUnusable},
+                        {"a\\b", 3, ""},
                         {"Generals", 3, ""}}) {
     EXPECT_EQ(Validate(Message(c.name, c.slot)), c.message) << c.name;
   }
+}
+
+TEST_F(TaskStoreTest, RefusesNamesThatTheRegistryCannotHold) {
+  EXPECT_EQ(Validate(Message(std::string(255, 'x'), 1)), "");
+  EXPECT_EQ(Validate(Message(std::string(256, 'x'), 1)), kUnusable);
+  EXPECT_EQ(Validate(Message(std::string("a\0b", 3), 1)), kUnusable);
 }
 
 TEST_F(TaskStoreTest, JudgesDates) {

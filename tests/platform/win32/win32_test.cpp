@@ -17,9 +17,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-void DeleteScratch() {
-  RegDeleteTreeW(HKEY_CURRENT_USER, ToWide(kScratchKey).c_str());
-}
+void DeleteScratch() { RegDeleteTreeW(HKEY_CURRENT_USER, ToWide(kScratchKey).c_str()); }
 
 class ScratchRegistry : public Win32Registry {
  public:
