@@ -3,10 +3,13 @@
 
 namespace orvanto {
 
+class Clipboard;
 class Clock;
+class Desktop;
 class EventLoop;
 class FileDialogs;
 class Files;
+class Keyboard;
 class MessageBoxes;
 class Registry;
 class Session;
@@ -24,6 +27,9 @@ struct Platform {
   Files& files;
   Shell& shell;
   Session& session;
+  Desktop& desktop;
+  Keyboard& keyboard;
+  Clipboard& clipboard;
   Sound& sound;
   MessageBoxes& messageBoxes;
   FileDialogs& fileDialogs;

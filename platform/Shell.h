@@ -34,6 +34,9 @@ class Shell {
   // Starts a program by its command line, not through file associations. Returns at once; false
   // when it could not be started.
   virtual bool Start(const std::string& commandLine, ShowCommand show) = 0;
+
+  // The same, and waits until the program has ended. Everything else waits too (EventLoop::Hold).
+  virtual bool StartAndWait(const std::string& commandLine, ShowCommand show) = 0;
 };
 
 }  // namespace orvanto
