@@ -207,6 +207,7 @@ bool FileRegistry::Lock() {
 void FileRegistry::BeginChange() {
   if (depth_++ > 0) return;
   changeStatus_ = kSuccess;
+  failure_.Take();
   if (!Lock()) {
     changeStatus_ = kAccessDenied;
     SayFailure(std::string("the lock beside it cannot be had: ") + std::strerror(errno));
@@ -219,7 +220,12 @@ void FileRegistry::BeginChange() {
 Status FileRegistry::EndChange() {
   assert(depth_ > 0);
   if (--depth_ > 0) return kSuccess;
+  const Status failure = failure_.Take();
   Status status = changeStatus_;
+  if (status == kSuccess && failure != kSuccess) {
+    tree_ = std::move(before_);
+    status = failure;
+  }
   if (status == kSuccess && tree_.Revision() != before_.Revision()) status = Store();
   before_ = RegistryTree();
   lock_.Close();

@@ -31,7 +31,7 @@ class FileRegistry : public TreeRegistry {
 
   // Waits at most five seconds for the lock; without it every write of the change, and EndChange,
   // gives kAccessDenied. EndChange gives kDiskFull, kAccessDenied or kWriteFault when the file
-  // could not be replaced; the change is then undone in memory as well.
+  // could not be replaced. A change that fails is undone in memory as well.
   void BeginChange() override;
   Status EndChange() override;
 

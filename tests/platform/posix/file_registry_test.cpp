@@ -221,6 +221,20 @@ TEST_F(FileRegistryTest, AChangeIsOneReplacementAndNothingIsReplacedWithoutOne) 
   EXPECT_TRUE(ReadFile(path_).ends_with("\n\n"));
 }
 
+TEST_F(FileRegistryTest, AChangeWithAFailedWriteIsUndoneAsAWhole) {
+  FileRegistry registry(path_, Reporter());
+  ASSERT_EQ(PutText(registry, "n", "old"), kSuccess);
+  const std::string before = ReadFile(path_);
+  RegistryChange change(registry);
+  EXPECT_EQ(PutText(registry, "n", "new"), kSuccess);
+  Registry::Key key = 0;
+  EXPECT_EQ(registry.CreateKey(RootKey::CurrentUser, "a\\\\b", kSetValue, key), kBadPathname);
+  EXPECT_EQ(PutText(registry, "more", "new"), kSuccess);
+  EXPECT_EQ(change.Commit(), kBadPathname);
+  EXPECT_EQ(Text(registry, "n"), "old");
+  EXPECT_EQ(ReadFile(path_), before);
+}
+
 TEST_F(FileRegistryTest, TwoOnOneFileLoseNoUpdateAndSeeEachOther) {
   FileRegistry one(path_, Reporter());
   FileRegistry two(path_, Reporter());
