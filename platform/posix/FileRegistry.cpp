@@ -119,11 +119,23 @@ void FileRegistry::Load() {
   const int error = errno;
   file_.Close();
   if (error == ENOENT || error == ENOTDIR) {
+    lastUnreadable_.clear();
     tree_ = RegistryTree();
     return;
   }
+  SayUnreadable(std::strerror(error));
+}
+
+// What hinders the reading may pass without a trace in the file, so each later look tries again.
+void FileRegistry::SayUnreadable(const std::string& reason) {
   unreadable_ = true;
-  Say(std::string("cannot be read: ") + std::strerror(error) + ". Nothing will be saved.");
+  if (std::exchange(lastUnreadable_, reason) == reason) return;
+  Say("cannot be read: " + reason + ". Nothing will be saved until it can.");
+}
+
+// Reads the file anew when there is reason to.
+void FileRegistry::Look() {
+  if (unreadable_ || !(Stamp::Of(path_) == stamp_)) Load();
 }
 
 void FileRegistry::ReadFrom(Descriptor file) {
@@ -131,10 +143,8 @@ void FileRegistry::ReadFrom(Descriptor file) {
   const std::optional<std::string> text = ReadAll(file.Get());
   const int error = errno;
   file_ = std::move(file);
-  if (!text) {
-    unreadable_ = true;
-    return Say(std::string("cannot be read: ") + std::strerror(error) + ". Nothing will be saved.");
-  }
+  if (!text) return SayUnreadable(std::strerror(error));
+  lastUnreadable_.clear();
   RegistryTree fresh;
   const std::optional<RegistryTextError> wrong = ParseRegistry(*text, fresh);
   if (!wrong) {
@@ -186,7 +196,7 @@ void FileRegistry::Refresh() {
   const auto now = steady_clock::now();
   if (now - lastLook_ < kFreshFor) return;
   lastLook_ = now;
-  if (!(Stamp::Of(path_) == stamp_)) Load();
+  Look();
 }
 
 bool FileRegistry::Lock() {
@@ -212,7 +222,7 @@ void FileRegistry::BeginChange() {
     changeStatus_ = kAccessDenied;
     SayFailure(std::string("the lock beside it cannot be had: ") + std::strerror(errno));
   }
-  if (!(Stamp::Of(path_) == stamp_)) Load();
+  Look();
   if (unreadable_) changeStatus_ = kAccessDenied;
   if (changeStatus_ == kSuccess) before_ = tree_;
 }

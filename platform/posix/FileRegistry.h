@@ -20,7 +20,7 @@ namespace orvanto::posix {
 // A damaged file is never overwritten: at the start it is renamed to NAME.damaged-1 (or the next
 // free number) and the registry begins empty; later on, while somebody edits it, what was read
 // before stays in force, and the file is set aside when a write has to replace it. A file that
-// cannot be read is left alone: writes fail with kAccessDenied.
+// cannot be read is left alone: writes fail with kAccessDenied until it can be.
 class FileRegistry : public TreeRegistry {
  public:
   // Receives what the user should know, each time one sentence or two without a line end. May be
@@ -57,6 +57,8 @@ class FileRegistry : public TreeRegistry {
 
   void Load();
   void ReadFrom(Descriptor file);
+  void Look();
+  void SayUnreadable(const std::string& reason);
   void SetAsideAtStart();
   bool SetAside(std::string& name);
   bool Lock();
@@ -73,6 +75,7 @@ class FileRegistry : public TreeRegistry {
   bool starting_ = true;
   std::string damage_;       // what is wrong with the file that stamp_ tells of
   bool unreadable_ = false;  // it is there but cannot be read
+  std::string lastUnreadable_;
 
   int depth_ = 0;
   Descriptor lock_;

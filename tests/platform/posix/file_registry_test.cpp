@@ -349,6 +349,23 @@ TEST_F(FileRegistryTest, WhatCannotBeReadIsNotOverwritten) {
   EXPECT_THAT(said_, ElementsAre(HasSubstr("cannot be read")));
 }
 
+TEST_F(FileRegistryTest, AReadingThatFailedIsTriedAgain) {
+  ASSERT_EQ(PutText(*std::make_unique<FileRegistry>(path_, nullptr), "n", "x"), kSuccess);
+  rlimit old{};
+  ::getrlimit(RLIMIT_NOFILE, &old);
+  const rlimit none{0, old.rlim_max};
+  ::setrlimit(RLIMIT_NOFILE, &none);
+  FileRegistry registry(path_, Reporter());
+  for (int i = 0; i < 2; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(11));
+    EXPECT_EQ(Text(registry, "n"), "no key");
+  }
+  ::setrlimit(RLIMIT_NOFILE, &old);
+  EXPECT_EQ(TextSoon(registry, "n", "x"), "x");
+  EXPECT_EQ(PutText(registry, "n", "y"), kSuccess);
+  EXPECT_THAT(said_, ElementsAre(HasSubstr("cannot be read")));
+}
+
 TEST_F(FileRegistryTest, FollowsASymbolicLink) {
   ASSERT_EQ(PutText(*std::make_unique<FileRegistry>(directory_ / "target", Reporter()), "n", ""),
             kSuccess);
