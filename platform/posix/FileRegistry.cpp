@@ -24,12 +24,19 @@ constexpr milliseconds kFreshFor(10);
 constexpr milliseconds kLockPatience(5000);
 constexpr mode_t kPrivate = 0600;  // the registry holds passwords
 
-// Follows a symbolic link once and for all, so that replacing the file does not replace the link,
+constexpr int kMaxLinks = 40;  // as the system has it
+
+// Follows symbolic links once and for all, so that replacing the file does not replace the link,
 // and makes the path independent of the current directory.
 std::string Settle(const std::string& path) {
   std::error_code error;
-  const std::filesystem::path settled = std::filesystem::weakly_canonical(path, error);
-  return error ? path : settled.string();
+  std::filesystem::path settled = std::filesystem::absolute(path, error);
+  // weakly_canonical leaves a link to nothing alone, and a relative path to nothing relative.
+  for (int links = 0; links < kMaxLinks && std::filesystem::is_symlink(settled, error); ++links) {
+    settled = settled.parent_path() / std::filesystem::read_symlink(settled, error);
+  }
+  const std::filesystem::path canonical = std::filesystem::weakly_canonical(settled, error);
+  return error ? settled.string() : canonical.string();
 }
 
 std::string Directory(const std::string& path) {

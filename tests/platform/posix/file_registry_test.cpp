@@ -366,13 +366,26 @@ TEST_F(FileRegistryTest, AReadingThatFailedIsTriedAgain) {
   EXPECT_THAT(said_, ElementsAre(HasSubstr("cannot be read")));
 }
 
-TEST_F(FileRegistryTest, FollowsASymbolicLink) {
-  ASSERT_EQ(PutText(*std::make_unique<FileRegistry>(directory_ / "target", Reporter()), "n", ""),
-            kSuccess);
-  fs::create_symlink(directory_ / "target", path_);
-  ASSERT_EQ(PutText(*std::make_unique<FileRegistry>(path_, Reporter()), "n", "x"), kSuccess);
-  EXPECT_TRUE(fs::is_symlink(path_));
-  EXPECT_THAT(ReadFile(directory_ / "target"), HasSubstr("\"n\"=\"x\""));
+TEST_F(FileRegistryTest, FollowsSymbolicLinks) {
+  fs::create_directory(directory_ / "dir");
+  fs::create_symlink("dir/second", path_);
+  fs::create_symlink("../target", directory_ / "dir/second");
+  for (const char* text : {"made", "replaced"}) {
+    ASSERT_EQ(PutText(*std::make_unique<FileRegistry>(path_, Reporter()), "n", text), kSuccess);
+    EXPECT_TRUE(fs::is_symlink(path_));
+    EXPECT_TRUE(fs::is_symlink(directory_ / "dir/second"));
+    EXPECT_THAT(ReadFile(directory_ / "target"), HasSubstr(text));
+  }
+}
+
+TEST_F(FileRegistryTest, ARelativePathMeansTheDirectoryOfTheStart) {
+  const fs::path before = fs::current_path();
+  fs::create_directory(directory_ / "home");
+  fs::current_path(directory_ / "home");
+  FileRegistry registry("registry", Reporter());
+  fs::current_path(before);
+  EXPECT_EQ(PutText(registry, "n", "x"), kSuccess);
+  EXPECT_TRUE(fs::exists(directory_ / "home/registry"));
 }
 
 }  // namespace
