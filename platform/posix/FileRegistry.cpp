@@ -278,19 +278,22 @@ void FileRegistry::SayFailure(const std::string& reason) {
 }
 
 // Under the lock, so the name of the new file can be a fixed one: what a killed process left behind
-// is overwritten.
+// goes. It is not opened, because it may be another user's or no file at all.
 bool FileRegistry::Replace(const std::string& text) {
   const std::string name = path_ + ".new";
-  Descriptor file(
-      ::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kPrivate));
+  ::unlink(name.c_str());
+  Descriptor file(::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kPrivate));
   if (!file) return false;
   struct stat old;
   if (::stat(path_.c_str(), &old) == 0) {
     // Best effort: only root can give a file away, and it should.
     if (::fchown(file.Get(), old.st_uid, old.st_gid) == 0) ::fchmod(file.Get(), old.st_mode & 0777);
   }
-  if (!WriteAll(file.Get(), text.data(), text.size()) || ::fsync(file.Get()) != 0 ||
-      ::rename(name.c_str(), path_.c_str()) != 0) {
+  // What is kept open is for reading: a file that is open for writing somewhere cannot be leased,
+  // and its file system not be made read-only.
+  const bool written = WriteAll(file.Get(), text.data(), text.size()) && ::fsync(file.Get()) == 0;
+  if (written) file = Descriptor(::open(name.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!written || !file || ::rename(name.c_str(), path_.c_str()) != 0) {
     const int error = errno;
     ::unlink(name.c_str());
     errno = error;

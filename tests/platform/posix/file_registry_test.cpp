@@ -196,11 +196,27 @@ class FileRegistryTest : public testing::Test {
 TEST_F(FileRegistryTest, KeepsWhatWasWrittenAndLeavesNothingBeside) {
   const std::string deep = directory_ / "new/dir/registry";
   ASSERT_EQ(PutText(*std::make_unique<FileRegistry>(deep, Reporter()), "n", "x"), kSuccess);
-  WriteFile(deep + ".new", "left behind by a killed process");
   FileRegistry again(deep, Reporter());
   EXPECT_EQ(Text(again, "n"), "x");
-  EXPECT_EQ(PutText(again, "n", "y"), kSuccess);
-  EXPECT_FALSE(fs::exists(deep + ".new"));
+  // What may lie there from before: a file, another one's name, something else.
+  WriteFile(directory_ / "other", "other");
+  const std::function<void()> leftovers[] = {
+      [&] { WriteFile(deep + ".new", "left behind by a killed process"); },
+      [&] { fs::create_hard_link(directory_ / "other", deep + ".new"); },
+      [&] { fs::create_symlink(directory_ / "other", deep + ".new"); },
+  };
+  for (const auto& leave : leftovers) {
+    leave();
+    EXPECT_EQ(PutText(again, "n", std::to_string(&leave - leftovers)), kSuccess);
+    EXPECT_FALSE(fs::exists(fs::symlink_status(deep + ".new")));
+  }
+  EXPECT_EQ(ReadFile(directory_ / "other"), "other");
+  for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
+    std::error_code gone;
+    if (fs::read_symlink(entry, gone) != deep) continue;
+    const int flags = ::fcntl(std::stoi(entry.path().filename()), F_GETFL);
+    EXPECT_EQ(flags & O_ACCMODE, O_RDONLY);
+  }
   EXPECT_EQ(fs::status(deep).permissions(), fs::perms::owner_read | fs::perms::owner_write);
   EXPECT_THAT(said_, IsEmpty());
 }
