@@ -103,10 +103,10 @@ FileRegistry::Stamp FileRegistry::Stamp::Of(int fd) {
   return unknown;
 }
 
-FileRegistry::FileRegistry(const std::string& path, Report report)
-    : path_(Settle(path)), report_(std::move(report)) {
+FileRegistry::FileRegistry(const std::string& path, Report report, OnDamage onDamage)
+    : path_(Settle(path)), report_(std::move(report)), onDamage_(onDamage) {
   Load();
-  if (!damage_.empty()) SetAsideAtStart();
+  if (!damage_.empty() && onDamage_ == OnDamage::SetAside) SetAsideAtStart();
   starting_ = false;
 }
 
@@ -127,7 +127,9 @@ void FileRegistry::Load() {
   file_.Close();
   if (error == ENOENT || error == ENOTDIR) {
     lastUnreadable_.clear();
-    tree_ = RegistryTree();
+    RegistryTree empty;
+    if (!(tree_ == empty)) Say("is gone. The registry is empty now.");
+    tree_ = std::move(empty);
     return;
   }
   SayUnreadable(std::strerror(error));
@@ -159,7 +161,12 @@ void FileRegistry::ReadFrom(Descriptor file) {
     return;
   }
   damage_ = "is damaged: line " + std::to_string(wrong->line) + ": " + wrong->reason + '.';
-  if (!starting_) Say(damage_ + " What was read before stays in force.");
+  if (onDamage_ == OnDamage::Refuse) {
+    Say(damage_ + " Nothing is changed until it is mended or the scheduler is started, which sets" +
+        " it aside and begins anew.");
+  } else if (!starting_) {
+    Say(damage_ + " What was read before stays in force.");
+  }
 }
 
 void FileRegistry::SetAsideAtStart() {
@@ -230,7 +237,8 @@ void FileRegistry::BeginChange() {
     SayFailure(std::string("the lock beside it cannot be had: ") + std::strerror(errno));
   }
   Look();
-  if (unreadable_) changeStatus_ = kAccessDenied;
+  const bool refused = !damage_.empty() && onDamage_ == OnDamage::Refuse;
+  if (unreadable_ || refused) changeStatus_ = kAccessDenied;
   if (changeStatus_ == kSuccess) before_ = tree_;
 }
 

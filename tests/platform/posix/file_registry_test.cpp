@@ -326,6 +326,40 @@ TEST_F(FileRegistryTest, DamageWhileRunningIsSaidOnceAndSetAsideByTheNextWrite) 
   EXPECT_EQ(Text(again, "n"), "better");
 }
 
+TEST_F(FileRegistryTest, WhoOnlyLooksInLeavesADamagedFileAlone) {
+  FileRegistry keeper(path_, nullptr);
+  for (const bool damagedBefore : {true, false}) {
+    SCOPED_TRACE(damagedBefore);
+    said_.clear();
+    fs::remove(path_);
+    ASSERT_EQ(PutText(keeper, "n", "good"), kSuccess);
+    const std::string good = ReadFile(path_);
+    if (damagedBefore) WriteFile(path_, "half");
+    FileRegistry registry(path_, Reporter(), FileRegistry::OnDamage::Refuse);
+    if (!damagedBefore) WriteFile(path_, "half");
+    EXPECT_EQ(PutText(registry, "n", "x"), kAccessDenied);
+    EXPECT_EQ(RegistryChange(registry).Commit(), kAccessDenied);
+    EXPECT_EQ(Text(registry, "n"), damagedBefore ? "no key" : "good");
+    EXPECT_THAT(said_, ElementsAre(HasSubstr("line 1: ")));
+    EXPECT_EQ(ReadFile(path_), "half");
+    EXPECT_FALSE(fs::exists(path_ + ".damaged-1"));
+    WriteFile(path_, good);
+    EXPECT_EQ(TextSoon(registry, "n", "good"), "good");
+    EXPECT_EQ(PutText(registry, "n", "better"), kSuccess);
+  }
+}
+
+TEST_F(FileRegistryTest, AMissingFileIsAnEmptyRegistryAndSaidOnce) {
+  FileRegistry registry(path_, Reporter());
+  ASSERT_EQ(PutText(registry, "n", "x"), kSuccess);
+  EXPECT_THAT(said_, IsEmpty());
+  fs::remove(path_);
+  EXPECT_EQ(TextSoon(registry, "n", "no key"), "no key");
+  std::this_thread::sleep_for(std::chrono::milliseconds(11));
+  EXPECT_EQ(Text(registry, "n"), "no key");
+  EXPECT_THAT(said_, ElementsAre(HasSubstr("is gone")));
+}
+
 TEST_F(FileRegistryTest, AFailedWriteKeepsTheOldFileAndTheOldContent) {
   FileRegistry registry(path_, Reporter());
   ASSERT_EQ(PutText(registry, "n", "old"), kSuccess);
