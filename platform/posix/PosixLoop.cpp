@@ -105,7 +105,11 @@ void PosixLoop::OnSignals(std::initializer_list<int> signals, std::function<void
   assert(!signalFd_);
   sigset_t set;
   ::sigemptyset(&set);
-  for (const int signal : signals) ::sigaddset(&set, signal);
+  for (const int signal : signals) {
+    struct sigaction before;
+    const bool ignored = ::sigaction(signal, nullptr, &before) == 0 && before.sa_handler == SIG_IGN;
+    if (!ignored) ::sigaddset(&set, signal);
+  }
   signalFd_ = Descriptor(::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
   // Without the descriptor the signals keep their usual effect, which ends the program too.
   if (!signalFd_) return;
