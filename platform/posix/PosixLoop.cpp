@@ -82,6 +82,8 @@ class PosixLoop::PosixWatch : public Watch {
 PosixLoop::PosixLoop() = default;
 
 PosixLoop::~PosixLoop() {
+  // Work that was never run may own timers and watches, and what it owns may post.
+  while (!posted_.empty()) std::exchange(posted_, {}).clear();
   signalWatch_.reset();
   if (signalFd_) ::sigprocmask(SIG_SETMASK, &signalsBefore_, nullptr);
   assert(timers_.empty() && watches_.empty());
