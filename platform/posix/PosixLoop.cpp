@@ -116,12 +116,16 @@ void PosixLoop::OnSignals(std::initializer_list<int> signals, std::function<void
   // Without the descriptor the signals keep their usual effect, which ends the program too.
   if (!signalFd_) return;
   ::sigprocmask(SIG_BLOCK, &set, &signalsBefore_);
-  signalWatch_ = WatchFd(signalFd_.Get(), POLLIN, [this, handler = std::move(handler)](short) {
-    signalfd_siginfo info;
-    if (::read(signalFd_.Get(), &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
-      handler(static_cast<int>(info.ssi_signo));
-    }
-  });
+  signalHandler_ = std::move(handler);
+  signalWatch_ = WatchFd(signalFd_.Get(), POLLIN, [this](short) { DeliverSignals(); });
+}
+
+void PosixLoop::DeliverSignals() {
+  if (holds_ > 0) return;
+  signalfd_siginfo info;
+  while (::read(signalFd_.Get(), &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
+    Guarded(signalHandler_, static_cast<int>(info.ssi_signo));
+  }
 }
 
 void PosixLoop::Run() {

@@ -68,7 +68,17 @@ std::string Printable(const std::string& text) {
 
 Answer TerminalMessageBoxes::Show(const std::string& text, const std::string& title,
                                   Buttons buttons, BoxIcon) {
-  const EventLoop::Hold hold(loop_);
+  Answer answer;
+  {
+    const EventLoop::Hold hold(loop_);
+    answer = Ask(text, title, buttons);
+  }
+  loop_.DeliverSignals();
+  return answer;
+}
+
+Answer TerminalMessageBoxes::Ask(const std::string& text, const std::string& title,
+                                 Buttons buttons) const {
   if (!CanAsk()) {
     Print(Printable(title + ": " + text) + '\n');
     return SafeAnswer(buttons);

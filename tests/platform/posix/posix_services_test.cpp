@@ -320,7 +320,7 @@ TEST(TerminalMessageBoxes, AsksUntilItUnderstands) {
   }
 }
 
-TEST(TerminalMessageBoxes, ASignalTakesTheSafeAnswerAndReachesTheLoop) {
+TEST(TerminalMessageBoxes, ASignalTakesTheSafeAnswerAndIsHandledBeforeTheReturn) {
   int master = -1;
   int slave = -1;
   ASSERT_EQ(::openpty(&master, &slave, nullptr, nullptr, nullptr), 0);
@@ -332,8 +332,16 @@ TEST(TerminalMessageBoxes, ASignalTakesTheSafeAnswerAndReachesTheLoop) {
   std::raise(SIGTERM);
   TerminalMessageBoxes boxes(loop, slave, slave);
   EXPECT_EQ(boxes.Show("Sure?", "Title", Buttons::YesNo, BoxIcon::Question), Answer::No);
-  loop.DoEvents();
   EXPECT_EQ(signals, 1);
+  // Boxes of somebody who holds the loop leave it to the loop.
+  {
+    const EventLoop::Hold hold(loop);
+    std::raise(SIGTERM);
+    EXPECT_EQ(boxes.Show("Sure?", "Title", Buttons::YesNo, BoxIcon::Question), Answer::No);
+    EXPECT_EQ(signals, 1);
+  }
+  loop.DoEvents();
+  EXPECT_EQ(signals, 2);
 }
 
 TEST(TerminalMessageBoxes, WhereNobodyCanAnswerTheSafeAnswerIsTaken) {
