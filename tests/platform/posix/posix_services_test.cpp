@@ -91,6 +91,35 @@ TEST(PosixFiles, LooksNamesUpWithoutRegardToCase) {
   EXPECT_FALSE(files.Append(shown("none\\file"), "x"));
 }
 
+TEST(Paths, FindTheBranchInWhichTheWholePathExists) {
+  const TemporaryDirectory directory;
+  for (const char* made : {"D/foo", "d/FOO/sub", "d/Foo/Bin", "d/foo", "d/hidden/Dir"}) {
+    fs::create_directories(directory / made);
+  }
+  for (const char* made : {"d/FOO/same.txt", "d/Foo/Bin/run.sh", "d/Foo/same.txt", "d/Fool"}) {
+    std::ofstream(directory / made) << "";
+  }
+  fs::create_symlink("nothing", directory / "d/FOOL");
+  fs::permissions(directory / "d/hidden", fs::perms::owner_exec);
+  const struct {
+    const char* asked;
+    const char* found;
+  } cases[] = {
+      {"d/foo/bin/RUN.SH", "d/Foo/Bin/run.sh"},
+      {"D/FOO/bin/run.sh", "d/Foo/Bin/run.sh"},
+      {"d/foo/same.txt", "d/FOO/same.txt"},
+      {"d/Foo/SAME.txt", "d/Foo/same.txt"},
+      {"d/foo/new.txt", "d/foo/new.txt"},
+      {"d/foo/SUB/New.txt", "d/FOO/sub/New.txt"},
+      {"D/Foo/", "D/foo/"},
+      {"d/fool", "d/Fool"},
+      {"D/hidden/Dir", "d/hidden/Dir"},
+      {"none/Foo", "none/Foo"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(ToNative(directory / c.asked), directory / c.found);
+  fs::permissions(directory / "d/hidden", fs::perms::owner_all);
+}
+
 TEST(Paths, MapBetweenTheTwoForms) {
   const struct {
     const char* shown;
