@@ -337,9 +337,10 @@ TEST(TerminalMessageBoxes, AsksUntilItUnderstands) {
     ASSERT_TRUE(WriteAll(master, typed.data(), typed.size()));
     PosixLoop loop;
     TerminalMessageBoxes boxes(loop, slave, slave);
-    EXPECT_EQ(boxes.Show("Sure?\r\n\x1B[2J\xC2\x9B", "Title", c.buttons, BoxIcon::None), c.answer);
+    EXPECT_EQ(boxes.Show("Sure?\r\n\x1B[2J\t\xC2\x9B\xFF", "Title\n", c.buttons, BoxIcon::None),
+              c.answer);
     const std::string shown = Drain(master);
-    EXPECT_THAT(shown, HasSubstr("Title\r\nSure?\r\n?[2J?\r\n"));
+    EXPECT_THAT(shown, HasSubstr("Title?\r\nSure?\r\n?[2J ??\r\n"));
     int prompts = 0;
     for (std::size_t at = 0; (at = shown.find("] ", at)) != std::string::npos; ++at) ++prompts;
     for (std::size_t at = 0; (at = shown.find("]o: ", at)) != std::string::npos; ++at) ++prompts;
