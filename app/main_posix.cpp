@@ -17,6 +17,7 @@
 #include "platform/forms.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/FileRegistry.h"
+#include "platform/posix/NoDesktop.h"
 #include "platform/posix/NoFileDialogs.h"
 #include "platform/posix/NoTrayIcon.h"
 #include "platform/posix/Paths.h"
@@ -95,13 +96,16 @@ struct PosixPlatform {
   posix::PosixFiles files;
   posix::PosixShell shell;
   posix::PosixSession session;
+  posix::NoDesktop desktop;
+  posix::NoKeyboard keyboard;
+  posix::NoClipboard clipboard;
   posix::PosixSound sound;
   posix::TerminalMessageBoxes messageBoxes{loop};
   posix::NoFileDialogs fileDialogs;
   posix::NoTrayIcon trayIcon;
   forms::HeadlessFormHost forms;
-  Platform platform{loop,  clock,        registry,    files,    shell, session,
-                    sound, messageBoxes, fileDialogs, trayIcon, forms};
+  Platform platform{loop,     clock,     registry, files,        shell,       session,  desktop,
+                    keyboard, clipboard, sound,    messageBoxes, fileDialogs, trayIcon, forms};
 };
 
 int RunScheduler(const std::string& home, const std::string& commandLine) {

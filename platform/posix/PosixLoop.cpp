@@ -82,6 +82,8 @@ class PosixLoop::PosixWatch : public Watch {
 PosixLoop::PosixLoop() = default;
 
 PosixLoop::~PosixLoop() {
+  // Work that was never run may own timers and watches, and what it owns may post.
+  while (!posted_.empty()) std::exchange(posted_, {}).clear();
   signalWatch_.reset();
   if (signalFd_) ::sigprocmask(SIG_SETMASK, &signalsBefore_, nullptr);
   assert(timers_.empty() && watches_.empty());
@@ -105,17 +107,25 @@ void PosixLoop::OnSignals(std::initializer_list<int> signals, std::function<void
   assert(!signalFd_);
   sigset_t set;
   ::sigemptyset(&set);
-  for (const int signal : signals) ::sigaddset(&set, signal);
+  for (const int signal : signals) {
+    struct sigaction before;
+    const bool ignored = ::sigaction(signal, nullptr, &before) == 0 && before.sa_handler == SIG_IGN;
+    if (!ignored) ::sigaddset(&set, signal);
+  }
   signalFd_ = Descriptor(::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
   // Without the descriptor the signals keep their usual effect, which ends the program too.
   if (!signalFd_) return;
   ::sigprocmask(SIG_BLOCK, &set, &signalsBefore_);
-  signalWatch_ = WatchFd(signalFd_.Get(), POLLIN, [this, handler = std::move(handler)](short) {
-    signalfd_siginfo info;
-    if (::read(signalFd_.Get(), &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
-      handler(static_cast<int>(info.ssi_signo));
-    }
-  });
+  signalHandler_ = std::move(handler);
+  signalWatch_ = WatchFd(signalFd_.Get(), POLLIN, [this](short) { DeliverSignals(); });
+}
+
+void PosixLoop::DeliverSignals() {
+  if (holds_ > 0) return;
+  signalfd_siginfo info;
+  while (::read(signalFd_.Get(), &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
+    Guarded(signalHandler_, static_cast<int>(info.ssi_signo));
+  }
 }
 
 void PosixLoop::Run() {

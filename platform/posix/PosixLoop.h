@@ -46,9 +46,12 @@ class PosixLoop : public EventLoop {
   // Re-entered events may have used the readiness up, so the descriptor should be non-blocking.
   std::unique_ptr<Watch> WatchFd(int fd, short events, std::function<void(short)> handler);
 
-  // Hands these signals to the handler, from the loop, instead of their usual effect. At most once
-  // for each loop; their usual effect returns with the loop's end.
+  // Hands these signals to the handler, from the loop, instead of their usual effect. Those that
+  // are ignored, as in a program started by nohup, stay so. At most once for each loop; the usual
+  // effect returns with the loop's end.
   void OnSignals(std::initializer_list<int> signals, std::function<void(int)> handler);
+  // Hands over now what has come of them, and nothing else. Does nothing while the loop is held.
+  void DeliverSignals();
   // Readable while such a signal waits to be handled; -1 without OnSignals. For blocking waits.
   int SignalFd() const { return signalFd_.Get(); }
 
@@ -78,6 +81,7 @@ class PosixLoop : public EventLoop {
 
   Descriptor signalFd_;
   sigset_t signalsBefore_{};
+  std::function<void(int)> signalHandler_;
   std::unique_ptr<Watch> signalWatch_;
 };
 
