@@ -53,7 +53,7 @@ std::string FindProgram(const std::string& name) {
   for (std::string_view rest = path;;) {
     const std::size_t end = rest.find(':');
     const std::string directory(rest.substr(0, end));
-    const std::string candidate = (directory.empty() ? "." : directory) + '/' + name;
+    std::string candidate = (directory.empty() ? "." : directory) + '/' + name;
     struct stat status;
     if (::stat(candidate.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
         ::access(candidate.c_str(), X_OK) == 0) {
