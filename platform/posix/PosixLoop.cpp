@@ -40,7 +40,7 @@ class PosixLoop::PosixTimer : public Timer {
   PosixTimer(PosixLoop& loop, std::shared_ptr<TimerEntry> entry)
       : loop_(loop), entry_(std::move(entry)) {}
   ~PosixTimer() override {
-    Stop();
+    entry_->enabled = false;
     std::erase(loop_.timers_, entry_);
   }
 
