@@ -1,4 +1,5 @@
-// Any bytes as a script, on a platform where nothing happens: it ends, and errors are the known ones.
+// Any bytes as a script, on a platform where nothing happens: it ends, and errors are the known
+// ones.
 #include <cstdint>
 #include <cstdlib>
 

@@ -1,14 +1,10 @@
 // Texts on their way to a person's terminal.
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace orvanto {
-
-// The length of the well-formed UTF-8 sequence that `text` begins with; 0 when there is none.
-std::size_t Utf8SequenceLength(std::string_view text);
 
 // The text as one line that a terminal shows and does not obey: each control character, U+0080 to
 // U+009F and line ends among them, and each byte that is not UTF-8 becomes a '?'.

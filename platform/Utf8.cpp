@@ -1,5 +1,8 @@
 #include "platform/Utf8.h"
 
+#include <cstdint>
+#include <cstring>
+
 namespace orvanto {
 
 std::size_t DecodeUtf8(std::string_view text, std::size_t at, char32_t& character) {
@@ -47,6 +50,15 @@ void AppendUtf8(char32_t character, std::string& text) {
 bool IsUtf8(std::string_view text) {
   char32_t character = 0;
   for (std::size_t at = 0; at < text.size();) {
+    // Most text is plain: eight bytes at a time, as long as none has its high bit set.
+    std::uint64_t eight = 0;
+    if (text.size() - at >= sizeof eight) {
+      std::memcpy(&eight, text.data() + at, sizeof eight);
+      if ((eight & 0x8080808080808080U) == 0) {
+        at += sizeof eight;
+        continue;
+      }
+    }
     const std::size_t length = DecodeUtf8(text, at, character);
     if (length == 0) return false;
     at += length;

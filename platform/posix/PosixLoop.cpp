@@ -13,6 +13,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
+constexpr auto kLookInterval = std::chrono::microseconds(100);
 constexpr std::size_t kPostedPerRound = 256;
 
 template <typename Handler, typename... Arguments>
@@ -130,17 +131,25 @@ void PosixLoop::DeliverSignals() {
 
 void PosixLoop::Run() {
   assert(holds_ == 0);
-  while (!quit_) Round(true);
+  while (!quit_) Round();
 }
 
 void PosixLoop::DoEvents() {
-  if (holds_ == 0) Round(false);
+  if (holds_ != 0) return;
+  // Long work calls this for each of its steps, which may be shorter than one look at the
+  // descriptors.
+  if (const auto now = Clock::now(); now - lastLook_ >= kLookInterval) {
+    lastLook_ = now;
+    Poll(false);
+  }
+  RunDueTimers();
+  RunPosted();
 }
 
 void PosixLoop::Post(std::function<void()> work) { posted_.push_back(std::move(work)); }
 
-void PosixLoop::Round(bool wait) {
-  Poll(wait && posted_.empty());
+void PosixLoop::Round() {
+  Poll(posted_.empty());
   RunDueTimers();
   RunPosted();
 }

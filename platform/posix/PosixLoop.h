@@ -38,6 +38,7 @@ class PosixLoop : public EventLoop {
   void Run() override;
   void Quit() override { quit_ = true; }
   bool QuitRequested() const override { return quit_; }
+  // Looks at the descriptors at most every 100 microseconds.
   void DoEvents() override;
   void Post(std::function<void()> work) override;
   std::unique_ptr<Timer> NewTimer(std::function<void()> handler) override;
@@ -66,7 +67,7 @@ class PosixLoop : public EventLoop {
   class PosixTimer;
   class PosixWatch;
 
-  void Round(bool wait);
+  void Round();
   void Poll(bool wait);
   void RunDueTimers();
   void RunPosted();
@@ -76,6 +77,7 @@ class PosixLoop : public EventLoop {
   std::vector<std::shared_ptr<WatchEntry>> watches_;
   std::vector<pollfd> polled_;  // kept for its memory
   std::deque<std::function<void()>> posted_;
+  Clock::time_point lastLook_;  // of DoEvents at the descriptors
   int holds_ = 0;
   bool quit_ = false;
 

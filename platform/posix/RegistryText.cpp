@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "platform/Text.h"
+#include "platform/Utf8.h"
 
 namespace orvanto::posix {
 namespace {
@@ -46,7 +46,8 @@ void AppendHex(std::string& out, char byte) {
 void AppendEscaped(std::string& out, std::string_view text, std::string_view escape,
                    std::string_view special) {
   while (!text.empty()) {
-    const std::size_t length = Utf8SequenceLength(text);
+    char32_t character = 0;
+    const std::size_t length = DecodeUtf8(text, 0, character);
     const char c = text[0];
     const bool control = static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
     if (length == 0 || control || special.find(c) != std::string_view::npos) {
