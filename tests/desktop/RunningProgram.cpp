@@ -305,14 +305,11 @@ BOOL CALLBACK CountWithChildren(HWND window, LPARAM result) {
 
 GuiObjects RunningProgram::CountGuiObjects() const {
   GuiObjects objects = {GetGuiResources(process_.Get(), GR_GDIOBJECTS),
-                        GetGuiResources(process_.Get(), GR_USEROBJECTS)};
-  if (objects.gdi == 0) objects.gdi = CountGdiTable(process_.Get());
-  if (objects.user == 0) {
-    WindowCount windows = {id_, 0};
-    EnumWindows(CountWithChildren, reinterpret_cast<LPARAM>(&windows));
-    objects.user = windows.count;
-  }
-  return objects;
+                        GetGuiResources(process_.Get(), GR_USEROBJECTS), true};
+  if (objects.gdi != 0 && objects.user != 0) return objects;
+  WindowCount windows = {id_, 0};
+  EnumWindows(CountWithChildren, reinterpret_cast<LPARAM>(&windows));
+  return {CountGdiTable(process_.Get()), windows.count, false};
 }
 
 }  // namespace orvanto::desktop

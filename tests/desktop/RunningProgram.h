@@ -28,7 +28,7 @@ int RunToEnd(std::wstring commandLine);
 struct GuiObjects {
   DWORD gdi;
   DWORD user;
-  bool operator==(const GuiObjects&) const = default;
+  bool exact;  // by the system; otherwise with what Wine caches, and of USER objects the windows
 };
 
 // Presses and releases keys, one after the other, where the keyboard is.

@@ -294,10 +294,17 @@ TEST_F(EditorTest, OpeningsLeaveNothingBehind) {
   const GuiObjects before = program.CountGuiObjects();
   EXPECT_GT(before.gdi, 0u);
   EXPECT_GT(before.user, 20u);
-  ASSERT_TRUE(openAndCancel(200));
+  constexpr int kOpenings = 200;
+  ASSERT_TRUE(openAndCancel(kOpenings));
+  // Wine keeps device contexts once made, a window's worth now and then; one object lost with each
+  // opening is well above that.
+  const DWORD slack = before.exact ? 0 : kOpenings - 1;
   GuiObjects after = {};
-  EXPECT_TRUE(WaitFor([&] { return (after = program.CountGuiObjects()) == before; },
-                      std::chrono::seconds(2)))
+  const auto settled = [&] {
+    after = program.CountGuiObjects();
+    return after.gdi <= before.gdi + slack && after.user == before.user;
+  };
+  EXPECT_TRUE(WaitFor(settled, std::chrono::seconds(2)))
       << "GDI " << before.gdi << " to " << after.gdi << ", USER " << before.user << " to "
       << after.user;
   Exit(program);
