@@ -12,35 +12,32 @@
 #include "core/ui/frmScriptcfg.h"
 #include "core/ui/frmmsg.h"
 #include "platform/EventLoop.h"
-#include "platform/Files.h"
+#include "script/FileAction.h"
+#include "script/FileFinder.h"
+#include "script/Script_Interpreter.h"
+#include "script/modWindow.h"
 
 namespace orvanto {
-namespace {
-
-// Answers the file check of validation by a plain look at the file.
-class PlainFileFinder : public FileFinder {
- public:
-  explicit PlainFileFinder(const Files& files) : files_(files) {}
-  bool FindFile(const std::string& path) override { return files_.Exists(path); }
-
- private:
-  const Files& files_;
-};
-
-}  // namespace
-
-// In the order of construction: each sees only what stands above it.
+// In the order of construction: each sees what stands above it, but for the task store's finder,
+// which is bound before it is made.
 struct Program::Parts {
   Parts(Platform& platform, StartOptions startOptions)
       : options(std::move(startOptions)),
+        loop(platform.loop),
         settings(platform.registry),
-        finder(platform.files),
-        store(settings, platform.clock, finder),
+        store(settings, platform.clock, search),
         sched(store, platform.clock),
-        execution(store, platform.shell, platform.session, platform.sound, platform.messageBoxes,
-                  nullptr),
-        scheduler(platform.loop, platform.clock, store, sched, execution),
+        fileActions(platform.files, platform.shell, store),
+        search(platform.loop, platform.files, fileActions),
+        windowActions(platform.loop, platform.desktop, platform.keyboard, platform.clipboard),
         message(platform.forms),
+        scripts(platform.loop, platform.files, store,
+                {platform.shell, platform.session, platform.sound, platform.messageBoxes,
+                 fileActions, search, windowActions,
+                 [this](const std::string& text) { message.ShowText(text); }, nullptr}),
+        execution(store, platform.shell, platform.session, platform.sound, platform.messageBoxes,
+                  &scripts),
+        scheduler(platform.loop, platform.clock, store, sched, execution),
         editor(platform.forms, {store, platform.clock, platform.shell, platform.messageBoxes,
                                 platform.fileDialogs}),
         about(platform.forms, platform.shell),
@@ -49,13 +46,17 @@ struct Program::Parts {
                     platform.trayIcon, platform.messageBoxes, message}) {}
 
   StartOptions options;
+  EventLoop& loop;
   Settings settings;
-  PlainFileFinder finder;
   TaskStore store;
   Sched sched;
+  FileActions fileActions;
+  FolderSearch search;
+  WindowActions windowActions;
+  frmmsg message;
+  ScriptInterpreter scripts;
   TaskExecution execution;
   Scheduler scheduler;
-  frmmsg message;
   frmEdit editor;
   frmAbout about;
   frmScriptcfg mainWindow;
@@ -66,12 +67,12 @@ Program::Program(Platform& platform, StartOptions options)
   parts_->execution.onRun = [this](const TaskRecord& task) {
     if (onTaskRun) onTaskRun(task);
   };
-  WireWindows(platform.loop);
+  WireWindows();
 }
 
 Program::~Program() = default;
 
-void Program::WireWindows(EventLoop& loop) {
+void Program::WireWindows() {
   frmScriptcfg& window = parts_->mainWindow;
   window.showEditor = [this](bool newTask, std::int16_t slot) {
     parts_->editor.Open(newTask, slot);
@@ -80,10 +81,10 @@ void Program::WireWindows(EventLoop& loop) {
   parts_->editor.onSaved = [&window] { window.BuildTaskTree(); };
   parts_->editor.onClosed = [&window] { window.Return(); };
   parts_->about.onClosed = [&window] { window.Return(); };
-  window.onEnded = [this, &loop] {
+  window.onEnded = [this] {
     parts_->editor.Unload();
     parts_->about.Unload();
-    loop.Quit();
+    parts_->loop.Quit();
   };
 }
 
@@ -110,6 +111,12 @@ Sched& Program::GetSched() { return parts_->sched; }
 TaskExecution& Program::Execution() { return parts_->execution; }
 frmScriptcfg& Program::MainWindow() { return parts_->mainWindow; }
 frmEdit& Program::Editor() { return parts_->editor; }
+
+void Program::RunUntilIdle() {
+  if (!parts_->scripts.Waiting()) return;
+  parts_->scripts.onIdle = [this] { parts_->loop.Quit(); };
+  parts_->loop.Run();
+}
 
 void Program::Quit() { parts_->mainWindow.Unload(); }
 

@@ -36,6 +36,9 @@ class Program {
   // Throws Error, last of all, for a storage mode that does not convert: it stays 0 then.
   void Prepare();
 
+  // Runs the loop until no script waits for a delay any more.
+  void RunUntilIdle();
+
   Settings& GetSettings();
   TaskStore& Store();
   Sched& GetSched();
@@ -54,7 +57,7 @@ class Program {
   std::function<void(const TaskRecord&)> onTaskRun;
 
  private:
-  void WireWindows(EventLoop& loop);
+  void WireWindows();
 
   struct Parts;
   std::unique_ptr<Parts> parts_;

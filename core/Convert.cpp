@@ -10,10 +10,10 @@ namespace {
 
 char LowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-std::string_view Trim(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t");
+std::string_view Trim(std::string_view text, const char* what) {
+  const auto first = text.find_first_not_of(what);
   if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+  return text.substr(first, text.find_last_not_of(what) - first + 1);
 }
 
 double HalfToEven(double number) {
@@ -27,7 +27,7 @@ double HalfToEven(double number) {
 // 0, or the error's number.
 template <typename Int>
 int Convert(std::string_view text, Int& result) {
-  text = Trim(text);
+  text = Trim(text, " \t");
   if (!text.empty() && text.front() == '+') text.remove_prefix(1);
   // from_chars also reads "inf" and "nan": a number starts with a digit, a sign or a point.
   const auto digit = text.find_first_not_of("-.");
@@ -63,6 +63,8 @@ std::int16_t ToInt16Or(std::string_view text, std::int16_t fallback) {
   std::int16_t result = 0;
   return Convert(text, result) == 0 ? result : fallback;
 }
+
+std::string_view TrimBlanks(std::string_view text) { return Trim(text, " "); }
 
 std::string TwoDigits(std::string_view text) {
   return text.size() == 1 ? "0" + std::string(text) : std::string(text);

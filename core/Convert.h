@@ -9,6 +9,7 @@
 namespace orvanto {
 
 enum ErrorNumber : int {
+  kIllegalCall = 5,
   kOverflow = 6,
   kSubscriptOutOfRange = 9,
   kTypeMismatch = 13,
@@ -39,6 +40,9 @@ std::int32_t ToInt32(std::string_view text);
 
 // The same for stored values that must not stop anything: `fallback` instead of an error.
 std::int16_t ToInt16Or(std::string_view text, std::int16_t fallback);
+
+// Without the blanks (not tabs) at both ends.
+std::string_view TrimBlanks(std::string_view text);
 
 // At least two digits: "7" becomes "07", longer text stays.
 std::string TwoDigits(std::string_view text);

@@ -25,6 +25,9 @@ class Files {
   // The whole file; false when it cannot be read.
   virtual bool Read(const std::string& path, std::string& contents) = 0;
 
+  // Text of the system's single-byte code page, as UTF-8.
+  virtual std::string FromCodePage(const std::string& bytes) const = 0;
+
   // These return the system's reason for a failure, or an empty text. Copy replaces an existing
   // file; copying a file onto itself is a failure.
   virtual std::string Copy(const std::string& from, const std::string& to) = 0;

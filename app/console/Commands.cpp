@@ -117,11 +117,8 @@ int Delete(const Words& words, const CommandContext& context) {
 int Run(const Words& words, const CommandContext& context) {
   const std::int16_t slot = SlotOf(words[1], context);
   if (slot == 0) return kExitRefused;
-  context.program.Store().LoadTask(slot);
-  if (context.program.Store().CurrentTask.taskType == kRunScript) {
-    return Refuse(context, "This version does not run automation scripts yet.");
-  }
   context.program.Execution().RunTask(slot);
+  context.program.RunUntilIdle();
   return 0;
 }
 

@@ -11,4 +11,10 @@ frmmsg::frmmsg(forms::FormHost& host)
   defaultButton = cancelButton = &cmdOK;
 }
 
+void frmmsg::ShowText(const std::string& text) {
+  lblMsg.SetText(text);
+  CentreOnScreen();
+  Show();
+}
+
 }  // namespace orvanto

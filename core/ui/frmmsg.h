@@ -9,6 +9,8 @@ class frmmsg : public forms::Form {
  public:
   explicit frmmsg(forms::FormHost& host);
 
+  void ShowText(const std::string& text);
+
   forms::Label lblMsg;
   forms::Button cmdOK;  // unloads the form
 };

@@ -128,16 +128,61 @@ void FakeLoop::Advance(std::int64_t milliseconds) {
   if (monotonic_ < until) Pass(until - monotonic_);
 }
 
-bool FakeFiles::Exists(const std::string& path) const {
-  const auto same = [&](const auto& file) {
+std::map<std::string, std::string>::const_iterator FakeFiles::Find(const std::string& path) const {
+  return std::find_if(contents.begin(), contents.end(), [&](const auto& file) {
     return RegistryTree::Fold(file.first) == RegistryTree::Fold(path);
-  };
-  return std::any_of(contents.begin(), contents.end(), same);
+  });
+}
+
+bool FakeFiles::Exists(const std::string& path) const { return Find(path) != contents.end(); }
+
+void FakeFiles::ListFolder(const std::string& folder, const EachEntry& each) {
+  const auto listing = listings.find(folder);
+  if (listing == listings.end()) return;
+  for (const std::string& entry : std::vector<std::string>(listing->second)) {
+    const bool isFolder = entry.ends_with('\\');
+    if (!each(entry.substr(0, entry.size() - (isFolder ? 1 : 0)), isFolder)) return;
+  }
+}
+
+bool FakeFiles::Read(const std::string& path, std::string& text) {
+  const auto file = Find(path);
+  if (file == contents.end()) return false;
+  text = file->second;
+  return true;
+}
+
+std::string FakeFiles::FromCodePage(const std::string& bytes) const {
+  std::string text;
+  for (const char c : bytes) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= 0x80) text += static_cast<char>(0xC0 | byte >> 6);
+    text += static_cast<char>(byte < 0x80 ? byte : 0x80 | (byte & 0x3F));
+  }
+  return text;
+}
+
+std::string FakeFiles::Copy(const std::string& from, const std::string& to) {
+  if (locked.count(from) != 0) return "It is locked.";
+  contents[to] = Find(from)->second;
+  return "";
+}
+
+std::string FakeFiles::Remove(const std::string& path) {
+  if (locked.count(path) != 0) return "It is locked.";
+  contents.erase(Find(path));
+  return "";
 }
 
 bool FakeFiles::Append(const std::string& path, const std::string& bytes) {
   contents[path] += bytes;
   return true;
+}
+
+std::vector<Desktop::Window> FakeDesktop::TopLevelWindows() {
+  std::vector<Window> windows;
+  for (Window window = 0; window < titles.size(); ++window) windows.push_back(window);
+  return windows;
 }
 
 Answer FakeMessageBoxes::Show(const std::string& text, const std::string&, Buttons buttons,

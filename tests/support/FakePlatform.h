@@ -13,10 +13,13 @@
 #include <string>
 #include <vector>
 
+#include "platform/Clipboard.h"
 #include "platform/Clock.h"
+#include "platform/Desktop.h"
 #include "platform/EventLoop.h"
 #include "platform/FileDialogs.h"
 #include "platform/Files.h"
+#include "platform/Keyboard.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Platform.h"
 #include "platform/Session.h"
@@ -83,9 +86,21 @@ class FakeLoop : public EventLoop {
 class FakeFiles : public Files {
  public:
   bool Exists(const std::string& path) const override;
+  void ListFolder(const std::string& folder, const EachEntry& each) override;
+  bool Read(const std::string& path, std::string& text) override;
+  std::string FromCodePage(const std::string& bytes) const override;  // takes it for Latin-1
+  std::string Copy(const std::string& from, const std::string& to) override;
+  std::string Remove(const std::string& path) override;
   bool Append(const std::string& path, const std::string& bytes) override;
 
   std::map<std::string, std::string> contents;  // by path
+  // The entries of a folder ("C:\\x\\") in the order in which they are listed, folders with a
+  // backslash at their end. They need not be in `contents`.
+  std::map<std::string, std::vector<std::string>> listings;
+  std::set<std::string> locked;  // can be neither removed nor copied
+
+ private:
+  std::map<std::string, std::string>::const_iterator Find(const std::string& path) const;
 };
 
 // Shows nothing: answers from the list of what the test expects. A box that was not expected fails
@@ -113,8 +128,47 @@ class FakeShell : public Shell {
     started.push_back(commandLine);
     return true;
   }
+  bool StartAndWait(const std::string& commandLine, ShowCommand show) override {
+    waitedFor.push_back(commandLine + " " + std::to_string(static_cast<int>(show)));
+    return true;
+  }
+  std::vector<std::string> waitedFor;
   std::vector<ShellRequest> requests;
   std::vector<std::string> started;
+};
+
+// Windows that a test puts there, from the top down; what is done to them is written down.
+class FakeDesktop : public Desktop {
+ public:
+  std::vector<Window> TopLevelWindows() override;
+  std::string Title(Window window) override { return titles.at(window); }
+  void BringToTop(Window window) override { Log("top", window); }
+  void Show(Window window, ShowCommand show) override {
+    Log("show " + std::to_string(static_cast<int>(show)), window);
+  }
+  void Send(Window window, std::uint32_t message, std::uintptr_t wParam, std::intptr_t) override {
+    Log("send " + std::to_string(message) + " " + std::to_string(wParam), window);
+  }
+  void Log(const std::string& what, Window window) {
+    log.push_back(what + " " + std::to_string(window));
+  }
+  std::vector<std::string> titles;  // a window is its number here
+  std::vector<std::string> log;
+};
+
+class FakeKeyboard : public Keyboard {
+ public:
+  void Type(const std::vector<KeyEvent>& events) override { typed.push_back(events); }
+  std::vector<std::vector<KeyEvent>> typed;
+};
+
+class FakeClipboard : public Clipboard {
+ public:
+  bool SetText(const std::string& newText) override {
+    text = newText;
+    return true;
+  }
+  std::string text;
 };
 
 // Answers with `chosen`; keeps what it was asked.
@@ -137,6 +191,12 @@ class FakeSession : public Session {
     ends.push_back(flags);
     return false;
   }
+  void ChangeResolution(int width, int height) override {
+    sizes.push_back(std::to_string(width) + "x" + std::to_string(height));
+  }
+  void HangUp() override { ++hangUps; }
+  std::vector<std::string> sizes;
+  int hangUps = 0;
   std::vector<std::uint32_t> ends;
 };
 
@@ -146,6 +206,8 @@ class FakeSound : public Sound {
     played.push_back(name);
     return true;
   }
+  void Beep() override { ++beeps; }
+  int beeps = 0;
   std::vector<std::string> played;
 };
 
@@ -168,13 +230,16 @@ struct FakePlatform {
   FakeFiles files;
   FakeShell shell;
   FakeSession session;
+  FakeDesktop desktop;
+  FakeKeyboard keyboard;
+  FakeClipboard clipboard;
   FakeSound sound;
   FakeMessageBoxes messageBoxes;
   FakeFileDialogs fileDialogs;
   FakeTrayIcon trayIcon;
   forms::HeadlessFormHost forms;
-  Platform platform{loop,  clock,        registry,    files,    shell, session,
-                    sound, messageBoxes, fileDialogs, trayIcon, forms};
+  Platform platform{loop,     clock,     registry, files,        shell,       session,  desktop,
+                    keyboard, clipboard, sound,    messageBoxes, fileDialogs, trayIcon, forms};
 };
 
 }  // namespace orvanto

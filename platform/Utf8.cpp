@@ -1,0 +1,38 @@
+#include "platform/Utf8.h"
+
+namespace orvanto {
+
+std::size_t DecodeUtf8(std::string_view text, std::size_t at, char32_t& character) {
+  const auto lead = static_cast<unsigned char>(text[at]);
+  if (lead < 0x80) {
+    character = lead;
+    return 1;
+  }
+  const std::size_t length = lead < 0xC2   ? 0
+                             : lead < 0xE0 ? 2
+                             : lead < 0xF0 ? 3
+                             : lead < 0xF5 ? 4
+                                           : 0;
+  if (length == 0 || text.size() - at < length) return 0;
+  character = lead & (0x7FU >> length);
+  for (std::size_t i = 1; i < length; ++i) {
+    const auto next = static_cast<unsigned char>(text[at + i]);
+    if ((next & 0xC0U) != 0x80) return 0;
+    character = character << 6 | (next & 0x3FU);
+  }
+  constexpr char32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
+  const bool surrogate = character >= 0xD800 && character <= 0xDFFF;
+  return character < kLeast[length] || surrogate || character > 0x10FFFF ? 0 : length;
+}
+
+bool IsUtf8(std::string_view text) {
+  char32_t character = 0;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t length = DecodeUtf8(text, at, character);
+    if (length == 0) return false;
+    at += length;
+  }
+  return true;
+}
+
+}  // namespace orvanto

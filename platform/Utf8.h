@@ -1,0 +1,15 @@
+// UTF-8, byte by byte.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace orvanto {
+
+// The length of the character that begins at `at`, 1 to 4, and the character itself; 0 where no
+// whole and well-formed one begins there.
+std::size_t DecodeUtf8(std::string_view text, std::size_t at, char32_t& character);
+
+bool IsUtf8(std::string_view text);
+
+}  // namespace orvanto

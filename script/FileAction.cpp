@@ -1,0 +1,87 @@
+#include "script/FileAction.h"
+
+#include "core/Convert.h"
+#include "core/modTaskOperations.h"
+#include "platform/Files.h"
+
+namespace orvanto {
+namespace {
+
+// An empty show state reaches the system as 0.
+ShowCommand ShowState(const std::string& extra) {
+  return ShowStyleFromCode(ToInt16(extra.empty() ? "0" : extra)).value_or(ShowCommand::Hide);
+}
+
+}  // namespace
+
+std::optional<ShowCommand> ShowStyleFromCode(std::int16_t style) {
+  switch (style) {
+    case 0:
+    case 1:
+      return ShowCommand::Normal;
+    case 2:
+      return ShowCommand::Minimized;
+    case 3:
+      return ShowCommand::Maximized;
+    case 4:
+      return ShowCommand::NoActivate;
+    case 5:
+      return ShowCommand::MinimizedNoActivate;
+    case 6:
+      return ShowCommand::Hide;
+    default:
+      return std::nullopt;
+  }
+}
+
+std::int16_t FileActions::FileAction(const std::string& givenPath, FileCode code,
+                                     const std::string& extra) {
+  const std::string path = LowerCase(TrimBlanks(givenPath));
+  const std::size_t slash = path.rfind('\\');
+  if (slash == path.npos || slash + 1 == path.size() || !files_.Exists(path)) return 0;
+  const std::string name = path.substr(slash + 1);
+  // The working folder "0" is what the program has always passed.
+  switch (code) {
+    case FileCode::Open:
+      shell_.Execute({"open", path, "", "0", ShowState(extra)});
+      break;
+    case FileCode::Print:
+      shell_.Execute({"print", path, "", "0", ShowCommand::Normal});
+      break;
+    case FileCode::LoadWait:
+      RunAndWait(path, ShowState(extra));
+      break;
+    case FileCode::Delete:
+      Report(path, "deleted", files_.Remove(path));
+      break;
+    case FileCode::Move:
+      if (CopyInto(path, name, extra)) Report(path, "deleted", files_.Remove(path));
+      break;
+    case FileCode::Copy:
+      CopyInto(path, name, extra);
+      break;
+    case FileCode::CheckOnly:
+      return 1;
+  }
+  return 0;
+}
+
+bool FileActions::CopyInto(const std::string& path, const std::string& name,
+                           const std::string& folder) {
+  const std::string target = (folder.empty() ? store_.AppDir : folder) + "\\" + name;
+  const std::string reason = files_.Copy(path, target);
+  Report(path, "copied to " + target, reason);
+  return reason.empty();
+}
+
+void FileActions::Report(const std::string& path, const std::string& what,
+                         const std::string& reason) {
+  if (reason.empty() || !onTrouble) return;
+  onTrouble("File: " + path + " could not be " + what + ": " + reason);
+}
+
+void FileActions::RunAndWait(const std::string& commandLine, ShowCommand show) {
+  if (!TrimBlanks(commandLine).empty()) shell_.StartAndWait(commandLine, show);
+}
+
+}  // namespace orvanto

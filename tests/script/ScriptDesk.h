@@ -1,0 +1,52 @@
+// The script engine on a platform of fakes.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/Convert.h"
+#include "script/Script_Interpreter.h"
+#include "tests/support/FakePlatform.h"
+
+namespace orvanto {
+
+struct ScriptDesk : FakePlatform {
+  ScriptDesk() { store.SetProgramFolder("C:\\Orvanto"); }
+
+  Settings settings{registry};
+  TaskStore store{settings, clock, search};
+  FileActions fileActions{files, shell, store};
+  FolderSearch search{loop, files, fileActions};
+  WindowActions windows{loop, desktop, keyboard, clipboard};
+  std::vector<std::string> popups;
+  ScriptInterpreter scripts{loop,
+                            files,
+                            store,
+                            {shell, session, sound, messageBoxes, fileActions, search, windows,
+                             [this](const std::string& text) { popups.push_back(text); }, nullptr}};
+
+  void Script(const std::string& name, const std::string& text) {
+    files.contents["C:\\Orvanto\\scripts\\" + name] = text;
+  }
+  // Runs a script of that text; the number of the error that reached the caller, or 0.
+  int Run(const std::string& text) {
+    Script("s.txt", text);
+    return RunByPath("s.txt");
+  }
+  int RunByPath(const std::string& path) {
+    try {
+      scripts.RunScript(path);
+      return 0;
+    } catch (const Error& error) {
+      return error.Number();
+    }
+  }
+  std::string Log() { return files.contents["C:\\Orvanto\\ORVSCRPT.LOG"]; }
+  // What the log holds after a line or an opening failed and the failure behind it.
+  static std::string Twice(const std::string& path) {
+    const std::string line = "\"File: " + path + " not found or file empty\"\r\n";
+    return line + line;
+  }
+};
+
+}  // namespace orvanto

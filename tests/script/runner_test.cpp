@@ -1,0 +1,193 @@
+#include <gtest/gtest.h>
+
+#include "script/ScriptLine.h"
+#include "tests/script/ScriptDesk.h"
+
+namespace orvanto {
+namespace {
+
+TEST(ScriptLine, SplitsArguments) {
+  struct Case {
+    const char* line;
+    const char* arg1;
+    const char* arg2;
+  };
+  // "-" stands for the value from the line before.
+  for (const Case& c : {Case{"open('c:\\data\\report.doc',3)", "c:\\data\\report.doc", "3"},
+                        {"open('a b')", "a b", ""},
+                        {"OPEN('A b')", "A b", ""},
+                        {"open(2)", "2", ""},
+                        {"open()", "", ""},
+                        {"open('')", "", ""},
+                        {"open(')", "", ""},
+                        {"open('Notepad','abc')", "Notepad','abc", ""},
+                        {"open('it's',x)", "it's", "x"},
+                        {"open('a','b',c)", "a", "'b',c"},
+                        {"open('a', b )", "a", " b "},
+                        {"open(',x)", "", "x"},
+                        {"open('a',)", "a", ""},
+                        {"open(a,'b')", "a,'b'", ""},
+                        {"open(\"a\")", "\"a\"", ""},
+                        {"open('a'b)", "-", "-"},
+                        {"open('a',b", "-", "-"},
+                        {"open('a') ", "-", "-"},
+                        {"open", "-", "-"},
+                        {"", "-", "-"}}) {
+    std::string word = "open";
+    std::string arg1 = "-";
+    std::string arg2 = "-";
+    ReadCommandWord(c.line, word);
+    EXPECT_EQ(word, "open");
+    SplitArguments(word, c.line, arg1, arg2);
+    EXPECT_EQ(arg1, c.arg1) << c.line;
+    EXPECT_EQ(arg2, c.arg2) << c.line;
+  }
+}
+
+TEST(Runner, RunsLinesOfAnyEndingAndEncoding) {
+  ScriptDesk desk;
+  EXPECT_EQ(desk.Run("beep()\r\nBEEP()\n   Beep()  \r\nbeep()"), 0);
+  EXPECT_EQ(desk.sound.beeps, 4);
+  EXPECT_EQ(desk.Run(""), 0);
+  EXPECT_EQ(desk.Run("\xEF\xBB\xBFmsgbox('\xC3\xA4',nostop)"), 0);
+  EXPECT_EQ(desk.Run("msgbox('\xE4',nostop)"), 0);
+  EXPECT_EQ(desk.Run(std::string("msgbox('a\0b',nostop)", 20)), 0);
+  EXPECT_EQ(desk.Run("msgbox('" + std::string(200000, 'x') + "',nostop)"), 0);
+  EXPECT_EQ(desk.popups, (std::vector<std::string>{"\xC3\xA4", "\xC3\xA4", std::string("a\0b", 3),
+                                                   std::string(200000, 'x')}));
+  EXPECT_EQ(desk.Log(), "");
+  EXPECT_FALSE(desk.scripts.Slot(1).inUse);
+}
+
+TEST(Runner, ALineWithoutParenthesisRepeatsTheCommand) {
+  ScriptDesk desk;
+  EXPECT_EQ(
+      desk.Run("* a comment\n*(another)\nbeep()\n\nbeep\n* one more\nmsgbox('x',nostop)\nagain"),
+      0);
+  EXPECT_EQ(desk.sound.beeps, 4);
+  EXPECT_EQ(desk.popups, (std::vector<std::string>{"x", "x"}));
+}
+
+TEST(Runner, ABadLineIsLoggedTwiceAndReachesTheCaller) {
+  for (const char* text : {"rem(x)", "\nbeep()", "beep", "changeres(x)\nbeep()", "delay('3')",
+                           "\tbeep()", "delay()", "sdown(99999999999)", "sendkeys('x',{bad)"}) {
+    ScriptDesk desk;
+    EXPECT_EQ(desk.Run(text), kFileAlreadyOpen) << text;
+    EXPECT_EQ(desk.Log(), ScriptDesk::Twice("s.txt")) << text;
+    EXPECT_EQ(desk.sound.beeps, 0) << text;
+    EXPECT_TRUE(desk.scripts.Slot(1).inUse) << text;
+    EXPECT_EQ(desk.scripts.Slot(1).linesDone, 2) << "the failed line and the one behind it";
+  }
+  ScriptDesk desk;
+  EXPECT_EQ(desk.RunByPath("Missing.txt"), kFileNotFoundError);
+  EXPECT_EQ(desk.Log(), ScriptDesk::Twice("Missing.txt"));
+  desk.files.contents["D:\\there.txt"] = "beep()";
+  EXPECT_EQ(desk.RunByPath("D:\\There.TXT"), 0);
+  EXPECT_EQ(desk.sound.beeps, 1);
+}
+
+TEST(Runner, ADelayEndsWithTheTickOfItsNumber) {
+  for (const int seconds : {1, 5}) {
+    ScriptDesk desk;
+    desk.Script("s.txt", "beep()\ndelay(" + std::to_string(seconds) + ")\nmsgbox('end',nostop)");
+    desk.scripts.RunScript("s.txt");
+    EXPECT_TRUE(desk.scripts.Waiting());
+    EXPECT_EQ(desk.sound.beeps, 1);
+    desk.loop.Advance(seconds * 1000 - 1);
+    EXPECT_EQ(desk.sound.beeps, 1);
+    // The resumed script takes a fresh slot and so starts from its first line again.
+    desk.loop.Advance(1);
+    EXPECT_EQ(desk.sound.beeps, 2);
+    EXPECT_EQ(desk.scripts.Slot(1).linesDone, 3);
+    EXPECT_TRUE(desk.scripts.Slot(1).inUse);
+    EXPECT_TRUE(desk.scripts.Slot(2).delayPending);
+    EXPECT_TRUE(desk.popups.empty());
+  }
+}
+
+TEST(Runner, ADelayingScriptTakesSlotsUntilNoneIsLeft) {
+  ScriptDesk desk;
+  desk.Script("s.txt", "beep()\ndelay(1)");
+  desk.scripts.RunScript("s.txt");
+  bool idle = false;
+  desk.scripts.onIdle = [&] { idle = true; };
+  desk.loop.Advance(98 * 1000);
+  EXPECT_EQ(desk.sound.beeps, 99);
+  EXPECT_FALSE(idle);
+  desk.loop.Advance(1000);
+  EXPECT_EQ(desk.sound.beeps, 100);
+  try {
+    desk.loop.Advance(1000);
+    ADD_FAILURE() << "the table has no slot for this";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.Number(), kSubscriptOutOfRange);
+  }
+  EXPECT_TRUE(idle);
+  EXPECT_FALSE(desk.scripts.Waiting());
+  EXPECT_EQ(desk.RunByPath("s.txt"), kSubscriptOutOfRange);
+  EXPECT_EQ(desk.Log(), "");
+}
+
+TEST(Runner, OnlyTheLowestDelayCountsAndAStartStopsTheCount) {
+  ScriptDesk desk;
+  desk.Script("a.txt", "delay(3)\nbeep()");
+  desk.Script("b.txt", "delay(2)");
+  desk.scripts.RunScript("a.txt");
+  desk.scripts.RunScript("b.txt");
+  desk.loop.Advance(2000);
+  EXPECT_EQ(desk.scripts.Slot(1).delayElapsed, 3);
+  EXPECT_EQ(desk.scripts.Slot(2).delayElapsed, 1);
+  // Any start stops the shared timer; the next delay starts it again.
+  desk.Run("msgbox('x',nostop)");
+  EXPECT_FALSE(desk.scripts.TimerEnabled());
+  desk.loop.Advance(10000);
+  EXPECT_EQ(desk.scripts.Slot(1).delayElapsed, 3);
+  desk.scripts.RunScript("b.txt");
+  desk.loop.Advance(1000);
+  EXPECT_FALSE(desk.scripts.Slot(1).delayPending) << "resumed";
+  EXPECT_TRUE(desk.scripts.Slot(2).delayPending);
+}
+
+TEST(Runner, ADelayOfNothingNeverEndsAndFailsAtLast) {
+  ScriptDesk desk;
+  desk.Script("s.txt", "delay(0)");
+  desk.scripts.RunScript("s.txt");
+  desk.loop.Advance(32766 * 1000);
+  EXPECT_EQ(desk.scripts.Slot(1).delayElapsed, 32767);
+  EXPECT_THROW(desk.loop.Advance(1000), Error);
+}
+
+TEST(Runner, ASlotIsUsedAgainFromItsFirstLine) {
+  ScriptDesk desk;
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(desk.Run("beep()\nbeep()"), 0);
+  EXPECT_EQ(desk.sound.beeps, 6);
+  EXPECT_EQ(desk.scripts.Slot(1).linesDone, 6);
+  // A script that one box ends, too.
+  desk.messageBoxes.expected = {{"Stop here?", Answer::Cancel}};
+  EXPECT_EQ(desk.Run("msgbox('Stop here?',okcancel)\nbeep()"), 0);
+  EXPECT_EQ(desk.Run("beep()"), 0);
+  EXPECT_EQ(desk.sound.beeps, 7);
+  EXPECT_EQ(desk.Log(), "");
+}
+
+TEST(Runner, TheCountersOfASlotHold16Bits) {
+  ScriptDesk desk;
+  std::string text;
+  for (int i = 0; i < 32767; ++i) text += "*\n";
+  EXPECT_EQ(desk.Run(text), 0);
+  EXPECT_EQ(desk.Run("beep()"), kOverflow);
+  EXPECT_EQ(desk.sound.beeps, 0);
+}
+
+TEST(Runner, AScriptMayStartAnotherFromInside) {
+  ScriptDesk desk;
+  desk.Script("inner.txt", "beep()\nmsgbox('inner',nostop)");
+  desk.messageBoxes.expected = {
+      {"outer", Answer::Ok, [&] { desk.scripts.RunScript("inner.txt"); }}};
+  EXPECT_EQ(desk.Run("msgbox('outer')\nbeep()"), 0);
+  EXPECT_EQ(desk.sound.beeps, 2);
+  EXPECT_FALSE(desk.scripts.Slot(2).inUse);
+}
+
+}  // namespace
+}  // namespace orvanto
