@@ -181,7 +181,7 @@ void FormWindow::Rescale() {
 }
 
 // Edges are rounded rather than sizes, so that what touches keeps touching.
-void FormWindow::Place(const ControlWindow& window) const {
+void FormWindow::Place(ControlWindow& window) const {
   const forms::Bounds& bounds = window.GetControl().GetBounds();
   int left = bounds.left;
   int top = bounds.top;
@@ -191,8 +191,7 @@ void FormWindow::Place(const ControlWindow& window) const {
   }
   const int x = ToPixels(left, dpi_);
   const int y = ToPixels(top, dpi_);
-  SetWindowPos(window.Get(), nullptr, x, y, ToPixels(left + bounds.width, dpi_) - x,
-               ToPixels(top + bounds.height, dpi_) - y, SWP_NOZORDER | SWP_NOACTIVATE);
+  window.Place({x, y, ToPixels(left + bounds.width, dpi_), ToPixels(top + bounds.height, dpi_)});
 }
 
 void FormWindow::MirrorState(const ControlWindow& window) const {
@@ -203,7 +202,9 @@ void FormWindow::MirrorState(const ControlWindow& window) const {
     enabled = enabled && each->Enabled();
   }
   // A keyboard that talks to a dead window is dead, too.
-  if (!(visible && enabled) && GetFocus() == window.Get()) {
+  const HWND focus = GetFocus();
+  const bool focused = focus == window.Get() || IsChild(window.Get(), focus);
+  if (!(visible && enabled) && focused) {
     SetFocus(GetNextDlgTabItem(window_, window.Get(), FALSE));
   }
   ShowWindow(window.Get(), visible ? SW_SHOWNA : SW_HIDE);
@@ -257,6 +258,10 @@ void FormWindow::FormChanged(FormProperty property) {
       } else {
         ShowWindow(window_, SW_HIDE);
       }
+      break;
+    case FormProperty::Active:
+      if (IsIconic(window_)) ShowWindow(window_, SW_RESTORE);
+      SetForegroundWindow(window_);
       break;
   }
 }
@@ -367,8 +372,10 @@ LRESULT FormWindow::OnSystemChange(UINT message, WPARAM wParam, LPARAM lParam) {
 LRESULT FormWindow::OnStaticColour(HDC context, HWND control) {
   const ControlWindow* window = Find(static_cast<UINT>(GetDlgCtrlID(control)));
   const bool isText = window != nullptr && window->GetControl().GetKind() == Kind::TextBox;
-  const int background = isText ? COLOR_WINDOW : COLOR_BTNFACE;
-  SetTextColor(context, GetSysColor(isText ? COLOR_WINDOWTEXT : COLOR_BTNTEXT));
+  const bool enabled = IsWindowEnabled(control) != 0;
+  const int background = isText && enabled ? COLOR_WINDOW : COLOR_BTNFACE;
+  const int text = !enabled ? COLOR_GRAYTEXT : isText ? COLOR_WINDOWTEXT : COLOR_BTNTEXT;
+  SetTextColor(context, GetSysColor(text));
   SetBkColor(context, GetSysColor(background));
   return reinterpret_cast<LRESULT>(GetSysColorBrush(background));
 }
@@ -406,6 +413,10 @@ void FormWindow::OnActivate(bool active) {
 void FormWindow::TakeFocus() {
   if (lastFocus_ == nullptr || !IsWindowVisible(lastFocus_) || !IsWindowEnabled(lastFocus_)) {
     lastFocus_ = GetNextDlgTabItem(window_, nullptr, FALSE);
+    // As a dialog does: what is typed first replaces the text.
+    if (lastFocus_ != nullptr && (SendMessageW(lastFocus_, WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL)) {
+      SendMessageW(lastFocus_, EM_SETSEL, 0, -1);
+    }
   }
   if (lastFocus_ != nullptr) SetFocus(lastFocus_);
 }

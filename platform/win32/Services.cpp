@@ -1,9 +1,8 @@
 #include "platform/win32/Services.h"
 
+#include <commdlg.h>
 #include <mmsystem.h>
 #include <shellapi.h>
-
-#include <utility>
 
 #include "platform/win32/Text.h"
 #include "platform/win32/Win32Process.h"
@@ -43,9 +42,6 @@ std::string Win32Clock::ShortDate(int year, int month, int day) const {
   return ToUtf8(text);
 }
 
-Win32Shell::Win32Shell(EventLoop& loop, std::function<HWND()> mainWindow)
-    : loop_(loop), mainWindow_(std::move(mainWindow)) {}
-
 bool Win32Shell::Execute(const ShellRequest& request) {
   const std::wstring operation = ToWide(request.operation);
   const std::wstring file = ToWide(request.file);
@@ -57,7 +53,7 @@ bool Win32Shell::Execute(const ShellRequest& request) {
   SHELLEXECUTEINFOW info = {};
   info.cbSize = sizeof info;
   info.fMask = SEE_MASK_FLAG_NO_UI;
-  info.hwnd = mainWindow_();
+  info.hwnd = forms_.MainWindow();
   info.lpVerb = orNull(operation);
   info.lpFile = file.c_str();
   info.lpParameters = orNull(parameters);
@@ -66,6 +62,10 @@ bool Win32Shell::Execute(const ShellRequest& request) {
   // The shell may handle messages while it looks for the program.
   const EventLoop::Hold hold(loop_);
   return ShellExecuteExW(&info) != 0;
+}
+
+bool Win32Shell::Start(const std::string& commandLine, ShowCommand show) {
+  return static_cast<bool>(StartProcess(commandLine, show));
 }
 
 bool Win32Shell::StartAndWait(const std::string& commandLine, ShowCommand show) {
@@ -84,14 +84,14 @@ void Win32Sound::Beep() { MessageBeep(MB_OK); }
 
 Answer Win32MessageBoxes::Show(const std::string& text, const std::string& title, Buttons buttons,
                                BoxIcon icon) {
-  // No owner, because the main window may be hidden; task-modal, so that all our windows wait;
-  // top-most, so that it is not lost behind a main window that is.
-  UINT type = MB_TASKMODAL | MB_SETFOREGROUND | MB_TOPMOST;
+  const ModalScope modal(loop_, forms_);
+  // Without an owner, because none of our windows is in front: task-modal, so that all of them
+  // wait; top-most, so that it is not lost behind a main window that is.
+  UINT type = modal.Owner() != nullptr ? 0 : MB_TASKMODAL | MB_SETFOREGROUND | MB_TOPMOST;
   if (buttons == Buttons::OkCancel) type |= MB_OKCANCEL;
   if (buttons == Buttons::YesNo) type |= MB_YESNO;
   if (icon == BoxIcon::Question) type |= MB_ICONQUESTION;
-  const EventLoop::Hold hold(loop_);
-  switch (MessageBoxW(nullptr, ToWide(text).c_str(), ToWide(title).c_str(), type)) {
+  switch (MessageBoxW(modal.Owner(), ToWide(text).c_str(), ToWide(title).c_str(), type)) {
     case IDOK:
       return Answer::Ok;
     case IDYES:
@@ -103,6 +103,31 @@ Answer Win32MessageBoxes::Show(const std::string& text, const std::string& title
              : buttons == Buttons::OkCancel ? Answer::Cancel
                                             : Answer::Ok;
   }
+}
+
+std::optional<std::string> Win32FileDialogs::ChooseFile(const std::string& title,
+                                                        const std::vector<FileFilter>& filters,
+                                                        const std::string& folder) {
+  std::wstring filter;  // pairs of name and pattern, each ended by a NUL, and one more at the end
+  for (const FileFilter& each : filters) {
+    filter += ToWide(each.name) + L'\0' + ToWide(each.pattern) + L'\0';
+  }
+  const std::wstring caption = ToWide(title);
+  const std::wstring start = ToWide(folder);
+  wchar_t name[255] = L"";
+  const ModalScope modal(loop_, forms_);
+  OPENFILENAMEW dialog = {};
+  dialog.lStructSize = sizeof dialog;
+  dialog.hwndOwner = modal.Owner();
+  dialog.lpstrFilter = filter.empty() ? nullptr : filter.c_str();
+  dialog.nFilterIndex = 1;
+  dialog.lpstrFile = name;
+  dialog.nMaxFile = static_cast<DWORD>(std::size(name));
+  dialog.lpstrInitialDir = start.empty() ? nullptr : start.c_str();
+  dialog.lpstrTitle = caption.c_str();
+  dialog.Flags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR | OFN_HIDEREADONLY;
+  if (!GetOpenFileNameW(&dialog)) return std::nullopt;
+  return ToUtf8(name);
 }
 
 }  // namespace orvanto::win32

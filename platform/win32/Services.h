@@ -3,13 +3,13 @@
 
 #include <windows.h>
 
-#include <functional>
-
 #include "platform/Clock.h"
-#include "platform/EventLoop.h"
+#include "platform/FileDialogs.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Shell.h"
 #include "platform/Sound.h"
+#include "platform/win32/Win32FormHost.h"
+#include "platform/win32/Win32Loop.h"
 
 namespace orvanto::win32 {
 
@@ -22,14 +22,15 @@ class Win32Clock : public Clock {
 
 class Win32Shell : public Shell {
  public:
-  // `mainWindow` answers the owner of what the shell shows, or null.
-  Win32Shell(EventLoop& loop, std::function<HWND()> mainWindow);
+  // The main window owns what the shell shows.
+  Win32Shell(Win32Loop& loop, const Win32FormHost& forms) : loop_(loop), forms_(forms) {}
   bool Execute(const ShellRequest& request) override;
+  bool Start(const std::string& commandLine, ShowCommand show) override;
   bool StartAndWait(const std::string& commandLine, ShowCommand show) override;
 
  private:
-  EventLoop& loop_;
-  std::function<HWND()> mainWindow_;
+  Win32Loop& loop_;
+  const Win32FormHost& forms_;
 };
 
 class Win32Sound : public Sound {
@@ -40,12 +41,25 @@ class Win32Sound : public Sound {
 
 class Win32MessageBoxes : public MessageBoxes {
  public:
-  explicit Win32MessageBoxes(EventLoop& loop) : loop_(loop) {}
+  Win32MessageBoxes(Win32Loop& loop, const Win32FormHost& forms) : loop_(loop), forms_(forms) {}
   Answer Show(const std::string& text, const std::string& title, Buttons buttons,
               BoxIcon icon) override;
 
  private:
-  EventLoop& loop_;
+  Win32Loop& loop_;
+  const Win32FormHost& forms_;
+};
+
+class Win32FileDialogs : public FileDialogs {
+ public:
+  Win32FileDialogs(Win32Loop& loop, const Win32FormHost& forms) : loop_(loop), forms_(forms) {}
+  std::optional<std::string> ChooseFile(const std::string& title,
+                                        const std::vector<FileFilter>& filters,
+                                        const std::string& folder) override;
+
+ private:
+  Win32Loop& loop_;
+  const Win32FormHost& forms_;
 };
 
 }  // namespace orvanto::win32

@@ -84,6 +84,17 @@ bool Win32Files::Read(const std::string& path, std::string& contents) {
   }
 }
 
+std::string Win32Files::FromCodePage(const std::string& bytes) const {
+  // Where the system is set to UTF-8, what is no UTF-8 comes from times before that.
+  constexpr UINT kWestern = 1252;
+  const UINT codePage = GetACP() == CP_UTF8 ? kWestern : CP_ACP;
+  const int size = static_cast<int>(bytes.size());
+  const int length = MultiByteToWideChar(codePage, 0, bytes.data(), size, nullptr, 0);
+  std::wstring wide(static_cast<std::size_t>(length), L'\0');
+  MultiByteToWideChar(codePage, 0, bytes.data(), size, wide.data(), length);
+  return ToUtf8(wide);
+}
+
 std::string Win32Files::Copy(const std::string& from, const std::string& to) {
   return CopyFileW(SystemPath(from).c_str(), SystemPath(to).c_str(), FALSE) ? "" : Reason();
 }

@@ -10,6 +10,7 @@ class Win32Files : public Files {
   bool Exists(const std::string& path) const override;
   void ListFolder(const std::string& folder, const EachEntry& each) override;
   bool Read(const std::string& path, std::string& contents) override;
+  std::string FromCodePage(const std::string& bytes) const override;
   std::string Copy(const std::string& from, const std::string& to) override;
   std::string Remove(const std::string& path) override;
   bool Append(const std::string& path, const std::string& bytes) override;

@@ -24,13 +24,14 @@ class Win32Platform {
   Win32Registry registry;
   Win32Files files;
   Win32FormHost forms{loop};
-  Win32Shell shell{loop, [this] { return forms.MainWindow(); }};
+  Win32Shell shell{loop, forms};
   Win32Session session;
   Win32Desktop desktop;
   Win32Keyboard keyboard;
   Win32Clipboard clipboard;
   Win32Sound sound;
-  Win32MessageBoxes messageBoxes{loop};
+  Win32MessageBoxes messageBoxes{loop, forms};
+  Win32FileDialogs fileDialogs{loop, forms};
   Win32TrayIcon trayIcon{loop};
 
   Platform Services();

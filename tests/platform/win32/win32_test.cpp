@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "platform/win32/Services.h"
+#include "platform/win32/Win32Files.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/Win32Loop.h"
 #include "platform/win32/Win32Registry.h"
@@ -84,7 +85,8 @@ TEST(Win32Registry, ReadsForeignStrings) {
 // same, each timer once. The box is answered from another thread, as a person would.
 TEST(Win32MessageBoxes, HoldsTimersAndPosts) {
   Win32Loop loop;
-  Win32MessageBoxes boxes(loop);
+  const Win32FormHost forms(loop);
+  Win32MessageBoxes boxes(loop, forms);
   int ticks = 0;
   int ticksInside = -1;
   int postsInside = -1;
