@@ -10,7 +10,10 @@ namespace orvanto::win32 {
 namespace {
 
 constexpr std::size_t kPiece = 100;  // inputs handed over at once
-constexpr WORD kNoKey = 0xE8;        // a virtual key that is assigned to nothing
+// A key is two inputs and takes three turns of a message loop: down, the character, up. Double
+// that, because now and then one turn answers twice.
+constexpr std::size_t kTurnsPerInput = 3;
+constexpr WORD kNoKey = 0xE8;  // a virtual key that is assigned to nothing
 
 // Milliseconds. A slow program under load takes some 10 for a character.
 constexpr ULONGLONG kPatience = 10000;
@@ -251,10 +254,10 @@ bool Typist::Flush() {
   return all && WaitUntilTaken(sent);
 }
 
-// Nothing tells how many keys a window has still to take. But it answers a message only when it
-// comes round to fetch the next one, and it fetches keys one by one: so many answers, so many keys.
+// Nothing tells how many keys a window has still to take. But it answers a message when it comes
+// round to fetch the next one, and it fetches them one by one: so many answers, so many turns.
 bool Typist::WaitUntilTaken(std::size_t inputs) const {
-  for (std::size_t i = 0; i < inputs; ++i) {
+  for (std::size_t i = 0; i < inputs * kTurnsPerInput; ++i) {
     const HWND target = FocusWindow();
     if (target == nullptr) return true;
     const ULONGLONG now = GetTickCount64();
