@@ -71,7 +71,7 @@ bool Win32Shell::Start(const std::string& commandLine, ShowCommand show) {
 bool Win32Shell::StartAndWait(const std::string& commandLine, ShowCommand show) {
   const ProcessHandle process = StartProcess(commandLine, show);
   if (!process) return false;
-  const EventLoop::Hold hold(loop_);
+  // Nothing is to be held back: no message is handled meanwhile.
   WaitForSingleObject(process.Get(), INFINITE);
   return true;
 }

@@ -361,15 +361,19 @@ TEST(Win32Session, ChangesTheResolution) {
     GetTempPathW(MAX_PATH + 1, folder);
     const std::wstring report = std::wstring(folder) + L"orvanto-resolution.xml";
     DeleteFileW(report.c_str());
-    desktop::RunToEnd(L"explorer.exe /desktop=" + desktop + L",1280x800 \"" + program +
-                      L"\" --gtest_filter=Win32Session.ChangesTheResolution --gtest_output=xml:" +
-                      report);
+    const ProcessHandle explorer = StartProcess(
+        ToUtf8(L"explorer.exe /desktop=" + desktop + L",1280x800 \"" + program +
+               L"\" --gtest_filter=Win32Session.ChangesTheResolution --gtest_output=xml:" + report),
+        ShowCommand::Normal);
     std::string text;
     EXPECT_TRUE(WaitFor([&] {
       std::ifstream in(ToUtf8(report));
       text.assign(std::istreambuf_iterator(in), {});
       return text.find("</testsuites>") != text.npos;
     }));
+    if (WaitForSingleObject(explorer.Get(), 5000) != WAIT_OBJECT_0) {
+      TerminateProcess(explorer.Get(), 1);
+    }
     EXPECT_NE(text.find("tests=\"1\" failures=\"0\" disabled=\"0\" errors=\"0\""), text.npos)
         << text;
     EXPECT_NE(text.find("status=\"run\""), text.npos) << text;
