@@ -14,9 +14,11 @@
 #include "app/console/Commands.h"
 #include "core/Convert.h"
 #include "core/Sched.h"
+#include "platform/Text.h"
 #include "platform/forms.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/FileRegistry.h"
+#include "platform/posix/NoDesktop.h"
 #include "platform/posix/NoFileDialogs.h"
 #include "platform/posix/NoTrayIcon.h"
 #include "platform/posix/Paths.h"
@@ -88,31 +90,40 @@ void SecureStandardStreams() {
 
 // Services of this system, in the order in which they need each other.
 struct PosixPlatform {
+  explicit PosixPlatform(posix::FileRegistry::OnDamage onDamage)
+      : registry(
+            kRegistryFile, [](const std::string& message) { std::cerr << message << std::endl; },
+            onDamage) {}
+
   posix::PosixLoop loop;
   posix::PosixClock clock;
-  posix::FileRegistry registry{
-      kRegistryFile, [](const std::string& message) { std::cerr << message << std::endl; }};
+  posix::FileRegistry registry;
   posix::PosixFiles files;
   posix::PosixShell shell;
   posix::PosixSession session;
+  posix::NoDesktop desktop;
+  posix::NoKeyboard keyboard;
+  posix::NoClipboard clipboard;
   posix::PosixSound sound;
   posix::TerminalMessageBoxes messageBoxes{loop};
   posix::NoFileDialogs fileDialogs;
   posix::NoTrayIcon trayIcon;
   forms::HeadlessFormHost forms;
-  Platform platform{loop,  clock,        registry,    files,    shell, session,
-                    sound, messageBoxes, fileDialogs, trayIcon, forms};
+  Platform platform{loop,     clock,     registry, files,        shell,       session,  desktop,
+                    keyboard, clipboard, sound,    messageBoxes, fileDialogs, trayIcon, forms};
 };
 
 int RunScheduler(const std::string& home, const std::string& commandLine) {
   const posix::Descriptor lock = LockHome(home);
   if (!lock) return kExitRefused;
-  PosixPlatform host;
+  // Alone in its home, so a damaged registry may be set aside.
+  PosixPlatform host(posix::FileRegistry::OnDamage::SetAside);
   Program program(host.platform, {commandLine, posix::FromNative(home)});
   program.onTaskRun = [&](const TaskRecord& task) {
     const DateTime now = host.clock.Now();
     std::cout << TwoDigits(now.hour) << ":" << TwoDigits(now.minute) << ":" << TwoDigits(now.second)
-              << "  " << task.name << " (" << TaskTypeName(task.taskType) << ")" << std::endl;
+              << "  " << PrintableLine(task.name) << " (" << TaskTypeName(task.taskType) << ")"
+              << std::endl;
   };
   host.loop.OnSignals({SIGINT, SIGTERM, SIGHUP}, [&](int) { program.Quit(); });
   program.Start();
@@ -141,7 +152,7 @@ std::string TaskPath(const fs::path& home, const fs::path& start, const std::str
 
 int RunOneCommand(const fs::path& home, const fs::path& start,
                   const std::vector<std::string>& words) {
-  PosixPlatform host;
+  PosixPlatform host(posix::FileRegistry::OnDamage::Refuse);
   Program program(host.platform, {"", posix::FromNative(home)});
   try {
     program.Prepare();

@@ -38,6 +38,10 @@ class NoFinder : public FileFinder {
 // Counts; nothing is due, so nothing may come here.
 struct NoWay : Shell, Session, Sound, MessageBoxes {
   bool Execute(const ShellRequest&) override { return Called(); }
+  bool StartAndWait(const std::string&, ShowCommand) override { return Called(); }
+  void ChangeResolution(int, int) override { Called(); }
+  void HangUp() override { Called(); }
+  void Beep() override { Called(); }
   bool Start(const std::string&, ShowCommand) override { return Called(); }
   bool End(std::uint32_t) override { return Called(); }
   bool Play(const std::string&) override { return Called(); }

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 namespace orvanto {
 
@@ -54,12 +55,31 @@ class Registry {
   virtual Status DeleteKey(Key parent, const std::string& subkey) = 0;
   virtual Status CloseKey(Key key) = 0;
 
-  // Everything written between the two belongs together. The file-backed registry makes it visible
-  // and durable as one step, shut off against other processes; it then reports from EndChange what
-  // went wrong and keeps the state from before. Windows has no such step: there each write counts
-  // at once. Changes nest; the outermost end decides.
+  // Everything written between the two belongs together. Changes nest; the outermost end decides
+  // and reports the first write that failed, also one that failed for its arguments. That a
+  // deletion found nothing, or a key that has subkeys, is no failure of the change. The file-backed
+  // registry makes the change visible and durable as one step, shut off against other processes,
+  // and keeps the state from before when any of it fails. Windows has no such step: there each
+  // write counts at once, and what was written before a failure stays.
   virtual void BeginChange() = 0;
   virtual Status EndChange() = 0;
+};
+
+// For the makers of registries: the first failed write of a change.
+class FirstFailure {
+ public:
+  // Both pass on what they are given.
+  Status OfWrite(Status status) {
+    if (first_ == kSuccess) first_ = status;
+    return status;
+  }
+  Status OfDeletion(Status status) {
+    return status == kFileNotFound || status == kAccessDenied ? status : OfWrite(status);
+  }
+  Status Take() { return std::exchange(first_, kSuccess); }
+
+ private:
+  Status first_ = kSuccess;
 };
 
 // Scope of one change. Commit ends it and reports; without Commit the destructor ends it.

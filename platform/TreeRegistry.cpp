@@ -33,10 +33,14 @@ Status TreeRegistry::CreateKey(RootKey root, const std::string& path, std::uint3
                                Key& key) {
   key = 0;
   std::string id;
-  if (const Status status = RegistryTree::IdOf(root, path, id); status != kSuccess) return status;
-  const Status status = Write([&](RegistryTree& tree) { return tree.CreateKey(root, path); });
+  const Status status = failure_.OfWrite(WriteKey(root, path, id));
   if (status == kSuccess) key = NewKey(std::move(id), access);
   return status;
+}
+
+Status TreeRegistry::WriteKey(RootKey root, const std::string& path, std::string& id) {
+  if (const Status status = RegistryTree::IdOf(root, path, id); status != kSuccess) return status;
+  return Write([&](RegistryTree& tree) { return tree.CreateKey(root, path); });
 }
 
 Status TreeRegistry::QueryValue(Key key, const std::string& name, ValueType& type, void* data,
@@ -53,30 +57,36 @@ Status TreeRegistry::QueryValue(Key key, const std::string& name, ValueType& typ
   return kSuccess;
 }
 
+Status TreeRegistry::WriteTo(
+    Key key, std::uint32_t access,
+    const std::function<Status(RegistryTree&, const std::string& id)>& step) {
+  const OpenedKey* opened = nullptr;
+  if (const Status status = Check(key, access, opened); status != kSuccess) return status;
+  return Write([&](RegistryTree& tree) { return step(tree, opened->id); });
+}
+
 Status TreeRegistry::SetValue(Key key, const std::string& name, ValueType type, const void* data,
                               std::uint32_t size) {
-  const OpenedKey* opened = nullptr;
-  if (const Status status = Check(key, kSetValue, opened); status != kSuccess) return status;
   std::string bytes;
   if (size > 0) bytes.assign(static_cast<const char*>(data), size);
-  return Write(
-      [&](RegistryTree& tree) { return tree.SetValue(opened->id, name, type, std::move(bytes)); });
+  return failure_.OfWrite(WriteTo(key, kSetValue, [&](RegistryTree& tree, const std::string& id) {
+    return tree.SetValue(id, name, type, std::move(bytes));
+  }));
 }
 
 Status TreeRegistry::DeleteValue(Key key, const std::string& name) {
-  const OpenedKey* opened = nullptr;
-  if (const Status status = Check(key, kSetValue, opened); status != kSuccess) return status;
-  return Write([&](RegistryTree& tree) { return tree.DeleteValue(opened->id, name); });
+  return failure_.OfDeletion(WriteTo(
+      key, kSetValue,
+      [&](RegistryTree& tree, const std::string& id) { return tree.DeleteValue(id, name); }));
 }
 
 Status TreeRegistry::DeleteKey(Key parent, const std::string& subkey) {
-  const OpenedKey* opened = nullptr;
-  if (const Status status = Check(parent, kCreateSubKey, opened); status != kSuccess) return status;
-  std::string id;
-  if (const Status status = RegistryTree::IdBelow(opened->id, subkey, id); status != kSuccess) {
-    return status;
-  }
-  return Write([&](RegistryTree& tree) { return tree.DeleteKey(id); });
+  return failure_.OfDeletion(
+      WriteTo(parent, kCreateSubKey, [&](RegistryTree& tree, const std::string& parentId) {
+        std::string id;
+        const Status status = RegistryTree::IdBelow(parentId, subkey, id);
+        return status == kSuccess ? tree.DeleteKey(id) : status;
+      }));
 }
 
 Status TreeRegistry::CloseKey(Key key) { return open_.erase(key) == 1 ? kSuccess : kInvalidHandle; }

@@ -36,6 +36,7 @@ class TreeRegistry : public Registry {
   virtual Status Write(const WriteStep& step) = 0;
 
   RegistryTree tree_;
+  FirstFailure failure_;  // the derived class takes it at both ends of a change
 
  private:
   struct OpenedKey {
@@ -44,6 +45,9 @@ class TreeRegistry : public Registry {
   };
 
   Status Check(Key key, std::uint32_t access, const OpenedKey*& opened) const;
+  Status WriteKey(RootKey root, const std::string& path, std::string& id);
+  Status WriteTo(Key key, std::uint32_t access,
+                 const std::function<Status(RegistryTree&, const std::string& id)>& step);
   Key NewKey(std::string id, std::uint32_t access);
 
   std::unordered_map<Key, OpenedKey> open_;

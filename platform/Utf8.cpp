@@ -1,5 +1,8 @@
 #include "platform/Utf8.h"
 
+#include <cstdint>
+#include <cstring>
+
 namespace orvanto {
 
 std::size_t DecodeUtf8(std::string_view text, std::size_t at, char32_t& character) {
@@ -25,9 +28,37 @@ std::size_t DecodeUtf8(std::string_view text, std::size_t at, char32_t& characte
   return character < kLeast[length] || surrogate || character > 0x10FFFF ? 0 : length;
 }
 
+void AppendUtf8(char32_t character, std::string& text) {
+  const auto byte = [&](char32_t value) { text += static_cast<char>(value); };
+  if (character < 0x80) {
+    byte(character);
+  } else if (character < 0x800) {
+    byte(0xC0 | character >> 6);
+    byte(0x80 | (character & 0x3F));
+  } else if (character < 0x10000) {
+    byte(0xE0 | character >> 12);
+    byte(0x80 | (character >> 6 & 0x3F));
+    byte(0x80 | (character & 0x3F));
+  } else {
+    byte(0xF0 | character >> 18);
+    byte(0x80 | (character >> 12 & 0x3F));
+    byte(0x80 | (character >> 6 & 0x3F));
+    byte(0x80 | (character & 0x3F));
+  }
+}
+
 bool IsUtf8(std::string_view text) {
   char32_t character = 0;
   for (std::size_t at = 0; at < text.size();) {
+    // Most text is plain: eight bytes at a time, as long as none has its high bit set.
+    std::uint64_t eight = 0;
+    if (text.size() - at >= sizeof eight) {
+      std::memcpy(&eight, text.data() + at, sizeof eight);
+      if ((eight & 0x8080808080808080U) == 0) {
+        at += sizeof eight;
+        continue;
+      }
+    }
     const std::size_t length = DecodeUtf8(text, at, character);
     if (length == 0) return false;
     at += length;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace orvanto {
@@ -9,6 +10,8 @@ namespace orvanto {
 // The length of the character that begins at `at`, 1 to 4, and the character itself; 0 where no
 // whole and well-formed one begins there.
 std::size_t DecodeUtf8(std::string_view text, std::size_t at, char32_t& character);
+
+void AppendUtf8(char32_t character, std::string& text);
 
 bool IsUtf8(std::string_view text);
 

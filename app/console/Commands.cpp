@@ -9,6 +9,7 @@
 #include "core/TaskExecution.h"
 #include "core/modRegistry.h"
 #include "core/modTaskOperations.h"
+#include "platform/Text.h"
 
 namespace orvanto {
 namespace {
@@ -67,7 +68,7 @@ int List(const Words&, const CommandContext& context) {
     // A line that cannot be described still has its number and its name.
     std::string line = i <= kMaxTasks ? context.program.GetSched().DescribeTask(slot) : "";
     if (line.empty()) line = store.TaskName(slot);
-    context.out << i << ") " << line << "\n";
+    context.out << i << ") " << PrintableLine(line) << "\n";
   }
   return 0;
 }
@@ -90,8 +91,8 @@ int Add(const Words& words, const CommandContext& context) {
     context.err << "Note: a task with the rule \"" << EveryName(entry.every)
                 << "\" is kept but never comes due.\n";
   }
-  context.out << entry.index << ") " << context.program.GetSched().DescribeTask(entry.index)
-              << "\n";
+  context.out << entry.index << ") "
+              << PrintableLine(context.program.GetSched().DescribeTask(entry.index)) << "\n";
   return 0;
 }
 

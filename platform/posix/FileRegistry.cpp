@@ -24,12 +24,19 @@ constexpr milliseconds kFreshFor(10);
 constexpr milliseconds kLockPatience(5000);
 constexpr mode_t kPrivate = 0600;  // the registry holds passwords
 
-// Follows a symbolic link once and for all, so that replacing the file does not replace the link,
+constexpr int kMaxLinks = 40;  // as the system has it
+
+// Follows symbolic links once and for all, so that replacing the file does not replace the link,
 // and makes the path independent of the current directory.
 std::string Settle(const std::string& path) {
   std::error_code error;
-  const std::filesystem::path settled = std::filesystem::weakly_canonical(path, error);
-  return error ? path : settled.string();
+  std::filesystem::path settled = std::filesystem::absolute(path, error);
+  // weakly_canonical leaves a link to nothing alone, and a relative path to nothing relative.
+  for (int links = 0; links < kMaxLinks && std::filesystem::is_symlink(settled, error); ++links) {
+    settled = settled.parent_path() / std::filesystem::read_symlink(settled, error);
+  }
+  const std::filesystem::path canonical = std::filesystem::weakly_canonical(settled, error);
+  return error ? settled.string() : canonical.string();
 }
 
 std::string Directory(const std::string& path) {
@@ -96,10 +103,10 @@ FileRegistry::Stamp FileRegistry::Stamp::Of(int fd) {
   return unknown;
 }
 
-FileRegistry::FileRegistry(const std::string& path, Report report)
-    : path_(Settle(path)), report_(std::move(report)) {
+FileRegistry::FileRegistry(const std::string& path, Report report, OnDamage onDamage)
+    : path_(Settle(path)), report_(std::move(report)), onDamage_(onDamage) {
   Load();
-  if (!damage_.empty()) SetAsideAtStart();
+  if (!damage_.empty() && onDamage_ == OnDamage::SetAside) SetAsideAtStart();
   starting_ = false;
 }
 
@@ -119,11 +126,25 @@ void FileRegistry::Load() {
   const int error = errno;
   file_.Close();
   if (error == ENOENT || error == ENOTDIR) {
-    tree_ = RegistryTree();
+    lastUnreadable_.clear();
+    RegistryTree empty;
+    if (!(tree_ == empty)) Say("is gone. The registry is empty now.");
+    tree_ = std::move(empty);
     return;
   }
+  SayUnreadable(std::strerror(error));
+}
+
+// What hinders the reading may pass without a trace in the file, so each later look tries again.
+void FileRegistry::SayUnreadable(const std::string& reason) {
   unreadable_ = true;
-  Say(std::string("cannot be read: ") + std::strerror(error) + ". Nothing will be saved.");
+  if (std::exchange(lastUnreadable_, reason) == reason) return;
+  Say("cannot be read: " + reason + ". Nothing will be saved until it can.");
+}
+
+// Reads the file anew when there is reason to.
+void FileRegistry::Look() {
+  if (unreadable_ || !(Stamp::Of(path_) == stamp_)) Load();
 }
 
 void FileRegistry::ReadFrom(Descriptor file) {
@@ -131,10 +152,8 @@ void FileRegistry::ReadFrom(Descriptor file) {
   const std::optional<std::string> text = ReadAll(file.Get());
   const int error = errno;
   file_ = std::move(file);
-  if (!text) {
-    unreadable_ = true;
-    return Say(std::string("cannot be read: ") + std::strerror(error) + ". Nothing will be saved.");
-  }
+  if (!text) return SayUnreadable(std::strerror(error));
+  lastUnreadable_.clear();
   RegistryTree fresh;
   const std::optional<RegistryTextError> wrong = ParseRegistry(*text, fresh);
   if (!wrong) {
@@ -142,7 +161,12 @@ void FileRegistry::ReadFrom(Descriptor file) {
     return;
   }
   damage_ = "is damaged: line " + std::to_string(wrong->line) + ": " + wrong->reason + '.';
-  if (!starting_) Say(damage_ + " What was read before stays in force.");
+  if (onDamage_ == OnDamage::Refuse) {
+    Say(damage_ + " Nothing is changed until it is mended or the scheduler is started, which sets" +
+        " it aside and begins anew.");
+  } else if (!starting_) {
+    Say(damage_ + " What was read before stays in force.");
+  }
 }
 
 void FileRegistry::SetAsideAtStart() {
@@ -186,7 +210,7 @@ void FileRegistry::Refresh() {
   const auto now = steady_clock::now();
   if (now - lastLook_ < kFreshFor) return;
   lastLook_ = now;
-  if (!(Stamp::Of(path_) == stamp_)) Load();
+  Look();
 }
 
 bool FileRegistry::Lock() {
@@ -207,19 +231,26 @@ bool FileRegistry::Lock() {
 void FileRegistry::BeginChange() {
   if (depth_++ > 0) return;
   changeStatus_ = kSuccess;
+  failure_.Take();
   if (!Lock()) {
     changeStatus_ = kAccessDenied;
     SayFailure(std::string("the lock beside it cannot be had: ") + std::strerror(errno));
   }
-  if (!(Stamp::Of(path_) == stamp_)) Load();
-  if (unreadable_) changeStatus_ = kAccessDenied;
+  Look();
+  const bool refused = !damage_.empty() && onDamage_ == OnDamage::Refuse;
+  if (unreadable_ || refused) changeStatus_ = kAccessDenied;
   if (changeStatus_ == kSuccess) before_ = tree_;
 }
 
 Status FileRegistry::EndChange() {
   assert(depth_ > 0);
   if (--depth_ > 0) return kSuccess;
+  const Status failure = failure_.Take();
   Status status = changeStatus_;
+  if (status == kSuccess && failure != kSuccess) {
+    tree_ = std::move(before_);
+    status = failure;
+  }
   if (status == kSuccess && tree_.Revision() != before_.Revision()) status = Store();
   before_ = RegistryTree();
   lock_.Close();
@@ -255,19 +286,22 @@ void FileRegistry::SayFailure(const std::string& reason) {
 }
 
 // Under the lock, so the name of the new file can be a fixed one: what a killed process left behind
-// is overwritten.
+// goes. It is not opened, because it may be another user's or no file at all.
 bool FileRegistry::Replace(const std::string& text) {
   const std::string name = path_ + ".new";
-  Descriptor file(
-      ::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kPrivate));
+  ::unlink(name.c_str());
+  Descriptor file(::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kPrivate));
   if (!file) return false;
   struct stat old;
   if (::stat(path_.c_str(), &old) == 0) {
     // Best effort: only root can give a file away, and it should.
     if (::fchown(file.Get(), old.st_uid, old.st_gid) == 0) ::fchmod(file.Get(), old.st_mode & 0777);
   }
-  if (!WriteAll(file.Get(), text.data(), text.size()) || ::fsync(file.Get()) != 0 ||
-      ::rename(name.c_str(), path_.c_str()) != 0) {
+  // What is kept open is for reading: a file that is open for writing somewhere cannot be leased,
+  // and its file system not be made read-only.
+  const bool written = WriteAll(file.Get(), text.data(), text.size()) && ::fsync(file.Get()) == 0;
+  if (written) file = Descriptor(::open(name.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!written || !file || ::rename(name.c_str(), path_.c_str()) != 0) {
     const int error = errno;
     ::unlink(name.c_str());
     errno = error;

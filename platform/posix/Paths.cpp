@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <memory>
-#include <optional>
+#include <vector>
 
 #include "platform/RegistryTree.h"
 
@@ -17,37 +17,57 @@ bool Exists(const std::string& path) {
   return ::stat(path.c_str(), &status) == 0;
 }
 
-// The entry of `directory` that differs from `name` in case alone; the first in order of bytes.
-std::optional<std::string> FindEntry(const std::string& directory, const std::string& name) {
+// The entries of `directory` that differ from `name` in case alone, in order of bytes.
+std::vector<std::string> OtherSpellings(const std::string& directory, const std::string& name) {
+  std::vector<std::string> found;
   const std::unique_ptr<DIR, int (*)(DIR*)> listing(
       ::opendir(directory.empty() ? "." : directory.c_str()), ::closedir);
-  if (!listing) return std::nullopt;
+  if (!listing) return found;
   const std::string wanted = RegistryTree::Fold(name);
-  std::optional<std::string> found;
   while (const dirent* entry = ::readdir(listing.get())) {
-    if (RegistryTree::Fold(entry->d_name) != wanted) continue;
-    if (!found || entry->d_name < *found) found = entry->d_name;
+    if (entry->d_name != name && RegistryTree::Fold(entry->d_name) == wanted) {
+      found.emplace_back(entry->d_name);
+    }
   }
+  std::sort(found.begin(), found.end());
   return found;
 }
 
-std::string FindWithoutCase(const std::string& path) {
-  std::string found;  // what has been settled, with its trailing slash
-  for (std::size_t begin = 0; begin < path.size();) {
-    const std::size_t end = std::min(path.find('/', begin), path.size());
-    const std::string name = path.substr(begin, end - begin);
-    std::string next = found + name;
-    if (!name.empty() && !Exists(next)) {
-      const std::optional<std::string> entry = FindEntry(found, name);
-      if (!entry) return found + path.substr(begin);
-      next = found + *entry;
+// Looks a path up without regard to case. Directories may differ in case alone, so it goes into
+// each that fits until the whole path is found.
+class Lookup {
+ public:
+  explicit Lookup(const std::string& path) : path_(path), best_(path) { Descend("", 0); }
+
+  // The path that exists, or else the first of those that exist the furthest.
+  const std::string& Result() const { return best_; }
+
+ private:
+  // `found` exists and stands for the first `begin` bytes of the path.
+  bool Descend(const std::string& found, std::size_t begin) {
+    const bool whole = begin >= path_.size();
+    const bool exists = whole && Exists(found);
+    if (begin > reached_ || exists) {
+      reached_ = begin;
+      best_ = whole ? found : found + path_.substr(begin);
     }
-    found = next;
-    if (end < path.size()) found += '/';
-    begin = end + 1;
+    if (whole) return exists;
+    const std::size_t end = std::min(path_.find('/', begin), path_.size());
+    const std::string name = path_.substr(begin, end - begin);
+    const std::string slash = end < path_.size() ? "/" : "";
+    const auto enter = [&](const std::string& entry) {
+      return Descend(found + entry + slash, end + 1);
+    };
+    if (name.empty()) return enter(name);
+    if (Exists(found + name) && enter(name)) return true;
+    const std::vector<std::string> others = OtherSpellings(found, name);
+    return std::any_of(others.begin(), others.end(), enter);
   }
-  return found;
-}
+
+  const std::string& path_;
+  std::size_t reached_ = 0;
+  std::string best_;
+};
 
 }  // namespace
 
@@ -58,7 +78,7 @@ std::string ToNative(const std::string& path) {
     native.erase(0, 2);
     if (!native.starts_with('/')) native.insert(0, "/");
   }
-  return Exists(native) ? native : FindWithoutCase(native);
+  return Exists(native) ? native : Lookup(native).Result();
 }
 
 std::string FromNative(const std::string& path) {

@@ -5,9 +5,15 @@
 
 namespace orvanto::posix {
 
+// Names that hold a backslash cannot be named here, and are passed over in listings.
 class PosixFiles : public Files {
  public:
   bool Exists(const std::string& path) const override;
+  void ListFolder(const std::string& folder, const EachEntry& each) override;
+  bool Read(const std::string& path, std::string& contents) override;
+  std::string FromCodePage(const std::string& bytes) const override;  // Windows-1252
+  std::string Copy(const std::string& from, const std::string& to) override;
+  std::string Remove(const std::string& path) override;
   bool Append(const std::string& path, const std::string& bytes) override;
 };
 

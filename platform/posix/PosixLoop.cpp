@@ -13,6 +13,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
+constexpr auto kLookInterval = std::chrono::microseconds(100);
 constexpr std::size_t kPostedPerRound = 256;
 
 template <typename Handler, typename... Arguments>
@@ -40,7 +41,7 @@ class PosixLoop::PosixTimer : public Timer {
   PosixTimer(PosixLoop& loop, std::shared_ptr<TimerEntry> entry)
       : loop_(loop), entry_(std::move(entry)) {}
   ~PosixTimer() override {
-    Stop();
+    entry_->enabled = false;
     std::erase(loop_.timers_, entry_);
   }
 
@@ -82,6 +83,8 @@ class PosixLoop::PosixWatch : public Watch {
 PosixLoop::PosixLoop() = default;
 
 PosixLoop::~PosixLoop() {
+  // Work that was never run may own timers and watches, and what it owns may post.
+  while (!posted_.empty()) std::exchange(posted_, {}).clear();
   signalWatch_.reset();
   if (signalFd_) ::sigprocmask(SIG_SETMASK, &signalsBefore_, nullptr);
   assert(timers_.empty() && watches_.empty());
@@ -105,32 +108,48 @@ void PosixLoop::OnSignals(std::initializer_list<int> signals, std::function<void
   assert(!signalFd_);
   sigset_t set;
   ::sigemptyset(&set);
-  for (const int signal : signals) ::sigaddset(&set, signal);
+  for (const int signal : signals) {
+    struct sigaction before;
+    const bool ignored = ::sigaction(signal, nullptr, &before) == 0 && before.sa_handler == SIG_IGN;
+    if (!ignored) ::sigaddset(&set, signal);
+  }
   signalFd_ = Descriptor(::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
   // Without the descriptor the signals keep their usual effect, which ends the program too.
   if (!signalFd_) return;
   ::sigprocmask(SIG_BLOCK, &set, &signalsBefore_);
-  signalWatch_ = WatchFd(signalFd_.Get(), POLLIN, [this, handler = std::move(handler)](short) {
-    signalfd_siginfo info;
-    if (::read(signalFd_.Get(), &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
-      handler(static_cast<int>(info.ssi_signo));
-    }
-  });
+  signalHandler_ = std::move(handler);
+  signalWatch_ = WatchFd(signalFd_.Get(), POLLIN, [this](short) { DeliverSignals(); });
+}
+
+void PosixLoop::DeliverSignals() {
+  if (holds_ > 0) return;
+  signalfd_siginfo info;
+  while (::read(signalFd_.Get(), &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
+    Guarded(signalHandler_, static_cast<int>(info.ssi_signo));
+  }
 }
 
 void PosixLoop::Run() {
   assert(holds_ == 0);
-  while (!quit_) Round(true);
+  while (!quit_) Round();
 }
 
 void PosixLoop::DoEvents() {
-  if (holds_ == 0) Round(false);
+  if (holds_ != 0) return;
+  // Long work calls this for each of its steps, which may be shorter than one look at the
+  // descriptors.
+  if (const auto now = Clock::now(); now - lastLook_ >= kLookInterval) {
+    lastLook_ = now;
+    Poll(false);
+  }
+  RunDueTimers();
+  RunPosted();
 }
 
 void PosixLoop::Post(std::function<void()> work) { posted_.push_back(std::move(work)); }
 
-void PosixLoop::Round(bool wait) {
-  Poll(wait && posted_.empty());
+void PosixLoop::Round() {
+  Poll(posted_.empty());
   RunDueTimers();
   RunPosted();
 }

@@ -38,6 +38,7 @@ class PosixLoop : public EventLoop {
   void Run() override;
   void Quit() override { quit_ = true; }
   bool QuitRequested() const override { return quit_; }
+  // Looks at the descriptors at most every 100 microseconds.
   void DoEvents() override;
   void Post(std::function<void()> work) override;
   std::unique_ptr<Timer> NewTimer(std::function<void()> handler) override;
@@ -46,9 +47,12 @@ class PosixLoop : public EventLoop {
   // Re-entered events may have used the readiness up, so the descriptor should be non-blocking.
   std::unique_ptr<Watch> WatchFd(int fd, short events, std::function<void(short)> handler);
 
-  // Hands these signals to the handler, from the loop, instead of their usual effect. At most once
-  // for each loop; their usual effect returns with the loop's end.
+  // Hands these signals to the handler, from the loop, instead of their usual effect. Those that
+  // are ignored, as in a program started by nohup, stay so. At most once for each loop; the usual
+  // effect returns with the loop's end.
   void OnSignals(std::initializer_list<int> signals, std::function<void(int)> handler);
+  // Hands over now what has come of them, and nothing else. Does nothing while the loop is held.
+  void DeliverSignals();
   // Readable while such a signal waits to be handled; -1 without OnSignals. For blocking waits.
   int SignalFd() const { return signalFd_.Get(); }
 
@@ -63,7 +67,7 @@ class PosixLoop : public EventLoop {
   class PosixTimer;
   class PosixWatch;
 
-  void Round(bool wait);
+  void Round();
   void Poll(bool wait);
   void RunDueTimers();
   void RunPosted();
@@ -73,11 +77,13 @@ class PosixLoop : public EventLoop {
   std::vector<std::shared_ptr<WatchEntry>> watches_;
   std::vector<pollfd> polled_;  // kept for its memory
   std::deque<std::function<void()>> posted_;
+  Clock::time_point lastLook_;  // of DoEvents at the descriptors
   int holds_ = 0;
   bool quit_ = false;
 
   Descriptor signalFd_;
   sigset_t signalsBefore_{};
+  std::function<void(int)> signalHandler_;
   std::unique_ptr<Watch> signalWatch_;
 };
 

@@ -1,7 +1,6 @@
 #include "platform/posix/PosixSession.h"
 
 #include <cstdio>
-#include <utility>
 
 #include "platform/posix/Process.h"
 
@@ -13,12 +12,17 @@ bool PosixSession::End(std::uint32_t flags) {
   if (!program.empty()) {
     return StartDetached(program, {flags == kReboot ? "-r" : "-h", "now"}, "", Output::Inherit);
   }
-  if (!std::exchange(said_, true)) {
-    std::fputs(known ? "orvanto: the program shutdown is not on PATH; the system is not ended\n"
-                     : "orvanto: this system can only be shut down or restarted\n",
-               stderr);
-  }
+  Say(known ? "the program shutdown is not on PATH; the system is not ended"
+            : "this system can only be shut down or restarted");
   return false;
+}
+
+void PosixSession::ChangeResolution(int, int) { Say("there is no screen to change"); }
+
+void PosixSession::HangUp() { Say("there is no dial-up connection to end"); }
+
+void PosixSession::Say(const char* what) {
+  if (said_.insert(what).second) std::fprintf(stderr, "orvanto: %s\n", what);
 }
 
 }  // namespace orvanto::posix

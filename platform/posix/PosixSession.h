@@ -1,6 +1,9 @@
 // Ending the system by its shutdown program.
 #pragma once
 
+#include <set>
+#include <string>
+
 #include "platform/Session.h"
 
 namespace orvanto::posix {
@@ -10,9 +13,13 @@ namespace orvanto::posix {
 class PosixSession : public Session {
  public:
   bool End(std::uint32_t flags) override;
+  void ChangeResolution(int width, int height) override;
+  void HangUp() override;
 
  private:
-  bool said_ = false;
+  void Say(const char* what);
+
+  std::set<std::string> said_;
 };
 
 }  // namespace orvanto::posix

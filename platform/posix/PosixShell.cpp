@@ -86,7 +86,10 @@ std::optional<ShellTarget> FindShellTarget(const std::string& text) {
 bool PosixShell::Execute(const ShellRequest& request) {
   std::optional<ShellTarget> target = FindShellTarget(request.file);
   if (!target) return false;
-  const std::string directory = request.directory.empty() ? "" : ToNative(request.directory);
+  std::string directory = request.directory.empty() ? "" : ToNative(request.directory);
+  std::error_code error;
+  // A working folder that is none does not keep a program from starting.
+  if (!std::filesystem::is_directory(directory, error)) directory.clear();
   const std::string operation = RegistryTree::Fold(request.operation);
   if (operation == "print") {
     std::string printer = FindProgram("lp");
@@ -108,6 +111,11 @@ bool PosixShell::Start(const std::string& commandLine, ShowCommand) {
   const std::optional<ShellTarget> target = FindShellTarget(commandLine);
   return target && IsExecutable(target->path) &&
          StartDetached(target->path, target->arguments, "", Output::Inherit);
+}
+
+bool PosixShell::StartAndWait(const std::string& commandLine, ShowCommand) {
+  const std::optional<ShellTarget> target = FindShellTarget(commandLine);
+  return target && IsExecutable(target->path) && RunToEnd(target->path, target->arguments);
 }
 
 }  // namespace orvanto::posix

@@ -28,6 +28,7 @@ class PosixShell : public Shell {
  public:
   bool Execute(const ShellRequest& request) override;
   bool Start(const std::string& commandLine, ShowCommand show) override;
+  bool StartAndWait(const std::string& commandLine, ShowCommand show) override;
 };
 
 }  // namespace orvanto::posix

@@ -1,5 +1,7 @@
 #include "platform/posix/PosixSound.h"
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <utility>
 
@@ -22,6 +24,12 @@ bool PosixSound::Play(const std::string& name) {
     std::fputs("orvanto: no sound: neither paplay, pw-play nor aplay is on PATH\n", stderr);
   }
   return false;
+}
+
+void PosixSound::Beep() {
+  if (::isatty(STDOUT_FILENO) == 0) return;
+  std::fputc('\a', stdout);
+  std::fflush(stdout);
 }
 
 }  // namespace orvanto::posix

@@ -10,6 +10,7 @@ namespace orvanto::posix {
 class PosixSound : public Sound {
  public:
   bool Play(const std::string& name) override;
+  void Beep() override;  // of the terminal, if there is one
 
  private:
   bool said_ = false;

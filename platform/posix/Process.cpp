@@ -45,6 +45,30 @@ void ResetSignals() {
   ::_exit(127);
 }
 
+std::vector<char*> Argv(const std::string& program, const std::vector<std::string>& arguments) {
+  std::vector<char*> argv;
+  argv.push_back(const_cast<char*>(program.c_str()));
+  for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
+  argv.push_back(nullptr);
+  return argv;
+}
+
+int WaitFor(pid_t child) {
+  int status = 0;
+  while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  }
+  return status;
+}
+
+// Nothing comes through the pipe of a child that became the program: it is closed.
+bool WasExecuted(int errors) {
+  int error = 0;
+  ssize_t count = 0;
+  while ((count = ::read(errors, &error, sizeof error)) < 0 && errno == EINTR) {
+  }
+  return count == 0;
+}
+
 }  // namespace
 
 std::string FindProgram(const std::string& name) {
@@ -53,7 +77,7 @@ std::string FindProgram(const std::string& name) {
   for (std::string_view rest = path;;) {
     const std::size_t end = rest.find(':');
     const std::string directory(rest.substr(0, end));
-    const std::string candidate = (directory.empty() ? "." : directory) + '/' + name;
+    std::string candidate = (directory.empty() ? "." : directory) + '/' + name;
     struct stat status;
     if (::stat(candidate.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
         ::access(candidate.c_str(), X_OK) == 0) {
@@ -66,11 +90,7 @@ std::string FindProgram(const std::string& name) {
 
 bool StartDetached(const std::string& program, const std::vector<std::string>& arguments,
                    const std::string& directory, Output output) {
-  std::vector<char*> argv;
-  argv.push_back(const_cast<char*>(program.c_str()));
-  for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
-  argv.push_back(nullptr);
-
+  std::vector<char*> argv = Argv(program, arguments);
   int ends[2];
   if (::pipe2(ends, O_CLOEXEC) != 0) return false;
   const Descriptor errors(ends[0]);
@@ -87,14 +107,23 @@ bool StartDetached(const std::string& program, const std::vector<std::string>& a
     ::_exit(grandchild < 0 ? 1 : 0);
   }
   childErrors.Close();
-  int status = 0;
-  while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
-  }
-  int error = 0;
-  ssize_t count = 0;
-  while ((count = ::read(errors.Get(), &error, sizeof error)) < 0 && errno == EINTR) {
-  }
-  return count == 0 && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  const int status = WaitFor(child);
+  return WasExecuted(errors.Get()) && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+bool RunToEnd(const std::string& program, const std::vector<std::string>& arguments) {
+  std::vector<char*> argv = Argv(program, arguments);
+  int ends[2];
+  if (::pipe2(ends, O_CLOEXEC) != 0) return false;
+  const Descriptor errors(ends[0]);
+  Descriptor childErrors(ends[1]);
+  const pid_t child = ::fork();
+  if (child < 0) return false;
+  if (child == 0) Become(program.c_str(), argv.data(), "", Output::Inherit, childErrors.Get());
+  childErrors.Close();
+  const bool executed = WasExecuted(errors.Get());
+  WaitFor(child);
+  return executed;
 }
 
 }  // namespace orvanto::posix

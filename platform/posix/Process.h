@@ -17,4 +17,8 @@ enum class Output { Inherit, Discard };
 bool StartDetached(const std::string& program, const std::vector<std::string>& arguments,
                    const std::string& directory, Output output);
 
+// Starts `program` as above, but as a child in this session, and waits until it has ended. False
+// when it could not be executed.
+bool RunToEnd(const std::string& program, const std::vector<std::string>& arguments);
+
 }  // namespace orvanto::posix

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <utility>
 
+#include "platform/Utf8.h"
+
 namespace orvanto::posix {
 namespace {
 
@@ -32,29 +34,6 @@ std::string_view RootName(RootKey root) {
   return "";
 }
 
-// The length of the well-formed UTF-8 sequence that `text` begins with, 0 when there is none.
-std::size_t SequenceLength(std::string_view text) {
-  const auto at = [&](std::size_t i) {
-    return i < text.size() ? static_cast<unsigned char>(text[i]) : 0u;
-  };
-  const unsigned lead = at(0);
-  if (lead < 0x80) return 1;
-  const std::size_t length = lead < 0xC2   ? 0
-                             : lead < 0xE0 ? 2
-                             : lead < 0xF0 ? 3
-                             : lead < 0xF5 ? 4
-                                           : 0;
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((at(i) & 0xC0) != 0x80) return 0;
-  }
-  // Overlong forms, surrogates and what lies beyond U+10FFFF.
-  if ((lead == 0xE0 && at(1) < 0xA0) || (lead == 0xED && at(1) > 0x9F) ||
-      (lead == 0xF0 && at(1) < 0x90) || (lead == 0xF4 && at(1) > 0x8F)) {
-    return 0;
-  }
-  return length;
-}
-
 void AppendHex(std::string& out, char byte) {
   constexpr std::string_view kDigits = "0123456789abcdef";
   const auto value = static_cast<unsigned char>(byte);
@@ -67,7 +46,8 @@ void AppendHex(std::string& out, char byte) {
 void AppendEscaped(std::string& out, std::string_view text, std::string_view escape,
                    std::string_view special) {
   while (!text.empty()) {
-    const std::size_t length = SequenceLength(text);
+    char32_t character = 0;
+    const std::size_t length = DecodeUtf8(text, 0, character);
     const char c = text[0];
     const bool control = static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
     if (length == 0 || control || special.find(c) != std::string_view::npos) {

@@ -2,10 +2,13 @@
 
 #include <poll.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <string>
+#include <string_view>
 
 #include "platform/RegistryTree.h"
+#include "platform/Text.h"
 #include "platform/posix/Descriptor.h"
 
 namespace orvanto::posix {
@@ -49,31 +52,41 @@ std::optional<Answer> Understand(const std::string& line, Buttons buttons) {
   }
 }
 
-// The text may come from a remote computer. A terminal also obeys U+0080 to U+009F.
-std::string Printable(const std::string& text) {
+// The text may come from a remote computer. Its line ends stay, and its tabs become blanks.
+std::string PrintableText(std::string text) {
+  std::replace(text.begin(), text.end(), '\t', ' ');
   std::string printable;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto c = static_cast<unsigned char>(text[i]);
-    const unsigned next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0;
-    if (c == '\r') continue;
-    const bool wide = c == 0xC2 && next >= 0x80 && next <= 0x9F;
-    if (wide) ++i;
-    const bool control = (c < 0x20 && c != '\n' && c != '\t') || c == 0x7F || wide;
-    printable += control ? '?' : static_cast<char>(c);
+  for (std::size_t begin = 0;;) {
+    const std::size_t end = std::min(text.find('\n', begin), text.size());
+    std::string_view line = std::string_view(text).substr(begin, end - begin);
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    printable += PrintableLine(line);
+    if (end == text.size()) return printable;
+    printable += '\n';
+    begin = end + 1;
   }
-  return printable;
 }
 
 }  // namespace
 
 Answer TerminalMessageBoxes::Show(const std::string& text, const std::string& title,
                                   Buttons buttons, BoxIcon) {
-  const EventLoop::Hold hold(loop_);
+  Answer answer;
+  {
+    const EventLoop::Hold hold(loop_);
+    answer = Ask(text, title, buttons);
+  }
+  loop_.DeliverSignals();
+  return answer;
+}
+
+Answer TerminalMessageBoxes::Ask(const std::string& text, const std::string& title,
+                                 Buttons buttons) const {
   if (!CanAsk()) {
-    Print(Printable(title + ": " + text) + '\n');
+    Print(PrintableLine(title) + ": " + PrintableText(text) + '\n');
     return SafeAnswer(buttons);
   }
-  Print(Printable(title + '\n' + text) + '\n');
+  Print(PrintableLine(title) + '\n' + PrintableText(text) + '\n');
   for (;;) {
     Print(Prompt(buttons));
     const std::optional<std::string> line = ReadLine();

@@ -12,7 +12,8 @@ namespace orvanto::posix {
 
 // Asks when both descriptors are terminals and this process may read from them. Otherwise the box
 // is written as one paragraph and the safe answer taken, as it is at the end of the input and when
-// a signal of the loop arrives. Control characters of the text do not reach the terminal.
+// a signal of the loop arrives; its handler has run when Show returns. Control characters of the
+// text do not reach the terminal.
 class TerminalMessageBoxes : public MessageBoxes {
  public:
   explicit TerminalMessageBoxes(PosixLoop& loop, int input = STDIN_FILENO,
@@ -23,6 +24,7 @@ class TerminalMessageBoxes : public MessageBoxes {
               BoxIcon icon) override;
 
  private:
+  Answer Ask(const std::string& text, const std::string& title, Buttons buttons) const;
   bool CanAsk() const;
   void Print(const std::string& text) const;
   std::optional<std::string> ReadLine() const;

@@ -88,13 +88,13 @@ Status Win32Registry::CreateKey(RootKey root, const std::string& path, std::uint
                                 Key& key) {
   key = 0;
   std::wstring wide;
-  if (const Status status = SystemPath(path, wide)) return status;
+  if (const Status status = SystemPath(path, wide)) return failure_.OfWrite(status);
   HKEY handle = nullptr;
   const LSTATUS status =
       RegCreateKeyExW(RootHandle(root), wide.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, access,
                       nullptr, &handle, nullptr);
   if (status == ERROR_SUCCESS) key = reinterpret_cast<Key>(handle);
-  return ToStatus(status);
+  return failure_.OfWrite(ToStatus(status));
 }
 
 Status Win32Registry::QueryValue(Key key, const std::string& name, ValueType& type, void* data,
@@ -127,20 +127,21 @@ Status Win32Registry::SetValue(Key key, const std::string& name, ValueType type,
     data = text.data();
     size = static_cast<std::uint32_t>(text.size() * sizeof(wchar_t));
   }
-  return ToStatus(RegSetValueExW(Native(key), ToWide(name).c_str(), 0, static_cast<DWORD>(type),
-                                 static_cast<const BYTE*>(data), size));
+  return failure_.OfWrite(
+      ToStatus(RegSetValueExW(Native(key), ToWide(name).c_str(), 0, static_cast<DWORD>(type),
+                              static_cast<const BYTE*>(data), size)));
 }
 
 Status Win32Registry::DeleteValue(Key key, const std::string& name) {
-  return ToStatus(RegDeleteValueW(Native(key), ToWide(name).c_str()));
+  return failure_.OfDeletion(ToStatus(RegDeleteValueW(Native(key), ToWide(name).c_str())));
 }
 
 Status Win32Registry::DeleteKey(Key parent, const std::string& subkey) {
   std::wstring wide;
-  if (const Status status = SystemPath(subkey, wide)) return status;
+  if (const Status status = SystemPath(subkey, wide)) return failure_.OfDeletion(status);
   // An empty name would delete the parent itself.
-  if (wide.empty()) return kInvalidParameter;
-  return ToStatus(RegDeleteKeyW(Native(parent), wide.c_str()));
+  if (wide.empty()) return failure_.OfDeletion(kInvalidParameter);
+  return failure_.OfDeletion(ToStatus(RegDeleteKeyW(Native(parent), wide.c_str())));
 }
 
 Status Win32Registry::CloseKey(Key key) { return ToStatus(RegCloseKey(Native(key))); }

@@ -19,9 +19,15 @@ class Win32Registry : public Registry {
   Status DeleteKey(Key parent, const std::string& subkey) override;
   Status CloseKey(Key key) override;
 
-  // Each write counts at once.
-  void BeginChange() override {}
-  Status EndChange() override { return kSuccess; }
+  // Each write counts at once; a failure undoes nothing.
+  void BeginChange() override {
+    if (depth_++ == 0) failure_.Take();
+  }
+  Status EndChange() override { return --depth_ == 0 ? failure_.Take() : kSuccess; }
+
+ private:
+  int depth_ = 0;
+  FirstFailure failure_;
 };
 
 }  // namespace orvanto::win32

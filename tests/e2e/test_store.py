@@ -76,8 +76,18 @@ class Store(HomeTest):
         registry = home / "registry.txt"
         damaged = registry.read_text().replace('"Group"="G"', '"Group"=G')
         registry.write_text(damaged)
+        # A command leaves it alone and writes nothing; the scheduler sets it aside.
         self.assertEqual(self.listing(home), [])
         self.assertIn("damaged", self.last_error)
+        self.orvanto(home, *self.add_words("second"), status=1)
+        self.assertEqual(registry.read_text(), damaged)
+        process = subprocess.Popen([PROGRAM, "--home", home], stdin=subprocess.DEVNULL,
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        self.running.append(process)
+        self.assertIn("runs the tasks in", process.stdout.readline())
+        process.terminate()
+        _, said = process.communicate(timeout=20)
+        self.assertIn("damaged", said)
         aside = [path for path in home.iterdir() if "damaged" in path.name]
         self.assertEqual([path.read_text() for path in aside], [damaged])
         self.orvanto(home, *self.add_words("second"))

@@ -170,4 +170,40 @@ TEST_P(RegistryContract, ChangesNestAndAreSeenAtOnce) {
   registry_->CloseKey(key);
 }
 
+TEST_P(RegistryContract, AChangeReportsItsFirstFailedWrite) {
+  const std::string tooLong(256, 'k');
+  const struct {
+    std::vector<std::string> created;  // below the scratch key
+    Status expected;
+  } cases[] = {
+      {{"Fine"}, kSuccess},
+      {{"Fine", "Bad\\\\Path", tooLong}, kBadPathname},
+      {{tooLong, "Bad\\\\Path"}, kInvalidParameter},
+  };
+  const Registry::Key key = Make("Parent\\Child");
+  const Registry::Key parent = Make("");
+  const Registry::Key reader = Make("", kQueryValue);
+  for (const auto& c : cases) {
+    RegistryChange outer(*registry_);
+    {
+      RegistryChange inner(*registry_);
+      for (const std::string& path : c.created) {
+        Registry::Key created = 0;
+        registry_->CreateKey(RootKey::CurrentUser, Below(path), kSetValue, created);
+        registry_->CloseKey(created);
+      }
+    }
+    // What a deletion meets does not count.
+    EXPECT_EQ(registry_->DeleteValue(key, "none"), kFileNotFound);
+    EXPECT_EQ(registry_->DeleteKey(parent, "Parent"), kAccessDenied);
+    EXPECT_EQ(outer.Commit(), c.expected);
+  }
+  RegistryChange refused(*registry_);
+  EXPECT_EQ(Put(*registry_, reader, "v", "x"), kAccessDenied);
+  EXPECT_EQ(refused.Commit(), kAccessDenied);
+  Put(*registry_, reader, "v", "x");
+  EXPECT_EQ(RegistryChange(*registry_).Commit(), kSuccess);
+  for (const Registry::Key opened : {key, parent, reader}) registry_->CloseKey(opened);
+}
+
 }  // namespace orvanto

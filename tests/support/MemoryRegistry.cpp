@@ -4,19 +4,22 @@
 
 namespace orvanto {
 
+void MemoryRegistry::BeginChange() {
+  if (depth_++ == 0) failure_.Take();
+}
+
 Status MemoryRegistry::EndChange() {
   assert(depth_ > 0);
-  --depth_;
-  return kSuccess;
+  return --depth_ == 0 ? failure_.Take() : kSuccess;
 }
 
 void MemoryRegistry::FailWrite(int count, Status status) {
   failingWrite_ = writes_ + count;
-  failure_ = status;
+  failingStatus_ = status;
 }
 
 Status MemoryRegistry::Write(const WriteStep& step) {
-  if (++writes_ == failingWrite_) return failure_;
+  if (++writes_ == failingWrite_) return failingStatus_;
   return step(tree_);
 }
 

@@ -10,7 +10,8 @@ namespace orvanto {
 
 class MemoryRegistry : public TreeRegistry {
  public:
-  void BeginChange() override { ++depth_; }
+  // What was written before a failure stays, as on Windows.
+  void BeginChange() override;
   Status EndChange() override;
 
   // Lets the `count`th call from now on (1 is the next) of CreateKey, SetValue, DeleteValue or
@@ -34,7 +35,7 @@ class MemoryRegistry : public TreeRegistry {
   int depth_ = 0;
   int writes_ = 0;
   int failingWrite_ = 0;
-  Status failure_ = kSuccess;
+  Status failingStatus_ = kSuccess;
 };
 
 }  // namespace orvanto

@@ -196,11 +196,27 @@ class FileRegistryTest : public testing::Test {
 TEST_F(FileRegistryTest, KeepsWhatWasWrittenAndLeavesNothingBeside) {
   const std::string deep = directory_ / "new/dir/registry";
   ASSERT_EQ(PutText(*std::make_unique<FileRegistry>(deep, Reporter()), "n", "x"), kSuccess);
-  WriteFile(deep + ".new", "left behind by a killed process");
   FileRegistry again(deep, Reporter());
   EXPECT_EQ(Text(again, "n"), "x");
-  EXPECT_EQ(PutText(again, "n", "y"), kSuccess);
-  EXPECT_FALSE(fs::exists(deep + ".new"));
+  // What may lie there from before: a file, another one's name, something else.
+  WriteFile(directory_ / "other", "other");
+  const std::function<void()> leftovers[] = {
+      [&] { WriteFile(deep + ".new", "left behind by a killed process"); },
+      [&] { fs::create_hard_link(directory_ / "other", deep + ".new"); },
+      [&] { fs::create_symlink(directory_ / "other", deep + ".new"); },
+  };
+  for (const auto& leave : leftovers) {
+    leave();
+    EXPECT_EQ(PutText(again, "n", std::to_string(&leave - leftovers)), kSuccess);
+    EXPECT_FALSE(fs::exists(fs::symlink_status(deep + ".new")));
+  }
+  EXPECT_EQ(ReadFile(directory_ / "other"), "other");
+  for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
+    std::error_code gone;
+    if (fs::read_symlink(entry, gone) != deep) continue;
+    const int flags = ::fcntl(std::stoi(entry.path().filename()), F_GETFL);
+    EXPECT_EQ(flags & O_ACCMODE, O_RDONLY);
+  }
   EXPECT_EQ(fs::status(deep).permissions(), fs::perms::owner_read | fs::perms::owner_write);
   EXPECT_THAT(said_, IsEmpty());
 }
@@ -219,6 +235,20 @@ TEST_F(FileRegistryTest, AChangeIsOneReplacementAndNothingIsReplacedWithoutOne) 
   WriteFile(path_, ReadFile(path_) + "\n");
   EXPECT_EQ(PutText(registry, "n", "3"), kSuccess);
   EXPECT_TRUE(ReadFile(path_).ends_with("\n\n"));
+}
+
+TEST_F(FileRegistryTest, AChangeWithAFailedWriteIsUndoneAsAWhole) {
+  FileRegistry registry(path_, Reporter());
+  ASSERT_EQ(PutText(registry, "n", "old"), kSuccess);
+  const std::string before = ReadFile(path_);
+  RegistryChange change(registry);
+  EXPECT_EQ(PutText(registry, "n", "new"), kSuccess);
+  Registry::Key key = 0;
+  EXPECT_EQ(registry.CreateKey(RootKey::CurrentUser, "a\\\\b", kSetValue, key), kBadPathname);
+  EXPECT_EQ(PutText(registry, "more", "new"), kSuccess);
+  EXPECT_EQ(change.Commit(), kBadPathname);
+  EXPECT_EQ(Text(registry, "n"), "old");
+  EXPECT_EQ(ReadFile(path_), before);
 }
 
 TEST_F(FileRegistryTest, TwoOnOneFileLoseNoUpdateAndSeeEachOther) {
@@ -296,6 +326,40 @@ TEST_F(FileRegistryTest, DamageWhileRunningIsSaidOnceAndSetAsideByTheNextWrite) 
   EXPECT_EQ(Text(again, "n"), "better");
 }
 
+TEST_F(FileRegistryTest, WhoOnlyLooksInLeavesADamagedFileAlone) {
+  FileRegistry keeper(path_, nullptr);
+  for (const bool damagedBefore : {true, false}) {
+    SCOPED_TRACE(damagedBefore);
+    said_.clear();
+    fs::remove(path_);
+    ASSERT_EQ(PutText(keeper, "n", "good"), kSuccess);
+    const std::string good = ReadFile(path_);
+    if (damagedBefore) WriteFile(path_, "half");
+    FileRegistry registry(path_, Reporter(), FileRegistry::OnDamage::Refuse);
+    if (!damagedBefore) WriteFile(path_, "half");
+    EXPECT_EQ(PutText(registry, "n", "x"), kAccessDenied);
+    EXPECT_EQ(RegistryChange(registry).Commit(), kAccessDenied);
+    EXPECT_EQ(Text(registry, "n"), damagedBefore ? "no key" : "good");
+    EXPECT_THAT(said_, ElementsAre(HasSubstr("line 1: ")));
+    EXPECT_EQ(ReadFile(path_), "half");
+    EXPECT_FALSE(fs::exists(path_ + ".damaged-1"));
+    WriteFile(path_, good);
+    EXPECT_EQ(TextSoon(registry, "n", "good"), "good");
+    EXPECT_EQ(PutText(registry, "n", "better"), kSuccess);
+  }
+}
+
+TEST_F(FileRegistryTest, AMissingFileIsAnEmptyRegistryAndSaidOnce) {
+  FileRegistry registry(path_, Reporter());
+  ASSERT_EQ(PutText(registry, "n", "x"), kSuccess);
+  EXPECT_THAT(said_, IsEmpty());
+  fs::remove(path_);
+  EXPECT_EQ(TextSoon(registry, "n", "no key"), "no key");
+  std::this_thread::sleep_for(std::chrono::milliseconds(11));
+  EXPECT_EQ(Text(registry, "n"), "no key");
+  EXPECT_THAT(said_, ElementsAre(HasSubstr("is gone")));
+}
+
 TEST_F(FileRegistryTest, AFailedWriteKeepsTheOldFileAndTheOldContent) {
   FileRegistry registry(path_, Reporter());
   ASSERT_EQ(PutText(registry, "n", "old"), kSuccess);
@@ -335,13 +399,43 @@ TEST_F(FileRegistryTest, WhatCannotBeReadIsNotOverwritten) {
   EXPECT_THAT(said_, ElementsAre(HasSubstr("cannot be read")));
 }
 
-TEST_F(FileRegistryTest, FollowsASymbolicLink) {
-  ASSERT_EQ(PutText(*std::make_unique<FileRegistry>(directory_ / "target", Reporter()), "n", ""),
-            kSuccess);
-  fs::create_symlink(directory_ / "target", path_);
-  ASSERT_EQ(PutText(*std::make_unique<FileRegistry>(path_, Reporter()), "n", "x"), kSuccess);
-  EXPECT_TRUE(fs::is_symlink(path_));
-  EXPECT_THAT(ReadFile(directory_ / "target"), HasSubstr("\"n\"=\"x\""));
+TEST_F(FileRegistryTest, AReadingThatFailedIsTriedAgain) {
+  ASSERT_EQ(PutText(*std::make_unique<FileRegistry>(path_, nullptr), "n", "x"), kSuccess);
+  rlimit old{};
+  ::getrlimit(RLIMIT_NOFILE, &old);
+  const rlimit none{0, old.rlim_max};
+  ::setrlimit(RLIMIT_NOFILE, &none);
+  FileRegistry registry(path_, Reporter());
+  for (int i = 0; i < 2; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(11));
+    EXPECT_EQ(Text(registry, "n"), "no key");
+  }
+  ::setrlimit(RLIMIT_NOFILE, &old);
+  EXPECT_EQ(TextSoon(registry, "n", "x"), "x");
+  EXPECT_EQ(PutText(registry, "n", "y"), kSuccess);
+  EXPECT_THAT(said_, ElementsAre(HasSubstr("cannot be read")));
+}
+
+TEST_F(FileRegistryTest, FollowsSymbolicLinks) {
+  fs::create_directory(directory_ / "dir");
+  fs::create_symlink("dir/second", path_);
+  fs::create_symlink("../target", directory_ / "dir/second");
+  for (const char* text : {"made", "replaced"}) {
+    ASSERT_EQ(PutText(*std::make_unique<FileRegistry>(path_, Reporter()), "n", text), kSuccess);
+    EXPECT_TRUE(fs::is_symlink(path_));
+    EXPECT_TRUE(fs::is_symlink(directory_ / "dir/second"));
+    EXPECT_THAT(ReadFile(directory_ / "target"), HasSubstr(text));
+  }
+}
+
+TEST_F(FileRegistryTest, ARelativePathMeansTheDirectoryOfTheStart) {
+  const fs::path before = fs::current_path();
+  fs::create_directory(directory_ / "home");
+  fs::current_path(directory_ / "home");
+  FileRegistry registry("registry", Reporter());
+  fs::current_path(before);
+  EXPECT_EQ(PutText(registry, "n", "x"), kSuccess);
+  EXPECT_TRUE(fs::exists(directory_ / "home/registry"));
 }
 
 }  // namespace

@@ -91,6 +91,35 @@ TEST(PosixFiles, LooksNamesUpWithoutRegardToCase) {
   EXPECT_FALSE(files.Append(shown("none\\file"), "x"));
 }
 
+TEST(Paths, FindTheBranchInWhichTheWholePathExists) {
+  const TemporaryDirectory directory;
+  for (const char* made : {"D/foo", "d/FOO/sub", "d/Foo/Bin", "d/foo", "d/hidden/Dir"}) {
+    fs::create_directories(directory / made);
+  }
+  for (const char* made : {"d/FOO/same.txt", "d/Foo/Bin/run.sh", "d/Foo/same.txt", "d/Fool"}) {
+    std::ofstream(directory / made) << "";
+  }
+  fs::create_symlink("nothing", directory / "d/FOOL");
+  fs::permissions(directory / "d/hidden", fs::perms::owner_exec);
+  const struct {
+    const char* asked;
+    const char* found;
+  } cases[] = {
+      {"d/foo/bin/RUN.SH", "d/Foo/Bin/run.sh"},
+      {"D/FOO/bin/run.sh", "d/Foo/Bin/run.sh"},
+      {"d/foo/same.txt", "d/FOO/same.txt"},
+      {"d/Foo/SAME.txt", "d/Foo/same.txt"},
+      {"d/foo/new.txt", "d/foo/new.txt"},
+      {"d/foo/SUB/New.txt", "d/FOO/sub/New.txt"},
+      {"D/Foo/", "D/foo/"},
+      {"d/fool", "d/Fool"},
+      {"D/hidden/Dir", "d/hidden/Dir"},
+      {"none/Foo", "none/Foo"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(ToNative(directory / c.asked), directory / c.found);
+  fs::permissions(directory / "d/hidden", fs::perms::owner_all);
+}
+
 TEST(Paths, MapBetweenTheTwoForms) {
   const struct {
     const char* shown;
@@ -206,7 +235,7 @@ TEST_F(ProgramsTest, RunsProgramsAndHandsDocumentsOn) {
   EXPECT_EQ(Record()[0], "lp|" + text);
 
   EXPECT_FALSE(execute("open", FromNative(directory_ / "bad")));
-  EXPECT_FALSE(execute("open", tool, "", "Z:\\no\\such\\directory"));
+  EXPECT_TRUE(execute("open", tool, "", "0")) << "a folder that is none is passed over";
   EXPECT_FALSE(execute("print", "none"));
   EXPECT_FALSE(execute("explore", tool));
 }
@@ -308,9 +337,10 @@ TEST(TerminalMessageBoxes, AsksUntilItUnderstands) {
     ASSERT_TRUE(WriteAll(master, typed.data(), typed.size()));
     PosixLoop loop;
     TerminalMessageBoxes boxes(loop, slave, slave);
-    EXPECT_EQ(boxes.Show("Sure?\r\n\x1B[2J\xC2\x9B", "Title", c.buttons, BoxIcon::None), c.answer);
+    EXPECT_EQ(boxes.Show("Sure?\r\n\x1B[2J\t\xC2\x9B\xFF", "Title\n", c.buttons, BoxIcon::None),
+              c.answer);
     const std::string shown = Drain(master);
-    EXPECT_THAT(shown, HasSubstr("Title\r\nSure?\r\n?[2J?\r\n"));
+    EXPECT_THAT(shown, HasSubstr("Title?\r\nSure?\r\n?[2J ??\r\n"));
     int prompts = 0;
     for (std::size_t at = 0; (at = shown.find("] ", at)) != std::string::npos; ++at) ++prompts;
     for (std::size_t at = 0; (at = shown.find("]o: ", at)) != std::string::npos; ++at) ++prompts;
@@ -320,7 +350,7 @@ TEST(TerminalMessageBoxes, AsksUntilItUnderstands) {
   }
 }
 
-TEST(TerminalMessageBoxes, ASignalTakesTheSafeAnswerAndReachesTheLoop) {
+TEST(TerminalMessageBoxes, ASignalTakesTheSafeAnswerAndIsHandledBeforeTheReturn) {
   int master = -1;
   int slave = -1;
   ASSERT_EQ(::openpty(&master, &slave, nullptr, nullptr, nullptr), 0);
@@ -332,8 +362,16 @@ TEST(TerminalMessageBoxes, ASignalTakesTheSafeAnswerAndReachesTheLoop) {
   std::raise(SIGTERM);
   TerminalMessageBoxes boxes(loop, slave, slave);
   EXPECT_EQ(boxes.Show("Sure?", "Title", Buttons::YesNo, BoxIcon::Question), Answer::No);
-  loop.DoEvents();
   EXPECT_EQ(signals, 1);
+  // Boxes of somebody who holds the loop leave it to the loop.
+  {
+    const EventLoop::Hold hold(loop);
+    std::raise(SIGTERM);
+    EXPECT_EQ(boxes.Show("Sure?", "Title", Buttons::YesNo, BoxIcon::Question), Answer::No);
+    EXPECT_EQ(signals, 1);
+  }
+  loop.DoEvents();
+  EXPECT_EQ(signals, 2);
 }
 
 TEST(TerminalMessageBoxes, WhereNobodyCanAnswerTheSafeAnswerIsTaken) {
