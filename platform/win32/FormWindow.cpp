@@ -1,5 +1,6 @@
 #include "platform/win32/FormWindow.h"
 
+#include <map>
 #include <string>
 #include <utility>
 
@@ -38,6 +39,11 @@ DWORD StyleOf(const forms::Form& form) {
 
 DWORD ExtendedStyleOf(const forms::Form& form) {
   return form.minimizeButton ? 0 : DWORD{WS_EX_DLGMODALFRAME};
+}
+
+void SetStyle(HWND window, DWORD style, bool on) {
+  const LONG_PTR old = GetWindowLongPtrW(window, GWL_STYLE);
+  SetWindowLongPtrW(window, GWL_STYLE, on ? old | LONG_PTR{style} : old & ~LONG_PTR{style});
 }
 
 void RegisterFormClass(WNDPROC procedure) {
@@ -111,19 +117,32 @@ void FormWindow::MakeControls() {
     const bool isOption = control->GetKind() == Kind::OptionButton;
     controls_.push_back(
         MakeControlWindow(*control, window_, static_cast<int>(kFirstControl + controls_.size())));
-    // The arrow keys walk through the options of one container, and Tab enters them at one.
-    DWORD extra = 0;
-    if (isOption && !(afterOption && container == control->Container())) {
-      extra = WS_GROUP | WS_TABSTOP;
-    } else if (!isOption && afterOption) {
-      extra = WS_GROUP;
-    }
-    const HWND window = controls_.back()->Get();
-    SetWindowLongPtrW(window, GWL_STYLE, GetWindowLongPtrW(window, GWL_STYLE) | LONG_PTR{extra});
+    // The arrow keys walk through the options of one container.
+    const bool among = afterOption && isOption && container == control->Container();
+    if ((isOption || afterOption) && !among) SetStyle(controls_.back()->Get(), WS_GROUP, true);
     afterOption = isOption;
     container = control->Container();
   }
   for (const auto& window : controls_) MirrorState(*window);
+  MirrorOptionStops();
+}
+
+// Tab enters the options of one container at the chosen one, or at the first where none is.
+void FormWindow::MirrorOptionStops() const {
+  std::map<const forms::Control*, HWND> stops;
+  std::vector<std::pair<HWND, const forms::Control*>> options;
+  for (const auto& window : controls_) {
+    const forms::Control& control = window->GetControl();
+    if (control.GetKind() != Kind::OptionButton) continue;
+    options.emplace_back(window->Get(), control.Container());
+    stops.try_emplace(control.Container(), window->Get());
+    if (static_cast<const forms::OptionButton&>(control).Value()) {
+      stops[control.Container()] = window->Get();
+    }
+  }
+  for (const auto& [window, container] : options) {
+    SetStyle(window, WS_TABSTOP, stops[container] == window);
+  }
 }
 
 void FormWindow::FillMenu(HMENU menu, const std::vector<forms::MenuItem*>& items) {
@@ -227,6 +246,7 @@ void FormWindow::ControlChanged(const forms::Control& control, Property property
     if (place) Place(*window);
     if (state) MirrorState(*window);
   }
+  if (property == Property::Value && control.GetKind() == Kind::OptionButton) MirrorOptionStops();
   if (place || state) InvalidateRect(window_, nullptr, TRUE);
 }
 

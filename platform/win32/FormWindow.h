@@ -55,6 +55,7 @@ class FormWindow {
   void Rescale();
   void Place(ControlWindow& window) const;
   void MirrorState(const ControlWindow& window) const;
+  void MirrorOptionStops() const;
   void MoveToPosition() const;
   ControlWindow* Find(UINT id) const;
 

@@ -25,6 +25,10 @@ TreeWindow::~TreeWindow() { RemoveWindowSubclass(window_, Procedure, 0); }
 
 LRESULT CALLBACK TreeWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                        UINT_PTR, DWORD_PTR self) {
+  // Wine's tree keeps Alt and F10 to itself; from here they come to the menu.
+  if (message == WM_SYSKEYDOWN || message == WM_SYSKEYUP || message == WM_KEYUP) {
+    return DefWindowProcW(window, message, wParam, lParam);
+  }
   try {
     // The selection may unload the form: nothing of ours is touched behind it.
     if (message == WM_KEYDOWN && reinterpret_cast<TreeWindow*>(self)->SelectFirst(wParam)) return 0;
