@@ -256,6 +256,7 @@ bool Typist::Flush() {
 
 // Nothing tells how many keys a window has still to take. But it answers a message when it comes
 // round to fetch the next one, and it fetches them one by one: so many answers, so many turns.
+// A busy machine may answer several times in a turn; what is late then still goes to this window.
 bool Typist::WaitUntilTaken(std::size_t inputs) const {
   for (std::size_t i = 0; i < inputs * kTurnsPerInput; ++i) {
     const HWND target = FocusWindow();

@@ -123,6 +123,7 @@ TEST(Win32Keyboard, NotepadHoldsExactlyWhatWasTyped) {
     SendMessageW(notepad.Edit(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L""));
     keyboard.Type(each.keys);
     EXPECT_FALSE(AnyModifierDown());
+    WaitFor([&] { return TextOf(notepad.Edit()) == each.text; }, milliseconds(5000));
     EXPECT_EQ(ToUtf8(TextOf(notepad.Edit())), ToUtf8(each.text));
   }
 }
@@ -228,6 +229,7 @@ TEST(Win32Desktop, SeesAndMovesOtherWindows) {
     return place != windows.end() &&
            std::find(place, windows.end(), lower.Handle()) != windows.end();
   };
+  ASSERT_TRUE(WaitFor([&] { return GetForegroundWindow() == other.Window(); })) << "has come up";
   desktop.BringToTop(one.Handle());
   EXPECT_TRUE(WaitFor([&] { return isAbove(one, other); }));
   desktop.BringToTop(other.Handle());
