@@ -4,28 +4,10 @@
 #include <mmsystem.h>
 #include <shellapi.h>
 
-#include "platform/win32/Handle.h"
 #include "platform/win32/Text.h"
+#include "platform/win32/Win32Process.h"
 
 namespace orvanto::win32 {
-
-namespace {
-
-using FileHandle = Handle<HANDLE, CloseHandle, -1>;
-
-// The form of a path that no length limit applies to. Short ones stay as they are, so that device
-// names and relative paths keep their meaning.
-std::wstring SystemPath(const std::string& path) {
-  std::wstring wide = ToWide(path);
-  const DWORD room = GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr);
-  if (room < MAX_PATH - 12 || wide.starts_with(L"\\\\?\\")) return wide;
-  std::wstring full(room, L'\0');
-  full.resize(GetFullPathNameW(wide.c_str(), room, full.data(), nullptr));
-  if (full.starts_with(L"\\\\")) return L"\\\\?\\UNC" + full.substr(1);
-  return L"\\\\?\\" + full;
-}
-
-}  // namespace
 
 // Both read the same system clock, so their seconds begin together.
 DateTime Win32Clock::Now() const {
@@ -60,21 +42,6 @@ std::string Win32Clock::ShortDate(int year, int month, int day) const {
   return ToUtf8(text);
 }
 
-bool Win32Files::Exists(const std::string& path) const {
-  const DWORD attributes = GetFileAttributesW(SystemPath(path).c_str());
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
-}
-
-bool Win32Files::Append(const std::string& path, const std::string& bytes) {
-  const FileHandle file(CreateFileW(SystemPath(path).c_str(), FILE_APPEND_DATA,
-                                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr));
-  if (!file) return false;
-  DWORD written = 0;
-  return WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
-         written == bytes.size();
-}
-
 bool Win32Shell::Execute(const ShellRequest& request) {
   const std::wstring operation = ToWide(request.operation);
   const std::wstring file = ToWide(request.file);
@@ -98,26 +65,22 @@ bool Win32Shell::Execute(const ShellRequest& request) {
 }
 
 bool Win32Shell::Start(const std::string& commandLine, ShowCommand show) {
-  std::wstring line = ToWide(commandLine);  // the system writes into it
-  STARTUPINFOW startup = {};
-  startup.cb = sizeof startup;
-  startup.dwFlags = STARTF_USESHOWWINDOW;
-  startup.wShowWindow = static_cast<WORD>(show);
-  PROCESS_INFORMATION information = {};
-  if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                      &information)) {
-    return false;
-  }
-  CloseHandle(information.hThread);
-  CloseHandle(information.hProcess);
-  return true;
+  return static_cast<bool>(StartProcess(commandLine, show));
 }
 
-bool Win32Session::End(std::uint32_t flags) { return ExitWindowsEx(flags, 0) != 0; }
+bool Win32Shell::StartAndWait(const std::string& commandLine, ShowCommand show) {
+  const ProcessHandle process = StartProcess(commandLine, show);
+  if (!process) return false;
+  // Nothing is to be held back: no message is handled meanwhile.
+  WaitForSingleObject(process.Get(), INFINITE);
+  return true;
+}
 
 bool Win32Sound::Play(const std::string& name) {
   return PlaySoundW(ToWide(name).c_str(), nullptr, SND_ASYNC) != 0;
 }
+
+void Win32Sound::Beep() { MessageBeep(MB_OK); }
 
 Answer Win32MessageBoxes::Show(const std::string& text, const std::string& title, Buttons buttons,
                                BoxIcon icon) {

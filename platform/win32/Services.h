@@ -5,9 +5,7 @@
 
 #include "platform/Clock.h"
 #include "platform/FileDialogs.h"
-#include "platform/Files.h"
 #include "platform/MessageBoxes.h"
-#include "platform/Session.h"
 #include "platform/Shell.h"
 #include "platform/Sound.h"
 #include "platform/win32/Win32FormHost.h"
@@ -22,33 +20,23 @@ class Win32Clock : public Clock {
   std::string ShortDate(int year, int month, int day) const override;
 };
 
-// Paths of any length.
-class Win32Files : public Files {
- public:
-  bool Exists(const std::string& path) const override;
-  bool Append(const std::string& path, const std::string& bytes) override;
-};
-
 class Win32Shell : public Shell {
  public:
   // The main window owns what the shell shows.
   Win32Shell(Win32Loop& loop, const Win32FormHost& forms) : loop_(loop), forms_(forms) {}
   bool Execute(const ShellRequest& request) override;
   bool Start(const std::string& commandLine, ShowCommand show) override;
+  bool StartAndWait(const std::string& commandLine, ShowCommand show) override;
 
  private:
   Win32Loop& loop_;
   const Win32FormHost& forms_;
 };
 
-class Win32Session : public Session {
- public:
-  bool End(std::uint32_t flags) override;
-};
-
 class Win32Sound : public Sound {
  public:
   bool Play(const std::string& name) override;
+  void Beep() override;
 };
 
 class Win32MessageBoxes : public MessageBoxes {
