@@ -162,6 +162,8 @@ TEST(Win32Keyboard, PressesTheKeysOfTheKeyboard) {
   ASSERT_TRUE(hook);
   for (const auto& each : cases) {
     pressed.clear();
+    MSG message;  // a thread that has not asked for messages for long is not called
+    PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
     Win32Keyboard().Type(each.keys);
     EXPECT_EQ(pressed, each.pressed);
   }
