@@ -54,6 +54,13 @@ void DesktopTest::Import(const std::vector<Task>& tasks, int hour, int minute) {
   ASSERT_EQ(RunToEnd(L"reg.exe import \"" + ToWide(file) + L"\""), 0);
 }
 
+int DesktopTest::DueSoon() {
+  SYSTEMTIME now;
+  GetLocalTime(&now);
+  // A minute that begins too soon would be over before the program has started.
+  return (now.wHour * 60 + now.wMinute + (now.wSecond < 50 ? 1 : 2)) % (24 * 60);
+}
+
 std::wstring DesktopTest::Stored(const std::wstring& section, const wchar_t* name) {
   wchar_t text[1024] = L"";
   DWORD size = sizeof text;

@@ -29,6 +29,9 @@ class DesktopTest : public testing::Test {
   // By the system's own tool. All of them are due every day at the given time.
   static void Import(const std::vector<Task>& tasks, int hour = 0, int minute = 0);
 
+  // The next minute of the day that a program started now does not miss.
+  static int DueSoon();
+
   // A stored text, or "" where there is none. The section may be a task's name.
   static std::wstring Stored(const std::wstring& section, const wchar_t* name);
 

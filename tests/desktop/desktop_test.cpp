@@ -77,10 +77,7 @@ TEST_F(DesktopTest, KeepsAlwaysOnTopFromOneStartToTheNext) {
 TEST_F(DesktopTest, FiresInTheDueMinuteThoughInvisible) {
   const std::string note = win32::ToUtf8(TemporaryFile(L"orvanto-due.txt"));
   std::ofstream(note) << "tea is ready";
-  SYSTEMTIME now;
-  GetLocalTime(&now);
-  // A minute that begins too soon would be over before the program has started.
-  const int due = (now.wHour * 60 + now.wMinute + (now.wSecond < 50 ? 1 : 2)) % (24 * 60);
+  const int due = DueSoon();
   Import({{"note", "", "2", note}, {"popup", "", "6", "Time for tea"}}, due / 60, due % 60);
 
   const RunningProgram program(L"INVISIBLE");
@@ -103,6 +100,7 @@ TEST_F(DesktopTest, FiresInTheDueMinuteThoughInvisible) {
         return program.Box() != nullptr;
       },
       std::chrono::seconds(130)));
+  SYSTEMTIME now;
   GetLocalTime(&now);
   EXPECT_EQ(now.wHour * 60 + now.wMinute, due);
   EXPECT_EQ(TextOf(GetDlgItem(program.Box(), 0xFFFF)), L"Time for tea");
