@@ -1,8 +1,8 @@
 // An event-driven TCP socket: it listens, or it is one end of a connection.
 //
 // Events come from the loop, never from inside a call, and never after Close or from a destroyed
-// socket. Inside an event any call is allowed, Close and Accept included; the socket itself must not
-// be destroyed there.
+// socket. Inside an event any call is allowed, Close and Accept included; the socket itself must
+// not be destroyed there.
 #pragma once
 
 #include <cstdint>
@@ -33,9 +33,9 @@ class TcpSocket {
   virtual bool Listen(std::uint16_t port) = 0;
   virtual std::uint16_t LocalPort() const = 0;  // 0 when closed
 
-  // Takes a connection that onConnectionRequest of this or another socket of the host has announced.
-  // Only inside that event: a request that nobody has taken is turned away behind it. Closes first
-  // what was open, the listener itself too. False when the client has gone.
+  // Takes a connection that onConnectionRequest of this or another socket of the host has
+  // announced. Only inside that event: a request that nobody has taken is turned away behind it.
+  // Closes first what was open, the listener itself too. False when the client has gone.
   virtual bool Accept(RequestId request) = 0;
 
   // Begins to connect; onConnected or onError follows. The host is a name or an address.
@@ -53,7 +53,8 @@ class TcpSocket {
 
   // Numeric addresses; empty without a connection.
   virtual std::string RemoteAddress() const = 0;
-  // The address of this machine as others see it, as far as the system tells; "127.0.0.1" otherwise.
+  // The address of this machine as others see it, as far as the system tells; "127.0.0.1"
+  // otherwise.
   virtual std::string LocalAddress() const = 0;
 
   std::function<void(RequestId request)> onConnectionRequest;

@@ -1,0 +1,18 @@
+// TCP sockets of a POSIX host, driven by the loop.
+#pragma once
+
+#include "platform/TcpSocket.h"
+#include "platform/posix/PosixLoop.h"
+
+namespace orvanto::posix {
+
+class PosixSocketHost : public SocketHost {
+ public:
+  explicit PosixSocketHost(PosixLoop& loop) : loop_(loop) {}
+  std::unique_ptr<TcpSocket> NewSocket() override;
+
+ private:
+  PosixLoop& loop_;
+};
+
+}  // namespace orvanto::posix

@@ -1,0 +1,27 @@
+// The window of a chat with the remote client.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/forms.h"
+
+namespace orvanto {
+
+class frmChat : public forms::Form {
+ public:
+  explicit frmChat(forms::FormHost& host);
+
+  void Open();  // empty and centred
+  // Behind the transcript, which never begins with an empty line.
+  void Append(const std::string& text);
+
+  std::function<void(const std::string& line)> onLine;  // a line to be sent
+  std::function<void()> onQuit;
+
+  forms::TextBox txtChat;
+  forms::TextBox txtSend;
+  forms::Button cmdQuit;
+};
+
+}  // namespace orvanto
