@@ -27,6 +27,7 @@
 #include "platform/posix/PosixLoop.h"
 #include "platform/posix/PosixSession.h"
 #include "platform/posix/PosixShell.h"
+#include "platform/posix/PosixSocket.h"
 #include "platform/posix/PosixSound.h"
 #include "platform/posix/TerminalMessageBoxes.h"
 
@@ -108,9 +109,11 @@ struct PosixPlatform {
   posix::TerminalMessageBoxes messageBoxes{loop};
   posix::NoFileDialogs fileDialogs;
   posix::NoTrayIcon trayIcon;
+  posix::PosixSocketHost sockets{loop};
   forms::HeadlessFormHost forms;
-  Platform platform{loop,     clock,     registry, files,        shell,       session,  desktop,
-                    keyboard, clipboard, sound,    messageBoxes, fileDialogs, trayIcon, forms};
+  Platform platform{loop,         clock,       registry, files,     shell,
+                    session,      desktop,     keyboard, clipboard, sound,
+                    messageBoxes, fileDialogs, trayIcon, sockets,   forms};
 };
 
 int RunScheduler(const std::string& home, const std::string& commandLine) {
