@@ -26,10 +26,12 @@ void frmChat::Open() {
   txtSend.SetText("");
   CentreOnScreen();
   Activate();
+  if (onOpened) onOpened();
 }
 
 void frmChat::Append(const std::string& text) {
   txtChat.SetText(AppendToLog(txtChat.Text(), text));
+  if (onAppended) onAppended(text);
 }
 
 }  // namespace orvanto

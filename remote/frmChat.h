@@ -19,6 +19,10 @@ class frmChat : public forms::Form {
   std::function<void(const std::string& line)> onLine;  // a line to be sent
   std::function<void()> onQuit;
 
+  // For a host that shows the chat in its own way.
+  std::function<void()> onOpened;
+  std::function<void(const std::string& text)> onAppended;
+
   forms::TextBox txtChat;
   forms::TextBox txtSend;
   forms::Button cmdQuit;
