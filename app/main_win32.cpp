@@ -4,6 +4,7 @@
 #include <string>
 
 #include "app/Program.h"
+#include "platform/win32/SingleInstance.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/Win32Platform.h"
 
@@ -33,11 +34,18 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR commandLine, int) {
   // Libraries come from the system only, never from the folder that a file was opened in.
   SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);
   try {
+    orvanto::win32::SingleInstance instance;
+    if (!instance.IsFirst()) {
+      if (lstrcmpiW(commandLine, L"invisible") != 0) instance.ShowFirst();
+      return 0;
+    }
     orvanto::win32::Win32Platform host;
     orvanto::Platform services = host.Services();
     orvanto::Program program(services, {.commandLine = orvanto::win32::ToUtf8(commandLine),
                                         .programFolder = orvanto::win32::ToUtf8(ProgramFolder())});
     host.loop.onSessionEnd = [&program] { program.Quit(); };
+    // Posted, so that it waits for the end of a message box.
+    instance.onShow = [&] { host.loop.Post([&program] { program.BringToFront(); }); };
     program.Start();
     host.loop.Run();
     return 0;

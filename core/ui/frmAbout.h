@@ -15,8 +15,8 @@ class frmAbout : public forms::Form {
   std::function<void()> onClosed;
 
   forms::Label lblTitle, lblVersion, lblDescription;
+  forms::Button cmdOK;  // first, so that it has the focus
   forms::Button cmdSysInfo;
-  forms::Button cmdOK;
 };
 
 }  // namespace orvanto

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "platform/win32/HiddenWindow.h"
+#include "platform/win32/ListWindows.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/TreeWindow.h"
 
@@ -28,7 +29,11 @@ void ControlWindow::Mirror(Property property) {
   if (property == Property::Text) SetWindowTextIfOther(control_.Text());
 }
 
-// Setting an equal text would move the caret of the person who has just typed it.
+void ControlWindow::Place(const RECT& place) {
+  SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left,
+               place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 void ControlWindow::SetWindowTextIfOther(const std::string& text) const {
   if (WindowText(window_) != text) SetWindowTextW(window_, ToWide(text).c_str());
 }
@@ -90,7 +95,7 @@ class TextWindow : public ControlWindow {
   TextWindow(forms::TextBox& box, HWND parent, int id)
       : ControlWindow(box, {WC_EDITW, WS_TABSTOP | Style(box), WS_EX_CLIENTEDGE}, parent, id),
         box_(box) {
-    SendMessageW(window_, EM_SETLIMITTEXT, 0, 0);
+    SendMessageW(window_, EM_SETLIMITTEXT, static_cast<WPARAM>(box.GetStyle().maxLength), 0);
     if (box.GetStyle().multiLine && box.GetStyle().readOnly) {
       SetWindowSubclass(window_, ReadOnlyTextProcedure, 0, 0);
     }
@@ -151,8 +156,7 @@ class LampWindow : public ControlWindow {
     const Handle<HBITMAP, DeleteObject> bitmap(
         CreateCompatibleBitmap(draw.hDC, all.right, all.bottom));
     const Handle<HBRUSH, DeleteObject> fill(CreateSolidBrush(SystemColour()));
-    const Handle<HPEN, DeleteObject> edge(
-        CreatePen(PS_INSIDEFRAME, kLarger, GetSysColor(COLOR_BTNSHADOW)));
+    const Handle<HPEN, DeleteObject> edge(CreatePen(PS_INSIDEFRAME, kLarger, EdgeColour()));
     const HGDIOBJ oldBitmap = SelectObject(memory.Get(), bitmap.Get());
     const HGDIOBJ oldBrush = SelectObject(memory.Get(), fill.Get());
     const HGDIOBJ oldPen = SelectObject(memory.Get(), edge.Get());
@@ -170,8 +174,22 @@ class LampWindow : public ControlWindow {
   }
 
  private:
+  static bool HighContrast() {
+    HIGHCONTRASTW contrast = {};
+    contrast.cbSize = sizeof contrast;
+    return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof contrast, &contrast, 0) &&
+           (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
+  }
+
+  static COLORREF EdgeColour() {
+    return GetSysColor(HighContrast() ? COLOR_BTNTEXT : COLOR_BTNSHADOW);
+  }
+
   // The system spells a colour with red in the low byte.
   COLORREF SystemColour() const {
+    if (HighContrast()) {
+      return GetSysColor(lamp_.Colour() == forms::Lamp::kLit ? COLOR_HIGHLIGHT : COLOR_BTNFACE);
+    }
     const std::uint32_t colour = lamp_.Colour();
     return RGB((colour >> 16) & 0xFF, (colour >> 8) & 0xFF, colour & 0xFF);
   }
@@ -196,6 +214,10 @@ std::unique_ptr<ControlWindow> MakeControlWindow(forms::Control& control, HWND p
       return std::make_unique<OptionWindow>(static_cast<forms::OptionButton&>(control), parent, id);
     case Kind::TextBox:
       return std::make_unique<TextWindow>(static_cast<forms::TextBox&>(control), parent, id);
+    case Kind::ComboBox:
+      return std::make_unique<ComboWindow>(static_cast<forms::ComboBox&>(control), parent, id);
+    case Kind::UpDown:
+      return std::make_unique<UpDownWindow>(static_cast<forms::UpDown&>(control), parent, id);
     case Kind::Lamp:
       return std::make_unique<LampWindow>(static_cast<forms::Lamp&>(control), parent, id);
     case Kind::TreeView:

@@ -33,6 +33,8 @@ class ControlWindow {
 
   // From the control to the window. Bounds, Visible and Enabled are the form window's business.
   virtual void Mirror(forms::Property property);
+  // In pixels on the form.
+  virtual void Place(const RECT& place);
   // Once after creation, and again when font, images and scale have changed.
   virtual void Rescale(UINT /*dpi*/) {}
 
@@ -44,6 +46,7 @@ class ControlWindow {
   virtual void OnDraw(const DRAWITEMSTRUCT& /*draw*/) const {}
 
  protected:
+  // Setting an equal text would move the caret of the person who has just typed it.
   void SetWindowTextIfOther(const std::string& text) const;
 
   HWND window_;  // destroyed with its parent

@@ -1,5 +1,6 @@
 #include "platform/win32/FormWindow.h"
 
+#include <map>
 #include <string>
 #include <utility>
 
@@ -38,6 +39,11 @@ DWORD StyleOf(const forms::Form& form) {
 
 DWORD ExtendedStyleOf(const forms::Form& form) {
   return form.minimizeButton ? 0 : DWORD{WS_EX_DLGMODALFRAME};
+}
+
+void SetStyle(HWND window, DWORD style, bool on) {
+  const LONG_PTR old = GetWindowLongPtrW(window, GWL_STYLE);
+  SetWindowLongPtrW(window, GWL_STYLE, on ? old | LONG_PTR{style} : old & ~LONG_PTR{style});
 }
 
 void RegisterFormClass(WNDPROC procedure) {
@@ -111,19 +117,32 @@ void FormWindow::MakeControls() {
     const bool isOption = control->GetKind() == Kind::OptionButton;
     controls_.push_back(
         MakeControlWindow(*control, window_, static_cast<int>(kFirstControl + controls_.size())));
-    // The arrow keys walk through the options of one container, and Tab enters them at one.
-    DWORD extra = 0;
-    if (isOption && !(afterOption && container == control->Container())) {
-      extra = WS_GROUP | WS_TABSTOP;
-    } else if (!isOption && afterOption) {
-      extra = WS_GROUP;
-    }
-    const HWND window = controls_.back()->Get();
-    SetWindowLongPtrW(window, GWL_STYLE, GetWindowLongPtrW(window, GWL_STYLE) | LONG_PTR{extra});
+    // The arrow keys walk through the options of one container.
+    const bool among = afterOption && isOption && container == control->Container();
+    if ((isOption || afterOption) && !among) SetStyle(controls_.back()->Get(), WS_GROUP, true);
     afterOption = isOption;
     container = control->Container();
   }
   for (const auto& window : controls_) MirrorState(*window);
+  MirrorOptionStops();
+}
+
+// Tab enters the options of one container at the chosen one, or at the first where none is.
+void FormWindow::MirrorOptionStops() const {
+  std::map<const forms::Control*, HWND> stops;
+  std::vector<std::pair<HWND, const forms::Control*>> options;
+  for (const auto& window : controls_) {
+    const forms::Control& control = window->GetControl();
+    if (control.GetKind() != Kind::OptionButton) continue;
+    options.emplace_back(window->Get(), control.Container());
+    stops.try_emplace(control.Container(), window->Get());
+    if (static_cast<const forms::OptionButton&>(control).Value()) {
+      stops[control.Container()] = window->Get();
+    }
+  }
+  for (const auto& [window, container] : options) {
+    SetStyle(window, WS_TABSTOP, stops[container] == window);
+  }
 }
 
 void FormWindow::FillMenu(HMENU menu, const std::vector<forms::MenuItem*>& items) {
@@ -181,7 +200,7 @@ void FormWindow::Rescale() {
 }
 
 // Edges are rounded rather than sizes, so that what touches keeps touching.
-void FormWindow::Place(const ControlWindow& window) const {
+void FormWindow::Place(ControlWindow& window) const {
   const forms::Bounds& bounds = window.GetControl().GetBounds();
   int left = bounds.left;
   int top = bounds.top;
@@ -191,8 +210,7 @@ void FormWindow::Place(const ControlWindow& window) const {
   }
   const int x = ToPixels(left, dpi_);
   const int y = ToPixels(top, dpi_);
-  SetWindowPos(window.Get(), nullptr, x, y, ToPixels(left + bounds.width, dpi_) - x,
-               ToPixels(top + bounds.height, dpi_) - y, SWP_NOZORDER | SWP_NOACTIVATE);
+  window.Place({x, y, ToPixels(left + bounds.width, dpi_), ToPixels(top + bounds.height, dpi_)});
 }
 
 void FormWindow::MirrorState(const ControlWindow& window) const {
@@ -203,7 +221,9 @@ void FormWindow::MirrorState(const ControlWindow& window) const {
     enabled = enabled && each->Enabled();
   }
   // A keyboard that talks to a dead window is dead, too.
-  if (!(visible && enabled) && GetFocus() == window.Get()) {
+  const HWND focus = GetFocus();
+  const bool focused = focus == window.Get() || IsChild(window.Get(), focus);
+  if (!(visible && enabled) && focused) {
     SetFocus(GetNextDlgTabItem(window_, window.Get(), FALSE));
   }
   ShowWindow(window.Get(), visible ? SW_SHOWNA : SW_HIDE);
@@ -226,6 +246,7 @@ void FormWindow::ControlChanged(const forms::Control& control, Property property
     if (place) Place(*window);
     if (state) MirrorState(*window);
   }
+  if (property == Property::Value && control.GetKind() == Kind::OptionButton) MirrorOptionStops();
   if (place || state) InvalidateRect(window_, nullptr, TRUE);
 }
 
@@ -257,6 +278,10 @@ void FormWindow::FormChanged(FormProperty property) {
       } else {
         ShowWindow(window_, SW_HIDE);
       }
+      break;
+    case FormProperty::Active:
+      if (IsIconic(window_)) ShowWindow(window_, SW_RESTORE);
+      SetForegroundWindow(window_);
       break;
   }
 }
@@ -367,8 +392,10 @@ LRESULT FormWindow::OnSystemChange(UINT message, WPARAM wParam, LPARAM lParam) {
 LRESULT FormWindow::OnStaticColour(HDC context, HWND control) {
   const ControlWindow* window = Find(static_cast<UINT>(GetDlgCtrlID(control)));
   const bool isText = window != nullptr && window->GetControl().GetKind() == Kind::TextBox;
-  const int background = isText ? COLOR_WINDOW : COLOR_BTNFACE;
-  SetTextColor(context, GetSysColor(isText ? COLOR_WINDOWTEXT : COLOR_BTNTEXT));
+  const bool enabled = IsWindowEnabled(control) != 0;
+  const int background = isText && enabled ? COLOR_WINDOW : COLOR_BTNFACE;
+  const int text = !enabled ? COLOR_GRAYTEXT : isText ? COLOR_WINDOWTEXT : COLOR_BTNTEXT;
+  SetTextColor(context, GetSysColor(text));
   SetBkColor(context, GetSysColor(background));
   return reinterpret_cast<LRESULT>(GetSysColorBrush(background));
 }
@@ -406,6 +433,10 @@ void FormWindow::OnActivate(bool active) {
 void FormWindow::TakeFocus() {
   if (lastFocus_ == nullptr || !IsWindowVisible(lastFocus_) || !IsWindowEnabled(lastFocus_)) {
     lastFocus_ = GetNextDlgTabItem(window_, nullptr, FALSE);
+    // As a dialog does: what is typed first replaces the text.
+    if (lastFocus_ != nullptr && (SendMessageW(lastFocus_, WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL)) {
+      SendMessageW(lastFocus_, EM_SETSEL, 0, -1);
+    }
   }
   if (lastFocus_ != nullptr) SetFocus(lastFocus_);
 }

@@ -53,8 +53,9 @@ class FormWindow {
   void FillMenu(HMENU menu, const std::vector<forms::MenuItem*>& items);
   void MirrorMenuItem(const MenuPlace& place) const;
   void Rescale();
-  void Place(const ControlWindow& window) const;
+  void Place(ControlWindow& window) const;
   void MirrorState(const ControlWindow& window) const;
+  void MirrorOptionStops() const;
   void MoveToPosition() const;
   ControlWindow* Find(UINT id) const;
 

@@ -1,32 +1,13 @@
 #include "platform/win32/Services.h"
 
+#include <commdlg.h>
 #include <mmsystem.h>
 #include <shellapi.h>
 
-#include <utility>
-
-#include "platform/win32/Handle.h"
 #include "platform/win32/Text.h"
+#include "platform/win32/Win32Process.h"
 
 namespace orvanto::win32 {
-
-namespace {
-
-using FileHandle = Handle<HANDLE, CloseHandle, -1>;
-
-// The form of a path that no length limit applies to. Short ones stay as they are, so that device
-// names and relative paths keep their meaning.
-std::wstring SystemPath(const std::string& path) {
-  std::wstring wide = ToWide(path);
-  const DWORD room = GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr);
-  if (room < MAX_PATH - 12 || wide.starts_with(L"\\\\?\\")) return wide;
-  std::wstring full(room, L'\0');
-  full.resize(GetFullPathNameW(wide.c_str(), room, full.data(), nullptr));
-  if (full.starts_with(L"\\\\")) return L"\\\\?\\UNC" + full.substr(1);
-  return L"\\\\?\\" + full;
-}
-
-}  // namespace
 
 // Both read the same system clock, so their seconds begin together.
 DateTime Win32Clock::Now() const {
@@ -61,24 +42,6 @@ std::string Win32Clock::ShortDate(int year, int month, int day) const {
   return ToUtf8(text);
 }
 
-bool Win32Files::Exists(const std::string& path) const {
-  const DWORD attributes = GetFileAttributesW(SystemPath(path).c_str());
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
-}
-
-bool Win32Files::Append(const std::string& path, const std::string& bytes) {
-  const FileHandle file(CreateFileW(SystemPath(path).c_str(), FILE_APPEND_DATA,
-                                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr));
-  if (!file) return false;
-  DWORD written = 0;
-  return WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
-         written == bytes.size();
-}
-
-Win32Shell::Win32Shell(EventLoop& loop, std::function<HWND()> mainWindow)
-    : loop_(loop), mainWindow_(std::move(mainWindow)) {}
-
 bool Win32Shell::Execute(const ShellRequest& request) {
   const std::wstring operation = ToWide(request.operation);
   const std::wstring file = ToWide(request.file);
@@ -90,7 +53,7 @@ bool Win32Shell::Execute(const ShellRequest& request) {
   SHELLEXECUTEINFOW info = {};
   info.cbSize = sizeof info;
   info.fMask = SEE_MASK_FLAG_NO_UI;
-  info.hwnd = mainWindow_();
+  info.hwnd = forms_.MainWindow();
   info.lpVerb = orNull(operation);
   info.lpFile = file.c_str();
   info.lpParameters = orNull(parameters);
@@ -101,22 +64,34 @@ bool Win32Shell::Execute(const ShellRequest& request) {
   return ShellExecuteExW(&info) != 0;
 }
 
-bool Win32Session::End(std::uint32_t flags) { return ExitWindowsEx(flags, 0) != 0; }
+bool Win32Shell::Start(const std::string& commandLine, ShowCommand show) {
+  return static_cast<bool>(StartProcess(commandLine, show));
+}
+
+bool Win32Shell::StartAndWait(const std::string& commandLine, ShowCommand show) {
+  const ProcessHandle process = StartProcess(commandLine, show);
+  if (!process) return false;
+  // Nothing is to be held back: no message is handled meanwhile.
+  WaitForSingleObject(process.Get(), INFINITE);
+  return true;
+}
 
 bool Win32Sound::Play(const std::string& name) {
   return PlaySoundW(ToWide(name).c_str(), nullptr, SND_ASYNC) != 0;
 }
 
+void Win32Sound::Beep() { MessageBeep(MB_OK); }
+
 Answer Win32MessageBoxes::Show(const std::string& text, const std::string& title, Buttons buttons,
                                BoxIcon icon) {
-  // No owner, because the main window may be hidden; task-modal, so that all our windows wait;
-  // top-most, so that it is not lost behind a main window that is.
-  UINT type = MB_TASKMODAL | MB_SETFOREGROUND | MB_TOPMOST;
+  const ModalScope modal(loop_, forms_);
+  // Without an owner, because none of our windows is in front: task-modal, so that all of them
+  // wait; top-most, so that it is not lost behind a main window that is.
+  UINT type = modal.Owner() != nullptr ? 0 : MB_TASKMODAL | MB_SETFOREGROUND | MB_TOPMOST;
   if (buttons == Buttons::OkCancel) type |= MB_OKCANCEL;
   if (buttons == Buttons::YesNo) type |= MB_YESNO;
   if (icon == BoxIcon::Question) type |= MB_ICONQUESTION;
-  const EventLoop::Hold hold(loop_);
-  switch (MessageBoxW(nullptr, ToWide(text).c_str(), ToWide(title).c_str(), type)) {
+  switch (MessageBoxW(modal.Owner(), ToWide(text).c_str(), ToWide(title).c_str(), type)) {
     case IDOK:
       return Answer::Ok;
     case IDYES:
@@ -128,6 +103,31 @@ Answer Win32MessageBoxes::Show(const std::string& text, const std::string& title
              : buttons == Buttons::OkCancel ? Answer::Cancel
                                             : Answer::Ok;
   }
+}
+
+std::optional<std::string> Win32FileDialogs::ChooseFile(const std::string& title,
+                                                        const std::vector<FileFilter>& filters,
+                                                        const std::string& folder) {
+  std::wstring filter;  // pairs of name and pattern, each ended by a NUL, and one more at the end
+  for (const FileFilter& each : filters) {
+    filter += ToWide(each.name) + L'\0' + ToWide(each.pattern) + L'\0';
+  }
+  const std::wstring caption = ToWide(title);
+  const std::wstring start = ToWide(folder);
+  wchar_t name[255] = L"";
+  const ModalScope modal(loop_, forms_);
+  OPENFILENAMEW dialog = {};
+  dialog.lStructSize = sizeof dialog;
+  dialog.hwndOwner = modal.Owner();
+  dialog.lpstrFilter = filter.empty() ? nullptr : filter.c_str();
+  dialog.nFilterIndex = 1;
+  dialog.lpstrFile = name;
+  dialog.nMaxFile = static_cast<DWORD>(std::size(name));
+  dialog.lpstrInitialDir = start.empty() ? nullptr : start.c_str();
+  dialog.lpstrTitle = caption.c_str();
+  dialog.Flags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR | OFN_HIDEREADONLY;
+  if (!GetOpenFileNameW(&dialog)) return std::nullopt;
+  return ToUtf8(name);
 }
 
 }  // namespace orvanto::win32

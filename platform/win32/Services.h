@@ -3,15 +3,13 @@
 
 #include <windows.h>
 
-#include <functional>
-
 #include "platform/Clock.h"
-#include "platform/EventLoop.h"
-#include "platform/Files.h"
+#include "platform/FileDialogs.h"
 #include "platform/MessageBoxes.h"
-#include "platform/Session.h"
 #include "platform/Shell.h"
 #include "platform/Sound.h"
+#include "platform/win32/Win32FormHost.h"
+#include "platform/win32/Win32Loop.h"
 
 namespace orvanto::win32 {
 
@@ -22,42 +20,46 @@ class Win32Clock : public Clock {
   std::string ShortDate(int year, int month, int day) const override;
 };
 
-// Paths of any length.
-class Win32Files : public Files {
- public:
-  bool Exists(const std::string& path) const override;
-  bool Append(const std::string& path, const std::string& bytes) override;
-};
-
 class Win32Shell : public Shell {
  public:
-  // `mainWindow` answers the owner of what the shell shows, or null.
-  Win32Shell(EventLoop& loop, std::function<HWND()> mainWindow);
+  // The main window owns what the shell shows.
+  Win32Shell(Win32Loop& loop, const Win32FormHost& forms) : loop_(loop), forms_(forms) {}
   bool Execute(const ShellRequest& request) override;
+  bool Start(const std::string& commandLine, ShowCommand show) override;
+  bool StartAndWait(const std::string& commandLine, ShowCommand show) override;
 
  private:
-  EventLoop& loop_;
-  std::function<HWND()> mainWindow_;
-};
-
-class Win32Session : public Session {
- public:
-  bool End(std::uint32_t flags) override;
+  Win32Loop& loop_;
+  const Win32FormHost& forms_;
 };
 
 class Win32Sound : public Sound {
  public:
   bool Play(const std::string& name) override;
+  void Beep() override;
 };
 
 class Win32MessageBoxes : public MessageBoxes {
  public:
-  explicit Win32MessageBoxes(EventLoop& loop) : loop_(loop) {}
+  Win32MessageBoxes(Win32Loop& loop, const Win32FormHost& forms) : loop_(loop), forms_(forms) {}
   Answer Show(const std::string& text, const std::string& title, Buttons buttons,
               BoxIcon icon) override;
 
  private:
-  EventLoop& loop_;
+  Win32Loop& loop_;
+  const Win32FormHost& forms_;
+};
+
+class Win32FileDialogs : public FileDialogs {
+ public:
+  Win32FileDialogs(Win32Loop& loop, const Win32FormHost& forms) : loop_(loop), forms_(forms) {}
+  std::optional<std::string> ChooseFile(const std::string& title,
+                                        const std::vector<FileFilter>& filters,
+                                        const std::string& folder) override;
+
+ private:
+  Win32Loop& loop_;
+  const Win32FormHost& forms_;
 };
 
 }  // namespace orvanto::win32

@@ -18,6 +18,24 @@ TreeWindow::TreeWindow(TreeView& tree, HWND parent, int id)
                     parent, id),
       tree_(tree) {
   TreeView_SetExtendedStyle(window_, TVS_EX_DOUBLEBUFFER, TVS_EX_DOUBLEBUFFER);
+  SetWindowSubclass(window_, Procedure, 0, reinterpret_cast<DWORD_PTR>(this));
+}
+
+TreeWindow::~TreeWindow() { RemoveWindowSubclass(window_, Procedure, 0); }
+
+LRESULT CALLBACK TreeWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                       UINT_PTR, DWORD_PTR self) {
+  // Wine's tree keeps Alt and F10 to itself; from here they come to the menu.
+  if (message == WM_SYSKEYDOWN || message == WM_SYSKEYUP || message == WM_KEYUP) {
+    return DefWindowProcW(window, message, wParam, lParam);
+  }
+  try {
+    // The selection may unload the form: nothing of ours is touched behind it.
+    if (message == WM_KEYDOWN && reinterpret_cast<TreeWindow*>(self)->SelectFirst(wParam)) return 0;
+  } catch (...) {
+    ReportException("tree");
+  }
+  return DefSubclassProc(window, message, wParam, lParam);
 }
 
 void TreeWindow::Mirror(Property property) {
@@ -80,16 +98,18 @@ void TreeWindow::MirrorSelection() {
   SelectItem(selected && *selected < items_.size() ? items_[*selected] : nullptr);
 }
 
-// Without a selection the arrow keys would lead nowhere.
-void TreeWindow::SelectSomething() {
-  if (TreeView_GetSelection(window_) == nullptr) SelectItem(TreeView_GetFirstVisible(window_));
+// Without a selection the arrow keys would lead nowhere. True where that was all the key does.
+bool TreeWindow::SelectFirst(WPARAM key) {
+  if (key < VK_PRIOR || key > VK_DOWN || TreeView_GetSelection(window_) != nullptr) return false;
+  const bool further = key == VK_END || key == VK_NEXT;
+  SelectItem(TreeView_GetRoot(window_));
+  return !further;
 }
 
 void TreeWindow::SelectItem(HTREEITEM item) {
   if (TreeView_GetSelection(window_) == item) return;
-  selecting_ = true;
+  selecting_ = true;  // until the window has reported it
   TreeView_SelectItem(window_, item);
-  selecting_ = false;
 }
 
 HTREEITEM TreeWindow::ItemUnderMouse() const {
@@ -111,6 +131,7 @@ LRESULT TreeWindow::OnNotify(const NMHDR& header, bool person) {
   const auto& change = reinterpret_cast<const NMTREEVIEWW&>(header);
   // The window selects a node by itself when it gets the focus: nobody has chosen that one.
   if (header.code == TVN_SELCHANGINGW && change.action == TVC_UNKNOWN && !selecting_) return TRUE;
+  if (header.code == TVN_SELCHANGEDW) selecting_ = false;
   if (!person) return 0;
   switch (header.code) {
     case TVN_SELCHANGEDW:
@@ -133,9 +154,6 @@ LRESULT TreeWindow::OnNotify(const NMHDR& header, bool person) {
       if (const auto node = NodeOf(change.itemNew.lParam)) {
         tree_.SetExpanded(*node, change.action == TVE_EXPAND);
       }
-      break;
-    case TVN_KEYDOWN:
-      SelectSomething();
       break;
     default:
       break;

@@ -13,6 +13,7 @@ namespace orvanto::win32 {
 class TreeWindow : public ControlWindow {
  public:
   TreeWindow(forms::TreeView& tree, HWND parent, int id);
+  ~TreeWindow() override;
 
   void Mirror(forms::Property property) override;
   void Rescale(UINT dpi) override;
@@ -23,7 +24,9 @@ class TreeWindow : public ControlWindow {
 
   void Rebuild();
   void MirrorSelection();
-  void SelectSomething();
+  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                    UINT_PTR id, DWORD_PTR self);
+  bool SelectFirst(WPARAM key);
   void SelectItem(HTREEITEM item);
   int ImageIndex(const std::string& name);
   HTREEITEM ItemUnderMouse() const;

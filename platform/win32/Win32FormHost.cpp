@@ -23,8 +23,11 @@ UINT MainScreenDpi() {
 
 class Win32FormHost::Peer : public forms::FormPeer {
  public:
-  explicit Peer(FormWindow& window) : window_(window) {}
-  void FormChanged(forms::FormProperty property) override { window_.FormChanged(property); }
+  Peer(const Win32FormHost& host, FormWindow& window) : host_(host), window_(window) {}
+  void FormChanged(forms::FormProperty property) override {
+    if (property == forms::FormProperty::Visible) host_.ChooseTaskbar(window_.Get());
+    window_.FormChanged(property);
+  }
   void ControlChanged(const forms::Control& control, forms::Property property) override {
     window_.ControlChanged(control, property);
   }
@@ -32,13 +35,14 @@ class Win32FormHost::Peer : public forms::FormPeer {
   void Detach() { window_.Detach(); }
 
  private:
+  const Win32FormHost& host_;
   FormWindow& window_;
 };
 
 Win32FormHost::Win32FormHost(Win32Loop& loop)
     : loop_(loop), owner_(L"OrvantoOwner", [](UINT, WPARAM, LPARAM) { return std::nullopt; }) {
-  const INITCOMMONCONTROLSEX classes = {sizeof classes,
-                                        ICC_STANDARD_CLASSES | ICC_TREEVIEW_CLASSES};
+  const INITCOMMONCONTROLSEX classes = {
+      sizeof classes, ICC_STANDARD_CLASSES | ICC_TREEVIEW_CLASSES | ICC_UPDOWN_CLASS};
   InitCommonControlsEx(&classes);
   loop_.preTranslate = [this](MSG& message) { return Navigate(message); };
 }
@@ -54,7 +58,7 @@ std::unique_ptr<forms::FormPeer> Win32FormHost::Attach(forms::Form& form) {
                                              [this](FormWindow& gone) { Forget(gone); });
   if (isMain) mainWindow_ = window->Get();
   windows_.push_back(std::move(window));
-  return std::make_unique<Peer>(*windows_.back());
+  return std::make_unique<Peer>(*this, *windows_.back());
 }
 
 void Win32FormHost::Detach(std::unique_ptr<forms::FormPeer> peer) {
@@ -67,6 +71,29 @@ void Win32FormHost::Forget(const FormWindow& window) {
   if (found == windows_.end()) return;
   if ((*found)->Get() == mainWindow_) mainWindow_ = nullptr;
   windows_.erase(found);
+}
+
+// To be called while the window is hidden; the task bar looks at it when it is shown.
+void Win32FormHost::ChooseTaskbar(HWND window) const {
+  if (window == mainWindow_ || IsWindowVisible(window)) return;
+  const LONG_PTR style = GetWindowLongPtrW(window, GWL_EXSTYLE);
+  const LONG_PTR other = IsWindowVisible(mainWindow_) ? style & ~LONG_PTR{WS_EX_APPWINDOW}
+                                                      : style | LONG_PTR{WS_EX_APPWINDOW};
+  if (other != style) SetWindowLongPtrW(window, GWL_EXSTYLE, other);
+}
+
+HWND Win32FormHost::ActiveForm() const {
+  const std::vector<HWND> forms = VisibleForms();
+  const auto found = std::find(forms.begin(), forms.end(), GetActiveWindow());
+  return found != forms.end() ? *found : nullptr;
+}
+
+std::vector<HWND> Win32FormHost::VisibleForms() const {
+  std::vector<HWND> visible;
+  for (const auto& window : windows_) {
+    if (IsWindowVisible(window->Get())) visible.push_back(window->Get());
+  }
+  return visible;
 }
 
 forms::Size Win32FormHost::ScreenSize() const {
@@ -90,6 +117,20 @@ bool Win32FormHost::Navigate(MSG& message) const {
   const bool ours = std::any_of(windows_.begin(), windows_.end(),
                                 [&](const auto& each) { return each->Get() == root; });
   return ours && IsDialogMessageW(root, &message);
+}
+
+ModalScope::ModalScope(Win32Loop& loop, const Win32FormHost& forms)
+    : hold_(loop), owner_(forms.ActiveForm()) {
+  if (owner_ == nullptr) return;
+  for (const HWND window : forms.VisibleForms()) {
+    if (window == owner_ || !IsWindowEnabled(window)) continue;
+    EnableWindow(window, FALSE);
+    disabled_.push_back(window);
+  }
+}
+
+ModalScope::~ModalScope() {
+  for (const HWND window : disabled_) EnableWindow(window, TRUE);
 }
 
 }  // namespace orvanto::win32

@@ -13,8 +13,8 @@
 
 namespace orvanto::win32 {
 
-// The first form that is loaded is the main window, the only one in the task bar; the others belong
-// to a hidden owner.
+// The first form that is loaded is the main window. The others belong to a hidden owner and have a
+// button in the task bar only where they are shown in place of the main window.
 class Win32FormHost : public forms::FormHost {
  public:
   explicit Win32FormHost(Win32Loop& loop);
@@ -27,17 +27,38 @@ class Win32FormHost : public forms::FormHost {
 
   // Null when there is none.
   HWND MainWindow() const { return mainWindow_; }
+  // The form that the user works in; null when that is another program, or a dialog.
+  HWND ActiveForm() const;
+  std::vector<HWND> VisibleForms() const;
 
  private:
   class Peer;
 
   bool Navigate(MSG& message) const;
   void Forget(const FormWindow& window);
+  void ChooseTaskbar(HWND window) const;
 
   Win32Loop& loop_;
   HiddenWindow owner_;
   HWND mainWindow_ = nullptr;
   std::vector<std::unique_ptr<FormWindow>> windows_;
+};
+
+// The scope of a modal dialog of the system: the loop is held, and no form takes input. The owner
+// itself is the dialog's business, and so is everything when there is none.
+class ModalScope {
+ public:
+  ModalScope(Win32Loop& loop, const Win32FormHost& forms);
+  ~ModalScope();
+  ModalScope(const ModalScope&) = delete;
+  ModalScope& operator=(const ModalScope&) = delete;
+
+  HWND Owner() const { return owner_; }
+
+ private:
+  EventLoop::Hold hold_;
+  HWND owner_;
+  std::vector<HWND> disabled_;
 };
 
 }  // namespace orvanto::win32

@@ -3,9 +3,14 @@
 
 #include "platform/Platform.h"
 #include "platform/win32/Services.h"
+#include "platform/win32/Win32Clipboard.h"
+#include "platform/win32/Win32Desktop.h"
+#include "platform/win32/Win32Files.h"
 #include "platform/win32/Win32FormHost.h"
+#include "platform/win32/Win32Keyboard.h"
 #include "platform/win32/Win32Loop.h"
 #include "platform/win32/Win32Registry.h"
+#include "platform/win32/Win32Session.h"
 #include "platform/win32/Win32TrayIcon.h"
 
 namespace orvanto::win32 {
@@ -19,10 +24,14 @@ class Win32Platform {
   Win32Registry registry;
   Win32Files files;
   Win32FormHost forms{loop};
-  Win32Shell shell{loop, [this] { return forms.MainWindow(); }};
+  Win32Shell shell{loop, forms};
   Win32Session session;
+  Win32Desktop desktop;
+  Win32Keyboard keyboard;
+  Win32Clipboard clipboard;
   Win32Sound sound;
-  Win32MessageBoxes messageBoxes{loop};
+  Win32MessageBoxes messageBoxes{loop, forms};
+  Win32FileDialogs fileDialogs{loop, forms};
   Win32TrayIcon trayIcon{loop};
 
   Platform Services();

@@ -33,6 +33,47 @@ bool WaitFor(const std::function<bool()>& condition, std::chrono::milliseconds p
   return true;
 }
 
+std::wstring Beside(const std::wstring& name) {
+  wchar_t path[1024];
+  GetModuleFileNameW(nullptr, path, 1024);
+  std::wstring folder = path;
+  folder.resize(folder.find_last_of(L'\\') + 1);
+  return folder + name;
+}
+
+namespace {
+
+void Send(WORD key, wchar_t character, DWORD flags) {
+  INPUT input = {};
+  input.type = INPUT_KEYBOARD;
+  input.ki.wVk = key;
+  input.ki.wScan = character;
+  input.ki.dwFlags = flags;
+  SendInput(1, &input, sizeof input);
+}
+
+}  // namespace
+
+void PressKeys(const std::vector<WORD>& keys) {
+  for (const WORD key : keys) {
+    Send(key, 0, 0);
+    Send(key, 0, KEYEVENTF_KEYUP);
+  }
+}
+
+void PressWith(WORD held, WORD key) {
+  Send(held, 0, 0);
+  PressKeys({key});
+  Send(held, 0, KEYEVENTF_KEYUP);
+}
+
+void TypeText(const std::wstring& text) {
+  for (const wchar_t character : text) {
+    Send(0, character, KEYEVENTF_UNICODE);
+    Send(0, character, KEYEVENTF_UNICODE | KEYEVENTF_KEYUP);
+  }
+}
+
 int RunToEnd(std::wstring commandLine) {
   DWORD id = 0;
   const ProcessHandle process = Start(std::move(commandLine), id);
@@ -85,11 +126,7 @@ class RunningProgram::Remote {
 };
 
 RunningProgram::RunningProgram(const std::wstring& arguments) {
-  wchar_t path[1024];
-  GetModuleFileNameW(nullptr, path, 1024);
-  std::wstring program = path;
-  program.resize(program.find_last_of(L'\\') + 1);
-  process_ = Start(L"\"" + program + L"orvanto.exe\" " + arguments, id_);
+  process_ = Start(L"\"" + Beside(L"orvanto.exe") + L"\" " + arguments, id_);
 }
 
 RunningProgram::~RunningProgram() {
@@ -108,8 +145,21 @@ HWND RunningProgram::MainWindow() const {
   return main;
 }
 
-HWND RunningProgram::Button(const std::wstring& caption) const {
-  return FindWindowExW(MainWindow(), nullptr, L"Button", caption.c_str());
+HWND RunningProgram::Button(HWND form, const std::wstring& caption) {
+  return FindWindowExW(form, nullptr, L"Button", caption.c_str());
+}
+
+HWND RunningProgram::InFront(const std::wstring& caption) const {
+  HWND found = nullptr;
+  WaitFor([&] {
+    for (const HWND window : TopLevel(id_, L"OrvantoForm")) {
+      if (IsWindowVisible(window) && TextOf(window) == caption && GetForegroundWindow() == window) {
+        found = window;
+      }
+    }
+    return found != nullptr;
+  });
+  return found;
 }
 
 HWND RunningProgram::Box() const {
@@ -124,8 +174,8 @@ HWND RunningProgram::TrayOwner() const {
   return found.empty() ? nullptr : found.front();
 }
 
-void RunningProgram::Press(const std::wstring& caption) const {
-  PostMessageW(Button(caption), BM_CLICK, 0, 0);
+void RunningProgram::Press(HWND form, const std::wstring& caption) {
+  PostMessageW(Button(form, caption), BM_CLICK, 0, 0);
 }
 
 void RunningProgram::ChooseMenu(wchar_t menu, int itemsBelowFirst) const {
@@ -196,6 +246,70 @@ void RunningProgram::ClickTreeLine(std::size_t index) const {
 bool RunningProgram::WaitForEnd(DWORD& exitCode) const {
   return WaitForSingleObject(process_.Get(), 20000) == WAIT_OBJECT_0 &&
          GetExitCodeProcess(process_.Get(), &exitCode);
+}
+
+namespace {
+
+// Wine counts nothing, but keeps the same table of GDI objects in every process as Windows did
+// before version 10: the process block has its address.
+DWORD CountGdiTable(HANDLE process) {
+  struct Entry {
+    ULONG64 object;
+    WORD owner;
+    WORD unique;
+    WORD type;
+    WORD flags;
+    ULONG64 data;
+  };
+  constexpr std::size_t kAddressInBlock = 0xF8;
+  constexpr std::size_t kEntries = 0x4000;
+  struct {
+    LONG_PTR status;
+    BYTE* block;
+    ULONG_PTR rest[4];
+  } basic = {};
+  using Query = LONG(WINAPI*)(HANDLE, int, void*, ULONG, ULONG*);
+  const auto query = reinterpret_cast<Query>(reinterpret_cast<void*>(
+      GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQueryInformationProcess")));
+  query(process, 0, &basic, sizeof basic, nullptr);
+  void* table = nullptr;
+  std::vector<Entry> entries(kEntries);
+  ReadProcessMemory(process, basic.block + kAddressInBlock, &table, sizeof table, nullptr);
+  ReadProcessMemory(process, table, entries.data(), kEntries * sizeof(Entry), nullptr);
+  DWORD count = 0;
+  for (const Entry& entry : entries) count += entry.type != 0;
+  return count;
+}
+
+BOOL CALLBACK CountOne(HWND, LPARAM count) {
+  ++*reinterpret_cast<DWORD*>(count);
+  return TRUE;
+}
+
+struct WindowCount {
+  DWORD process;
+  DWORD count;
+};
+
+BOOL CALLBACK CountWithChildren(HWND window, LPARAM result) {
+  auto& windows = *reinterpret_cast<WindowCount*>(result);
+  DWORD owner = 0;
+  GetWindowThreadProcessId(window, &owner);
+  if (owner != windows.process) return TRUE;
+  ++windows.count;
+  EnumChildWindows(window, CountOne, reinterpret_cast<LPARAM>(&windows.count));
+  return TRUE;
+}
+
+}  // namespace
+
+GuiObjects RunningProgram::CountGuiObjects() const {
+  GuiObjects objects = {GetGuiResources(process_.Get(), GR_GDIOBJECTS),
+                        GetGuiResources(process_.Get(), GR_USEROBJECTS), true};
+  if (objects.gdi != 0 && objects.user != 0) return objects;
+  WindowCount windows = {id_, 0};
+  EnumWindows(CountWithChildren, reinterpret_cast<LPARAM>(&windows));
+  return {CountGdiTable(process_.Get()), windows.count, false};
 }
 
 }  // namespace orvanto::desktop

@@ -18,8 +18,24 @@ namespace orvanto::desktop {
 bool WaitFor(const std::function<bool()>& condition,
              std::chrono::milliseconds patience = std::chrono::seconds(20));
 
+// The full name of a program that lies beside the test program.
+std::wstring Beside(const std::wstring& name);
+
 // Runs a program to its end; its exit code, or -1.
 int RunToEnd(std::wstring commandLine);
+
+// The system's and the user interface's objects that a process holds.
+struct GuiObjects {
+  DWORD gdi;
+  DWORD user;
+  bool exact;  // by the system; otherwise with what Wine caches, and of USER objects the windows
+};
+
+// Presses and releases keys, one after the other, where the keyboard is.
+void PressKeys(const std::vector<WORD>& keys);
+// The same while another is held down.
+void PressWith(WORD held, WORD key);
+void TypeText(const std::wstring& text);
 
 // All top-level windows, visible or not, of a process (0: of any) with this class.
 std::vector<HWND> TopLevel(DWORD process, const std::wstring& windowClass);
@@ -42,17 +58,22 @@ class RunningProgram {
   // The main window, or null as long as there is none. Waits for its timer to have written the
   // caption, so it is started completely then.
   HWND MainWindow() const;
-  HWND Button(const std::wstring& caption) const;
+  HWND Button(const std::wstring& caption) const { return Button(MainWindow(), caption); }
+  static HWND Button(HWND form, const std::wstring& caption);
+  // The form with this caption, once it is shown and in front; null when that never happens.
+  HWND InFront(const std::wstring& caption) const;
   HWND Box() const;  // the message box that is open, or null
   HWND TrayOwner() const;
 
   // What a person does.
-  void Press(const std::wstring& caption) const;
+  void Press(const std::wstring& caption) const { Press(MainWindow(), caption); }
+  static void Press(HWND form, const std::wstring& caption);
   void ClickTreeLine(std::size_t index) const;
   void ChooseMenu(wchar_t menu, int itemsBelowFirst) const;
 
   std::vector<TreeLine> Tree() const;
   bool WaitForEnd(DWORD& exitCode) const;
+  GuiObjects CountGuiObjects() const;
 
  private:
   class Remote;

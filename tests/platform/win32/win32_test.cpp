@@ -84,7 +84,8 @@ TEST(Win32Registry, ReadsForeignStrings) {
 // same, each timer once. The box is answered from another thread, as a person would.
 TEST(Win32MessageBoxes, HoldsTimersAndPosts) {
   Win32Loop loop;
-  Win32MessageBoxes boxes(loop);
+  const Win32FormHost forms(loop);
+  Win32MessageBoxes boxes(loop, forms);
   int ticks = 0;
   int ticksInside = -1;
   int postsInside = -1;
@@ -142,33 +143,6 @@ TEST(Win32Clock, SecondsOfBothBeginTogether) {
       ASSERT_EQ(second, before % 60);
     }
   }
-}
-
-TEST(Win32Files, AppendsBeyondTheOldPathLimit) {
-  wchar_t temporary[MAX_PATH];
-  GetTempPathW(MAX_PATH, temporary);
-  const std::wstring folder =
-      L"\\\\?\\" + std::wstring(temporary) + L"orvanto-" + std::wstring(120, L'f');
-  const std::wstring deeper = folder + L"\\" + std::wstring(120, L'g');
-  CreateDirectoryW(folder.c_str(), nullptr);
-  CreateDirectoryW(deeper.c_str(), nullptr);
-  const std::wstring path = deeper + L"\\\u00e9.log";
-  DeleteFileW(path.c_str());
-
-  Win32Files files;
-  const std::string plain = ToUtf8(path.substr(4));
-  EXPECT_FALSE(files.Exists(plain));
-  EXPECT_TRUE(files.Append(plain, "one"));
-  EXPECT_TRUE(files.Append(plain, "two"));
-  EXPECT_TRUE(files.Exists(plain));
-  EXPECT_FALSE(files.Exists(ToUtf8(deeper.substr(4)))) << "a directory is no file";
-  WIN32_FILE_ATTRIBUTE_DATA data = {};
-  GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data);
-  EXPECT_EQ(data.nFileSizeLow, 6u);
-
-  DeleteFileW(path.c_str());
-  RemoveDirectoryW(deeper.c_str());
-  RemoveDirectoryW(folder.c_str());
 }
 
 // The shell tells of a new task bar by a message to all top-level windows.

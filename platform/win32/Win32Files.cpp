@@ -1,0 +1,116 @@
+#include "platform/win32/Win32Files.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cwchar>
+
+#include "platform/win32/Handle.h"
+#include "platform/win32/Text.h"
+
+namespace orvanto::win32 {
+
+namespace {
+
+using FileHandle = Handle<HANDLE, CloseHandle, -1>;
+using FindHandle = Handle<HANDLE, FindClose, -1>;
+
+// The form of a path that no length limit applies to. Short ones stay as they are, so that device
+// names and relative paths keep their meaning.
+std::wstring SystemPath(const std::string& path) {
+  std::wstring wide = ToWide(path);
+  const DWORD room = GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr);
+  if (room < MAX_PATH - 12 || wide.starts_with(L"\\\\?\\")) return wide;
+  std::wstring full(room, L'\0');
+  full.resize(GetFullPathNameW(wide.c_str(), room, full.data(), nullptr));
+  if (full.starts_with(L"\\\\")) return L"\\\\?\\UNC" + full.substr(1);
+  return L"\\\\?\\" + full;
+}
+
+// Of the last failure, in the user's language, on one line.
+std::string Reason() {
+  const DWORD code = GetLastError();
+  constexpr DWORD kFlags =
+      FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK;
+  wchar_t text[512];
+  const DWORD length =
+      FormatMessageW(kFlags, nullptr, code, 0, text, static_cast<DWORD>(std::size(text)), nullptr);
+  std::string reason = ToUtf8({text, length});
+  reason.resize(reason.find_last_not_of(" \r\n") + 1);
+  return reason.empty() ? "error " + std::to_string(code) : reason;
+}
+
+}  // namespace
+
+bool Win32Files::Exists(const std::string& path) const {
+  const DWORD attributes = GetFileAttributesW(SystemPath(path).c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
+void Win32Files::ListFolder(const std::string& folder, const EachEntry& each) {
+  if (folder.empty()) return;  // would be the root
+  const std::wstring pattern = SystemPath(folder.ends_with('\\') ? folder + "*" : folder + "\\*");
+  WIN32_FIND_DATAW entry;
+  const FindHandle find(FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &entry,
+                                         FindExSearchNameMatch, nullptr,
+                                         FIND_FIRST_EX_LARGE_FETCH));
+  if (!find) return;
+  do {
+    const wchar_t* name = entry.cFileName;
+    if (std::wcscmp(name, L".") == 0 || std::wcscmp(name, L"..") == 0) continue;
+    if (!each(ToUtf8(name), (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)) return;
+  } while (FindNextFileW(find.Get(), &entry));
+}
+
+bool Win32Files::Read(const std::string& path, std::string& contents) {
+  contents.clear();
+  // Who else has it open, for writing or to delete it, is not disturbed.
+  const FileHandle file(CreateFileW(SystemPath(path).c_str(), GENERIC_READ,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+  if (!file) return false;
+  LARGE_INTEGER size = {};
+  if (GetFileSizeEx(file.Get(), &size)) contents.reserve(static_cast<std::size_t>(size.QuadPart));
+  // The size is a hint only: a file may grow meanwhile, and a device has none.
+  constexpr DWORD kStep = 1 << 16;
+  for (;;) {
+    const std::size_t had = contents.size();
+    contents.resize(had + kStep);
+    DWORD got = 0;
+    const bool done = !ReadFile(file.Get(), contents.data() + had, kStep, &got, nullptr);
+    contents.resize(had + got);
+    if (done) return false;
+    if (got == 0) return true;
+  }
+}
+
+std::string Win32Files::FromCodePage(const std::string& bytes) const {
+  // Where the system is set to UTF-8, what is no UTF-8 comes from times before that.
+  constexpr UINT kWestern = 1252;
+  const UINT codePage = GetACP() == CP_UTF8 ? kWestern : CP_ACP;
+  const int size = static_cast<int>(bytes.size());
+  const int length = MultiByteToWideChar(codePage, 0, bytes.data(), size, nullptr, 0);
+  std::wstring wide(static_cast<std::size_t>(length), L'\0');
+  MultiByteToWideChar(codePage, 0, bytes.data(), size, wide.data(), length);
+  return ToUtf8(wide);
+}
+
+std::string Win32Files::Copy(const std::string& from, const std::string& to) {
+  return CopyFileW(SystemPath(from).c_str(), SystemPath(to).c_str(), FALSE) ? "" : Reason();
+}
+
+std::string Win32Files::Remove(const std::string& path) {
+  return DeleteFileW(SystemPath(path).c_str()) ? "" : Reason();
+}
+
+bool Win32Files::Append(const std::string& path, const std::string& bytes) {
+  const FileHandle file(CreateFileW(SystemPath(path).c_str(), FILE_APPEND_DATA,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr));
+  if (!file) return false;
+  DWORD written = 0;
+  return WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
+         written == bytes.size();
+}
+
+}  // namespace orvanto::win32

@@ -1,0 +1,19 @@
+// The file system, with paths of any length.
+#pragma once
+
+#include "platform/Files.h"
+
+namespace orvanto::win32 {
+
+class Win32Files : public Files {
+ public:
+  bool Exists(const std::string& path) const override;
+  void ListFolder(const std::string& folder, const EachEntry& each) override;
+  bool Read(const std::string& path, std::string& contents) override;
+  std::string FromCodePage(const std::string& bytes) const override;
+  std::string Copy(const std::string& from, const std::string& to) override;
+  std::string Remove(const std::string& path) override;
+  bool Append(const std::string& path, const std::string& bytes) override;
+};
+
+}  // namespace orvanto::win32

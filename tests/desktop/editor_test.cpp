@@ -1,0 +1,351 @@
+// The task editor and the about box, by mouse and by keyboard, and a second start of the program.
+#include <windows.h>
+
+#include <tlhelp32.h>
+
+#include <fstream>
+
+#include "tests/desktop/DesktopTest.h"
+
+namespace orvanto::desktop {
+namespace {
+
+constexpr const wchar_t* kNew = L"New Task";
+
+// The windows of one class on a form, in the order of the controls.
+std::vector<HWND> Children(HWND form, const wchar_t* windowClass) {
+  std::vector<HWND> found;
+  HWND child = nullptr;
+  while ((child = FindWindowExW(form, child, windowClass, nullptr)) != nullptr) {
+    found.push_back(child);
+  }
+  return found;
+}
+
+struct Editor {
+  explicit Editor(HWND form)
+      : window(form), texts(Children(form, L"Edit")), lists(Children(form, L"ComboBox")) {
+    if (texts.size() != 9 || lists.size() != 4) throw std::runtime_error("not the editor");
+  }
+  HWND Name() const { return texts[0]; }
+  HWND First() const { return texts[1]; }
+  HWND Second() const { return texts[2]; }
+  HWND Hour() const { return texts[3]; }
+  HWND Minute() const { return texts[4]; }
+  HWND Day() const { return texts[8]; }
+  HWND Group() const { return lists[0]; }
+  HWND Style() const { return lists[1]; }
+
+  HWND window;
+  std::vector<HWND> texts;
+  std::vector<HWND> lists;
+};
+
+void Enter(HWND text, const std::wstring& entry) {
+  SendMessageW(text, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(entry.c_str()));
+}
+
+HWND TopLevelBox(const RunningProgram& program, const std::wstring& title) {
+  const HWND box = program.Box();
+  return box != nullptr && TextOf(box) == title ? box : nullptr;
+}
+
+// The process that another has started from this program, or 0.
+DWORD ChildProcess(DWORD parent, const wchar_t* program) {
+  const win32::Handle<HANDLE, CloseHandle, -1> all(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+  PROCESSENTRY32W entry = {};
+  entry.dwSize = sizeof entry;
+  for (BOOL any = Process32FirstW(all.Get(), &entry); any;
+       any = Process32NextW(all.Get(), &entry)) {
+    if (entry.th32ParentProcessID == parent && lstrcmpiW(entry.szExeFile, program) == 0) {
+      return entry.th32ProcessID;
+    }
+  }
+  return 0;
+}
+
+using Values = std::vector<std::pair<const wchar_t*, std::wstring>>;
+
+class EditorDesktopTest : public DesktopTest {
+ protected:
+  static void ExpectStored(const std::wstring& task, const Values& values) {
+    for (const auto& [name, value] : values) {
+      EXPECT_EQ(Stored(task, name), value) << std::string(name, name + wcslen(name));
+    }
+  }
+
+  static Editor OpenNew(const RunningProgram& program) {
+    program.Press(L"&New Task");
+    return Editor(program.InFront(kNew));
+  }
+
+  static bool BackInMain(const RunningProgram& program) {
+    const HWND main = program.MainWindow();
+    return WaitFor([&] { return IsWindowVisible(main) && GetForegroundWindow() == main; });
+  }
+};
+
+TEST_F(EditorDesktopTest, MouseMakesATask) {
+  const RunningProgram program;
+  ASSERT_NE(program.MainWindow(), nullptr);
+  const Editor editor = OpenNew(program);
+  EXPECT_FALSE(IsWindowVisible(program.MainWindow()));
+  EXPECT_NE(GetWindowLongPtrW(editor.window, GWL_EXSTYLE) & WS_EX_APPWINDOW, 0)
+      << "it stands in for the main window in the task bar";
+
+  // Refused, with everything still there.
+  Enter(editor.Name(), L"Mouse made");
+  Enter(editor.First(), L"C:\\no such.exe");
+  RunningProgram::Press(editor.window, L"&Save");
+  ASSERT_TRUE(WaitFor([&] { return TopLevelBox(program, L"Orvanto") != nullptr; }));
+  const HWND box = program.Box();
+  EXPECT_EQ(TextOf(GetDlgItem(box, 0xFFFF)), L"File does not exist");
+  EXPECT_EQ(GetWindow(box, GW_OWNER), editor.window);
+  EXPECT_FALSE(IsWindowEnabled(editor.window));
+  PostMessageW(box, WM_COMMAND, IDOK, 0);
+  ASSERT_TRUE(WaitFor([&] { return IsWindowEnabled(editor.window) != 0; }));
+  EXPECT_EQ(TextOf(editor.Name()), L"Mouse made");
+  EXPECT_EQ(TextOf(editor.First()), L"C:\\no such.exe");
+
+  Enter(editor.First(), L"C:\\windows\\notepad.exe");
+  Enter(editor.Second(), L"C:\\a b.txt");
+  // What the open list does when its second line is clicked.
+  SendMessageW(editor.Style(), CB_SETCURSEL, 1, 0);
+  SendMessageW(editor.window, WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(editor.Style()), CBN_SELCHANGE),
+               reinterpret_cast<LPARAM>(editor.Style()));
+  Enter(editor.Hour(), L"7");
+  Enter(editor.Minute(), L"05");
+  EXPECT_EQ(SendMessageW(editor.Minute(), EM_GETLIMITTEXT, 0, 0), 2);
+  EXPECT_FALSE(IsWindowEnabled(editor.Day()));
+  RunningProgram::Press(editor.window, L"&Every month, on this day number:");
+  ASSERT_TRUE(WaitFor([&] { return IsWindowEnabled(editor.Day()) != 0; }));
+  PostMessageW(editor.Day(), WM_KEYDOWN, VK_UP, 0);
+  ASSERT_TRUE(WaitFor([&] { return TextOf(editor.Day()) == L"2"; }));
+  // The upper of the two arrows.
+  const HWND arrows = Children(editor.window, UPDOWN_CLASSW).at(0);
+  PostMessageW(arrows, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(3, 3));
+  PostMessageW(arrows, WM_LBUTTONUP, 0, MAKELPARAM(3, 3));
+  ASSERT_TRUE(WaitFor([&] { return TextOf(editor.Day()) == L"3"; })) << TextOf(editor.Day()).size();
+  RunningProgram::Press(editor.window, L"&Save");
+  ASSERT_TRUE(BackInMain(program));
+  ExpectStored(L"Mouse made", {{L"Group", L"General"},
+                               {L"TaskType", L"2"},
+                               {L"Path", L"C:\\windows\\notepad.exe"},
+                               {L"CmdLine", L"C:\\a b.txt"},
+                               {L"WinStyle", L"2"},
+                               {L"TimeHour", L"07"},
+                               {L"TimeMinute", L"05"},
+                               {L"TimeType", L"3"},
+                               {L"DayNo", L"3"}});
+  const auto lines = program.Tree();
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_EQ(lines[1].text.substr(0, 10), L"Mouse made");
+  Exit(program);
+}
+
+// Nothing but keys, from the first task to its end.
+TEST_F(EditorDesktopTest, KeysDoEverything) {
+  const RunningProgram program;
+  ASSERT_TRUE(BackInMain(program));
+  PressWith(VK_MENU, 'N');
+  ASSERT_NE(program.InFront(kNew), nullptr);
+  TypeText(L"Typed");
+  PressKeys({VK_TAB});
+  TypeText(L"Home");  // replaces the group that was selected on the way in
+  PressKeys({VK_TAB, VK_DOWN, VK_DOWN, VK_DOWN, VK_DOWN, VK_TAB});  // from program to message
+  TypeText(L"Tea is ready");
+  PressKeys({VK_TAB});
+  TypeText(L"23");
+  PressKeys({VK_TAB});
+  TypeText(L"59");
+  PressKeys({VK_TAB, VK_TAB, VK_DOWN});           // past Now, from once to recurring
+  PressKeys({VK_TAB, VK_DOWN, VK_TAB, VK_DOWN});  // past the dates: they are disabled
+  PressKeys({VK_DOWN, VK_RETURN});
+  ASSERT_TRUE(BackInMain(program));
+  const Values values = {{L"TaskType", L"6"},    {L"Path", L"Tea is ready"}, {L"TimeHour", L"23"},
+                         {L"TimeMinute", L"59"}, {L"TimeType", L"2"},        {L"Every", L"2"},
+                         {L"In", L"3"},          {L"Group", L"Home"}};
+  ExpectStored(L"Typed", values);
+
+  // The tree: the first Down chooses the first line, which is the group.
+  PressWith(VK_SHIFT, VK_TAB);
+  PressKeys({VK_DOWN, VK_DOWN});
+  ASSERT_TRUE(WaitFor([&] { return IsWindowEnabled(program.Button(L"&Edit Task")) != 0; }));
+  PressWith(VK_MENU, 'E');
+  ASSERT_NE(program.InFront(L"Edit Task - Typed"), nullptr);
+  TypeText(L"Renamed");
+  PressKeys({VK_TAB});
+  PressKeys({VK_RETURN});  // from the group's list
+  ASSERT_TRUE(BackInMain(program));
+  ExpectStored(L"Renamed", values);
+  ExpectStored(L"General", {{L"NoTasks", L"1"}, {L"Task1", L"Renamed"}});
+
+  // Edit Task has been disabled with the selection gone, and the focus is on the tree again.
+  PressKeys({VK_DOWN, VK_DOWN});
+  ASSERT_TRUE(WaitFor([&] { return IsWindowEnabled(program.Button(L"&Run Task")) != 0; }));
+  PressWith(VK_MENU, 'R');
+  ASSERT_TRUE(WaitFor([&] { return program.Box() != nullptr; }));
+  EXPECT_EQ(TextOf(GetDlgItem(program.Box(), 0xFFFF)), L"Tea is ready");
+  ASSERT_TRUE(WaitFor([&] { return GetForegroundWindow() == program.Box(); }));
+  PressKeys({VK_RETURN});
+  ASSERT_TRUE(BackInMain(program));
+  // By the menu, from the tree: Alt alone, then Tasks, Delete.
+  for (int i = 0; i < 4; ++i) PressWith(VK_SHIFT, VK_TAB);
+  PressKeys({VK_MENU, 'T'});
+  ASSERT_TRUE(WaitFor([&] { return !TopLevel(program.Id(), L"#32768").empty(); }));
+  PressKeys({VK_DOWN, VK_RETURN});
+  ASSERT_TRUE(WaitFor([&] { return program.Tree().empty(); }));
+  EXPECT_EQ(Stored(L"General", L"NoTasks"), L"0");
+
+  // Esc leaves the editor, from a list too, and a list first.
+  PressWith(VK_MENU, 'N');
+  const HWND window = program.InFront(kNew);
+  ASSERT_NE(window, nullptr);
+  const Editor editor(window);
+  const auto isOpen = [&] { return SendMessageW(editor.Group(), CB_GETDROPPEDSTATE, 0, 0) != 0; };
+  PressKeys({VK_TAB});
+  PressWith(VK_MENU, VK_DOWN);
+  ASSERT_TRUE(WaitFor(isOpen));
+  PressKeys({VK_ESCAPE});
+  ASSERT_TRUE(WaitFor([&] { return !isOpen(); }));
+  EXPECT_TRUE(IsWindowVisible(window));
+  PressKeys({VK_ESCAPE});
+  EXPECT_TRUE(BackInMain(program));
+  PressWith(VK_MENU, 'X');
+  DWORD code = 1;
+  EXPECT_TRUE(program.WaitForEnd(code));
+}
+
+TEST_F(EditorDesktopTest, BrowsesForAFile) {
+  const std::wstring file = TemporaryFile(L"orvanto-browse.exe");
+  std::ofstream(file.c_str()) << "x";
+  const RunningProgram program;
+  ASSERT_NE(program.MainWindow(), nullptr);
+  const Editor editor = OpenNew(program);
+  // Once given up, once with a name.
+  for (const bool choose : {false, true}) {
+    SCOPED_TRACE(choose);
+    RunningProgram::Press(editor.window, L"&Browse");
+    ASSERT_TRUE(WaitFor([&] {
+      const HWND dialog = TopLevelBox(program, L"Select File");
+      return dialog != nullptr && GetForegroundWindow() == dialog;
+    }));
+    EXPECT_EQ(GetWindow(program.Box(), GW_OWNER), editor.window);
+    EXPECT_FALSE(IsWindowEnabled(editor.window));
+    if (choose) {
+      TypeText(file);
+      PressKeys({VK_RETURN});
+    } else {
+      PressKeys({VK_ESCAPE});
+    }
+    ASSERT_TRUE(WaitFor([&] { return program.Box() == nullptr; }));
+    EXPECT_TRUE(WaitFor([&] { return IsWindowEnabled(editor.window) != 0; }));
+    EXPECT_TRUE(WaitFor([&] { return TextOf(editor.First()) == (choose ? file : L""); }));
+  }
+  DeleteFileW(file.c_str());
+  RunningProgram::Press(editor.window, L"&Cancel");
+  EXPECT_TRUE(BackInMain(program));
+}
+
+TEST_F(EditorDesktopTest, AboutBoxStartsTheSystemsTool) {
+  const RunningProgram program;
+  ASSERT_NE(program.MainWindow(), nullptr);
+  program.Press(L"&About");
+  const HWND about = program.InFront(L"About Orvanto");
+  ASSERT_NE(about, nullptr);
+  RunningProgram::Press(about, L"&System Info...");
+  DWORD tool = 0;
+  EXPECT_TRUE(WaitFor([&] { return (tool = ChildProcess(program.Id(), L"msinfo32.exe")) != 0; }));
+  const win32::Handle<HANDLE, CloseHandle> started(OpenProcess(PROCESS_TERMINATE, FALSE, tool));
+  TerminateProcess(started.Get(), 0);
+  RunningProgram::Press(about, L"&OK");
+  ASSERT_TRUE(WaitFor([&] { return IsWindowVisible(program.MainWindow()) != 0; }));
+  EXPECT_EQ(program.Box(), nullptr);
+  EXPECT_FALSE(IsWindow(about) && IsWindowVisible(about));
+  Exit(program);
+}
+
+TEST_F(EditorDesktopTest, ASecondStartShowsTheFirst) {
+  const std::wstring again = L"\"" + Beside(L"orvanto.exe") + L"\"";
+  const RunningProgram program;
+  const HWND main = program.MainWindow();
+  ASSERT_TRUE(BackInMain(program));
+  program.Press(L"&System Tray");
+  ASSERT_TRUE(WaitFor([&] { return !IsWindowVisible(main); }));
+  EXPECT_EQ(RunToEnd(again + L" InVisible"), 0);
+  EXPECT_FALSE(WaitFor([&] { return IsWindowVisible(main) != 0; }, std::chrono::milliseconds(300)));
+  EXPECT_EQ(RunToEnd(again), 0);
+  EXPECT_TRUE(BackInMain(program));
+
+  ShowWindow(main, SW_MINIMIZE);
+  ASSERT_TRUE(WaitFor([&] { return IsIconic(main) != 0; }));
+  EXPECT_EQ(RunToEnd(again), 0);
+  EXPECT_TRUE(WaitFor([&] { return !IsIconic(main); }));
+  EXPECT_TRUE(BackInMain(program));
+
+  // The open editor comes, not the main window behind it.
+  const Editor editor = OpenNew(program);
+  ShowWindow(editor.window, SW_MINIMIZE);
+  EXPECT_EQ(RunToEnd(again), 0);
+  EXPECT_EQ(program.InFront(kNew), editor.window);
+  EXPECT_FALSE(IsIconic(editor.window));
+  EXPECT_FALSE(IsWindowVisible(main));
+}
+
+TEST_F(EditorDesktopTest, OpeningsLeaveNothingBehind) {
+  const RunningProgram program;
+  const HWND open = program.Button(L"&New Task");
+  ASSERT_NE(open, nullptr);
+  const auto editorWindow = [&]() -> HWND {
+    for (const HWND window : TopLevel(program.Id(), L"OrvantoForm")) {
+      if (IsWindowVisible(window) && TextOf(window) == kNew) return window;
+    }
+    return nullptr;
+  };
+  const auto openAndCancel = [&](int times) {
+    for (int i = 0; i < times; ++i) {
+      SendMessageW(open, BM_CLICK, 0, 0);  // has it open when it returns
+      const HWND window = editorWindow();
+      if (window == nullptr) return false;
+      SendMessageW(RunningProgram::Button(window, L"&Cancel"), BM_CLICK, 0, 0);
+      if (!WaitFor([&] { return !IsWindow(window); })) return false;
+    }
+    return true;
+  };
+  ASSERT_TRUE(openAndCancel(20));  // whatever is made once and kept
+  const GuiObjects before = program.CountGuiObjects();
+  EXPECT_GT(before.gdi, 0u);
+  EXPECT_GT(before.user, 20u);
+  constexpr int kOpenings = 200;
+  ASSERT_TRUE(openAndCancel(kOpenings));
+  // Wine keeps device contexts once made, a window's worth now and then; one object lost with each
+  // opening is well above that.
+  const DWORD slack = before.exact ? 0 : kOpenings - 1;
+  GuiObjects after = {};
+  const auto settled = [&] {
+    after = program.CountGuiObjects();
+    return after.gdi <= before.gdi + slack && after.user == before.user;
+  };
+  EXPECT_TRUE(WaitFor(settled, std::chrono::seconds(2)))
+      << "GDI " << before.gdi << " to " << after.gdi << ", USER " << before.user << " to "
+      << after.user;
+  Exit(program);
+}
+
+TEST_F(EditorDesktopTest, TheSessionEndsWithTheEditorOpen) {
+  const RunningProgram program;
+  ASSERT_NE(program.MainWindow(), nullptr);
+  const Editor editor = OpenNew(program);
+  EXPECT_EQ(Stored(L"General", L"OnTop"), L"");
+  EXPECT_EQ(SendMessageW(editor.window, WM_QUERYENDSESSION, 0, 0), TRUE);
+  for (const HWND window : TopLevel(program.Id(), L"OrvantoLoop")) {
+    SendMessageW(window, WM_ENDSESSION, TRUE, 0);
+  }
+  EXPECT_EQ(Stored(L"General", L"OnTop"), L"0");
+  DWORD code = 1;
+  ASSERT_TRUE(program.WaitForEnd(code));
+  EXPECT_EQ(code, 0u);
+}
+
+}  // namespace
+}  // namespace orvanto::desktop

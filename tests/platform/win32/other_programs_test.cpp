@@ -1,0 +1,405 @@
+// What scripts do to the rest of the desktop: Notepad is the other program.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <future>
+#include <iterator>
+#include <thread>
+
+#include "platform/win32/Handle.h"
+#include "platform/win32/Services.h"
+#include "platform/win32/Text.h"
+#include "platform/win32/Win32Clipboard.h"
+#include "platform/win32/Win32Desktop.h"
+#include "platform/win32/Win32Keyboard.h"
+#include "platform/win32/Win32Process.h"
+#include "platform/win32/Win32Session.h"
+#include "tests/desktop/RunningProgram.h"
+
+namespace orvanto::win32 {
+namespace {
+
+using desktop::TextOf;
+using desktop::WaitFor;
+using std::chrono::milliseconds;
+
+class Notepad {
+ public:
+  Notepad() : process_(StartProcess("notepad.exe", ShowCommand::Normal)) {
+    WaitFor([this] {
+      for (const HWND window : desktop::TopLevel(GetProcessId(process_.Get()), L"Notepad")) {
+        window_ = window;
+      }
+      return window_ != nullptr && IsWindowVisible(window_) && Edit() != nullptr;
+    });
+  }
+  ~Notepad() { Kill(); }
+
+  void Kill() const {
+    TerminateProcess(process_.Get(), 0);
+    WaitForSingleObject(process_.Get(), 5000);
+  }
+  HWND Window() const { return window_; }
+  Desktop::Window Handle() const { return reinterpret_cast<Desktop::Window>(window_); }
+  HWND Edit() const { return FindWindowExW(window_, nullptr, L"Edit", nullptr); }
+  void Focus() const {
+    Win32Desktop desktop;
+    desktop.BringToTop(Handle());
+    desktop.Show(Handle(), ShowCommand::Normal);
+    WaitFor([this] { return GetForegroundWindow() == window_; });
+  }
+
+ private:
+  ProcessHandle process_;
+  HWND window_ = nullptr;
+};
+
+using Keys = std::vector<KeyEvent>;
+using Action = KeyEvent::Action;
+
+Keys Press(Key key, std::uint32_t count = 1) { return {{Action::Press, key, 0, count}}; }
+Keys Press(char32_t character, std::uint32_t count) {
+  return {{Action::Press, Key::Character, character, count}};
+}
+Keys Text(std::u32string_view text) {
+  Keys keys;
+  for (const char32_t c : text) keys.push_back({Action::Press, Key::Character, c, 1});
+  return keys;
+}
+Keys operator+(Keys one, const Keys& other) {
+  one.insert(one.end(), other.begin(), other.end());
+  return one;
+}
+Keys With(Key modifier, const Keys& keys) {
+  return Keys{{Action::Hold, modifier, 0, 1}} + keys + Keys{{Action::Release, modifier, 0, 1}};
+}
+
+bool AnyModifierDown() {
+  return std::ranges::any_of(std::initializer_list<int>{VK_SHIFT, VK_CONTROL, VK_MENU},
+                             [](int key) { return GetAsyncKeyState(key) < 0; });
+}
+
+TEST(Win32Keyboard, NotepadHoldsExactlyWhatWasTyped) {
+  std::u32string lines;
+  for (int i = 0; i < 10; ++i) lines += U"The quick brown fox, jumps over 13 LAZY dogs. ";
+  const struct {
+    const char* name;
+    Keys keys;
+    std::wstring text;
+  } cases[] = {
+      {"signs of all kinds",
+       Text(U"Hi, WORLD! 1+1=2; {[(~^%&|\\<>@#$\"'`?)]} \u00e4\u00d6\u00df\u20ac"),
+       L"Hi, WORLD! 1+1=2; {[(~^%&|\\<>@#$\"'`?)]} \u00e4\u00d6\u00df\u20ac"},
+      {"beyond 16 bits", Text(U"a\U0001F552b"), L"a\U0001F552b"},
+      {"several pieces", Text(lines), std::wstring(lines.begin(), lines.end())},
+      {"lines",
+       Text(U"a") + Press(Key::Enter) + Text(U"b\rc\nd\r\ne") + Press(Key::Tab) + Text(U"\tf"),
+       L"a\r\nb\r\nc\r\nd\r\ne\t\tf"},
+      {"shortcut", Text(U"old") + With(Key::Control, Text(U"a")) + Text(U"new"), L"new"},
+      {"selection", Text(U"abcdef") + With(Key::Shift, Press(Key::Left, 3)) + Text(U"X"), L"abcX"},
+      {"two modifiers",
+       Text(U"one two") + With(Key::Control, With(Key::Shift, Press(Key::Left))) + Text(U"X"),
+       L"one X"},
+      {"Shift by the layout", With(Key::Shift, Text(U"abC1")) + Text(U"d"), L"ABC!d"},
+      {"Shift without such a key", With(Key::Shift, Text(U"\u4e2d")), L"\u4e2d"},
+      {"named keys",
+       Text(U"abc") + Press(Key::Home) + Press(Key::Delete) + Press(Key::End) +
+           Press(Key::Backspace) + Press(Key::Left) + Press(Key::Add) + Press(Key::Divide),
+       L"+/b"},
+      {"repeats", Press(U'h', 10) + Press(Key::Left, 4) + Press(U'x', 0) + Press(Key::Delete, 3),
+       L"hhhhhhh"},
+  };
+  const Notepad notepad;
+  ASSERT_NE(notepad.Edit(), nullptr);
+  notepad.Focus();
+  Win32Keyboard keyboard;
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.name);
+    SendMessageW(notepad.Edit(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L""));
+    keyboard.Type(each.keys);
+    EXPECT_FALSE(AnyModifierDown());
+    WaitFor([&] { return TextOf(notepad.Edit()) == each.text; }, milliseconds(5000));
+    EXPECT_EQ(ToUtf8(TextOf(notepad.Edit())), ToUtf8(each.text));
+  }
+}
+
+std::string pressed;  // what the system was given: "+" or "-", virtual key, "*" for an extended one
+
+LRESULT CALLBACK NotePressed(int, WPARAM message, LPARAM address) {
+  const auto& key = *reinterpret_cast<const KBDLLHOOKSTRUCT*>(address);
+  DWORD code = key.vkCode;
+  if (code >= VK_LSHIFT && code <= VK_RMENU) code = VK_SHIFT + (code - VK_LSHIFT) / 2;
+  char text[32];
+  std::snprintf(text, sizeof text, "%c%02lx%s%s ",
+                message == WM_KEYUP || message == WM_SYSKEYUP ? '-' : '+', code,
+                (key.flags & LLKHF_EXTENDED) ? "*" : "", key.scanCode == 0 ? " without code" : "");
+  pressed += text;
+  return 1;  // no window gets it
+}
+
+TEST(Win32Keyboard, PressesTheKeysOfTheKeyboard) {
+  const struct {
+    Keys keys;
+    const char* pressed;
+  } cases[] = {
+      {With(Key::Control, Text(U"aA")), "+11 +41 -41 +10 +41 -41 -10 -11 "},
+      {With(Key::Shift, Text(U"A")), "+10 +41 -41 -10 "},
+      {With(Key::Alt, Press(Key::Left)) + Press(Key::Alt), "+12 +25* -25* -12 +12 -12 "},
+      {Text(U"a"), "+e7 -e7 "},
+      {With(Key::Control, Text(U"\u4e2d")), "+11 +e7 -e7 -11 "},
+      {Press(Key::Break) + Press(Key::PrintScreen) + Press(Key::NumLock),
+       "+03* -03* +2c* -2c* +90* -90* "},
+      {Press(Key::F1) + Press(static_cast<Key>(static_cast<int>(Key::F1) + 11)),
+       "+70 -70 +7b -7b "},
+  };
+  const Handle<HHOOK, UnhookWindowsHookEx> hook(
+      SetWindowsHookExW(WH_KEYBOARD_LL, NotePressed, GetModuleHandleW(nullptr), 0));
+  ASSERT_TRUE(hook);
+  for (const auto& each : cases) {
+    pressed.clear();
+    MSG message;  // a thread that has not asked for messages for long is not called
+    PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
+    Win32Keyboard().Type(each.keys);
+    EXPECT_EQ(pressed, each.pressed);
+  }
+}
+
+TEST(Win32Keyboard, GivesUpOnAWindowThatHangs) {
+  const Notepad notepad;
+  notepad.Focus();
+  const Handle<HANDLE, CloseHandle> thread(OpenThread(
+      THREAD_SUSPEND_RESUME, FALSE, GetWindowThreadProcessId(notepad.Window(), nullptr)));
+  ASSERT_EQ(SuspendThread(thread.Get()), 0u);
+  const ULONGLONG began = GetTickCount64();
+  Win32Keyboard().Type(With(Key::Control, With(Key::Shift, Press(Key::F16, 1000))));
+  EXPECT_LT(GetTickCount64() - began, 8000u);
+  EXPECT_FALSE(AnyModifierDown());
+}
+
+TEST(Win32Keyboard, LetsGoOfWhatTheUserHolds) {
+  const Notepad notepad;
+  notepad.Focus();
+  Win32Keyboard keyboard;
+  keyboard.Type(Text(U"abc"));
+  ASSERT_TRUE(WaitFor([&] { return TextOf(notepad.Edit()) == L"abc"; }));
+  for (const WORD key : {WORD{VK_LSHIFT}, WORD{VK_RCONTROL}, WORD{VK_LMENU}}) {
+    INPUT input = {};
+    input.type = INPUT_KEYBOARD;
+    input.ki.wVk = key;
+    SendInput(1, &input, sizeof input);
+  }
+  ASSERT_TRUE(WaitFor(AnyModifierDown));
+  keyboard.Type(Press(Key::Home) + Text(U"X"));
+  EXPECT_FALSE(AnyModifierDown());
+  EXPECT_TRUE(WaitFor([&] { return TextOf(notepad.Edit()) == L"Xabc"; }));
+}
+
+TEST(Win32Keyboard, NothingStaysDownWhenTheWindowDiesMeanwhile) {
+  const Notepad notepad;
+  notepad.Focus();
+  std::atomic<bool> typing = true;
+  bool killedMeanwhile = false;
+  std::jthread killer([&] {
+    WaitFor([&] { return TextOf(notepad.Edit()) == L"x"; });
+    notepad.Kill();
+    killedMeanwhile = typing;
+  });
+  Win32Keyboard().Type(Text(U"x") + With(Key::Control, With(Key::Shift, Press(Key::F16, 2000))));
+  typing = false;
+  killer.join();
+  EXPECT_TRUE(killedMeanwhile);
+  EXPECT_FALSE(AnyModifierDown());
+}
+
+TEST(Win32Desktop, SeesAndMovesOtherWindows) {
+  const Notepad one;
+  const Notepad other;
+  Win32Desktop desktop;
+  std::wstring title(400, L'\u00e4');
+  title += L" \U0001F552 - Notepad";
+  SetWindowTextW(one.Window(), title.c_str());
+  EXPECT_EQ(desktop.Title(one.Handle()), ToUtf8(title));
+
+  const auto isAbove = [&](const Notepad& upper, const Notepad& lower) {
+    const auto windows = desktop.TopLevelWindows();
+    const auto place = std::ranges::find(windows, upper.Handle());
+    return place != windows.end() &&
+           std::find(place, windows.end(), lower.Handle()) != windows.end();
+  };
+  ASSERT_TRUE(WaitFor([&] { return GetForegroundWindow() == other.Window(); })) << "has come up";
+  desktop.BringToTop(one.Handle());
+  EXPECT_TRUE(WaitFor([&] { return isAbove(one, other); }));
+  desktop.BringToTop(other.Handle());
+  EXPECT_TRUE(WaitFor([&] { return isAbove(other, one); }));
+  EXPECT_TRUE(WaitFor([&] { return GetForegroundWindow() == other.Window(); }));
+
+  desktop.Show(one.Handle(), ShowCommand::Minimized);
+  EXPECT_TRUE(WaitFor([&] { return IsIconic(one.Window()); }));
+  desktop.Show(one.Handle(), ShowCommand::Maximized);
+  EXPECT_TRUE(WaitFor([&] { return IsZoomed(one.Window()); }));
+  desktop.Show(one.Handle(), ShowCommand::Normal);
+  EXPECT_TRUE(WaitFor([&] { return !IsZoomed(one.Window()) && !IsIconic(one.Window()); }));
+  desktop.Show(one.Handle(), ShowCommand::Hide);
+  EXPECT_TRUE(WaitFor([&] { return !IsWindowVisible(one.Window()); }));
+  EXPECT_TRUE(isAbove(one, one)) << "hidden windows are windows too";
+
+  desktop.Send(other.Handle(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"renamed"));
+  EXPECT_EQ(desktop.Title(other.Handle()), "renamed");
+  other.Kill();
+  ASSERT_TRUE(WaitFor([&] { return !IsWindow(other.Window()); }));
+  desktop.BringToTop(other.Handle());
+  desktop.Show(other.Handle(), ShowCommand::Normal);
+  desktop.Send(other.Handle(), WM_CLOSE, 0, 0);
+  EXPECT_EQ(desktop.Title(other.Handle()), "");
+}
+
+// One of our own process hangs as well as another program's, and would hang who asks it for its
+// title by a message.
+TEST(Win32Desktop, DoesNotWaitForAWindowThatHangs) {
+  std::promise<HWND> made;
+  std::promise<void> release;
+  std::jthread hanging([&] {
+    const HWND window = CreateWindowExW(0, L"STATIC", L"I hang", WS_OVERLAPPEDWINDOW | WS_VISIBLE,
+                                        0, 0, 300, 100, nullptr, nullptr, nullptr, nullptr);
+    made.set_value(window);
+    release.get_future().wait();
+    DestroyWindow(window);
+  });
+  const auto window = reinterpret_cast<Desktop::Window>(made.get_future().get());
+  Win32Desktop desktop;
+  const ULONGLONG began = GetTickCount64();
+  EXPECT_EQ(desktop.Title(window), "I hang");
+  EXPECT_LT(GetTickCount64() - began, 1000u);
+  desktop.Send(window, WM_CLOSE, 0, 0);
+  desktop.BringToTop(window);
+  desktop.Show(window, ShowCommand::Minimized);
+  EXPECT_LT(GetTickCount64() - began, 12000u);
+  release.set_value();
+}
+
+std::wstring ClipboardText() {
+  if (!OpenClipboard(nullptr)) return L"(kept)";
+  std::wstring text = L"(none)";
+  if (const HANDLE data = GetClipboardData(CF_UNICODETEXT)) {
+    text = static_cast<const wchar_t*>(GlobalLock(data));
+    GlobalUnlock(data);
+  }
+  CloseClipboard();
+  return text;
+}
+
+TEST(Win32Clipboard, HoldsTheText) {
+  Win32Clipboard clipboard;
+  for (const wchar_t* text : {L"one\r\ntwo\nthree \u00e4\U0001F552", L""}) {
+    EXPECT_TRUE(clipboard.SetText(ToUtf8(text)));
+    EXPECT_EQ(ClipboardText(), text);
+  }
+}
+
+TEST(Win32Clipboard, WaitsForOthersButNotForEver) {
+  Win32Clipboard clipboard;
+  for (const auto& [time, taken] :
+       {std::pair{milliseconds(300), true}, {milliseconds(3000), false}}) {
+    std::promise<bool> opened;
+    std::promise<void> release;
+    std::jthread other([&] {
+      opened.set_value(OpenClipboard(nullptr));
+      release.get_future().wait_for(time);
+      CloseClipboard();
+    });
+    ASSERT_TRUE(opened.get_future().get());
+    EXPECT_EQ(clipboard.SetText("late"), taken);
+    release.set_value();
+  }
+}
+
+TEST(Win32Shell, StartAndWaitHoldsEverything) {
+  Win32Loop loop;
+  Win32FormHost forms(loop);
+  Win32Shell shell(loop, forms);
+  int ticks = 0;
+  int ticksInside = -1;
+  bool started = false;
+  bool minimized = false;
+  const auto timer = loop.NewTimer([&] { ++ticks; });
+  std::jthread person([&] {
+    HWND window = nullptr;
+    WaitFor([&] { return (window = FindWindowW(L"Notepad", nullptr)) != nullptr; });
+    minimized = WaitFor([&] { return IsIconic(window); });
+    PostMessageW(window, WM_CLOSE, 0, 0);
+  });
+  loop.Post([&] {
+    timer->Start(milliseconds(10));
+    started = shell.StartAndWait("notepad.exe", ShowCommand::Minimized);
+    ticksInside = ticks;
+    EXPECT_EQ(FindWindowW(L"Notepad", nullptr), nullptr);
+    EXPECT_FALSE(shell.StartAndWait("no-such-program.exe", ShowCommand::Normal));
+    loop.Post([&] { loop.Quit(); });
+  });
+  loop.Run();
+  EXPECT_TRUE(started);
+  EXPECT_TRUE(minimized);
+  EXPECT_EQ(ticksInside, 0);
+}
+
+SIZE ScreenSize() { return {GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)}; }
+
+// In a desktop of its own: the test runs itself in there.
+TEST(Win32Session, ChangesTheResolution) {
+  if (GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") == nullptr) {
+    GTEST_SKIP() << "would change the screen that somebody looks at";
+  }
+  const std::wstring desktop = L"orvanto-resolution";
+  wchar_t name[64] = L"";
+  GetUserObjectInformationW(GetThreadDesktop(GetCurrentThreadId()), UOI_NAME, name, sizeof name,
+                            nullptr);
+  if (name != desktop) {
+    wchar_t program[1024];
+    wchar_t folder[MAX_PATH + 1];
+    GetModuleFileNameW(nullptr, program, 1024);
+    GetTempPathW(MAX_PATH + 1, folder);
+    const std::wstring report = std::wstring(folder) + L"orvanto-resolution.xml";
+    DeleteFileW(report.c_str());
+    const ProcessHandle explorer = StartProcess(
+        ToUtf8(L"explorer.exe /desktop=" + desktop + L",1280x800 \"" + program +
+               L"\" --gtest_filter=Win32Session.ChangesTheResolution --gtest_output=xml:" + report),
+        ShowCommand::Normal);
+    std::string text;
+    EXPECT_TRUE(WaitFor([&] {
+      std::ifstream in(ToUtf8(report));
+      text.assign(std::istreambuf_iterator(in), {});
+      return text.find("</testsuites>") != text.npos;
+    }));
+    if (WaitForSingleObject(explorer.Get(), 5000) != WAIT_OBJECT_0) {
+      TerminateProcess(explorer.Get(), 1);
+    }
+    EXPECT_NE(text.find("tests=\"1\" failures=\"0\" disabled=\"0\" errors=\"0\""), text.npos)
+        << text;
+    EXPECT_NE(text.find("status=\"run\""), text.npos) << text;
+    return;
+  }
+  const SIZE before = ScreenSize();
+  Win32Session session;
+  const auto changesTo = [&](int width, int height, LONG newWidth, LONG newHeight) {
+    session.ChangeResolution(width, height);
+    return WaitFor([&] { return ScreenSize().cx == newWidth && ScreenSize().cy == newHeight; },
+                   milliseconds(5000));
+  };
+  EXPECT_TRUE(changesTo(800, 600, 800, 600));
+  EXPECT_TRUE(changesTo(801, 17, 800, 600)) << "no such mode";
+  EXPECT_TRUE(changesTo(before.cx, before.cy, before.cx, before.cy));
+  DEVMODEW first = {};
+  first.dmSize = sizeof first;
+  ASSERT_TRUE(EnumDisplaySettingsW(nullptr, 0, &first));
+  EXPECT_TRUE(
+      changesTo(0, 0, static_cast<LONG>(first.dmPelsWidth), static_cast<LONG>(first.dmPelsHeight)));
+  EXPECT_TRUE(changesTo(before.cx, before.cy, before.cx, before.cy));
+}
+
+}  // namespace
+}  // namespace orvanto::win32
