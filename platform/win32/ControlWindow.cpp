@@ -108,6 +108,8 @@ class TextWindow : public ControlWindow {
     if (code == EN_CHANGE) box_.Type(WindowText(window_));
   }
 
+  bool OnEnter() override { return box_.PressEnter(); }
+
  private:
   static DWORD Style(const forms::TextBox& box) {
     DWORD style = box.GetStyle().multiLine ? ES_MULTILINE | ES_AUTOVSCROLL | WS_VSCROLL

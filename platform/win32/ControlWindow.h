@@ -38,6 +38,8 @@ class ControlWindow {
 
   // From the user to the control; may unload the form or run the loop.
   virtual void OnCommand(WORD /*code*/) {}
+  // The Enter key in it; true when that does something here.
+  virtual bool OnEnter() { return false; }
   // `person` is false while the report is only the echo of a change of our own.
   virtual LRESULT OnNotify(const NMHDR& /*header*/, bool /*person*/) { return 0; }
 

@@ -381,6 +381,10 @@ ControlWindow* FormWindow::Find(UINT id) const {
 // After the call of a handler nothing of the form is touched: it may be gone.
 void FormWindow::OnCommand(UINT id, WORD code) {
   if (mirroring_ > 0) return;
+  if (id == IDOK) {
+    ControlWindow* focus = Find(static_cast<UINT>(GetDlgCtrlID(GetFocus())));
+    if (focus != nullptr && focus->OnEnter()) return;
+  }
   if (id == IDOK && form_->defaultButton != nullptr) {
     form_->defaultButton->Press();
   } else if (id == IDCANCEL && form_->cancelButton != nullptr) {
