@@ -13,13 +13,13 @@ void BufferedSocket::Later(void (BufferedSocket::*work)()) {
 
 void BufferedSocket::Send(std::string_view bytes) {
   if (state_ != State::Connected || finishing_ || bytes.empty()) return;
-  int error = 0;
-  if (!WantsToSend()) {
+  // Until the system refuses: only then does every system tell when it can take more.
+  while (!WantsToSend() && !bytes.empty()) {
     const Moved moved = SystemSend(bytes.data(), bytes.size());
+    if (moved.error != 0) return Finish(moved.error);
+    if (moved.count == 0) break;
     bytes.remove_prefix(moved.count);
-    error = moved.error;
   }
-  if (error != 0) return Finish(error);
   if (unsent_.size() - sent_ + bytes.size() > kMostUnsent) {
     // The peer may go on sending, so this does not wait for its end.
     Finish(tooMuch_);

@@ -203,7 +203,7 @@ TEST_P(SocketContract, MuchArrivesWholeAndThenTheEnd) {
   };
   atServer.data.clear();
   client->onSendComplete();
-  ASSERT_TRUE(Until([&] { return atServer.Ended(); }));
+  EXPECT_TRUE(Until([&] { return atServer.Ended(); })) << sent;
   EXPECT_TRUE(atServer.data == all) << atServer.data.size();
   EXPECT_EQ(atServer.seen.back(), 'X');
   const std::string seen = atServer.seen;
