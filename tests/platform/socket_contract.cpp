@@ -314,8 +314,10 @@ TEST_P(SocketContract, AHoldKeepsEverythingUntilItsEnd) {
     client->Send("held");
     second->Connect(kHost, listener->LocalPort());
     Settle();
+    made_.systemLoop();
     client->Close();
     Settle();
+    made_.systemLoop();
     EXPECT_EQ(atServer.seen, "");
     EXPECT_EQ(requests, 0);
   }

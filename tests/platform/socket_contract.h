@@ -16,6 +16,8 @@ struct SocketsUnderTest {
   std::unique_ptr<EventLoop> loop;
   std::unique_ptr<SocketHost> host;
   std::function<std::size_t()> openHandles;  // of this process
+  // Handles what the system has for this thread, as its own loops do, in a message box say.
+  std::function<void()> systemLoop;
 };
 
 class SocketContract : public testing::TestWithParam<std::function<SocketsUnderTest()>> {

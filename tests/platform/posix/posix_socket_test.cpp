@@ -15,7 +15,7 @@ std::size_t OpenDescriptors() {
 SocketsUnderTest MakeSockets() {
   auto loop = std::make_unique<PosixLoop>();
   auto host = std::make_unique<PosixSocketHost>(*loop);
-  return {std::move(loop), std::move(host), OpenDescriptors};
+  return {std::move(loop), std::move(host), OpenDescriptors, [] {}};
 }
 
 INSTANTIATE_TEST_SUITE_P(Posix, SocketContract, testing::Values(MakeSockets));

@@ -16,10 +16,15 @@ std::size_t OpenHandles() {
   return count;
 }
 
+void HandleMessages() {
+  MSG message;
+  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+}
+
 SocketsUnderTest MakeSockets() {
   auto loop = std::make_unique<Win32Loop>();
   auto host = std::make_unique<Win32SocketHost>(*loop);
-  return {std::move(loop), std::move(host), OpenHandles};
+  return {std::move(loop), std::move(host), OpenHandles, HandleMessages};
 }
 
 INSTANTIATE_TEST_SUITE_P(Win32, SocketContract, testing::Values(MakeSockets));
