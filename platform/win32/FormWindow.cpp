@@ -326,6 +326,11 @@ LRESULT FormWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       TakeFocus();
       return 0;
     case DM_GETDEFID:
+      // Enter comes to this one as a command, as if it were a button that is pressed.
+      if (const int focus = GetDlgCtrlID(GetFocus());
+          const ControlWindow* window = Find(static_cast<UINT>(focus))) {
+        if (window->TakesEnter()) return MAKELRESULT(focus, DC_HASDEFID);
+      }
       for (const auto& window : controls_) {
         if (&window->GetControl() != form_->defaultButton) continue;
         return MAKELRESULT(GetDlgCtrlID(window->Get()), DC_HASDEFID);
@@ -381,10 +386,6 @@ ControlWindow* FormWindow::Find(UINT id) const {
 // After the call of a handler nothing of the form is touched: it may be gone.
 void FormWindow::OnCommand(UINT id, WORD code) {
   if (mirroring_ > 0) return;
-  if (id == IDOK) {
-    ControlWindow* focus = Find(static_cast<UINT>(GetDlgCtrlID(GetFocus())));
-    if (focus != nullptr && focus->OnEnter()) return;
-  }
   if (id == IDOK && form_->defaultButton != nullptr) {
     form_->defaultButton->Press();
   } else if (id == IDCANCEL && form_->cancelButton != nullptr) {
