@@ -44,7 +44,8 @@ class TcpSocket {
   // Queues the bytes; never blocks. Nothing happens without a connection.
   virtual void Send(std::string_view bytes) = 0;
 
-  // What has arrived since the last call.
+  // What has arrived since the last call; in onClosed and behind it too. While kMostPerArrival wait
+  // to be fetched, nothing more is read.
   virtual std::string GetData() = 0;
 
   // Ends everything at once; what is still queued is handed to the system if it takes it. No event

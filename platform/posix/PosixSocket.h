@@ -1,7 +1,8 @@
 // TCP sockets of a POSIX host, driven by the loop.
 #pragma once
 
-#include "platform/TcpSocket.h"
+#include "platform/BufferedSocket.h"
+#include "platform/posix/Descriptor.h"
 #include "platform/posix/PosixLoop.h"
 
 namespace orvanto::posix {
@@ -13,6 +14,7 @@ class PosixSocketHost : public SocketHost {
 
  private:
   PosixLoop& loop_;
+  ConnectionRequests<Descriptor> requests_;
 };
 
 }  // namespace orvanto::posix

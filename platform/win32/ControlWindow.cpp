@@ -111,7 +111,10 @@ class TextWindow : public ControlWindow {
 
   void OnCommand(WORD code) override {
     if (code == EN_CHANGE) box_.Type(WindowText(window_));
+    if (code == BN_CLICKED) box_.PressEnter();
   }
+
+  bool TakesEnter() const override { return box_.onEnter != nullptr; }
 
  private:
   static DWORD Style(const forms::TextBox& box) {
