@@ -207,6 +207,7 @@ ScriptCommands::Result ScriptCommands::Run(const Command& command, const std::st
 
 std::vector<std::string> ScriptCommands::Words() {
   std::vector<std::string> words;
+  words.reserve(kCommands.size());
   for (const Command& command : kCommands) words.emplace_back(command.word);
   return words;
 }

@@ -38,7 +38,7 @@ std::int16_t FileActions::FileAction(const std::string& givenPath, FileCode code
                                      const std::string& extra) {
   const std::string path = LowerCase(TrimBlanks(givenPath));
   const std::size_t slash = path.rfind('\\');
-  if (slash == path.npos || slash + 1 == path.size() || !files_.Exists(path)) return 0;
+  if (slash == std::string_view::npos || slash + 1 == path.size() || !files_.Exists(path)) return 0;
   const std::string name = path.substr(slash + 1);
   // The working folder "0" is what the program has always passed.
   switch (code) {

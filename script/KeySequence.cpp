@@ -133,14 +133,15 @@ class Parser {
   // {name}, {name count}: the name may itself be a closing brace.
   void Braced() {
     const std::size_t begin = at_ + 1;
-    const std::size_t end = begin < text_.size() ? text_.find('}', begin + 1) : text_.npos;
-    if (end == text_.npos) Fail("A brace is not closed");
+    const std::size_t end =
+        begin < text_.size() ? text_.find('}', begin + 1) : std::string_view::npos;
+    if (end == std::string_view::npos) Fail("A brace is not closed");
     std::string_view inside = text_.substr(begin, end - begin);
     at_ = end + 1;
 
     // The name goes to the first blank, but a blank may be the name.
     const std::size_t blank = inside.find(' ', 1);
-    const std::uint32_t count = blank == inside.npos ? 1 : Count(inside.substr(blank));
+    const std::uint32_t count = blank == std::string_view::npos ? 1 : Count(inside.substr(blank));
     const std::string_view name = inside.substr(0, blank);
     std::size_t length = 0;
     const char32_t character = Character(name, length);
@@ -154,7 +155,7 @@ class Parser {
   static std::uint32_t Count(std::string_view text) {
     const auto first = text.find_first_not_of(' ');
     const auto last = text.find_last_not_of(' ');
-    if (first == text.npos) Fail("A repeat count is missing");
+    if (first == std::string_view::npos) Fail("A repeat count is missing");
     std::uint32_t count = 0;
     for (const char digit : text.substr(first, last - first + 1)) {
       if (digit < '0' || digit > '9') Fail("A repeat count is no number");
@@ -170,7 +171,8 @@ class Parser {
       return;
     }
     // F1 to F16
-    const bool digits = name.size() <= 3 && name.find_first_not_of("0123456789", 1) == name.npos;
+    const bool digits =
+        name.size() <= 3 && name.find_first_not_of("0123456789", 1) == std::string_view::npos;
     const std::int16_t number = digits ? ToInt16Or(name.substr(1), 0) : std::int16_t{0};
     if ((name[0] != 'F' && name[0] != 'f') || name[1] == '0' || number < 1 || number > 16) {
       Fail("There is no such key");

@@ -6,7 +6,7 @@ namespace orvanto {
 
 void ReadCommandWord(std::string_view line, std::string& word) {
   const std::size_t parenthesis = line.find('(');
-  if (parenthesis == line.npos) return;
+  if (parenthesis == std::string_view::npos) return;
   word.assign(line.substr(0, parenthesis));
   for (char& c : word) {
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
@@ -37,7 +37,7 @@ void SplitArguments(std::string_view word, std::string_view line, std::string& a
   }
   // word('arg1',arg2)
   const std::size_t end = line.find("',", quote);
-  if (end == line.npos) return;
+  if (end == std::string_view::npos) return;
   arg1.assign(begin <= end ? line.substr(begin, end - begin) : std::string_view());
   const std::size_t second = end + 2;
   arg2.assign(line.substr(second, line.size() - 1 - second));

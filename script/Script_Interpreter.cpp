@@ -29,7 +29,7 @@ class LineReader {
     if (rest_.empty()) return std::nullopt;
     const std::size_t end = rest_.find('\n');
     std::string_view line = rest_.substr(0, end);
-    rest_.remove_prefix(end == rest_.npos ? rest_.size() : end + 1);
+    rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 1);
     if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
     return line;
   }

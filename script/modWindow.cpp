@@ -34,7 +34,8 @@ std::size_t Places(const std::string& title, const std::string& wanted) {
   if (title.empty()) return 0;
   if (wanted.empty()) return title.size() + 1;
   std::size_t places = 0;
-  for (auto at = title.find(wanted); at != title.npos; at = title.find(wanted, at + 1)) ++places;
+  for (auto at = title.find(wanted); at != std::string_view::npos; at = title.find(wanted, at + 1))
+    ++places;
   return places;
 }
 
