@@ -188,7 +188,7 @@ std::vector<Desktop::Window> FakeDesktop::TopLevelWindows() {
 Answer FakeMessageBoxes::Show(const std::string& text, const std::string&, Buttons buttons,
                               BoxIcon) {
   if (expected.empty()) {
-    ADD_FAILURE() << "unexpected message box: " << text;
+    if (!answersAll) ADD_FAILURE() << "unexpected message box: " << text;
     return buttons == Buttons::Ok ? Answer::Ok
                                   : (buttons == Buttons::YesNo ? Answer::No : Answer::Cancel);
   }

@@ -117,6 +117,7 @@ class FakeMessageBoxes : public MessageBoxes {
     std::function<void()> whileOpen = {};
   };
   std::deque<Expected> expected;
+  bool answersAll = false;  // the safe answer to every box that is not expected
 };
 
 class FakeShell : public Shell {
