@@ -36,6 +36,8 @@ TelnetServer::~TelnetServer() = default;
 
 void TelnetServer::ServerOn() {
   services_.area.ShowServer(true);
+  // The longer text never stays long enough to be read.
+  services_.area.SetCaption("Internet Server Status:" + sck_->LocalAddress());
   RefreshCaption();
   services_.area.SetLamps(false, true);
   if (onSwitched) onSwitched(true);
@@ -51,11 +53,7 @@ void TelnetServer::ServerOff() {
   services_.area.ShowServer(false);
 }
 
-void TelnetServer::RefreshCaption() {
-  // The longer text never stays long enough to be read: the address alone follows at once.
-  services_.area.SetCaption("Internet Server Status:" + sck_->LocalAddress());
-  services_.area.SetCaption(sck_->LocalAddress());
-}
+void TelnetServer::RefreshCaption() { services_.area.SetCaption(sck_->LocalAddress()); }
 
 void TelnetServer::StartListening() {
   sck_->Close();
