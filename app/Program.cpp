@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "app/RemoteArea.h"
 #include "core/Sched.h"
 #include "core/Scheduler.h"
 #include "core/TaskExecution.h"
@@ -12,6 +13,8 @@
 #include "core/ui/frmScriptcfg.h"
 #include "core/ui/frmmsg.h"
 #include "platform/EventLoop.h"
+#include "remote/Internet.h"
+#include "remote/frmChat.h"
 #include "script/FileAction.h"
 #include "script/FileFinder.h"
 #include "script/Script_Interpreter.h"
@@ -43,7 +46,12 @@ struct Program::Parts {
         about(platform.forms, platform.shell),
         mainWindow(platform.forms,
                    {settings, store, sched, scheduler, execution, platform.clock, platform.files,
-                    platform.trayIcon, platform.messageBoxes, message}) {}
+                    platform.trayIcon, platform.messageBoxes, message}),
+        remoteArea(mainWindow),
+        chat(platform.forms),
+        telnet({platform.sockets, settings, store, execution, platform.clock, platform.files,
+                platform.messageBoxes, remoteArea, chat},
+               mainWindow.programSettings.remote) {}
 
   StartOptions options;
   EventLoop& loop;
@@ -60,6 +68,9 @@ struct Program::Parts {
   frmEdit editor;
   frmAbout about;
   frmScriptcfg mainWindow;
+  RemoteArea remoteArea;
+  frmChat chat;
+  TelnetServer telnet;
 };
 
 Program::Program(Platform& platform, StartOptions options)
@@ -81,7 +92,14 @@ void Program::WireWindows() {
   parts_->editor.onSaved = [&window] { window.BuildTaskTree(); };
   parts_->editor.onClosed = [&window] { window.Return(); };
   parts_->about.onClosed = [&window] { window.Return(); };
+  TelnetServer& telnet = parts_->telnet;
+  window.switchServer = [&telnet](bool on) { on ? telnet.ServerOn() : telnet.ServerOff(); };
+  window.startChat = [&telnet] { telnet.StartChat(); };
+  window.kickClient = [&telnet] { telnet.Kick(); };
+  window.sendTilde = [&telnet] { telnet.SendTilde(); };
+  window.refreshServerCaption = [&telnet] { telnet.RefreshCaption(); };
   window.onEnded = [this] {
+    parts_->telnet.ServerOff();
     parts_->editor.Unload();
     parts_->about.Unload();
     parts_->loop.Quit();
@@ -111,6 +129,8 @@ Sched& Program::GetSched() { return parts_->sched; }
 TaskExecution& Program::Execution() { return parts_->execution; }
 frmScriptcfg& Program::MainWindow() { return parts_->mainWindow; }
 frmEdit& Program::Editor() { return parts_->editor; }
+frmChat& Program::ChatWindow() { return parts_->chat; }
+TelnetServer& Program::Telnet() { return parts_->telnet; }
 
 void Program::RunUntilIdle() {
   if (!parts_->scripts.Waiting()) return;

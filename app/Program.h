@@ -13,6 +13,8 @@ class Sched;
 class Settings;
 class TaskExecution;
 class TaskStore;
+class TelnetServer;
+class frmChat;
 class frmEdit;
 class frmScriptcfg;
 struct TaskRecord;
@@ -45,6 +47,8 @@ class Program {
   TaskExecution& Execution();
   frmScriptcfg& MainWindow();
   frmEdit& Editor();
+  frmChat& ChatWindow();
+  TelnetServer& Telnet();
 
   // Shows the window that the user is to see: the open dialog, or the main window, also out of the
   // tray. What a second start of the program asks of the first.

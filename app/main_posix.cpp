@@ -1,7 +1,10 @@
 // The console host: the scheduler of a machine without the desktop program.
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
+#include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -12,6 +15,7 @@
 
 #include "app/Program.h"
 #include "app/console/Commands.h"
+#include "app/console/ConsoleChat.h"
 #include "core/Convert.h"
 #include "core/Sched.h"
 #include "platform/Text.h"
@@ -27,6 +31,7 @@
 #include "platform/posix/PosixLoop.h"
 #include "platform/posix/PosixSession.h"
 #include "platform/posix/PosixShell.h"
+#include "platform/posix/PosixSocket.h"
 #include "platform/posix/PosixSound.h"
 #include "platform/posix/TerminalMessageBoxes.h"
 
@@ -108,9 +113,47 @@ struct PosixPlatform {
   posix::TerminalMessageBoxes messageBoxes{loop};
   posix::NoFileDialogs fileDialogs;
   posix::NoTrayIcon trayIcon;
+  posix::PosixSocketHost sockets{loop};
   forms::HeadlessFormHost forms;
-  Platform platform{loop,     clock,     registry, files,        shell,       session,  desktop,
-                    keyboard, clipboard, sound,    messageBoxes, fileDialogs, trayIcon, forms};
+  Platform platform{loop,         clock,       registry, files,     shell,
+                    session,      desktop,     keyboard, clipboard, sound,
+                    messageBoxes, fileDialogs, trayIcon, sockets,   forms};
+};
+
+// Hands the lines typed at the terminal on, as long as this process owns it.
+class TerminalLines {
+ public:
+  TerminalLines(posix::PosixLoop& loop, std::function<void(const std::string&)> onLine)
+      : onLine_(std::move(onLine)) {
+    if (!MayRead()) return;
+    watch_ = loop.WatchFd(STDIN_FILENO, POLLIN, [this](short) { Read(); });
+  }
+
+ private:
+  // In the background, reading would stop the whole process.
+  static bool MayRead() {
+    return ::isatty(STDIN_FILENO) != 0 && ::isatty(STDOUT_FILENO) != 0 &&
+           ::tcgetpgrp(STDIN_FILENO) == ::getpgrp();
+  }
+
+  void Read() {
+    std::array<char, 1024> buffer;
+    const ssize_t count = MayRead() ? ::read(STDIN_FILENO, buffer.data(), buffer.size()) : 0;
+    if (count <= 0) {
+      watch_->SetEvents(0);
+      return;
+    }
+    typed_.append(buffer.data(), static_cast<std::size_t>(count));
+    for (std::size_t end = 0; (end = typed_.find('\n')) != typed_.npos;) {
+      const std::string line = typed_.substr(0, end);
+      typed_.erase(0, end + 1);
+      onLine_(line);
+    }
+  }
+
+  std::function<void(const std::string&)> onLine_;
+  std::string typed_;
+  std::unique_ptr<posix::PosixLoop::Watch> watch_;
 };
 
 int RunScheduler(const std::string& home, const std::string& commandLine) {
@@ -125,6 +168,8 @@ int RunScheduler(const std::string& home, const std::string& commandLine) {
               << "  " << PrintableLine(task.name) << " (" << TaskTypeName(task.taskType) << ")"
               << std::endl;
   };
+  ConsoleChat chat(program, std::cout);
+  const TerminalLines lines(host.loop, [&](const std::string& line) { chat.Line(line); });
   host.loop.OnSignals({SIGINT, SIGTERM, SIGHUP}, [&](int) { program.Quit(); });
   program.Start();
   std::cout << "Orvanto runs the tasks in " << home << " at their minute. Ctrl+C ends it.\n"

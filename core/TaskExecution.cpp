@@ -58,6 +58,8 @@ void TaskExecution::RunTask(std::int16_t index) {
 }
 
 void TaskExecution::Execute(const TaskRecord& task, const char* operation) {
+  // The shell would take an empty file for the present folder and open that.
+  if (task.path.empty() && task.cmdLine.empty()) return;
   ShellRequest request;
   request.operation = operation;
   // The command line travels inside the file argument.

@@ -14,6 +14,7 @@ class MessageBoxes;
 class Registry;
 class Session;
 class Shell;
+class SocketHost;
 class Sound;
 class TrayIcon;
 namespace forms {
@@ -34,6 +35,7 @@ struct Platform {
   MessageBoxes& messageBoxes;
   FileDialogs& fileDialogs;
   TrayIcon& trayIcon;
+  SocketHost& sockets;
   forms::FormHost& forms;
 };
 

@@ -163,6 +163,28 @@ void frmScriptcfg::Return() {
   Activate();
 }
 
+void frmScriptcfg::WireRemoteControl() {
+  const bool there = switchServer != nullptr;
+  optIneton.SetEnabled(there);
+  optInetoff.SetEnabled(there);
+  mnuInternet.SetEnabled(there);
+  cmdChat.SetEnabled(false);
+  cmdKick.SetEnabled(false);
+  mnuServersetup.SetEnabled(showSettings != nullptr);
+  // There is nothing behind it.
+  mnuInetsendfile.SetEnabled(false);
+  if (!there) return;
+  optIneton.onClick = mnuServeron.onClick = [this] { switchServer(true); };
+  optInetoff.onClick = mnuServeroff.onClick = [this] { switchServer(false); };
+  mnuServersetup.onClick = [this] { showSettings(); };
+  mnuInetchat.onClick = sendTilde;
+  cmdChat.onClick = startChat;
+  cmdKick.onClick = kickClient;
+  services_.scheduler.onSecond = [this] {
+    if (fraServer.ShownToUser()) refreshServerCaption();
+  };
+}
+
 std::int16_t frmScriptcfg::SelectedSlot() {
   std::int16_t slot = 0;
   const auto selected = treTasks.Selected();
@@ -211,6 +233,10 @@ void frmScriptcfg::Start(const std::string& commandLine, const std::string& prog
     fraInet.SetVisible(true);
     ReadRemoteSettings();
   });
+  WireRemoteControl();
+  Step([&] {
+    if (switchServer) switchServer(programSettings.remote.serverOn);
+  });
   Step([&] { settings.ReadStorageMode(); });
   Step([&] {
     if (settings.ReadSetting(kGeneral, "OnTop", "0") != "1") return;
@@ -234,13 +260,6 @@ void frmScriptcfg::Start(const std::string& commandLine, const std::string& prog
   cmdAbout.SetEnabled(showAbout != nullptr);
   mnuAbout.SetEnabled(showAbout != nullptr);
   mnuSettings.SetEnabled(showSettings != nullptr);
-  // Until there is a server to switch.
-  for (forms::Control* control :
-       {static_cast<forms::Control*>(&optIneton), static_cast<forms::Control*>(&optInetoff)}) {
-    control->SetEnabled(false);
-  }
-  mnuInternet.SetEnabled(false);
-
   services_.scheduler.tmrSched.Start();
   if (!invisible) Show();
 }

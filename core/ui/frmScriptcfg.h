@@ -43,6 +43,10 @@ class frmScriptcfg : public forms::Form {
   std::function<void()> showAbout;
   std::function<void()> showSettings;
 
+  // The remote control; without it its commands are disabled. Set before Start.
+  std::function<void(bool on)> switchServer;
+  std::function<void()> startChat, kickClient, sendTilde, refreshServerCaption;
+
   // The window has been unloaded: the program ends.
   std::function<void()> onEnded;
 
@@ -79,6 +83,7 @@ class frmScriptcfg : public forms::Form {
  private:
   enum Command { kNew, kDelete, kEdit, kRun, kTray, kAbout, kExit };
   void WireCommands();
+  void WireRemoteControl();
   void OnCommand(Command command);
   void NewTask();
   void OnUnload();

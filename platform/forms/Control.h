@@ -127,9 +127,12 @@ class TextBox : public Control {
 
   // Raised by Type, not by SetText.
   std::function<void()> onChange;
+  // The Enter key in a box of one line. Without it, Enter presses the form's default button.
+  std::function<void()> onEnter;
 
   // user: replaces the contents
   bool Type(const std::string& text);
+  bool PressEnter();
 
  private:
   Style style_;

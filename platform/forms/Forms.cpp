@@ -140,6 +140,12 @@ bool UpDown::Step(int by) {
   return buddy_.Type(std::to_string(std::clamp(number + by, least_, most_)));
 }
 
+bool TextBox::PressEnter() {
+  if (!Usable() || !onEnter) return false;
+  Raise(onEnter);
+  return true;
+}
+
 void Lamp::SetLit(bool lit) {
   const std::uint32_t colour = lit ? kLit : kDark;
   if (colour == colour_) return;

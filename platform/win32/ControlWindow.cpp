@@ -35,7 +35,15 @@ void ControlWindow::Place(const RECT& place) {
 }
 
 void ControlWindow::SetWindowTextIfOther(const std::string& text) const {
-  if (WindowText(window_) != text) SetWindowTextW(window_, ToWide(text).c_str());
+  if (WindowText(window_) == text) return;
+  SetWindowTextW(window_, ToWide(text).c_str());
+  // A frame paints its caption into a gap of its line, whose width belongs to the text before.
+  if (control_.GetKind() == forms::Kind::Frame) {
+    RECT place;
+    GetWindowRect(window_, &place);
+    MapWindowPoints(nullptr, GetParent(window_), reinterpret_cast<POINT*>(&place), 2);
+    RedrawWindow(GetParent(window_), &place, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+  }
 }
 
 namespace {
@@ -111,7 +119,10 @@ class TextWindow : public ControlWindow {
 
   void OnCommand(WORD code) override {
     if (code == EN_CHANGE) box_.Type(WindowText(window_));
+    if (code == BN_CLICKED) box_.PressEnter();
   }
+
+  bool TakesEnter() const override { return box_.onEnter != nullptr; }
 
  private:
   static DWORD Style(const forms::TextBox& box) {

@@ -40,6 +40,8 @@ class ControlWindow {
 
   // From the user to the control; may unload the form or run the loop.
   virtual void OnCommand(WORD /*code*/) {}
+  // Enter in it is its own, reported as BN_CLICKED, and not the default button's.
+  virtual bool TakesEnter() const { return false; }
   // `person` is false while the report is only the echo of a change of our own.
   virtual LRESULT OnNotify(const NMHDR& /*header*/, bool /*person*/) { return 0; }
 

@@ -351,6 +351,11 @@ LRESULT FormWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       TakeFocus();
       return 0;
     case DM_GETDEFID:
+      // Enter comes to this one as a command, as if it were a button that is pressed.
+      if (const int focus = GetDlgCtrlID(GetFocus());
+          const ControlWindow* window = Find(static_cast<UINT>(focus))) {
+        if (window->TakesEnter()) return MAKELRESULT(focus, DC_HASDEFID);
+      }
       for (const auto& window : controls_) {
         if (&window->GetControl() != form_->defaultButton) continue;
         return MAKELRESULT(GetDlgCtrlID(window->Get()), DC_HASDEFID);

@@ -127,10 +127,12 @@ void Win32Loop::Wake() {
 }
 
 void Win32Loop::EndHold() {
-  if (--holds_ == 0 && (!posted_.empty() || !heldTimers_.empty())) Wake();
+  if (--holds_ == 0 && (!posted_.empty() || !heldTimers_.empty() || !heldSockets_.empty())) {
+    Wake();
+  }
 }
 
-std::optional<LRESULT> Win32Loop::OnMessage(UINT message, WPARAM wParam, LPARAM) {
+std::optional<LRESULT> Win32Loop::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case kWake:
       wakePosted_ = false;
@@ -145,7 +147,9 @@ std::optional<LRESULT> Win32Loop::OnMessage(UINT message, WPARAM wParam, LPARAM)
       if (wParam != 0 && onSessionEnd) onSessionEnd();
       return 0;
     default:
-      return std::nullopt;
+      if (message < kFirstSocket || message > kLastSocket) return std::nullopt;
+      OnSocket({message, wParam, lParam});
+      return 0;
   }
 }
 
@@ -159,12 +163,43 @@ void Win32Loop::Fire(UINT_PTR id) {
   }
 }
 
+// The number comes round again only when all others have been used, long after the last message of
+// its former owner.
+UINT Win32Loop::BeginSocketMessages(SocketHandler handler) {
+  do {
+    lastSocket_ = lastSocket_ == kLastSocket ? kFirstSocket : lastSocket_ + 1;
+  } while (sockets_.contains(lastSocket_));
+  sockets_[lastSocket_] = std::move(handler);
+  return lastSocket_;
+}
+
+void Win32Loop::OnSocket(const SocketMessage& message) {
+  if (!sockets_.contains(message.message)) return;
+  if (holds_ == 0 && heldSockets_.empty()) return DeliverSocket(message);
+  heldSockets_.push_back(message);
+  if (holds_ == 0) Wake();
+}
+
+void Win32Loop::DeliverSocket(const SocketMessage& message) {
+  const auto found = sockets_.find(message.message);
+  if (found == sockets_.end()) return;
+  // A copy: the socket may be closed in it.
+  Guarded("socket", [&, handler = found->second] { handler(message.wParam, message.lParam); });
+}
+
 // Any of this may begin a hold, run DoEvents or stop timers.
 void Win32Loop::Deliver() {
   while (holds_ == 0 && !quit_ && !heldTimers_.empty()) {
     const UINT_PTR id = heldTimers_.front();
     heldTimers_.erase(heldTimers_.begin());
     Fire(id);
+  }
+  while (holds_ == 0 && !quit_ && !heldSockets_.empty()) {
+    const SocketMessage message = heldSockets_.front();
+    heldSockets_.pop_front();
+    // The handler may run the loop, and the others need not wait for its return.
+    if (!heldSockets_.empty()) Wake();
+    DeliverSocket(message);
   }
   // What is posted meanwhile waits for the next wake-up.
   for (std::size_t left = std::min(posted_.size(), kPostsPerWake); left > 0; --left) {

@@ -32,6 +32,13 @@ class Win32Loop : public EventLoop {
   // Sees every message before its window does; true when it is dealt with (keyboard navigation).
   std::function<bool(MSG&)> preTranslate;
 
+  // Messages to Window() for one opening of a socket: from Begin to End the handler gets what is
+  // posted with that number. They are held like everything else.
+  using SocketHandler = std::function<void(WPARAM, LPARAM)>;
+  UINT BeginSocketMessages(SocketHandler handler);
+  void EndSocketMessages(UINT message) { sockets_.erase(message); }
+  HWND Window() const { return window_.Get(); }
+
   // The session ends and the process with it as soon as this returns. Called even inside a Hold.
   std::function<void()> onSessionEnd;
 
@@ -42,15 +49,24 @@ class Win32Loop : public EventLoop {
  private:
   class LoopTimer;
 
-  // Messages of the loop's window. Sockets will have theirs behind these, and will be held by
-  // Deliver like everything else.
+  struct SocketMessage {
+    UINT message;
+    WPARAM wParam;
+    LPARAM lParam;
+  };
+
+  // Messages of the loop's window.
   static constexpr UINT kWake = WM_APP;
+  static constexpr UINT kFirstSocket = WM_APP + 1;
+  static constexpr UINT kLastSocket = 0xBFFF;
 
   std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
   bool PumpRound();
   void Wake();
   void Deliver();
   void Fire(UINT_PTR id);
+  void OnSocket(const SocketMessage& message);
+  void DeliverSocket(const SocketMessage& message);
 
   bool quit_ = false;
   int holds_ = 0;
@@ -59,6 +75,10 @@ class Win32Loop : public EventLoop {
   std::map<UINT_PTR, LoopTimer*> timers_;  // the running ones; every start has a number of its own
   std::vector<UINT_PTR> heldTimers_;       // fell due inside a hold, each at most once
   UINT_PTR lastTimer_ = 0;
+  std::map<UINT, SocketHandler> sockets_;
+  // In order. The system reports nothing twice before it was dealt with, so there are few.
+  std::deque<SocketMessage> heldSockets_;
+  UINT lastSocket_ = kLastSocket;
   HiddenWindow window_;
 };
 

@@ -7,8 +7,8 @@ namespace orvanto::win32 {
 Win32Platform::Win32Platform() = default;
 
 Platform Win32Platform::Services() {
-  return {loop,     clock,     registry, files,        shell,       session,  desktop,
-          keyboard, clipboard, sound,    messageBoxes, fileDialogs, trayIcon, forms};
+  return {loop,      clock, registry,     files,       shell,    session, desktop, keyboard,
+          clipboard, sound, messageBoxes, fileDialogs, trayIcon, sockets, forms};
 }
 
 Win32Platform::Com::Com()

@@ -11,6 +11,7 @@
 #include "platform/win32/Win32Loop.h"
 #include "platform/win32/Win32Registry.h"
 #include "platform/win32/Win32Session.h"
+#include "platform/win32/Win32Socket.h"
 #include "platform/win32/Win32TrayIcon.h"
 
 namespace orvanto::win32 {
@@ -33,6 +34,7 @@ class Win32Platform {
   Win32MessageBoxes messageBoxes{loop, forms};
   Win32FileDialogs fileDialogs{loop, forms};
   Win32TrayIcon trayIcon{loop};
+  Win32SocketHost sockets{loop};
 
   Platform Services();
 

@@ -25,6 +25,7 @@
 #include "platform/Session.h"
 #include "platform/Shell.h"
 #include "platform/Sound.h"
+#include "platform/TcpSocket.h"
 #include "platform/TrayIcon.h"
 #include "platform/forms.h"
 #include "tests/support/MemoryRegistry.h"
@@ -116,6 +117,7 @@ class FakeMessageBoxes : public MessageBoxes {
     std::function<void()> whileOpen = {};
   };
   std::deque<Expected> expected;
+  bool answersAll = false;  // the safe answer to every box that is not expected
 };
 
 class FakeShell : public Shell {
@@ -222,6 +224,48 @@ class FakeTrayIcon : public TrayIcon {
   std::string shownTip;
 };
 
+// Sockets without a network. A test is the other end: it connects, sends chunks and reads what
+// came.
+class FakeSocketHost : public SocketHost {
+ public:
+  class Socket : public TcpSocket {
+   public:
+    explicit Socket(FakeSocketHost& host) : host_(host) {}
+    ~Socket() override { host_.sockets.remove(this); }
+    State GetState() const override { return state_; }
+    bool Listen(std::uint16_t port) override;
+    std::uint16_t LocalPort() const override { return port_; }
+    bool Accept(RequestId) override;
+    void Connect(const std::string&, std::uint16_t) override { state_ = State::Connecting; }
+    void Send(std::string_view bytes) override {
+      if (state_ == State::Connected) sent += bytes;
+    }
+    std::string GetData() override { return std::exchange(arrived_, {}); }
+    void Close() override { state_ = State::Closed; }
+    std::string RemoteAddress() const override {
+      return state_ == State::Connected ? "10.1.2.3" : "";
+    }
+    std::string LocalAddress() const override { return "10.9.8.7"; }
+
+    // The other end.
+    bool PeerConnects();  // false where nothing listens
+    void PeerSends(const std::string& chunk);
+    void PeerCloses();
+    std::string Sent() { return std::exchange(sent, {}); }
+    std::string sent;
+
+   private:
+    FakeSocketHost& host_;
+    State state_ = State::Closed;
+    std::uint16_t port_ = 0;
+    std::string arrived_;
+  };
+
+  std::unique_ptr<TcpSocket> NewSocket() override;
+  std::list<Socket*> sockets;     // in the order of their making
+  std::set<std::uint16_t> taken;  // ports on which nobody can listen
+};
+
 // All of them, put together.
 struct FakePlatform {
   FakeClock clock;
@@ -237,9 +281,11 @@ struct FakePlatform {
   FakeMessageBoxes messageBoxes;
   FakeFileDialogs fileDialogs;
   FakeTrayIcon trayIcon;
+  FakeSocketHost sockets;
   forms::HeadlessFormHost forms;
-  Platform platform{loop,     clock,     registry, files,        shell,       session,  desktop,
-                    keyboard, clipboard, sound,    messageBoxes, fileDialogs, trayIcon, forms};
+  Platform platform{loop,         clock,       registry, files,     shell,
+                    session,      desktop,     keyboard, clipboard, sound,
+                    messageBoxes, fileDialogs, trayIcon, sockets,   forms};
 };
 
 }  // namespace orvanto

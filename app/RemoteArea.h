@@ -1,0 +1,27 @@
+// The remote control's area on the main window.
+#pragma once
+
+#include "core/ui/frmScriptcfg.h"
+#include "remote/Remote.h"
+
+namespace orvanto {
+
+class RemoteArea : public ServerArea {
+ public:
+  explicit RemoteArea(frmScriptcfg& window) : window_(window) {}
+
+  void ShowServer(bool on) override;
+  bool ServerShown() const override { return window_.fraServer.Visible(); }
+  void SetCaption(const std::string& caption) override { window_.fraServer.SetText(caption); }
+  void SetLamps(bool connected, bool waiting) override;
+  void SetClient(const std::string& address) override { window_.lblIpclient.SetText(address); }
+  void EnableClientCommands(bool enabled) override;
+  void SetLog(const std::string& text) override { window_.txtServer.SetText(text); }
+  std::string Log() const override { return window_.txtServer.Text(); }
+  void TaskListChanged() override;
+
+ private:
+  frmScriptcfg& window_;
+};
+
+}  // namespace orvanto

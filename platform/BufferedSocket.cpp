@@ -1,0 +1,164 @@
+#include "platform/BufferedSocket.h"
+
+#include <array>
+
+namespace orvanto {
+
+// From the loop, unless what is open now has been closed by then.
+void BufferedSocket::Later(void (BufferedSocket::*work)()) {
+  loop_.Post([this, work, generation = generation_, alive = std::weak_ptr<int>(alive_)] {
+    if (!alive.expired() && generation == generation_) (this->*work)();
+  });
+}
+
+void BufferedSocket::Send(std::string_view bytes) {
+  if (state_ != State::Connected || finishing_ || bytes.empty()) return;
+  // Until the system refuses: only then does every system tell when it can take more.
+  while (!WantsToSend() && !bytes.empty()) {
+    const Moved moved = SystemSend(bytes.data(), bytes.size());
+    if (moved.error != 0) return Finish(moved.error);
+    if (moved.count == 0) break;
+    bytes.remove_prefix(moved.count);
+  }
+  if (unsent_.size() - sent_ + bytes.size() > kMostUnsent) {
+    // The peer may go on sending, so this does not wait for its end.
+    Finish(tooMuch_);
+    return Later(&BufferedSocket::FailFull);
+  }
+  if (sent_ > 0 && sent_ >= unsent_.size() / 2) {
+    unsent_.erase(0, sent_);
+    sent_ = 0;
+  }
+  unsent_.append(bytes);
+  if (WantsToSend()) {
+    completing_ = true;
+    WantsChanged();
+  } else if (!std::exchange(completing_, true)) {
+    Later(&BufferedSocket::SendCompleted);
+  }
+}
+
+int BufferedSocket::SendUnsent() {
+  while (WantsToSend()) {
+    const Moved moved = SystemSend(unsent_.data() + sent_, unsent_.size() - sent_);
+    sent_ += moved.count;
+    if (moved.error != 0) return moved.error;
+    if (moved.count == 0) return 0;
+  }
+  unsent_.clear();
+  sent_ = 0;
+  return 0;
+}
+
+void BufferedSocket::SendMore() {
+  if (state_ != State::Connected || !WantsToSend()) return;
+  if (const int error = SendUnsent(); error != 0) return Finish(error);
+  if (WantsToSend()) return;
+  WantsChanged();
+  SendCompleted();
+}
+
+void BufferedSocket::SendCompleted() {
+  if (!WantsToSend() && std::exchange(completing_, false)) Raise(onSendComplete);
+}
+
+std::string BufferedSocket::GetData() {
+  if (std::exchange(paused_, false) && state_ == State::Connected) {
+    WantsChanged();
+    // Systems that report an arrival only once have done so.
+    ReceiveLater();
+  }
+  return std::exchange(arrived_, {});
+}
+
+void BufferedSocket::ReceiveLater() {
+  if (!std::exchange(receivePosted_, true)) Later(&BufferedSocket::ReceiveAsPosted);
+}
+
+void BufferedSocket::ReceiveAsPosted() {
+  receivePosted_ = false;
+  Receive();
+}
+
+void BufferedSocket::Pause() {
+  paused_ = true;
+  WantsChanged();
+}
+
+void BufferedSocket::Connected() {
+  state_ = State::Connected;
+  WantsChanged();
+  Raise(onConnected);
+}
+
+void BufferedSocket::Receive() {
+  if (state_ != State::Connected || paused_) return;
+  if (arrived_.size() == kMostPerArrival) return Pause();
+  std::array<char, kMostPerArrival> buffer;
+  const Moved moved = SystemReceive(buffer.data(), buffer.size() - arrived_.size());
+  if (moved.count > 0) {
+    arrived_.append(buffer.data(), moved.count);
+    if (finishing_) ReceiveLater();
+    Raise(onDataArrival);
+  } else if (moved.end) {
+    End();
+    Raise(onClosed);
+  } else if (moved.error != 0) {
+    Fail(moved.error);
+  } else if (finishing_ && lastError_ != 0) {
+    Fail(lastError_);
+  } else if (finishing_) {
+    End();
+    Raise(onClosed);
+  }
+}
+
+void BufferedSocket::Finish(int error) {
+  if (state_ != State::Connected || finishing_) return;
+  finishing_ = true;
+  lastError_ = error;
+  completing_ = false;
+  if (error != 0) {
+    unsent_ = {};
+    sent_ = 0;
+  }
+  WantsChanged();
+  ReceiveLater();
+}
+
+void BufferedSocket::Fail(int error) {
+  unsent_ = {};
+  sent_ = 0;
+  End();
+  Raise(onError, error);
+}
+
+void BufferedSocket::FailLater(int error) {
+  state_ = State::Connecting;
+  lastError_ = error;
+  Later(&BufferedSocket::FailAsPosted);
+}
+
+// What has been announced can still be fetched.
+void BufferedSocket::End() {
+  std::string arrived = std::move(arrived_);
+  Close();
+  arrived_ = std::move(arrived);
+}
+
+void BufferedSocket::Close() {
+  if (state_ == State::Connected) SendUnsent();
+  ++generation_;
+  SystemClose();
+  state_ = State::Closed;
+  unsent_ = {};
+  sent_ = 0;
+  arrived_ = {};
+  paused_ = false;
+  receivePosted_ = false;
+  completing_ = false;
+  finishing_ = false;
+  lastError_ = 0;
+}
+
+}  // namespace orvanto

@@ -1,0 +1,245 @@
+#include "platform/win32/Win32Socket.h"
+
+#include <ws2tcpip.h>
+// After it, being windows.h's.
+#include <iphlpapi.h>
+
+#include <algorithm>
+#include <array>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "platform/win32/Text.h"
+
+namespace orvanto::win32 {
+namespace {
+
+// The system takes a large piece as a whole, whatever its buffer holds: in parts the buffer's limit
+// counts.
+constexpr std::size_t kMostPerSend = 256 << 10;
+constexpr long kConnectionEvents = FD_READ | FD_WRITE | FD_CLOSE;
+
+SOCKET Number(const SocketHandle& handle) { return reinterpret_cast<SOCKET>(handle.Get()); }
+
+SocketHandle Wrap(SOCKET socket) { return SocketHandle(reinterpret_cast<HANDLE>(socket)); }
+
+SocketHandle MakeSocket() {
+  return Wrap(WSASocketW(AF_INET, SOCK_STREAM, IPPROTO_TCP, nullptr, 0,
+                         WSA_FLAG_OVERLAPPED | WSA_FLAG_NO_HANDLE_INHERIT));
+}
+
+void SwitchOn(const SocketHandle& handle, int level, int option) {
+  const BOOL on = TRUE;
+  setsockopt(Number(handle), level, option, reinterpret_cast<const char*>(&on), sizeof on);
+}
+
+std::string AddressText(const sockaddr_in& address) {
+  std::array<char, INET_ADDRSTRLEN> text{};
+  inet_ntop(AF_INET, &address.sin_addr, text.data(), text.size());
+  return text.data();
+}
+
+using AddressOf = decltype(getsockname);
+
+// False when there is no such end.
+bool EndOf(const SocketHandle& handle, AddressOf* which, sockaddr_in& address) {
+  int size = sizeof address;
+  return handle && which(Number(handle), reinterpret_cast<sockaddr*>(&address), &size) == 0;
+}
+
+// The first address of this machine that is not its own loop.
+std::string OwnAddress() {
+  constexpr ULONG kFlags =
+      GAA_FLAG_SKIP_ANYCAST | GAA_FLAG_SKIP_MULTICAST | GAA_FLAG_SKIP_DNS_SERVER;
+  std::vector<std::max_align_t> memory;
+  ULONG size = 16 << 10;
+  ULONG result = ERROR_BUFFER_OVERFLOW;
+  const auto first = [&memory] { return reinterpret_cast<IP_ADAPTER_ADDRESSES*>(memory.data()); };
+  // What is needed may grow between two calls.
+  for (int i = 0; i < 4 && result == ERROR_BUFFER_OVERFLOW; ++i) {
+    memory.resize(size / sizeof memory[0] + 1);
+    result = GetAdaptersAddresses(AF_INET, kFlags, nullptr, first(), &size);
+  }
+  if (result != NO_ERROR) return "127.0.0.1";
+  for (const auto* adapter = first(); adapter != nullptr; adapter = adapter->Next) {
+    if (adapter->OperStatus != IfOperStatusUp || adapter->IfType == IF_TYPE_SOFTWARE_LOOPBACK ||
+        adapter->FirstUnicastAddress == nullptr) {
+      continue;
+    }
+    return AddressText(
+        *reinterpret_cast<const sockaddr_in*>(adapter->FirstUnicastAddress->Address.lpSockaddr));
+  }
+  return "127.0.0.1";
+}
+
+class Win32Socket : public BufferedSocket {
+ public:
+  Win32Socket(Win32Loop& loop, ConnectionRequests<SocketHandle>& requests)
+      : BufferedSocket(loop, WSAENOBUFS), loop_(loop), requests_(requests) {}
+  ~Win32Socket() override { Close(); }
+
+  bool Listen(std::uint16_t port) override;
+  bool Accept(RequestId request) override;
+  void Connect(const std::string& host, std::uint16_t port) override;
+
+  std::uint16_t LocalPort() const override {
+    sockaddr_in address{};
+    return EndOf(handle_, getsockname, address) ? ntohs(address.sin_port) : std::uint16_t{0};
+  }
+
+  std::string RemoteAddress() const override {
+    sockaddr_in address{};
+    if (GetState() != State::Connected || !EndOf(handle_, getpeername, address)) return "";
+    return AddressText(address);
+  }
+
+  std::string LocalAddress() const override { return OwnAddress(); }
+
+ protected:
+  Moved SystemSend(const char* bytes, std::size_t size) override {
+    return Outcome(send(Number(handle_), bytes, static_cast<int>(std::min(size, kMostPerSend)), 0));
+  }
+
+  Moved SystemReceive(char* bytes, std::size_t size) override {
+    const int count = recv(Number(handle_), bytes, static_cast<int>(size), 0);
+    return count == 0 ? Moved{.end = true} : Outcome(count);
+  }
+
+  void SystemClose() override {
+    if (message_ != 0) loop_.EndSocketMessages(std::exchange(message_, 0));
+    handle_.Reset();
+  }
+
+ private:
+  static Moved Outcome(int count) {
+    if (count >= 0) return {.count = static_cast<std::size_t>(count)};
+    const int error = WSAGetLastError();
+    return {.error = error == WSAEWOULDBLOCK ? 0 : error};
+  }
+
+  bool Open(SocketHandle handle, State state, long events);
+  void OnMessage(WPARAM socket, LPARAM event);
+  void AcceptOne();
+
+  Win32Loop& loop_;
+  ConnectionRequests<SocketHandle>& requests_;
+  SocketHandle handle_;
+  UINT message_ = 0;  // of what is open; each opening has another
+};
+
+// Also makes the calls return instead of waiting. What is there already is reported anew.
+bool Win32Socket::Open(SocketHandle handle, State state, long events) {
+  SwitchOn(handle, IPPROTO_TCP, TCP_NODELAY);
+  // Urgent bytes stay where they are in the stream.
+  SwitchOn(handle, SOL_SOCKET, SO_OOBINLINE);
+  const UINT message =
+      loop_.BeginSocketMessages([this](WPARAM socket, LPARAM event) { OnMessage(socket, event); });
+  if (WSAAsyncSelect(Number(handle), loop_.Window(), message, events) != 0) {
+    const int error = WSAGetLastError();
+    loop_.EndSocketMessages(message);
+    WSASetLastError(error);
+    return false;
+  }
+  message_ = message;
+  handle_ = std::move(handle);
+  SetState(state);
+  return true;
+}
+
+void Win32Socket::OnMessage(WPARAM socket, LPARAM event) {
+  // A listener's number stays with its clients until they are taken.
+  if (socket != Number(handle_)) return;
+  const int error = WSAGETSELECTERROR(event);
+  switch (WSAGETSELECTEVENT(event)) {
+    case FD_ACCEPT:
+      if (GetState() == State::Listening) AcceptOne();
+      return;
+    case FD_CONNECT:
+      if (GetState() != State::Connecting) return;
+      return error != 0 ? Fail(error) : Connected();
+    case FD_READ:
+      return Receive();
+    case FD_WRITE:
+      return SendMore();
+    case FD_CLOSE:
+      return Finish(error);
+    default:
+      return;
+  }
+}
+
+bool Win32Socket::Listen(std::uint16_t port) {
+  Close();
+  SocketHandle handle = MakeSocket();
+  if (!handle) return false;
+  // Nobody else can listen on the same port and take the clients.
+  SwitchOn(handle, SOL_SOCKET, SO_EXCLUSIVEADDRUSE);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(port);
+  return bind(Number(handle), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
+         listen(Number(handle), SOMAXCONN) == 0 &&
+         Open(std::move(handle), State::Listening, FD_ACCEPT);
+}
+
+// One for each message: accepting has the next one reported.
+void Win32Socket::AcceptOne() {
+  SocketHandle client = Wrap(accept(Number(handle_), nullptr, nullptr));
+  if (!client) return;
+  SetHandleInformation(client.Get(), HANDLE_FLAG_INHERIT, 0);
+  // It has inherited the listener's messages.
+  WSAAsyncSelect(Number(client), loop_.Window(), 0, 0);
+  requests_.Offer(std::move(client),
+                  [this](RequestId request) { Raise(onConnectionRequest, request); });
+}
+
+bool Win32Socket::Accept(RequestId request) {
+  Close();
+  SocketHandle handle = requests_.Take(request);
+  sockaddr_in address{};
+  return EndOf(handle, getpeername, address) &&
+         Open(std::move(handle), State::Connected, kConnectionEvents);
+}
+
+// A name that this machine does not know is asked for over the network, and that blocks.
+void Win32Socket::Connect(const std::string& host, std::uint16_t port) {
+  Close();
+  ADDRINFOW hints{};
+  hints.ai_family = AF_INET;
+  hints.ai_socktype = SOCK_STREAM;
+  ADDRINFOW* found = nullptr;
+  const int unknown = GetAddrInfoW(ToWide(host).c_str(), nullptr, &hints, &found);
+  if (unknown != 0) return FailLater(unknown);
+  sockaddr_in address = *reinterpret_cast<const sockaddr_in*>(found->ai_addr);
+  FreeAddrInfoW(found);
+  address.sin_port = htons(port);
+  SocketHandle handle = MakeSocket();
+  if (!handle || !Open(std::move(handle), State::Connecting, FD_CONNECT | kConnectionEvents)) {
+    return FailLater(WSAGetLastError());
+  }
+  if (connect(Number(handle_), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+    return;
+  }
+  if (const int error = WSAGetLastError(); error != WSAEWOULDBLOCK) {
+    Close();
+    FailLater(error);
+  }
+}
+
+}  // namespace
+
+Win32SocketHost::Win32SocketHost(Win32Loop& loop) : loop_(loop) {
+  WSADATA data;
+  if (const int error = WSAStartup(MAKEWORD(2, 2), &data); error != 0) {
+    throw std::system_error(error, std::system_category(), "WSAStartup");
+  }
+}
+
+Win32SocketHost::~Win32SocketHost() { WSACleanup(); }
+
+std::unique_ptr<TcpSocket> Win32SocketHost::NewSocket() {
+  return std::make_unique<Win32Socket>(loop_, requests_);
+}
+
+}  // namespace orvanto::win32

@@ -1,0 +1,173 @@
+// Connection, login and data; the menu is in Menu.cpp.
+#include "remote/Internet.h"
+
+#include "core/Convert.h"
+#include "core/TextLog.h"
+#include "core/modRegistry.h"
+#include "core/modTaskOperations.h"
+
+namespace orvanto {
+namespace {
+
+constexpr std::int16_t kAllowedFailures = 3;
+constexpr const char* kNoAddress = "0.0.0.0";
+constexpr const char* kPasswordPrompt = "Enter Password: ";
+
+}  // namespace
+
+TelnetServer::TelnetServer(const Services& services, const RemoteSettings& remote)
+    : services_(services),
+      remote_(remote),
+      sck_(services.sockets.NewSocket()),
+      wizard_(*this, services.store, services.clock) {
+  sck_->onConnectionRequest = [this](TcpSocket::RequestId request) {
+    OnConnectionRequest(request);
+  };
+  sck_->onDataArrival = [this] { OnDataArrival(); };
+  sck_->onClosed = [this] { Disconnect(); };
+  sck_->onError = [this](int) { Disconnect(); };
+  wizard_.repeatFirstQuestion = [this] { ChooseNewTask(); };
+  wizard_.onFinished = [this] { services_.area.TaskListChanged(); };
+  services_.chat.onLine = [this](const std::string& line) { LocalChatLine(line); };
+  services_.chat.onQuit = [this] { EndChatLocally(); };
+}
+
+TelnetServer::~TelnetServer() = default;
+
+void TelnetServer::ServerOn() {
+  services_.area.ShowServer(true);
+  // The longer text never stays long enough to be read.
+  services_.area.SetCaption("Internet Server Status:" + sck_->LocalAddress());
+  RefreshCaption();
+  services_.area.SetLamps(false, true);
+  if (onSwitched) onSwitched(true);
+  StartListening();
+}
+
+void TelnetServer::ServerOff() {
+  sck_->Close();
+  services_.chat.Unload();
+  if (onSwitched) onSwitched(false);
+  services_.area.SetLamps(false, false);
+  services_.area.EnableClientCommands(false);
+  services_.area.ShowServer(false);
+}
+
+void TelnetServer::RefreshCaption() { services_.area.SetCaption(sck_->LocalAddress()); }
+
+void TelnetServer::StartListening() {
+  sck_->Close();
+  serverPort_ = ToInt32(services_.settings.ReadSetting(kGeneral, "Inet_ServerPort", "600"));
+  ListenIfIdle();
+}
+
+void TelnetServer::ListenIfIdle() {
+  if (sck_->GetState() != TcpSocket::State::Closed) return;
+  services_.area.SetLog("Waiting for Connection...");
+  const bool port = serverPort_ > 0 && serverPort_ <= 65535;
+  if (port && sck_->Listen(static_cast<std::uint16_t>(serverPort_))) return;
+  services_.area.SetLog("Port " + std::to_string(serverPort_) + " cannot be used.");
+}
+
+void TelnetServer::Disconnect() {
+  ++connection_;
+  sck_->Close();
+  Log("Connection Terminated.");
+  services_.area.SetLamps(false, true);
+  clientAddress_ = kNoAddress;
+  services_.area.SetClient(clientAddress_);
+  services_.area.EnableClientCommands(false);
+  services_.chat.Unload();
+  ListenIfIdle();
+}
+
+void TelnetServer::OnConnectionRequest(TcpSocket::RequestId request) {
+  sck_->Close();
+  if (!sck_->Accept(request)) {
+    ListenIfIdle();
+    return;
+  }
+  ++connection_;
+  protocol_.Reset();
+  clientAddress_ = sck_->RemoteAddress();
+  services_.area.SetLamps(true, false);
+  services_.area.SetClient(clientAddress_);
+  services_.area.EnableClientCommands(true);
+  // No name service is asked: it could hold the whole program for seconds.
+  Log("Connection from(hostname): " + clientAddress_);
+  Log("Connection from(IP): " + clientAddress_);
+  if (remote_.passwordRequired == 1) {
+    state_ = SessionState::Password;
+    Send(kPasswordPrompt);
+  } else {
+    state_ = SessionState::Start;
+    ShowMainMenu();
+  }
+}
+
+void TelnetServer::OnDataArrival() {
+  std::string answers;
+  const std::string chunk = protocol_.Receive(sck_->GetData(), answers);
+  if (!answers.empty()) sck_->Send(answers);
+  if (chunk.empty()) return;
+  try {
+    OnChunk(chunk);
+  } catch (const Error&) {
+    // Ends the handling of the chunk; the input line stays.
+  }
+}
+
+void TelnetServer::OnChunk(const std::string& chunk) {
+  if (inputLine_ == kCrLf) inputLine_.clear();
+  if (chunk != kCrLf) {
+    if (inputLine_.size() + chunk.size() <= kLongestLine) inputLine_ += chunk;
+    Echo(chunk);
+    return;
+  }
+  try {
+    Dispatch(std::string(inputLine_));
+  } catch (const Error& error) {
+    // Text where a number belongs is skipped over.
+    if (error.Number() != kTypeMismatch) throw;
+  }
+  inputLine_.clear();
+}
+
+void TelnetServer::Echo(const std::string& chunk) {
+  if (state_ == SessionState::Password) {
+    Send("*");
+  } else if (state_ == SessionState::Chat && inputLine_.size() == 1) {
+    // The first character of a line.
+    Send(std::string(kCrLf) + "Client: " + chunk);
+  } else {
+    Send(chunk);
+  }
+}
+
+void TelnetServer::Login(const std::string& line) {
+  if (line == remote_.password) {
+    SendAll({kCrLf, kCrLf});
+    ShowMainMenu();
+    return;
+  }
+  if (failedAttempts_ == kAllowedFailures) {
+    Log("Incorrect Password: Attempt 4");
+    Disconnect();
+    return;
+  }
+  ++failedAttempts_;
+  Log("Incorrect Password: Attempt " + std::to_string(failedAttempts_));
+  SendAll({kCrLf, kCrLf, kPasswordPrompt});
+}
+
+void TelnetServer::Send(const std::string& text) { sck_->Send(TelnetProtocol::Escape(text)); }
+
+void TelnetServer::SendAll(std::initializer_list<const char*> pieces) {
+  for (const char* piece : pieces) Send(piece);
+}
+
+void TelnetServer::Log(const std::string& message) {
+  services_.area.SetLog(AppendToLog(services_.area.Log(), kCrLf + clientAddress_ + ": " + message));
+}
+
+}  // namespace orvanto

@@ -1,0 +1,109 @@
+// The remote control: one telnet client at a time logs in, reads a menu, and lists, makes, changes,
+// deletes and runs tasks, or chats with the person at the machine.
+//
+// One socket listens and then becomes the client's connection, so while a client is there nothing
+// listens. The session state, the input line and the count of wrong passwords outlive connections.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "core/ProgramSettings.h"
+#include "platform/TcpSocket.h"
+#include "remote/Remote.h"
+#include "remote/TaskWizard.h"
+#include "remote/TelnetProtocol.h"
+#include "remote/frmChat.h"
+
+namespace orvanto {
+
+class Files;
+class MessageBoxes;
+class Settings;
+class TaskExecution;
+
+class TelnetServer : public Conversation {
+ public:
+  struct Services {
+    SocketHost& sockets;
+    Settings& settings;
+    TaskStore& store;
+    TaskExecution& execution;
+    const Clock& clock;
+    Files& files;
+    MessageBoxes& messageBoxes;
+    ServerArea& area;
+    frmChat& chat;
+  };
+  // `remote` is read whenever its values are needed: the settings dialog changes them.
+  TelnetServer(const Services& services, const RemoteSettings& remote);
+  ~TelnetServer() override;
+
+  void ServerOn();
+  void ServerOff();
+  bool Listening() const { return sck_->GetState() == TcpSocket::State::Listening; }
+  bool Connected() const { return sck_->GetState() == TcpSocket::State::Connected; }
+  std::uint16_t Port() const { return sck_->LocalPort(); }
+  SessionState State() const { return state_; }
+
+  // The commands of the main window.
+  void Kick() { Disconnect(); }
+  void StartChat();
+  void SendTilde();  // what the menu item "Chat" does
+  // On every tick while the area is shown.
+  void RefreshCaption();
+
+  // What is switched on and off together with this server.
+  std::function<void(bool on)> onSwitched;
+
+  // Conversation
+  void Send(const std::string& text) override;
+  void Log(const std::string& message) override;
+  void SetState(SessionState state) override { state_ = state; }
+  void ShowMainMenu() override;
+  void Disconnect() override;
+  void MenuItem(int count, int number, const std::string& text, const std::string& title) override;
+
+ private:
+  // The input line is not kept longer than this; what comes behind is echoed and dropped.
+  static constexpr std::size_t kLongestLine = 64 << 10;
+
+  void StartListening();
+  void ListenIfIdle();
+  void OnConnectionRequest(TcpSocket::RequestId request);
+  void OnDataArrival();
+  void OnChunk(const std::string& chunk);
+  void Echo(const std::string& chunk);
+  void Dispatch(const std::string& line);
+  void Login(const std::string& line);
+  void MainMenuChoice(const std::string& line);
+  void OpenTaskList(const char* question, const char* log, SessionState state);
+  void ChooseNewTask();
+  void DeleteTask(const std::string& line);
+  void RunTask(const std::string& line);
+  void EditTask(const std::string& line);
+  void SendTaskList();
+  void SendScriptsList();
+  void RequestChat();
+  void ChatLine(const std::string& line);
+  void LocalChatLine(const std::string& line);
+  void EndChatLocally();
+  void SendAll(std::initializer_list<const char*> pieces);
+
+  Services services_;
+  const RemoteSettings& remote_;
+  std::unique_ptr<TcpSocket> sck_;
+  TelnetProtocol protocol_;
+  TaskWizard wizard_;
+  std::string clientAddress_ = "0.0.0.0";
+  std::int32_t serverPort_ = 0;
+  std::string inputLine_;
+  std::int16_t failedAttempts_ = 0;  // over the life of the program
+  SessionState state_ = SessionState::Start;
+  // Counts connections, so that what a message box let happen meanwhile is noticed.
+  std::uint64_t connection_ = 0;
+};
+
+}  // namespace orvanto

@@ -1,0 +1,251 @@
+// The remote control's menu: what a complete line does in each state, and the chat.
+#include <array>
+#include <optional>
+
+#include "core/Convert.h"
+#include "core/TaskExecution.h"
+#include "core/modTaskOperations.h"
+#include "platform/Files.h"
+#include "platform/MessageBoxes.h"
+#include "remote/Internet.h"
+
+namespace orvanto {
+namespace {
+
+constexpr int kMenuItems = 7;
+constexpr std::array<const char*, kMenuItems> kMenuTexts{
+    "New Task", "Delete Task", "Run Task", "Edit Task", "View Scripts Folder", "Chat", "Logout"};
+
+// The number in a line; nothing for what is none. Throws what is wrong with a number otherwise.
+std::optional<std::int16_t> SlotOf(const std::string& line) {
+  try {
+    return ToInt16(line);
+  } catch (const Error& error) {
+    if (error.Number() != kTypeMismatch) throw;
+    return std::nullopt;
+  }
+}
+
+}  // namespace
+
+void TelnetServer::MenuItem(int count, int number, const std::string& text,
+                            const std::string& title) {
+  if (count == 0 || number > count) return;
+  if (number == 1) {
+    SendAll({kCrLf, kCrLf});
+    Send(title);
+    Send(kCrLf);
+  }
+  Send(kCrLf);
+  Send(std::to_string(number) + ") " + text);
+  if (number == count) SendAll({kCrLf, ">"});
+}
+
+void TelnetServer::ShowMainMenu() {
+  for (int number = 1; number <= kMenuItems; ++number) {
+    MenuItem(kMenuItems, number, kMenuTexts[static_cast<std::size_t>(number - 1)],
+             number == 1 ? "Orvanto 1.3" : "");
+  }
+  Log("Main Menu");
+  state_ = SessionState::MainMenu;
+}
+
+void TelnetServer::Dispatch(const std::string& line) {
+  const bool back = line == "q";
+  switch (state_) {
+    case SessionState::Start:
+      return ShowMainMenu();
+    case SessionState::Password:
+      return Login(line);
+    case SessionState::MainMenu:
+      return MainMenuChoice(line);
+    case SessionState::NewTask:
+      return back ? ShowMainMenu() : wizard_.WizardStep(line);
+    case SessionState::DeleteTask:
+      return back ? ShowMainMenu() : DeleteTask(line);
+    case SessionState::RunTask:
+      return back ? ShowMainMenu() : RunTask(line);
+    case SessionState::EditTaskStart:
+      return back ? ShowMainMenu() : EditTask(line);
+    case SessionState::EditTask:
+      return back ? ShowMainMenu() : wizard_.EditStep(line);
+    case SessionState::ListScripts:
+      if (back) ShowMainMenu();
+      return;
+    case SessionState::Chat:
+      return ChatLine(line);
+  }
+}
+
+void TelnetServer::MainMenuChoice(const std::string& line) {
+  switch (ToInt16(line)) {
+    case 1:
+      ChooseNewTask();
+      break;
+    case 2:
+      OpenTaskList("Which task do you want to delete?", "Delete Task", SessionState::DeleteTask);
+      break;
+    case 3:
+      OpenTaskList("Which task do you want to run?", "Run Task", SessionState::RunTask);
+      break;
+    case 4:
+      OpenTaskList("Which task do you want to edit?", "Edit Task", SessionState::EditTaskStart);
+      break;
+    case 5:
+      SendScriptsList();
+      SendAll({kCrLf, "Press 'q' for Main Menu", kCrLf});
+      Log("View Scripts Folder");
+      state_ = SessionState::ListScripts;
+      break;
+    case 6:
+      RequestChat();
+      break;
+    case 7:
+      Disconnect();
+      break;
+    default:
+      ShowMainMenu();
+      break;
+  }
+}
+
+void TelnetServer::ChooseNewTask() {
+  SendTaskList();
+  SendAll({kCrLf, "Create a new task(y/n)?"});
+  Log("Create New Task");
+  state_ = SessionState::NewTask;
+  wizard_.BeginNew();
+}
+
+void TelnetServer::OpenTaskList(const char* question, const char* log, SessionState state) {
+  SendTaskList();
+  SendAll({kCrLf, "Press 'q' for Main Menu", kCrLf, question});
+  Log(log);
+  state_ = state;
+}
+
+void TelnetServer::SendTaskList() {
+  TaskStore& store = services_.store;
+  const std::int16_t count = store.NoTasks();
+  if (count == 0) return;
+  SendAll({kCrLf, kCrLf, "Task List", kCrLf, "---------", kCrLf, kCrLf});
+  for (int i = 1; i <= count; ++i) {
+    Send(std::to_string(i) + ") " + store.TaskName(static_cast<std::int16_t>(i)) + kCrLf);
+  }
+}
+
+void TelnetServer::SendScriptsList() {
+  SendAll({kCrLf, kCrLf, "Scripts Folder", kCrLf, "--------------", kCrLf, kCrLf});
+  // Every second name is consumed by the look whether there is one more: kept as it is.
+  bool shown = true;
+  bool first = true;
+  services_.files.ListFolder(services_.store.AppDir + "scripts\\",
+                             [&](const std::string& name, bool isFolder) {
+                               if (isFolder || name[0] == '.') return true;
+                               if (shown) {
+                                 if (!first) Send(kCrLf);
+                                 first = false;
+                                 Send(name);
+                               }
+                               shown = !shown;
+                               return true;
+                             });
+  // Behind an even number of files one more was begun.
+  if (!first && shown) Send(kCrLf);
+}
+
+void TelnetServer::DeleteTask(const std::string& line) {
+  TaskStore& store = services_.store;
+  const auto slot = SlotOf(line);
+  if (!slot) return ShowMainMenu();
+  const std::int16_t number = *slot;
+  if (number <= store.NoTasks()) {
+    store.LoadTask(number);
+    Send(kCrLf + ("Deleted Task: " + store.CurrentTask.name) + kCrLf);
+    store.DeleteTask(number);
+  }
+  ShowMainMenu();
+}
+
+void TelnetServer::RunTask(const std::string& line) {
+  TaskStore& store = services_.store;
+  const auto slot = SlotOf(line);
+  if (!slot) return ShowMainMenu();
+  const std::int16_t number = *slot;
+  if (number <= store.NoTasks()) {
+    const std::uint64_t connection = connection_;
+    services_.execution.RunTask(number);
+    // A task may take long and let other events run; the client may be another one by now.
+    if (connection != connection_) return;
+    store.LoadTask(number);
+    Send(kCrLf + ("Started Task: " + store.CurrentTask.name) + kCrLf);
+  }
+  ShowMainMenu();
+}
+
+void TelnetServer::EditTask(const std::string& line) {
+  TaskStore& store = services_.store;
+  const auto slot = SlotOf(line);
+  if (!slot) return ShowMainMenu();
+  const std::int16_t number = *slot;
+  // Every number is let through, one behind the last task too: kept as it is.
+  store.LoadTask(number);
+  state_ = SessionState::EditTask;
+  wizard_.BeginEdit();
+  wizard_.EditStep("");
+}
+
+void TelnetServer::SendTilde() { Send("~"); }
+
+void TelnetServer::StartChat() {
+  if (!Connected()) return;
+  state_ = SessionState::Chat;
+  Log("Server Started Chat");
+  SendAll({kCrLf, kCrLf, "Server Started Chat...\r\n", kCrLf, "Press '/' to Quit...\r\n", kCrLf});
+  services_.chat.Open();
+}
+
+void TelnetServer::RequestChat() {
+  if (remote_.chatAutoAccept == 1) {
+    Log("Client Started Chat");
+    SendAll({kCrLf, kCrLf, "Starting Chat...\r\n", kCrLf, "Press '/' and then Enter to Quit...\r\n",
+             kCrLf});
+  } else {
+    Log("Client Requesting Chat");
+    SendAll({kCrLf, kCrLf, "Asking for Chat...\r\n"});
+    const std::uint64_t connection = connection_;
+    const Answer answer = services_.messageBoxes.Show("Accept Chat Request?", "Chat Request",
+                                                      Buttons::YesNo, BoxIcon::Question);
+    if (connection != connection_) return;
+    if (answer != Answer::Yes) return ShowMainMenu();
+    SendAll({kCrLf, kCrLf, "Chat Request Accepted\r\n", kCrLf, kCrLf, "Starting Chat...\r\n", kCrLf,
+             "Press '/' to Quit...\r\n", kCrLf});
+  }
+  services_.chat.Open();
+  state_ = SessionState::Chat;
+}
+
+void TelnetServer::ChatLine(const std::string& line) {
+  if (line == "/") {
+    Send("\r\nChat Ended by Client\r\n\r\n");
+    ShowMainMenu();
+    services_.chat.Unload();
+    return;
+  }
+  services_.chat.Append(kCrLf + ("Client: " + line) + kCrLf);
+  Send(kCrLf);
+}
+
+void TelnetServer::LocalChatLine(const std::string& line) {
+  const std::string text = kCrLf + ("Server: " + line) + kCrLf;
+  Send(text);
+  services_.chat.Append(text);
+}
+
+void TelnetServer::EndChatLocally() {
+  Send("\r\nChat Ended by Server\r\n\r\n");
+  ShowMainMenu();
+  services_.chat.Unload();
+}
+
+}  // namespace orvanto

@@ -1,0 +1,37 @@
+#include "remote/frmChat.h"
+
+#include "core/TextLog.h"
+
+namespace orvanto {
+
+frmChat::frmChat(forms::FormHost& host)
+    : Form(host, "Chat", {6600, 4200}),
+      txtChat(*this, nullptr, {.multiLine = true, .readOnly = true}, {120, 120, 6360, 3150}),
+      txtSend(*this, nullptr, {}, {120, 3420, 6360, 345}),
+      cmdQuit(*this, nullptr, "&Quit", {5250, 3810, 1230, 330}) {
+  txtSend.onEnter = [this] {
+    const std::string line = txtSend.Text();
+    txtSend.SetText("");
+    if (onLine) onLine(line);
+  };
+  cmdQuit.onClick = [this] {
+    if (onQuit) onQuit();
+  };
+  // The client is not told: the chat goes on until he or the local user ends it.
+  onClose = [this] { Hide(); };
+}
+
+void frmChat::Open() {
+  txtChat.SetText("");
+  txtSend.SetText("");
+  CentreOnScreen();
+  Activate();
+  if (onOpened) onOpened();
+}
+
+void frmChat::Append(const std::string& text) {
+  txtChat.SetText(AppendToLog(txtChat.Text(), text));
+  if (onAppended) onAppended(text);
+}
+
+}  // namespace orvanto

@@ -1,0 +1,31 @@
+// The window of a chat with the remote client.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/forms.h"
+
+namespace orvanto {
+
+class frmChat : public forms::Form {
+ public:
+  explicit frmChat(forms::FormHost& host);
+
+  void Open();  // empty and centred
+  // Behind the transcript, which never begins with an empty line.
+  void Append(const std::string& text);
+
+  std::function<void(const std::string& line)> onLine;  // a line to be sent
+  std::function<void()> onQuit;
+
+  // For a host that shows the chat in its own way.
+  std::function<void()> onOpened;
+  std::function<void(const std::string& text)> onAppended;
+
+  forms::TextBox txtChat;
+  forms::TextBox txtSend;
+  forms::Button cmdQuit;
+};
+
+}  // namespace orvanto

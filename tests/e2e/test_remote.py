@@ -1,0 +1,265 @@
+"""The remote control with real clients: a plain socket, telnet, and PuTTY's plink."""
+import os
+import pty
+import select
+import signal
+import socket
+import termios
+import time
+import unittest
+
+from support import HomeTest, PROGRAM, hh_mm, lines_of, next_minute, sleep_until
+
+MENU_END = b"7) Logout\r\n>"
+PATIENCE = 15
+
+
+def free_port():
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]
+
+
+class Terminal:
+    """A program on a terminal of its own, driven key by key."""
+
+    def __init__(self, *command, **environment):
+        self.pid, self.fd = pty.fork()
+        if self.pid == 0:
+            os.environ.update(environment)
+            os.execvp(command[0], command)
+        self.seen = b""
+
+    def expect(self, text):
+        """Reads until the text has come; returns all that came up to its end."""
+        deadline = time.monotonic() + PATIENCE
+        while text not in self.seen:
+            ready, _, _ = select.select([self.fd], [], [], deadline - time.monotonic())
+            try:
+                data = os.read(self.fd, 4096) if ready else b""
+            except OSError:
+                data = b""
+            if not data:
+                raise AssertionError(f"{text} did not come: {self.seen!r}")
+            self.seen += data
+        end = self.seen.index(text) + len(text)
+        came, self.seen = self.seen[:end], self.seen[end:]
+        return came
+
+    def type(self, text):
+        """Key by key, as slowly as a person: keys that travel together are no line's end."""
+        for key in text:
+            os.write(self.fd, bytes([key]))
+            time.sleep(0.08)
+
+    def wait_for_character_mode(self):
+        """Until the client has stopped echoing by itself."""
+        deadline = time.monotonic() + PATIENCE
+        while termios.tcgetattr(self.fd)[3] & termios.ECHO:
+            if time.monotonic() > deadline:
+                raise AssertionError("the client still echoes")
+            time.sleep(0.05)
+
+    def close(self):
+        os.kill(self.pid, signal.SIGKILL)
+        os.waitpid(self.pid, 0)
+        os.close(self.fd)
+
+
+class Client:
+    """A telnet client as small as can be: keys one at a time, each waited for."""
+
+    def __init__(self, port):
+        self.socket = socket.create_connection(("127.0.0.1", port), timeout=PATIENCE)
+        self.socket.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+        self.seen = b""
+
+    def expect(self, text):
+        while text not in self.seen:
+            data = self.socket.recv(4096)
+            if not data:
+                raise AssertionError(f"{text} did not come: {self.seen!r}")
+            self.seen += data
+        end = self.seen.index(text) + len(text)
+        came, self.seen = self.seen[:end], self.seen[end:]
+        return came
+
+    def line(self, text, then):
+        """Types a line and Enter, and waits for a text behind it."""
+        for key in text.encode():
+            self.socket.sendall(bytes([key]))
+            self.expect(bytes([key]))
+        self.socket.sendall(b"\r\n")
+        return self.expect(then)
+
+
+class Remote(HomeTest):
+    def serve(self, **settings):
+        self.port = free_port()
+        home = self.home()
+        values = {"Inet_ServerOn": "1", "Inet_ServerPort": str(self.port), **settings}
+        for name, value in values.items():
+            self.orvanto(home, "set", "General", name, value)
+        return home
+
+    def connect(self):
+        deadline = time.monotonic() + PATIENCE
+        while True:
+            try:
+                return Client(self.port)
+            except ConnectionRefusedError:
+                if time.monotonic() > deadline:
+                    raise
+                time.sleep(0.05)
+
+    def test_a_task_made_over_the_network_fires_at_its_minute(self):
+        home = self.serve()
+        program, marks = self.marker(home, "made")
+        self.start(home)
+        due = next_minute(margin=20)
+        client = self.connect()
+        client.expect(MENU_END)
+        client.line("1", b"Create a new task(y/n)?")
+        client.line("y", b"Enter Name for New Task: ")
+        client.line("Made", b"\r\n>")
+        client.line(hh_mm(due), b"3) One day in every month\r\n>")
+        client.line("2", b"10) Every Weekend Day\r\n>")
+        client.line("1", b"13) December\r\n>")
+        client.line("1", b"7) Play Sound\r\n>")
+        client.line("2", b"open\r\n\r\n>")
+        client.line("Z:" + str(program).replace("/", "\\"), b"none)\r\n\r\n>")
+        client.line("", b"6) Hidden\r\n>")
+        client.line("1", b"Keep this task(y/n)?")
+        client.line("y", MENU_END)
+        client.socket.close()
+        # The next client is let in, changes the task's name, and leaves.
+        client = self.connect()
+        client.expect(MENU_END)
+        client.line("4", b"Which task do you want to edit?")
+        client.line("1", b"Do you want this option changed(y/n)?")
+        client.line("y", b"Enter Name for New Task: ")
+        client.line("Renamed", b"Do you want this option changed(y/n)?")
+        for _ in range(2):
+            client.line("n", b"Do you want this option changed(y/n)?")
+        client.line("n", b"Keep these changes(y/n)?")
+        client.line("y", MENU_END)
+        self.assertIn(f"1) Renamed | Run | {hh_mm(due)} on Every Day In Every Month",
+                      self.orvanto(home, "list"))
+        sleep_until(due)
+        deadline = time.monotonic() + PATIENCE
+        while not lines_of(marks) and time.monotonic() < deadline:
+            time.sleep(0.1)
+        self.assertEqual(len(lines_of(marks)), 1)
+        client.line("2", b"Which task do you want to delete?")
+        came = client.line("1", MENU_END)
+        self.assertIn(b"Deleted Task: Renamed\r\n", came)
+        client.line("7", b"")
+        self.assertEqual(client.socket.recv(10), b"")
+        self.assertEqual(self.orvanto(home, "list"), "")
+
+    def real_client(self, *command, character_mode=False):
+        """Logs in with a password, looks at the scripts, and logs out."""
+        home = self.serve(Inet_Passwd_Required="1", Inet_Passwd="Secret")
+        (home / "scripts" / "night.txt").write_text("*(nothing)\n")
+        self.start(home)
+        self.connect().socket.close()
+        terminal = Terminal(*command, str(self.port), TERM="dumb")
+        self.addCleanup(terminal.close)
+        terminal.expect(b"Enter Password: ")
+        if character_mode:
+            terminal.type(b"\x1d")
+            terminal.expect(b"telnet> ")
+            terminal.type(b"mode character\n")
+        terminal.wait_for_character_mode()
+        terminal.type(b"Secret")
+        terminal.type(b"\r")
+        came = terminal.expect(b"7) Logout\r\n>")
+        self.assertIn(b"******", came)
+        self.assertNotIn(b"Secret", came)
+        self.assertNotIn(b"\xff", came)
+        terminal.type(b"5\r")
+        came = terminal.expect(b"Press 'q' for Main Menu")
+        self.assertIn(b"night.txt", came)
+        terminal.type(b"q\r")
+        terminal.expect(b"7) Logout\r\n>")
+        # The wizard takes its lines to the letter: no byte of the protocol is in them.
+        terminal.type(b"1\r")
+        terminal.expect(b"Create a new task(y/n)?")
+        terminal.type(b"y\r")
+        terminal.expect(b"Enter Name for New Task: ")
+        terminal.type(b"Clean name\r")
+        terminal.expect(b"(xx:xx)\r\n>")
+        terminal.type(b"10:00\r")
+        terminal.expect(b"One day in every month\r\n>")
+        terminal.type(b"3\r")
+        terminal.expect(b"(1-31)?")
+        terminal.type(b"1\r")
+        terminal.expect(b"7) Play Sound\r\n>")
+        terminal.type(b"5\r")
+        terminal.expect(b"Keep this task(y/n)?")
+        terminal.type(b"y\r")
+        terminal.expect(b"7) Logout\r\n>")
+        self.assertEqual(self.orvanto(home, "list"),
+                         "1) Clean name | Shutdown Computer | 10:00 on Day Number: 1\n")
+        terminal.type(b"7\r")
+
+    def test_telnet_in_character_mode(self):
+        self.real_client("telnet", "127.0.0.1", character_mode=True)
+
+    def test_plink(self):
+        self.real_client("plink", "-telnet", "127.0.0.1", "-P")
+
+    def test_chat_with_the_terminal_of_the_console_host(self):
+        home = self.serve()
+        host = Terminal(PROGRAM, "--home", str(home))
+        self.addCleanup(host.close)
+        host.expect(b"runs the tasks in")
+        client = self.connect()
+        client.expect(MENU_END)
+        client.line("6", b"Asking for Chat...\r\n")
+        host.expect(b"Accept Chat Request?")
+        os.write(host.fd, b"y\n")
+        client.expect(b"Press '/' to Quit...\r\n\r\n")
+        host.expect(b"A chat with the remote client has begun")
+        client.socket.sendall(b"h")
+        client.expect(b"\r\nClient: h")
+        client.line("i", b"\r\n")
+        host.expect(b"Client: hi")
+        os.write(host.fd, b"hello there\n")
+        client.expect(b"\r\nServer: hello there\r\n")
+        os.write(host.fd, b"/\n")
+        client.expect(b"Chat Ended by Server")
+        client.expect(MENU_END)
+
+    def test_a_thousand_connections_leave_nothing_behind(self):
+        home = self.serve()
+        # The sanitizer keeps what has been freed unless it is told not to.
+        process = self.start(home, env={**os.environ, "ASAN_OPTIONS": "quarantine_size_mb=0"})
+
+        def held():
+            status = open(f"/proc/{process.pid}/status", encoding="ascii").read()
+            resident = int(status.split("VmRSS:")[1].split()[0])
+            return len(os.listdir(f"/proc/{process.pid}/fd")), resident
+
+        def connect_often(times):
+            for _ in range(times):
+                client = self.connect()
+                client.expect(MENU_END)
+                # Reset instead of closed in order: no port is left waiting.
+                client.socket.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER,
+                                         b"\x01\0\0\0\0\0\0\0")
+                client.socket.close()
+
+        connect_often(200)
+        self.connect().expect(MENU_END)
+        before = held()
+        connect_often(int(os.environ.get("ORVANTO_CONNECTIONS", "1000")))
+        self.connect().expect(MENU_END)
+        after = held()
+        self.assertLessEqual(abs(after[0] - before[0]), 1)
+        # A quarter of a megabyte for what the allocator keeps.
+        self.assertLess(after[1] - before[1], 256 + before[1] // 10)
+
+
+if __name__ == "__main__":
+    unittest.main()
