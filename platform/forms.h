@@ -5,4 +5,5 @@
 #include "platform/forms/Form.h"
 #include "platform/forms/Lists.h"
 #include "platform/forms/Menu.h"
+#include "platform/forms/TextBox.h"
 #include "platform/forms/TreeView.h"

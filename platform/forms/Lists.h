@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/forms/Control.h"
+#include "platform/forms/TextBox.h"
 
 namespace orvanto::forms {
 

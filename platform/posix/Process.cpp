@@ -69,6 +69,23 @@ bool WasExecuted(int errors) {
   return count == 0;
 }
 
+// Runs `inChild`, which does not return, in a child, and waits for the child's end. False when the
+// program it was to become could not be executed.
+template <typename InChild>
+bool Fork(int& status, const InChild& inChild) {
+  int ends[2];
+  if (::pipe2(ends, O_CLOEXEC) != 0) return false;
+  const Descriptor errors(ends[0]);
+  Descriptor childErrors(ends[1]);
+  const pid_t child = ::fork();
+  if (child < 0) return false;
+  if (child == 0) inChild(childErrors.Get());
+  childErrors.Close();
+  const bool executed = WasExecuted(errors.Get());
+  status = WaitFor(child);
+  return executed;
+}
+
 }  // namespace
 
 std::string FindProgram(const std::string& name) {
@@ -91,39 +108,25 @@ std::string FindProgram(const std::string& name) {
 bool StartDetached(const std::string& program, const std::vector<std::string>& arguments,
                    const std::string& directory, Output output) {
   std::vector<char*> argv = Argv(program, arguments);
-  int ends[2];
-  if (::pipe2(ends, O_CLOEXEC) != 0) return false;
-  const Descriptor errors(ends[0]);
-  Descriptor childErrors(ends[1]);
-  const pid_t child = ::fork();
-  if (child < 0) return false;
-  if (child == 0) {
+  int status = 0;
+  const bool executed = Fork(status, [&](int errors) {
     // The child of our child belongs to init, so nobody has to wait for it.
     ::setsid();
     const pid_t grandchild = ::fork();
     if (grandchild == 0) {
-      Become(program.c_str(), argv.data(), directory.c_str(), output, childErrors.Get());
+      Become(program.c_str(), argv.data(), directory.c_str(), output, errors);
     }
     ::_exit(grandchild < 0 ? 1 : 0);
-  }
-  childErrors.Close();
-  const int status = WaitFor(child);
-  return WasExecuted(errors.Get()) && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  });
+  return executed && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 bool RunToEnd(const std::string& program, const std::vector<std::string>& arguments) {
   std::vector<char*> argv = Argv(program, arguments);
-  int ends[2];
-  if (::pipe2(ends, O_CLOEXEC) != 0) return false;
-  const Descriptor errors(ends[0]);
-  Descriptor childErrors(ends[1]);
-  const pid_t child = ::fork();
-  if (child < 0) return false;
-  if (child == 0) Become(program.c_str(), argv.data(), "", Output::Inherit, childErrors.Get());
-  childErrors.Close();
-  const bool executed = WasExecuted(errors.Get());
-  WaitFor(child);
-  return executed;
+  int status = 0;
+  return Fork(status, [&](int errors) {
+    Become(program.c_str(), argv.data(), "", Output::Inherit, errors);
+  });
 }
 
 }  // namespace orvanto::posix

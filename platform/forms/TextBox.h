@@ -1,0 +1,36 @@
+// A box for text, of one line or many.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/forms/Control.h"
+
+namespace orvanto::forms {
+
+class TextBox : public Control {
+ public:
+  struct Style {
+    bool multiLine = false;  // lines end in CR LF; scrolls by itself to its end on SetText
+    bool readOnly = false;
+    int maxLength = 0;  // in characters; 0: as long as one likes
+  };
+  TextBox(Form& form, const Control* container, Style style, Bounds bounds)
+      : Control(form, container, Kind::TextBox, {}, bounds), style_(style) {}
+
+  const Style& GetStyle() const { return style_; }
+
+  // Raised by Type, not by SetText.
+  std::function<void()> onChange;
+  // The Enter key in a box of one line. Without it, Enter presses the form's default button.
+  std::function<void()> onEnter;
+
+  // user: replaces the contents
+  bool Type(const std::string& text);
+  bool PressEnter();
+
+ private:
+  Style style_;
+};
+
+}  // namespace orvanto::forms
