@@ -144,7 +144,7 @@ class TerminalLines {
       return;
     }
     typed_.append(buffer.data(), static_cast<std::size_t>(count));
-    for (std::size_t end = 0; (end = typed_.find('\n')) != typed_.npos;) {
+    for (std::size_t end = 0; (end = typed_.find('\n')) != std::string::npos;) {
       const std::string line = typed_.substr(0, end);
       typed_.erase(0, end + 1);
       onLine_(line);

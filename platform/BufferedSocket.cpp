@@ -100,14 +100,14 @@ void BufferedSocket::Receive() {
     arrived_.append(buffer.data(), moved.count);
     if (finishing_) ReceiveLater();
     Raise(onDataArrival);
-  } else if (moved.end) {
-    End();
-    Raise(onClosed);
-  } else if (moved.error != 0) {
-    Fail(moved.error);
-  } else if (finishing_ && lastError_ != 0) {
-    Fail(lastError_);
-  } else if (finishing_) {
+    return;
+  }
+  // Finishing, nothing is left to read: the connection ends with what ended its sending, if
+  // anything.
+  const int error = moved.error != 0 ? moved.error : finishing_ && !moved.end ? lastError_ : 0;
+  if (error != 0) {
+    Fail(error);
+  } else if (moved.end || finishing_) {
     End();
     Raise(onClosed);
   }

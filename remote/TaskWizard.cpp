@@ -180,9 +180,9 @@ void TaskWizard::Reject(const std::string& message) {
 }
 
 bool TaskWizard::Choice(const std::string& line, int most, std::int16_t& stored) const {
-  for (std::int16_t number = 1; number <= most; ++number) {
+  for (int number = 1; number <= most; ++number) {
     if (line != std::to_string(number)) continue;
-    stored = number;
+    stored = static_cast<std::int16_t>(number);
     return true;
   }
   return false;

@@ -14,7 +14,7 @@ ConsoleChat::ConsoleChat(Program& program, std::ostream& out) : program_(program
   };
   program.ChatWindow().onAppended = [this](const std::string& text) {
     const std::size_t begin = text.find_first_not_of(kCrLf);
-    if (begin == text.npos) return;
+    if (begin == std::string::npos) return;
     out_ << PrintableLine(text.substr(begin, text.find_last_not_of(kCrLf) - begin + 1))
          << std::endl;
   };
