@@ -231,6 +231,29 @@ class Remote(HomeTest):
         client.expect(b"Chat Ended by Server")
         client.expect(MENU_END)
 
+    def test_the_system_asks_whether_a_silent_client_is_there(self):
+        self.start(self.serve())
+        client = self.connect()
+        client.expect(MENU_END)
+
+        def server_end():
+            """Columns of the system's table: local and remote address, state, queues, timer..."""
+            ours, theirs = f":{self.port:04X}", f":{client.socket.getsockname()[1]:04X}"
+            for line in open("/proc/net/tcp", encoding="ascii"):
+                columns = line.split()
+                if columns[1].endswith(ours) and columns[2].endswith(theirs):
+                    return columns
+            return None
+
+        keep_alive = "02:"
+        deadline = time.monotonic() + PATIENCE
+        while not server_end()[5].startswith(keep_alive) and time.monotonic() < deadline:
+            time.sleep(0.05)
+        timer = server_end()[5]
+        self.assertTrue(timer.startswith(keep_alive), timer)
+        ticks = int(timer.removeprefix(keep_alive), 16)
+        self.assertLessEqual(ticks / os.sysconf("SC_CLK_TCK"), 60)
+
     def test_a_thousand_connections_leave_nothing_behind(self):
         home = self.serve()
         # The sanitizer keeps what has been freed unless it is told not to.

@@ -19,7 +19,6 @@ namespace orvanto {
 class FakeArea : public ServerArea {
  public:
   void ShowServer(bool on) override { shown = on; }
-  bool ServerShown() const override { return shown; }
   void SetCaption(const std::string& text) override { caption = text; }
   void SetLamps(bool yes, bool no) override {
     lamps = std::string(yes ? "Y" : "-") + (no ? "N" : "-");
