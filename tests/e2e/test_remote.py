@@ -20,21 +20,17 @@ def free_port():
         return probe.getsockname()[1]
 
 
-class Terminal:
-    """A program on a terminal of its own, driven key by key."""
+class Reader:
+    """What comes out of the descriptor `fd`."""
 
-    def __init__(self, *command, **environment):
-        self.pid, self.fd = pty.fork()
-        if self.pid == 0:
-            os.environ.update(environment)
-            os.execvp(command[0], command)
-        self.seen = b""
+    fd = -1
+    seen = b""
 
     def expect(self, text):
         """Reads until the text has come; returns all that came up to its end."""
         deadline = time.monotonic() + PATIENCE
         while text not in self.seen:
-            ready, _, _ = select.select([self.fd], [], [], deadline - time.monotonic())
+            ready, _, _ = select.select([self.fd], [], [], max(0, deadline - time.monotonic()))
             try:
                 data = os.read(self.fd, 4096) if ready else b""
             except OSError:
@@ -45,6 +41,16 @@ class Terminal:
         end = self.seen.index(text) + len(text)
         came, self.seen = self.seen[:end], self.seen[end:]
         return came
+
+
+class Terminal(Reader):
+    """A program on a terminal of its own, driven key by key."""
+
+    def __init__(self, *command, **environment):
+        self.pid, self.fd = pty.fork()
+        if self.pid == 0:
+            os.environ.update(environment)
+            os.execvp(command[0], command)
 
     def type(self, text):
         """Key by key, as slowly as a person: keys that travel together are no line's end."""
@@ -66,23 +72,13 @@ class Terminal:
         os.close(self.fd)
 
 
-class Client:
+class Client(Reader):
     """A telnet client as small as can be: keys one at a time, each waited for."""
 
     def __init__(self, port):
         self.socket = socket.create_connection(("127.0.0.1", port), timeout=PATIENCE)
         self.socket.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-        self.seen = b""
-
-    def expect(self, text):
-        while text not in self.seen:
-            data = self.socket.recv(4096)
-            if not data:
-                raise AssertionError(f"{text} did not come: {self.seen!r}")
-            self.seen += data
-        end = self.seen.index(text) + len(text)
-        came, self.seen = self.seen[:end], self.seen[end:]
-        return came
+        self.fd = self.socket.fileno()
 
     def line(self, text, then):
         """Types a line and Enter, and waits for a text behind it."""
