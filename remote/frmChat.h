@@ -23,9 +23,10 @@ class frmChat : public forms::Form {
   std::function<void()> onOpened;
   std::function<void(const std::string& text)> onAppended;
 
-  forms::TextBox txtChat;
+  // First in the tab order, so that the keyboard is there when the window opens.
   forms::TextBox txtSend;
   forms::Button cmdQuit;
+  forms::TextBox txtChat;
 };
 
 }  // namespace orvanto

@@ -133,7 +133,7 @@ class TextWindow : public ControlWindow {
   }
 
   void ScrollToEnd() const {
-    if (!box_.GetStyle().multiLine || GetFocus() == window_) return;
+    if (!box_.GetStyle().multiLine) return;
     const auto end = static_cast<WPARAM>(GetWindowTextLengthW(window_));
     SendMessageW(window_, EM_SETSEL, end, static_cast<LPARAM>(end));
     SendMessageW(window_, EM_SCROLLCARET, 0, 0);

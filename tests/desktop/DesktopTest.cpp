@@ -61,6 +61,11 @@ int DesktopTest::DueSoon() {
   return (now.wHour * 60 + now.wMinute + (now.wSecond < 50 ? 1 : 2)) % (24 * 60);
 }
 
+void DesktopTest::Store(const wchar_t* section, const wchar_t* name, const std::wstring& text) {
+  RegSetKeyValueW(HKEY_CURRENT_USER, (std::wstring(kKey) + L"\\" + section).c_str(), name, REG_SZ,
+                  text.c_str(), static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+}
+
 std::wstring DesktopTest::Stored(const std::wstring& section, const wchar_t* name) {
   wchar_t text[1024] = L"";
   DWORD size = sizeof text;

@@ -32,6 +32,7 @@ class DesktopTest : public testing::Test {
   // The next minute of the day that a program started now does not miss.
   static int DueSoon();
 
+  static void Store(const wchar_t* section, const wchar_t* name, const std::wstring& text);
   // A stored text, or "" where there is none. The section may be a task's name.
   static std::wstring Stored(const std::wstring& section, const wchar_t* name);
 

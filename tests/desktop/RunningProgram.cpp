@@ -1,7 +1,11 @@
 #include "tests/desktop/RunningProgram.h"
 
-#include <stdexcept>
+#include <winternl.h>
+
+#include <system_error>
 #include <thread>
+
+#include "platform/win32/Text.h"
 
 namespace orvanto::desktop {
 
@@ -15,7 +19,8 @@ ProcessHandle Start(std::wstring commandLine, DWORD& id) {
   PROCESS_INFORMATION information = {};
   if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
                       &startup, &information)) {
-    throw std::runtime_error("cannot start the program");
+    throw std::system_error(static_cast<int>(GetLastError()), std::system_category(),
+                            win32::ToUtf8(commandLine));
   }
   CloseHandle(information.hThread);
   id = information.dwProcessId;
@@ -149,6 +154,15 @@ HWND RunningProgram::Button(HWND form, const std::wstring& caption) {
   return FindWindowExW(form, nullptr, L"Button", caption.c_str());
 }
 
+std::vector<HWND> RunningProgram::Children(HWND form, const wchar_t* windowClass) {
+  std::vector<HWND> found;
+  HWND child = nullptr;
+  while ((child = FindWindowExW(form, child, windowClass, nullptr)) != nullptr) {
+    found.push_back(child);
+  }
+  return found;
+}
+
 HWND RunningProgram::InFront(const std::wstring& caption) const {
   HWND found = nullptr;
   WaitFor([&] {
@@ -250,6 +264,12 @@ bool RunningProgram::WaitForEnd(DWORD& exitCode) const {
 
 namespace {
 
+template <typename Function>
+Function FromSystem(const char* name) {
+  return reinterpret_cast<Function>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), name)));
+}
+
 // Wine counts nothing, but keeps the same table of GDI objects in every process as Windows did
 // before version 10: the process block has its address.
 DWORD CountGdiTable(HANDLE process) {
@@ -268,9 +288,8 @@ DWORD CountGdiTable(HANDLE process) {
     BYTE* block;
     ULONG_PTR rest[4];
   } basic = {};
-  using Query = LONG(WINAPI*)(HANDLE, int, void*, ULONG, ULONG*);
-  const auto query = reinterpret_cast<Query>(reinterpret_cast<void*>(
-      GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQueryInformationProcess")));
+  const auto query =
+      FromSystem<LONG(WINAPI*)(HANDLE, int, void*, ULONG, ULONG*)>("NtQueryInformationProcess");
   query(process, 0, &basic, sizeof basic, nullptr);
   void* table = nullptr;
   std::vector<Entry> entries(kEntries);
@@ -310,6 +329,29 @@ GuiObjects RunningProgram::CountGuiObjects() const {
   WindowCount windows = {id_, 0};
   EnumWindows(CountWithChildren, reinterpret_cast<LPARAM>(&windows));
   return {CountGdiTable(process_.Get()), windows.count, false};
+}
+
+// Wine knows the number here only.
+DWORD RunningProgram::CountHandles() const {
+  struct Entry {  // the beginning of it
+    ULONG next;
+    ULONG threads;
+    BYTE times[48];
+    UNICODE_STRING name;
+    LONG_PTR priority;
+    ULONG_PTR id;
+    ULONG_PTR parent;
+    ULONG handles;
+  };
+  std::vector<BYTE> bytes(1 << 20);
+  const auto query =
+      FromSystem<LONG(WINAPI*)(int, void*, ULONG, ULONG*)>("NtQuerySystemInformation");
+  if (query(5, bytes.data(), static_cast<ULONG>(bytes.size()), nullptr) != 0) return 0;
+  const auto* entry = reinterpret_cast<const Entry*>(bytes.data());
+  while (entry->id != id_ && entry->next != 0) {
+    entry = reinterpret_cast<const Entry*>(reinterpret_cast<const BYTE*>(entry) + entry->next);
+  }
+  return entry->id == id_ ? entry->handles : 0;
 }
 
 }  // namespace orvanto::desktop

@@ -60,6 +60,8 @@ class RunningProgram {
   HWND MainWindow() const;
   HWND Button(const std::wstring& caption) const { return Button(MainWindow(), caption); }
   static HWND Button(HWND form, const std::wstring& caption);
+  // The windows of one class on a form, in the order of the controls.
+  static std::vector<HWND> Children(HWND form, const wchar_t* windowClass);
   // The form with this caption, once it is shown and in front; null when that never happens.
   HWND InFront(const std::wstring& caption) const;
   HWND Box() const;  // the message box that is open, or null
@@ -74,6 +76,7 @@ class RunningProgram {
   std::vector<TreeLine> Tree() const;
   bool WaitForEnd(DWORD& exitCode) const;
   GuiObjects CountGuiObjects() const;
+  DWORD CountHandles() const;
 
  private:
   class Remote;

@@ -12,19 +12,11 @@ namespace {
 
 constexpr const wchar_t* kNew = L"New Task";
 
-// The windows of one class on a form, in the order of the controls.
-std::vector<HWND> Children(HWND form, const wchar_t* windowClass) {
-  std::vector<HWND> found;
-  HWND child = nullptr;
-  while ((child = FindWindowExW(form, child, windowClass, nullptr)) != nullptr) {
-    found.push_back(child);
-  }
-  return found;
-}
-
 struct Editor {
   explicit Editor(HWND form)
-      : window(form), texts(Children(form, L"Edit")), lists(Children(form, L"ComboBox")) {
+      : window(form),
+        texts(RunningProgram::Children(form, L"Edit")),
+        lists(RunningProgram::Children(form, L"ComboBox")) {
     if (texts.size() != 9 || lists.size() != 4) throw std::runtime_error("not the editor");
   }
   HWND Name() const { return texts[0]; }
@@ -122,7 +114,7 @@ TEST_F(EditorDesktopTest, MouseMakesATask) {
   PostMessageW(editor.Day(), WM_KEYDOWN, VK_UP, 0);
   ASSERT_TRUE(WaitFor([&] { return TextOf(editor.Day()) == L"2"; }));
   // The upper of the two arrows.
-  const HWND arrows = Children(editor.window, UPDOWN_CLASSW).at(0);
+  const HWND arrows = RunningProgram::Children(editor.window, UPDOWN_CLASSW).at(0);
   PostMessageW(arrows, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(3, 3));
   PostMessageW(arrows, WM_LBUTTONUP, 0, MAKELPARAM(3, 3));
   ASSERT_TRUE(WaitFor([&] { return TextOf(editor.Day()) == L"3"; })) << TextOf(editor.Day()).size();
