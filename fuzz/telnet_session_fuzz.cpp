@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (runs++ % 100 == 0 || desk->store.NoTasks() > 3) {
     desk = std::make_unique<RemoteDesk>();
     desk->messageBoxes.answersAll = true;
-    desk->AddMessage("One");
+    desk->AddMessages({"One"});
     desk->server.ServerOn();
   }
   desk->remote.passwordRequired = size > 0 && data[0] % 8 == 0 ? 1 : 0;
