@@ -14,16 +14,16 @@
 namespace orvanto {
 
 // What validation needs to know of the file system.
-class FileFinder {
+class FileLookup {
  public:
-  virtual ~FileFinder() = default;
+  virtual ~FileLookup() = default;
   // True when a file of that full path exists.
   virtual bool FindFile(const std::string& path) = 0;
 };
 
 class TaskStore {
  public:
-  TaskStore(Settings& settings, const Clock& clock, FileFinder& finder)
+  TaskStore(Settings& settings, const Clock& clock, FileLookup& finder)
       : settings_(settings), clock_(clock), finder_(finder) {}
 
   TaskRecord CurrentTask;
@@ -91,7 +91,7 @@ class TaskStore {
 
   Settings& settings_;
   const Clock& clock_;
-  FileFinder& finder_;
+  FileLookup& finder_;
 };
 
 }  // namespace orvanto

@@ -24,7 +24,7 @@ int ErrorOf(const Work& work) {
   }
 }
 
-class FakeFinder : public FileFinder {
+class FakeFinder : public FileLookup {
  public:
   explicit FakeFinder(const FakeFiles& files) : files_(files) {}
   bool FindFile(const std::string& path) override {
