@@ -216,7 +216,8 @@ TEST_F(ProgramTest, OneWindowStandsForAnother) {
   EXPECT_EQ(fake.trayIcon.shownTip, "");
 
   window.treTasks.ClickNode(1);
-  ASSERT_TRUE(window.cmdEdit.Press());
+  ASSERT_TRUE(window.mnuEdit.Choose());
+  EXPECT_EQ(editor.Caption(), "Edit Task - Made here");
   EXPECT_TRUE(editor.Visible());
   fake.loop.Advance(60000);
   EXPECT_EQ(told, (Texts{"Made here"}));

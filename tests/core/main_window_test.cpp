@@ -81,22 +81,6 @@ TEST_F(MainWindowTest, CommandsAreOfferedWhenANodeIsSelected) {
   EXPECT_FALSE(window.mnuRun.Choose());
 }
 
-TEST_F(MainWindowTest, TheEditorGetsTheSlot) {
-  InGroup("One", "G");
-  InGroup("Two", "G");
-  std::vector<std::pair<bool, int>> shown;
-  window.showEditor = [&](bool newTask, std::int16_t slot) {
-    EXPECT_FALSE(window.Visible());
-    shown.emplace_back(newTask, slot);
-    window.Return();
-  };
-  Start();
-  EXPECT_TRUE(window.cmdNew.Press());
-  Click("Two");
-  EXPECT_TRUE(window.mnuEdit.Choose());
-  EXPECT_EQ(shown, (std::vector<std::pair<bool, int>>{{true, 3}, {false, 2}}));
-}
-
 TEST_F(MainWindowTest, TheTrayTakesTheWindowAndADoubleClickBringsItBack) {
   Add("In the tray", "14:05", [](TaskEntry& entry) { entry.taskType = kShutdownComputer; });
   Add("Hidden", "14:06");
@@ -114,25 +98,17 @@ TEST_F(MainWindowTest, TheTrayTakesTheWindowAndADoubleClickBringsItBack) {
   EXPECT_TRUE(window.Visible());
   EXPECT_EQ(trayIcon.shownTip, "");
 
-  window.cmdExit.Press();
-  Start("INVisible");
-  messageBoxes.expected = {{"Hidden"}};
-  loop.Advance(60000);
-  EXPECT_FALSE(window.Visible());
-}
-
-TEST_F(MainWindowTest, AlwaysOnTopIsKeptFromOneRunToTheNext) {
-  settings.WriteSetting(kGeneral, "OnTop", "1");
-  Start();
-  EXPECT_TRUE(window.TopMost());
-  EXPECT_TRUE(window.mnuOnTop.Checked());
   EXPECT_TRUE(window.mnuOnTop.Choose());
-  EXPECT_FALSE(window.TopMost());
   EXPECT_TRUE(window.cmdExit.Press());
-  EXPECT_EQ(settings.ReadSetting(kGeneral, "OnTop", "?"), "0");
   EXPECT_FALSE(message.Loaded());
   EXPECT_TRUE(loop.QuitRequested());
   EXPECT_FALSE(scheduler.tmrSched.Enabled());
+  Start("INVisible");
+  EXPECT_TRUE(window.TopMost()) << "as it was chosen the last time";
+  EXPECT_TRUE(window.mnuOnTop.Checked());
+  messageBoxes.expected = {{"Hidden"}};
+  loop.Advance(60000);
+  EXPECT_FALSE(window.Visible());
 }
 
 TEST_F(MainWindowTest, RemoteSettingsAreReadBeforeTheStorageMode) {

@@ -1,188 +1,149 @@
-#include "tests/platform/registry_contract.h"
+// What every registry keeps to.
+#include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
+#include "tests/platform/contracts.h"
+#include "tests/support/MemoryRegistry.h"
+
 namespace orvanto {
-
-RegistryContract::RegistryContract() : registry_(GetParam()()) {}
-
 namespace {
+
+using MakeRegistry = std::function<std::unique_ptr<Registry>()>;
 
 std::string Below(const std::string& below) {
   return below.empty() ? kScratchKey : std::string(kScratchKey) + '\\' + below;
 }
 
-// The value's bytes, asked for as the program does: the size first.
-std::string Read(Registry& registry, Registry::Key key, const std::string& name, ValueType& type) {
-  std::uint32_t size = 0;
-  const Status first = registry.QueryValue(key, name, type, nullptr, size);
-  if (first != kMoreData)
-    return first == kSuccess && size == 0 ? "" : "status " + std::to_string(first);
-  std::string bytes(size, '?');
-  EXPECT_EQ(registry.QueryValue(key, name, type, bytes.data(), size), kSuccess);
-  EXPECT_EQ(size, bytes.size());
-  return bytes;
-}
+class RegistryContract : public testing::TestWithParam<MakeRegistry> {
+ protected:
+  ~RegistryContract() override {
+    for (const Registry::Key key : made_) registry_->CloseKey(key);
+  }
+  // Makes a key and keeps it open; `below` is relative to kScratchKey.
+  Registry::Key Make(const std::string& below,
+                     std::uint32_t access = kQueryValue | kSetValue | kCreateSubKey) {
+    Registry::Key key = 0;
+    EXPECT_EQ(registry_->CreateKey(RootKey::CurrentUser, Below(below), access, key), kSuccess);
+    EXPECT_NE(key, 0u);
+    return made_.emplace_back(key);
+  }
+  Status Put(Registry::Key key, const std::string& name, const std::string& bytes,
+             ValueType type = ValueType::Binary) {
+    return registry_->SetValue(key, name, type, bytes.data(),
+                               static_cast<std::uint32_t>(bytes.size()));
+  }
+  // The value's bytes, asked for as the program does: the size first.
+  std::string Read(Registry::Key key, const std::string& name, ValueType type = ValueType::Binary) {
+    ValueType is = ValueType::None;
+    std::uint32_t size = 0;
+    const Status first = registry_->QueryValue(key, name, is, nullptr, size);
+    if (first != kMoreData && (first != kSuccess || size != 0)) return std::to_string(first);
+    std::string bytes(size, '?');
+    EXPECT_EQ(registry_->QueryValue(key, name, is, bytes.data(), size), kSuccess);
+    EXPECT_EQ(size, bytes.size());
+    EXPECT_EQ(is, type);
+    return bytes;
+  }
 
-Status Put(Registry& registry, Registry::Key key, const std::string& name, const std::string& bytes,
-           ValueType type = ValueType::Binary) {
-  return registry.SetValue(key, name, type, bytes.data(), static_cast<std::uint32_t>(bytes.size()));
-}
+  const std::unique_ptr<Registry> registry_ = GetParam()();
+  std::vector<Registry::Key> made_;
+};
 
-}  // namespace
-
-Status RegistryContract::Open(const std::string& below, std::uint32_t access, Registry::Key& key) {
-  return registry_->OpenKey(RootKey::CurrentUser, Below(below), access, key);
-}
-
-Registry::Key RegistryContract::Make(const std::string& below, std::uint32_t access) {
-  Registry::Key key = 0;
-  EXPECT_EQ(registry_->CreateKey(RootKey::CurrentUser, Below(below), access, key), kSuccess);
-  EXPECT_NE(key, 0u);
-  return key;
-}
+INSTANTIATE_TEST_SUITE_P(Registries, RegistryContract,
+                         testing::Values(MakeRegistry(NewHostRegistry), MakeRegistry([] {
+                                           return std::make_unique<MemoryRegistry>();
+                                         })));
 
 TEST_P(RegistryContract, OpensWhatExistsWhateverItsCase) {
-  registry_->CloseKey(Make("Alpha\\Größe\\Ж"));
   const std::string longest(255, 'k');
-  registry_->CloseKey(Make(longest));
-  const std::vector<std::pair<std::string, Status>> cases = {
-      {"Alpha", kSuccess},
-      {"aLPHA\\GRÖßE", kSuccess},
-      {"Alpha\\größe\\ж\\", kSuccess},
-      {"Alph", kFileNotFound},
-      {"Alpha\\Größe\\Ж\\Z", kFileNotFound},
-      {"Alpha\\\\Größe", kBadPathname},
-      {longest, kSuccess},
-      {longest + 'k', kInvalidParameter},
-  };
+  Make("Alpha\\Größe\\Ж");
+  Make(longest);
+  const std::pair<std::string, Status> cases[] = {{"Alpha", kSuccess},
+                                                  {"aLPHA\\GRÖßE", kSuccess},
+                                                  {"Alpha\\größe\\ж\\", kSuccess},
+                                                  {"Alph", kFileNotFound},
+                                                  {"Alpha\\Größe\\Ж\\Z", kFileNotFound},
+                                                  {"Alpha\\\\Größe", kBadPathname},
+                                                  {longest, kSuccess},
+                                                  {longest + 'k', kInvalidParameter}};
   for (const auto& [path, expected] : cases) {
-    SCOPED_TRACE(path);
     Registry::Key key = 77;
-    ASSERT_EQ(Open(path, kQueryValue, key), expected);
-    EXPECT_EQ(key != 0, expected == kSuccess);
-    if (key != 0) {
-      EXPECT_EQ(registry_->CloseKey(key), kSuccess);
-    }
+    ASSERT_EQ(registry_->OpenKey(RootKey::CurrentUser, Below(path), kQueryValue, key), expected)
+        << path;
+    EXPECT_EQ(key != 0, expected == kSuccess) << path;
+    if (key != 0) made_.push_back(key);
   }
 }
 
-TEST_P(RegistryContract, ReturnsWhatWasWritten) {
+TEST_P(RegistryContract, ReturnsWhatWasWrittenIfThereIsRoom) {
   const Registry::Key key = Make("Values");
   const struct {
     std::string name;
     ValueType type;
     std::string bytes;
-  } cases[] = {
-      {"Name", ValueType::String, std::string("text\0", 5)},
-      {"", ValueType::String, std::string("default\0", 8)},
-      {"Übung", ValueType::String, std::string("\"Ж\\\"\r\n\t=;#[]%\0", 15)},
-      {"empty", ValueType::String, std::string(1, '\0')},
-      {"bytes", ValueType::Binary, std::string("\0\x01\xFF\x80", 4)},
-      {"no bytes", ValueType::Binary, ""},
-      {"number", ValueType::Dword, std::string("\x0A\0\0\x80", 4)},
-      {"none", ValueType::None, "x"},
-      {"name", ValueType::String, std::string("over\0", 5)},
-  };
-  for (const auto& c : cases) ASSERT_EQ(Put(*registry_, key, c.name, c.bytes, c.type), kSuccess);
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    const bool overwritten = c.name == "Name";
-    ValueType type = ValueType::None;
-    EXPECT_EQ(Read(*registry_, key, c.name, type),
-              overwritten ? std::string("over\0", 5) : c.bytes);
-    EXPECT_EQ(type, c.type);
-  }
-  registry_->CloseKey(key);
-}
-
-TEST_P(RegistryContract, CopiesOnlyIntoABufferThatIsLargeEnough) {
-  const Registry::Key key = Make("");
-  ASSERT_EQ(Put(*registry_, key, "v", "abcd"), kSuccess);
+  } cases[] = {{"Name", ValueType::String, std::string("text\0", 5)},
+               {"", ValueType::String, std::string("default\0", 8)},
+               {"Übung", ValueType::String, std::string("\"Ж\\\"\r\n\t=;#[]%\0", 15)},
+               {"empty", ValueType::String, std::string(1, '\0')},
+               {"bytes", ValueType::Binary, std::string("\0\x01\xFF\x80", 4)},
+               {"no bytes", ValueType::Binary, ""},
+               {"number", ValueType::Dword, std::string("\x0A\0\0\x80", 4)},
+               {"none", ValueType::None, "x"}};
+  ASSERT_EQ(Put(key, "NAME", "former"), kSuccess);
+  for (const auto& c : cases) ASSERT_EQ(Put(key, c.name, c.bytes, c.type), kSuccess);
+  const Registry::Key again = Make("vALUES");  // keeps its values
+  for (const auto& c : cases) EXPECT_EQ(Read(again, c.name, c.type), c.bytes) << c.name;
   for (std::uint32_t room = 0; room <= 6; ++room) {
-    SCOPED_TRACE(room);
     char buffer[] = "......";
     std::uint32_t size = room;
     ValueType type = ValueType::None;
-    EXPECT_EQ(registry_->QueryValue(key, "V", type, buffer, size), room < 4 ? kMoreData : kSuccess);
+    EXPECT_EQ(registry_->QueryValue(key, "Number", type, buffer, size),
+              room < 4 ? kMoreData : kSuccess);
     EXPECT_EQ(size, 4u);
-    EXPECT_STREQ(buffer, room < 4 ? "......" : "abcd..");
+    EXPECT_EQ(std::string(buffer, 6), room < 4 ? "......" : cases[6].bytes + "..");
   }
-  registry_->CloseKey(key);
-}
-
-TEST_P(RegistryContract, RefusesWhatAKeyWasNotOpenedForAndKeysThatAreNotOpen) {
-  const Registry::Key reader = Make("k", kQueryValue);
-  const Registry::Key writer = Make("k", kSetValue);
-  ValueType type = ValueType::None;
-  std::uint32_t size = 0;
-  EXPECT_EQ(Put(*registry_, reader, "v", "x"), kAccessDenied);
-  EXPECT_EQ(registry_->DeleteValue(reader, "v"), kAccessDenied);
-  EXPECT_EQ(registry_->QueryValue(writer, "v", type, nullptr, size), kAccessDenied);
-  EXPECT_EQ(registry_->QueryValue(reader, "v", type, nullptr, size), kFileNotFound);
-  EXPECT_EQ(registry_->CloseKey(reader), kSuccess);
-  EXPECT_EQ(registry_->CloseKey(writer), kSuccess);
-  EXPECT_EQ(registry_->QueryValue(reader, "v", type, nullptr, size), kInvalidHandle);
-  EXPECT_EQ(Put(*registry_, writer, "v", "x"), kInvalidHandle);
-  EXPECT_EQ(registry_->CloseKey(writer), kInvalidHandle);
 }
 
 TEST_P(RegistryContract, DeletesValuesAndKeysWithoutSubkeys) {
   const Registry::Key parent = Make("");
   const Registry::Key child = Make("One\\Two");
-  ASSERT_EQ(Put(*registry_, child, "v", "x"), kSuccess);
+  ASSERT_EQ(Put(child, "v", "x"), kSuccess);
   EXPECT_EQ(registry_->DeleteKey(parent, "One"), kAccessDenied);
   EXPECT_EQ(registry_->DeleteKey(parent, "Three"), kFileNotFound);
   EXPECT_EQ(registry_->DeleteValue(child, "V"), kSuccess);
   EXPECT_EQ(registry_->DeleteValue(child, "v"), kFileNotFound);
   EXPECT_EQ(registry_->DeleteKey(parent, "ONE\\two"), kSuccess);
-  EXPECT_EQ(Put(*registry_, child, "v", "x"), kKeyDeleted);
+  EXPECT_EQ(Put(child, "v", "x"), kKeyDeleted);
   EXPECT_EQ(registry_->DeleteKey(parent, "one"), kSuccess);
   EXPECT_EQ(registry_->DeleteKey(parent, "one"), kFileNotFound);
-  registry_->CloseKey(child);
-  registry_->CloseKey(parent);
 }
 
-TEST_P(RegistryContract, CreatingAnExistingKeyKeepsItsValues) {
-  const Registry::Key first = Make("K");
-  ASSERT_EQ(Put(*registry_, first, "v", "x"), kSuccess);
-  const Registry::Key second = Make("k");
-  ValueType type = ValueType::None;
-  EXPECT_EQ(Read(*registry_, second, "v", type), "x");
-  registry_->CloseKey(first);
-  registry_->CloseKey(second);
+TEST_P(RegistryContract, RefusesWhatAKeyWasNotOpenedForAndKeysThatAreNotOpen) {
+  const Registry::Key reader = Make("k", kQueryValue);
+  const Registry::Key writer = Make("k", kSetValue);
+  EXPECT_EQ(Put(reader, "v", "x"), kAccessDenied);
+  EXPECT_EQ(registry_->DeleteValue(reader, "v"), kAccessDenied);
+  EXPECT_EQ(Read(writer, "v"), std::to_string(kAccessDenied));
+  EXPECT_EQ(Read(reader, "v"), std::to_string(kFileNotFound));
+  for (const Registry::Key key : {reader, writer}) EXPECT_EQ(registry_->CloseKey(key), kSuccess);
+  EXPECT_EQ(Read(reader, "v"), std::to_string(kInvalidHandle));
+  EXPECT_EQ(Put(writer, "v", "x"), kInvalidHandle);
+  EXPECT_EQ(registry_->CloseKey(writer), kInvalidHandle);
 }
 
-TEST_P(RegistryContract, ChangesNestAndAreSeenAtOnce) {
-  const Registry::Key key = Make("K");
-  ValueType type = ValueType::None;
-  RegistryChange outer(*registry_);
-  {
-    RegistryChange inner(*registry_);
-    ASSERT_EQ(Put(*registry_, key, "v", "x"), kSuccess);
-    EXPECT_EQ(inner.Commit(), kSuccess);
-  }
-  EXPECT_EQ(Read(*registry_, key, "v", type), "x");
-  EXPECT_EQ(outer.Commit(), kSuccess);
-  EXPECT_EQ(Read(*registry_, key, "v", type), "x");
-  registry_->CloseKey(key);
-}
-
-TEST_P(RegistryContract, AChangeReportsItsFirstFailedWrite) {
+TEST_P(RegistryContract, ChangesNestAreSeenAtOnceAndReportTheirFirstFailedWrite) {
+  const Registry::Key key = Make("Parent\\Child");
+  const Registry::Key parent = Make("");
   const std::string tooLong(256, 'k');
   const struct {
     std::vector<std::string> created;  // below the scratch key
     Status expected;
-  } cases[] = {
-      {{"Fine"}, kSuccess},
-      {{"Fine", "Bad\\\\Path", tooLong}, kBadPathname},
-      {{tooLong, "Bad\\\\Path"}, kInvalidParameter},
-  };
-  const Registry::Key key = Make("Parent\\Child");
-  const Registry::Key parent = Make("");
-  const Registry::Key reader = Make("", kQueryValue);
+  } cases[] = {{{"Fine"}, kSuccess},
+               {{"Fine", "Bad\\\\Path", tooLong}, kBadPathname},
+               {{tooLong, "Bad\\\\Path"}, kInvalidParameter}};
   for (const auto& c : cases) {
     RegistryChange outer(*registry_);
     {
@@ -192,18 +153,32 @@ TEST_P(RegistryContract, AChangeReportsItsFirstFailedWrite) {
         registry_->CreateKey(RootKey::CurrentUser, Below(path), kSetValue, created);
         registry_->CloseKey(created);
       }
+      EXPECT_EQ(Put(key, "v", "x"), kSuccess);
     }
+    EXPECT_EQ(Read(key, "v"), "x");
     // What a deletion meets does not count.
     EXPECT_EQ(registry_->DeleteValue(key, "none"), kFileNotFound);
     EXPECT_EQ(registry_->DeleteKey(parent, "Parent"), kAccessDenied);
     EXPECT_EQ(outer.Commit(), c.expected);
   }
+  const Registry::Key reader = Make("", kQueryValue);
   RegistryChange refused(*registry_);
-  EXPECT_EQ(Put(*registry_, reader, "v", "x"), kAccessDenied);
+  EXPECT_EQ(Put(reader, "v", "x"), kAccessDenied);
   EXPECT_EQ(refused.Commit(), kAccessDenied);
-  Put(*registry_, reader, "v", "x");
+  Put(reader, "v", "x");
   EXPECT_EQ(RegistryChange(*registry_).Commit(), kSuccess);
-  for (const Registry::Key opened : {key, parent, reader}) registry_->CloseKey(opened);
 }
 
+TEST(RegistryTree, FoldsThePairsOfLatinGreekAndCyrillic) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"ABCXYZ_09[", "abcxyz_09["}, {"ÀÉÖ×ØÞß", "àéö×øþß"},     {"ĀĲĹŇŊŶŸŹŽ", "āĳĺňŋŷÿźž"},
+      {"ΆΈΊΌΎΏΑΡΣΫ", "άέίόύώαρσϋ"}, {"ЀЏАЯѢҐӀӁӐ", "ѐџаяѣґӏӂӑ"}, {"\xC3", "\xC3"},
+      {"\xFF\x80Q", "\xFF\x80q"}};
+  for (const auto& [upper, lower] : cases) {
+    EXPECT_EQ(RegistryTree::Fold(upper), lower);
+    EXPECT_EQ(RegistryTree::Fold(lower), lower);
+  }
+}
+
+}  // namespace
 }  // namespace orvanto

@@ -1,8 +1,10 @@
-// A directory of its own for one test.
+// A directory of its own for one test, and whole files.
 #pragma once
 
 #include <filesystem>
+#include <fstream>
 #include <random>
+#include <sstream>
 #include <string>
 
 namespace orvanto {
@@ -28,5 +30,15 @@ class TemporaryDirectory {
  private:
   std::filesystem::path path_;
 };
+
+inline std::string ReadFile(const std::string& path) {
+  std::ostringstream text;
+  text << std::ifstream(path, std::ios::binary).rdbuf();
+  return text.str();
+}
+
+inline void WriteFile(const std::string& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
+}
 
 }  // namespace orvanto

@@ -73,19 +73,6 @@ TEST_F(Win32FilesTest, ListsFolders) {
   EXPECT_EQ(seen, 2);
 }
 
-TEST_F(Win32FilesTest, AppendsToFilesOnly) {
-  const std::string path = deep_ + "\\\u00e9.log";
-  std::string got;
-  EXPECT_FALSE(files_.Exists(path));
-  EXPECT_TRUE(files_.Append(path, "one"));
-  EXPECT_TRUE(files_.Append(path, "two"));
-  EXPECT_TRUE(files_.Exists(path));
-  EXPECT_FALSE(files_.Exists(deep_));
-  EXPECT_FALSE(files_.Append(deep_, "three"));
-  EXPECT_TRUE(files_.Read(path, got));
-  EXPECT_EQ(got, "onetwo");
-}
-
 TEST_F(Win32FilesTest, CopiesReadsAndRemoves) {
   const std::string one = deep_ + "\\one";
   const std::string other = top_ + "\\other";
@@ -93,7 +80,11 @@ TEST_F(Win32FilesTest, CopiesReadsAndRemoves) {
   std::string bytes(200000, '\0');
   for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * 7);
   files_.Append(one, bytes);
-  files_.Append(other, "former");
+  EXPECT_FALSE(files_.Exists(other));
+  for (const char* text : {"for", "mer"}) EXPECT_TRUE(files_.Append(other, text));
+  EXPECT_TRUE(files_.Exists(other));
+  EXPECT_FALSE(files_.Exists(deep_));
+  EXPECT_FALSE(files_.Append(deep_, "to a folder"));
   files_.Append(locked, "kept");
   constexpr DWORD kAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
   const FileHandle writer(
@@ -113,7 +104,7 @@ TEST_F(Win32FilesTest, CopiesReadsAndRemoves) {
         files_.Copy(other, top_), files_.Remove(locked), files_.Remove(top_ + "\\none"),
         files_.Remove(top_)}) {
     EXPECT_FALSE(reason.empty());
-    EXPECT_EQ(reason.find_first_of("\r\n"), reason.npos) << reason;
+    EXPECT_EQ(reason.find_first_of("\r\n"), std::string::npos) << reason;
     EXPECT_FALSE(reason.ends_with(' ')) << reason;
   }
   EXPECT_TRUE(files_.Read(other, got));

@@ -1,0 +1,29 @@
+// What the contracts' suites run on, beside the fakes: each host defines these functions.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+#include "platform/EventLoop.h"
+#include "platform/Registry.h"
+#include "platform/TcpSocket.h"
+
+namespace orvanto {
+
+// The key below HKEY_CURRENT_USER that the tests write into.
+inline constexpr const char* kScratchKey = "Software\\OrvantoTest";
+
+// A registry in which kScratchKey does not exist, for the time of one test.
+std::unique_ptr<Registry> NewHostRegistry();
+
+std::unique_ptr<EventLoop> NewHostLoop();
+
+// For a loop that NewHostLoop has made.
+std::unique_ptr<SocketHost> NewHostSockets(EventLoop& loop);
+
+std::size_t OpenHandles();  // of this process
+
+// Handles what the system has for this thread, as its own loops do, in a message box say.
+void RunSystemLoop();
+
+}  // namespace orvanto

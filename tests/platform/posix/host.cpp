@@ -1,0 +1,33 @@
+#include <filesystem>
+
+#include "platform/posix/FileRegistry.h"
+#include "platform/posix/PosixSocket.h"
+#include "tests/platform/contracts.h"
+#include "tests/support/TemporaryDirectory.h"
+
+namespace orvanto {
+namespace {
+
+class ScratchRegistry : private TemporaryDirectory, public posix::FileRegistry {
+ public:
+  ScratchRegistry() : FileRegistry(*this / "registry", nullptr) {}
+};
+
+}  // namespace
+
+std::unique_ptr<Registry> NewHostRegistry() { return std::make_unique<ScratchRegistry>(); }
+
+std::unique_ptr<EventLoop> NewHostLoop() { return std::make_unique<posix::PosixLoop>(); }
+
+std::unique_ptr<SocketHost> NewHostSockets(EventLoop& loop) {
+  return std::make_unique<posix::PosixSocketHost>(static_cast<posix::PosixLoop&>(loop));
+}
+
+std::size_t OpenHandles() {
+  const std::filesystem::directory_iterator all("/proc/self/fd");
+  return static_cast<std::size_t>(std::distance(begin(all), end(all)));
+}
+
+void RunSystemLoop() {}
+
+}  // namespace orvanto
