@@ -201,7 +201,7 @@ TEST_F(RemoteTest, AClientLogsInAndDoesEverythingWithATask) {
   EXPECT_TRUE(Shows(program, false));
   EXPECT_EQ(TextOf(Log(program)), kWaiting);
 
-  // Off and on again: the area goes and comes, and nothing listens meanwhile.
+  // Off and on again.
   for (const bool on : {false, true}) {
     program.Press(on ? L"&On" : L"O&ff");
     EXPECT_TRUE(WaitFor([&] { return IsWindowVisible(Log(program)) == on; }));
