@@ -284,11 +284,11 @@ TEST_F(RemoteTest, ConnectionsLeaveNothingBehind) {
     }
     EXPECT_TRUE(Shows(program, false));
   };
-  connect(20);  // whatever is made once and kept
+  connect(10);  // whatever is made once and kept
   const GuiObjects before = program.CountGuiObjects();
   const DWORD handles = program.CountHandles();
   EXPECT_GT(handles, 0u);
-  connect(200);
+  connect(100);
   EXPECT_TRUE(WaitFor([&] { return program.CountGuiObjects().user == before.user; }));
   EXPECT_LE(program.CountHandles(), handles + 5);
   Exit(program);
