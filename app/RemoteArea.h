@@ -11,7 +11,6 @@ class RemoteArea : public ServerArea {
   explicit RemoteArea(frmScriptcfg& window) : window_(window) {}
 
   void ShowServer(bool on) override;
-  bool ServerShown() const override { return window_.fraServer.Visible(); }
   void SetCaption(const std::string& caption) override { window_.fraServer.SetText(caption); }
   void SetLamps(bool connected, bool waiting) override;
   void SetClient(const std::string& address) override { window_.lblIpclient.SetText(address); }

@@ -32,7 +32,7 @@ int main(int argc, char** argv) {
   int ends[2];
   if (::pipe(ends) != 0) return 1;
   const auto watch = loop.WatchFd(ends[0], POLLIN, [](short) {});
-  struct Never : FileFinder {
+  struct Never : FileLookup {
     bool FindFile(const std::string&) override { return false; }
   } never;
   TaskStore store(settings, clock, never);

@@ -30,7 +30,7 @@ class FullMinute : public posix::PosixClock {
   }
 };
 
-class NoFinder : public FileFinder {
+class NoFinder : public FileLookup {
  public:
   bool FindFile(const std::string&) override { return true; }
 };

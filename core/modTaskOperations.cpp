@@ -123,6 +123,30 @@ void TaskStore::SaveTask(const TaskEntry& entry) {
   WriteWhat(entry);
 }
 
+std::int16_t TaskStore::SlotToSave(const std::string& loadedName, std::int16_t loadedSlot) {
+  if (!loadedName.empty()) {
+    if (TaskName(loadedSlot) == loadedName) return loadedSlot;
+    if (const std::int16_t slot = SlotOfName(loadedName); slot != 0) return slot;
+  }
+  return static_cast<std::int16_t>(NoTasks() + 1);
+}
+
+std::int16_t TaskStore::StoreEntry(TaskEntry entry, const std::string& loadedName, Check check) {
+  RegistryChange change(settings_.Store());
+  entry.index = SlotToSave(loadedName, entry.index);
+  TaskValidationMessage.clear();
+  if (entry.index > kMaxTasks) {
+    TaskValidationMessage = kListFull;
+  } else if (check == Check::All) {
+    ValidateTask(entry);
+  } else {
+    ValidateTaskName(entry.name, entry.index);
+  }
+  if (!TaskValidationMessage.empty()) return 0;
+  SaveTask(entry);
+  return entry.index;
+}
+
 void TaskStore::WriteWhen(const TaskEntry& entry) {
   const auto write = [&](const char* value, const std::string& text) {
     settings_.WriteSetting(entry.name, value, text);

@@ -14,16 +14,16 @@
 namespace orvanto {
 
 // What validation needs to know of the file system.
-class FileFinder {
+class FileLookup {
  public:
-  virtual ~FileFinder() = default;
+  virtual ~FileLookup() = default;
   // True when a file of that full path exists.
   virtual bool FindFile(const std::string& path) = 0;
 };
 
 class TaskStore {
  public:
-  TaskStore(Settings& settings, const Clock& clock, FileFinder& finder)
+  TaskStore(Settings& settings, const Clock& clock, FileLookup& finder)
       : settings_(settings), clock_(clock), finder_(finder) {}
 
   TaskRecord CurrentTask;
@@ -44,11 +44,6 @@ class TaskStore {
   // The first slot of that name, compared with regard to case; 0 for none.
   std::int16_t SlotOfName(const std::string& name);
 
-  // The scope of a change that begins with a look at the list.
-  RegistryChange BeginChange() { return RegistryChange(settings_.Store()); }
-  static constexpr const char* kListFull =
-      "The task list is full: it holds 100 tasks. Delete one first.";
-
   // The full path of a task's file: relative ones belong to the scripts folder.
   std::string TaskFile(const std::string& path) const;
 
@@ -57,6 +52,15 @@ class TaskStore {
 
   // Writes one task as one change of the store. Does not validate.
   void SaveTask(const TaskEntry& entry);
+
+  // Checks what a user has entered and saves it, as one change of the store. `loadedName` is the
+  // name that the task had when it was loaded from the entry's slot; its slot is looked for again,
+  // since the list may have changed. What was never stored (an empty name) or has gone comes behind
+  // the last task. Returns the slot; 0 when it is refused, and TaskValidationMessage tells why.
+  enum class Check { All, NameOnly };
+  std::int16_t StoreEntry(TaskEntry entry, const std::string& loadedName, Check check = Check::All);
+  static constexpr const char* kListFull =
+      "The task list is full: it holds 100 tasks. Delete one first.";
 
   // Removes a slot and closes the gap, as one change; then raises onListChanged. In shared mode the
   // machine-wide section stays and is only hidden. A slot that is not there changes nothing.
@@ -82,11 +86,12 @@ class TaskStore {
   void WriteWhat(const TaskEntry& entry);
   void ClaimSlot(const TaskEntry& entry);
   void DeleteSection(const std::string& name);
+  std::int16_t SlotToSave(const std::string& loadedName, std::int16_t loadedSlot);
   void ValidateWhen(const TaskEntry& entry);
 
   Settings& settings_;
   const Clock& clock_;
-  FileFinder& finder_;
+  FileLookup& finder_;
 };
 
 }  // namespace orvanto

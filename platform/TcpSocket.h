@@ -5,6 +5,7 @@
 // not be destroyed there.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -23,6 +24,10 @@ class TcpSocket {
   static constexpr std::size_t kMostUnsent = 4 << 20;
   // The most that one onDataArrival brings.
   static constexpr std::size_t kMostPerArrival = 16 << 10;
+  // A peer that is silent for so long is asked by the system whether it is there, again and again;
+  // when it never answers, the connection ends with onError.
+  static constexpr std::chrono::seconds kSilence{60};
+  static constexpr std::chrono::seconds kBetweenQuestions{15};
 
   virtual ~TcpSocket() = default;
 

@@ -39,7 +39,6 @@ class ServerArea {
  public:
   virtual ~ServerArea() = default;
   virtual void ShowServer(bool on) = 0;  // with the option buttons and the tree's height
-  virtual bool ServerShown() const = 0;
   virtual void SetCaption(const std::string& caption) = 0;
   virtual void SetLamps(bool connected, bool waiting) = 0;
   virtual void SetClient(const std::string& address) = 0;

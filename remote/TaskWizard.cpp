@@ -31,6 +31,18 @@ std::string WinStyleText(int number) {
   return TextOf(kTexts, number);
 }
 
+// Takes a number of a menu, to the letter; false leaves what was stored.
+bool Choice(const std::string& line, int most, std::int16_t& stored) {
+  for (int number = 1; number <= most; ++number) {
+    if (line != std::to_string(number)) continue;
+    stored = static_cast<std::int16_t>(number);
+    return true;
+  }
+  return false;
+}
+
+std::string TwoDigitsOf(const std::string& text) { return TwoDigits(ToInt16Or(text, 0)); }
+
 constexpr int kTimeTypes = 3;
 constexpr int kWinStyles = 6;
 
@@ -55,6 +67,7 @@ const char* PathQuestion(int taskType) {
 
 void TaskWizard::BeginNew() {
   editing_ = false;
+  loaded_ = {};
   task_ = {};
   task_.group = "General";
   task_.winStyle = 1;
@@ -179,15 +192,6 @@ void TaskWizard::Reject(const std::string& message) {
   Ask(subState_);
 }
 
-bool TaskWizard::Choice(const std::string& line, int most, std::int16_t& stored) const {
-  for (int number = 1; number <= most; ++number) {
-    if (line != std::to_string(number)) continue;
-    stored = static_cast<std::int16_t>(number);
-    return true;
-  }
-  return false;
-}
-
 void TaskWizard::StepChoice(const std::string& line, int most, std::int16_t& stored, SubState next,
                             const char* message) {
   if (Choice(line, most, stored)) {
@@ -265,8 +269,8 @@ void TaskWizard::StepTime(const std::string& line) {
   const std::string minute = line.substr(3);
   store_.ValidateTime(hour, minute);
   if (!store_.TaskValidationMessage.empty()) return Reject(store_.TaskValidationMessage);
-  task_.hour = ToInt16(hour);
-  task_.minute = ToInt16(minute);
+  task_.hour = TwoDigitsOf(hour);
+  task_.minute = TwoDigitsOf(minute);
   Ask(SubState::TimeType);
 }
 
@@ -285,9 +289,7 @@ void TaskWizard::StepDate(const std::string& line) {
   const std::string year = line.substr(6);
   store_.ValidateDate(day, month, year);
   if (!store_.TaskValidationMessage.empty()) return Reject(store_.TaskValidationMessage);
-  task_.day = ToInt16(day);
-  task_.month = ToInt16(month);
-  task_.year = ToInt16(year);
+  SetDate(day, month, year);
   Ask(SubState::TaskType);
 }
 
@@ -313,45 +315,37 @@ void TaskWizard::StepPath(const std::string& line) {
 
 void TaskWizard::StepConfirm(const std::string& line) {
   if (line != "y" && line != "n") return Ask(SubState::Confirm);
-  if (line == "y") Save();
+  if (line == "y" && store_.StoreEntry(task_, loaded_.name, TaskStore::Check::NameOnly) == 0) {
+    conversation_.Send(store_.TaskValidationMessage);
+    conversation_.Send(kCrLf);
+  }
   if (onFinished) onFinished();
   conversation_.ShowMainMenu();
 }
 
-void TaskWizard::Save() {
-  const auto change = store_.BeginChange();
-  TaskEntry entry;
-  entry.name = task_.name;
-  entry.group = task_.group;
-  entry.timeType = task_.timeType;
-  entry.hour = TwoDigits(task_.hour);
-  entry.minute = TwoDigits(task_.minute);
+void TaskWizard::SetDate(const std::string& day, const std::string& month,
+                         const std::string& year) {
   const bool monthFirst = store_.DateOrderMonthFirst != 0;
-  entry.datePart1 = TwoDigits(monthFirst ? task_.month : task_.day);
-  entry.datePart2 = TwoDigits(monthFirst ? task_.day : task_.month);
-  entry.year = std::to_string(task_.year);
-  entry.every = task_.every;
-  entry.in = task_.in;
-  entry.dayNo = task_.dayNo;
-  entry.taskType = task_.taskType;
-  entry.winStyle = task_.winStyle;
-  entry.path = task_.path;
-  entry.cmdLine = task_.cmdLine;
-  // The list may have changed since the first question, and the slot may be one that never was.
-  std::int16_t slot = 0;
-  if (editing_ && !loaded_.name.empty()) {
-    slot = store_.TaskName(loaded_.index) == loaded_.name ? loaded_.index
-                                                          : store_.SlotOfName(loaded_.name);
-  }
-  entry.index = slot != 0 ? slot : static_cast<std::int16_t>(store_.NoTasks() + 1);
-  store_.ValidateTaskName(entry.name, entry.index);
-  if (entry.index > kMaxTasks) store_.TaskValidationMessage = TaskStore::kListFull;
-  if (store_.TaskValidationMessage.empty()) {
-    store_.SaveTask(entry);
-  } else {
-    conversation_.Send(store_.TaskValidationMessage);
-    conversation_.Send(kCrLf);
-  }
+  task_.datePart1 = TwoDigitsOf(monthFirst ? month : day);
+  task_.datePart2 = TwoDigitsOf(monthFirst ? day : month);
+  task_.year = std::to_string(ToInt16Or(year, 0));
+}
+
+void TaskWizard::TakeLoaded() {
+  task_.name = loaded_.name;
+  task_.index = loaded_.index;
+  task_.group = loaded_.group;
+  task_.timeType = loaded_.timeType;
+  task_.hour = TwoDigitsOf(loaded_.timeHour);
+  task_.minute = TwoDigitsOf(loaded_.timeMinute);
+  SetDate(loaded_.dateDay, loaded_.dateMonth, loaded_.dateYear);
+  task_.every = loaded_.every;
+  task_.in = loaded_.in;
+  task_.dayNo = loaded_.dayNo;
+  task_.taskType = loaded_.taskType;
+  task_.winStyle = loaded_.winStyle;
+  task_.path = loaded_.path;
+  task_.cmdLine = loaded_.cmdLine;
 }
 
 void TaskWizard::EditStep(const std::string& line) {
@@ -359,22 +353,7 @@ void TaskWizard::EditStep(const std::string& line) {
   conversation_.Send(kCrLf);
   switch (subState_) {
     case SubState::Start:
-      task_ = {loaded_.name,
-               loaded_.index,
-               loaded_.group,
-               loaded_.timeType,
-               ToInt16Or(loaded_.timeHour, 0),
-               ToInt16Or(loaded_.timeMinute, 0),
-               ToInt16Or(loaded_.dateDay, 0),
-               ToInt16Or(loaded_.dateMonth, 0),
-               ToInt16Or(loaded_.dateYear, 0),
-               loaded_.every,
-               loaded_.in,
-               loaded_.dayNo,
-               loaded_.taskType,
-               loaded_.winStyle,
-               loaded_.path,
-               loaded_.cmdLine};
+      TakeLoaded();
       subState_ = SubState::TaskName;
       return PromptChange(subState_);
     case SubState::TaskName:

@@ -56,7 +56,6 @@ class TaskWizard {
   void PromptMenu(const std::string& title, int count, std::string (*textOf)(int));
   void Ask(SubState next);
   void Reject(const std::string& message);
-  bool Choice(const std::string& line, int most, std::int16_t& stored) const;
 
   void StepStart(const std::string& line);
   void StepName(const std::string& line);
@@ -69,7 +68,8 @@ class TaskWizard {
   void StepChoice(const std::string& line, int most, std::int16_t& stored, SubState next,
                   const char* message);
   void KeepField();
-  void Save();
+  void SetDate(const std::string& day, const std::string& month, const std::string& year);
+  void TakeLoaded();
 
   Conversation& conversation_;
   TaskStore& store_;
@@ -78,16 +78,8 @@ class TaskWizard {
   AnswerMode mode_ = AnswerMode::Plain;
   bool editing_ = false;
 
-  // The working task, filled field by field.
-  struct Working {
-    std::string name;
-    std::int16_t index = 0;
-    std::string group;
-    std::int16_t timeType = 0, hour = 0, minute = 0, day = 0, month = 0, year = 0;
-    std::int16_t every = 0, in = 0, dayNo = 0, taskType = 0, winStyle = 0;
-    std::string path, cmdLine;
-  } task_;
-  TaskRecord loaded_;  // of an edit
+  TaskEntry task_;     // the working task, filled field by field
+  TaskRecord loaded_;  // of an edit; empty for a new task
 };
 
 }  // namespace orvanto

@@ -118,8 +118,9 @@ std::string TelnetProtocol::LineEnds(const std::string& text) {
 }
 
 std::string TelnetProtocol::Escape(std::string_view text) {
+  if (text.find(static_cast<char>(kCommand)) == std::string::npos) return std::string(text);
   std::string escaped;
-  escaped.reserve(text.size());
+  escaped.reserve(text.size() + 1);
   for (const char c : text) {
     escaped += c;
     if (static_cast<std::uint8_t>(c) == kCommand) escaped += c;

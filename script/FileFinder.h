@@ -13,7 +13,7 @@ class EventLoop;
 class Files;
 
 // The finder behind the find commands, and behind the file check of validation.
-class FolderSearch : public FileFinder {
+class FolderSearch : public FileLookup {
  public:
   FolderSearch(EventLoop& loop, Files& files, FileActions& actions)
       : loop_(loop), files_(files), actions_(actions) {}

@@ -75,24 +75,19 @@ int List(const Words&, const CommandContext& context) {
 
 int Add(const Words& words, const CommandContext& context) {
   TaskStore& store = context.program.Store();
-  TaskEntry entry = ParseAddArguments({words.begin() + 1, words.end()},
-                                      store.DateOrderMonthFirst != 0, context.taskPath);
+  const TaskEntry entry = ParseAddArguments({words.begin() + 1, words.end()},
+                                            store.DateOrderMonthFirst != 0, context.taskPath);
   // One change from the look at the list to the last write: two of us at once do not collide.
   RegistryChange change(context.program.GetSettings().Store());
-  if (store.NoTasks() >= kMaxTasks) {
-    return Refuse(context, TaskStore::kListFull);
-  }
-  entry.index = static_cast<std::int16_t>(store.NoTasks() + 1);
-  store.ValidateTask(entry);
-  if (!store.TaskValidationMessage.empty()) return Refuse(context, store.TaskValidationMessage);
-  store.SaveTask(entry);
+  const std::int16_t slot = store.StoreEntry(entry, "");
+  if (slot == 0) return Refuse(context, store.TaskValidationMessage);
   if (const int status = Finish(context, change); status != 0) return status;
   if (entry.every > kEveryCodesThatFire) {
     context.err << "Note: a task with the rule \"" << EveryName(entry.every)
                 << "\" is kept but never comes due.\n";
   }
-  context.out << entry.index << ") "
-              << PrintableLine(context.program.GetSched().DescribeTask(entry.index)) << "\n";
+  context.out << slot << ") " << PrintableLine(context.program.GetSched().DescribeTask(slot))
+              << "\n";
   return 0;
 }
 

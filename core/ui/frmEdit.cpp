@@ -327,31 +327,14 @@ TaskEntry frmEdit::Entered() const {
 }
 
 void frmEdit::Save() {
-  if (const auto refusal = TrySave()) {
-    services_.messageBoxes.Show(*refusal, kProgramTitle, Buttons::Ok, BoxIcon::None);
+  TaskStore& store = services_.store;
+  if (store.StoreEntry(Entered(), newTask_ ? "" : loaded_.name) == 0) {
+    services_.messageBoxes.Show(store.TaskValidationMessage, kProgramTitle, Buttons::Ok,
+                                BoxIcon::None);
     return;
   }
   if (onSaved) onSaved();
   Unload();
-}
-
-// Why the entries cannot be stored, or nothing once they are.
-std::optional<std::string> frmEdit::TrySave() {
-  TaskStore& store = services_.store;
-  const auto change = store.BeginChange();
-  TaskEntry entry = Entered();
-  // The list may have changed under the open editor, from the remote control or another process.
-  if (!newTask_ && store.TaskName(entry.index) != loaded_.name) {
-    entry.index = store.SlotOfName(loaded_.name);
-  }
-  if (newTask_ || entry.index == 0) {
-    entry.index = static_cast<std::int16_t>(store.NoTasks() + 1);
-  }
-  if (entry.index > kMaxTasks) return TaskStore::kListFull;
-  store.ValidateTask(entry);
-  if (!store.TaskValidationMessage.empty()) return store.TaskValidationMessage;
-  store.SaveTask(entry);
-  return std::nullopt;
 }
 
 }  // namespace orvanto

@@ -5,7 +5,6 @@
 #include <array>
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -84,7 +83,6 @@ class frmEdit : public forms::Form {
   void FillToday();
   TaskEntry Entered() const;
   void Save();
-  std::optional<std::string> TrySave();
 
   Services services_;
   bool newTask_ = true;

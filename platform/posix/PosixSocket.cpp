@@ -20,6 +20,19 @@ namespace {
 // New connections that one wake-up takes.
 constexpr int kAcceptsAtOnce = 16;
 constexpr std::chrono::milliseconds kPauseWithoutDescriptors(100);
+constexpr int kQuestions = 4;  // that a silent peer leaves unanswered
+
+void SetOption(const Descriptor& fd, int level, int name, int value) {
+  ::setsockopt(fd.Get(), level, name, &value, sizeof value);
+}
+
+// A peer that has gone without a word is noticed after the silence and as many questions.
+void KeepAlive(const Descriptor& fd) {
+  SetOption(fd, IPPROTO_TCP, TCP_KEEPIDLE, static_cast<int>(TcpSocket::kSilence.count()));
+  SetOption(fd, IPPROTO_TCP, TCP_KEEPINTVL, static_cast<int>(TcpSocket::kBetweenQuestions.count()));
+  SetOption(fd, IPPROTO_TCP, TCP_KEEPCNT, kQuestions);
+  SetOption(fd, SOL_SOCKET, SO_KEEPALIVE, 1);
+}
 
 std::string AddressText(const sockaddr_in& address) {
   std::array<char, INET_ADDRSTRLEN> text{};
@@ -103,10 +116,10 @@ class PosixSocket : public BufferedSocket {
 void PosixSocket::Open(Descriptor fd, State state) {
   fd_ = std::move(fd);
   SetState(state);
-  const int on = 1;
-  ::setsockopt(fd_.Get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+  SetOption(fd_, IPPROTO_TCP, TCP_NODELAY, 1);
   // Urgent bytes stay where they are in the stream.
-  ::setsockopt(fd_.Get(), SOL_SOCKET, SO_OOBINLINE, &on, sizeof on);
+  SetOption(fd_, SOL_SOCKET, SO_OOBINLINE, 1);
+  KeepAlive(fd_);
   const short events = state == State::Connecting ? POLLOUT : POLLIN;
   watch_ = loop_.WatchFd(fd_.Get(), events, [this](short ready) { OnReady(ready); });
 }
@@ -124,8 +137,7 @@ bool PosixSocket::Listen(std::uint16_t port) {
   Close();
   Descriptor fd(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
   if (!fd) return false;
-  const int on = 1;
-  ::setsockopt(fd.Get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+  SetOption(fd, SOL_SOCKET, SO_REUSEADDR, 1);
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_port = htons(port);

@@ -3,9 +3,11 @@
 #include <ws2tcpip.h>
 // After it, being windows.h's.
 #include <iphlpapi.h>
+#include <mstcpip.h>
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -32,6 +34,18 @@ SocketHandle MakeSocket() {
 void SwitchOn(const SocketHandle& handle, int level, int option) {
   const BOOL on = TRUE;
   setsockopt(Number(handle), level, option, reinterpret_cast<const char*>(&on), sizeof on);
+}
+
+// A peer that has gone without a word is noticed; the system asks ten times.
+void KeepAlive(const SocketHandle& handle) {
+  using std::chrono::milliseconds;
+  tcp_keepalive values{
+      .onoff = 1,
+      .keepalivetime = static_cast<ULONG>(milliseconds(TcpSocket::kSilence).count()),
+      .keepaliveinterval = static_cast<ULONG>(milliseconds(TcpSocket::kBetweenQuestions).count())};
+  DWORD size = 0;
+  WSAIoctl(Number(handle), SIO_KEEPALIVE_VALS, &values, sizeof values, nullptr, 0, &size, nullptr,
+           nullptr);
 }
 
 std::string AddressText(const sockaddr_in& address) {
@@ -133,6 +147,7 @@ bool Win32Socket::Open(SocketHandle handle, State state, long events) {
   SwitchOn(handle, IPPROTO_TCP, TCP_NODELAY);
   // Urgent bytes stay where they are in the stream.
   SwitchOn(handle, SOL_SOCKET, SO_OOBINLINE);
+  KeepAlive(handle);
   const UINT message =
       loop_.BeginSocketMessages([this](WPARAM socket, LPARAM event) { OnMessage(socket, event); });
   if (WSAAsyncSelect(Number(handle), loop_.Window(), message, events) != 0) {

@@ -2,7 +2,7 @@
 
 #include "core/ui/frmScriptcfg.h"
 #include "core/ui/frmmsg.h"
-#include "tests/core/CoreDesk.h"
+#include "tests/support/CoreDesk.h"
 
 namespace orvanto {
 namespace {
@@ -17,8 +17,8 @@ class MainWindowTest : public testing::Test, public CoreDesk {
     Add(name, "10:00", [&](TaskEntry& entry) { entry.group = group; });
   }
   // The tree, one line a node, indented below its parent.
-  std::vector<std::string> Lines() const {
-    std::vector<std::string> lines;
+  Texts Lines() const {
+    Texts lines;
     for (const auto& node : window.treTasks.Nodes()) {
       lines.push_back((node.parent ? window.treTasks.Nodes()[*node.parent].text + "/" : "") +
                       node.text.substr(0, node.text.find(" | ")));
@@ -33,7 +33,6 @@ class MainWindowTest : public testing::Test, public CoreDesk {
     }
     FAIL() << "no node " << name;
   }
-  std::string Stored(const char* value) { return settings.ReadSetting(kGeneral, value, "?"); }
 
   frmmsg message{forms};
   frmScriptcfg window{forms,
@@ -41,49 +40,45 @@ class MainWindowTest : public testing::Test, public CoreDesk {
                        messageBoxes, message}};
 };
 
-using NodeLines = std::vector<std::string>;
-
 TEST_F(MainWindowTest, GroupsStandInOrderOfTheirFirstTask) {
   InGroup("One", "B");
   InGroup("Two", "A");
   InGroup("Three", "B");
   InGroup("Four", "");
   Start();
-  EXPECT_EQ(Lines(), (NodeLines{"B", "B/One", "A", "A/Two", "B/Three", "General", "General/Four"}));
+  EXPECT_EQ(Lines(), (Texts{"B", "B/One", "A", "A/Two", "B/Three", "General", "General/Four"}));
   EXPECT_TRUE(window.treTasks.Nodes()[0].expanded);
   EXPECT_EQ(window.treTasks.Nodes()[0].key, "g B");
   EXPECT_EQ(window.treTasks.Nodes()[1].key,
             "t One | Popup Message | 10:00 on Every Day In Every Month");
   EXPECT_NE(window.treTasks.Nodes()[0].image, window.treTasks.Nodes()[1].image);
+  EXPECT_EQ(window.Left(), (1280 * 15 - window.ClientSize().width) / 2);
+  EXPECT_EQ(window.Top(), (800 * 15 - window.ClientSize().height) / 2);
 }
 
 TEST_F(MainWindowTest, CommandsAreOfferedWhenANodeIsSelected) {
-  InGroup("One", "G");
+  InGroup("One", "One | of many");
   Start();
   EXPECT_FALSE(window.cmdDelete.Press());
   EXPECT_FALSE(window.cmdRun.Press());
   EXPECT_FALSE(window.mnuRun.Choose());
   EXPECT_FALSE(window.cmdNew.Press()) << "there is no editor";
   EXPECT_FALSE(window.mnuSettings.Choose());
-  Click("One");
+  Click("One | Popup");
   EXPECT_FALSE(window.cmdEdit.Press());
   messageBoxes.expected = {{"One"}, {"One"}};
   EXPECT_TRUE(window.cmdRun.Press());
   EXPECT_TRUE(window.mnuRun.Choose());
   EXPECT_TRUE(messageBoxes.expected.empty());
+  Click("One | of many");
+  EXPECT_TRUE(window.cmdRun.Press());
+  EXPECT_TRUE(window.cmdDelete.Press());
+  EXPECT_EQ(Lines().size(), 2U) << "a group names no task";
+  Click("One | Popup");
   EXPECT_TRUE(window.mnuDelete.Choose());
   EXPECT_TRUE(Lines().empty());
   EXPECT_FALSE(window.cmdDelete.Press());
   EXPECT_FALSE(window.mnuRun.Choose());
-}
-
-TEST_F(MainWindowTest, AGroupNodeNamesNoTask) {
-  InGroup("One", "One | of many");
-  Start();
-  Click("One | of many");
-  EXPECT_TRUE(window.cmdRun.Press());
-  EXPECT_TRUE(window.cmdDelete.Press());
-  EXPECT_EQ(store.NoTasks(), 1);
 }
 
 TEST_F(MainWindowTest, TheEditorGetsTheSlot) {
@@ -103,30 +98,27 @@ TEST_F(MainWindowTest, TheEditorGetsTheSlot) {
 }
 
 TEST_F(MainWindowTest, TheTrayTakesTheWindowAndADoubleClickBringsItBack) {
+  Add("In the tray", "14:05", [](TaskEntry& entry) { entry.taskType = kShutdownComputer; });
+  Add("Hidden", "14:06");
   Start();
   EXPECT_TRUE(window.Visible());
   EXPECT_TRUE(window.cmdSystemTray.Press());
   EXPECT_FALSE(window.Visible());
-  EXPECT_TRUE(trayIcon.added);
   EXPECT_EQ(trayIcon.shownTip, "Orvanto");
   for (const int ignored : {kMouseMove, kLeftDown, kLeftUp, kRightUp}) trayIcon.onMouse(ignored);
   EXPECT_FALSE(window.Visible());
-  Add("In the tray", "14:05", [](TaskEntry& entry) { entry.taskType = kShutdownComputer; });
-  loop.Advance(60000);
-  EXPECT_EQ(session.ends.size(), 1U);
+  loop.Advance(31000);
+  EXPECT_EQ(done, (Texts{"end 1"}));
+  EXPECT_EQ(window.Caption(), "Orvanto - 14:05");
   trayIcon.onMouse(kLeftDoubleClick);
   EXPECT_TRUE(window.Visible());
-  EXPECT_FALSE(trayIcon.added);
-}
+  EXPECT_EQ(trayIcon.shownTip, "");
 
-TEST_F(MainWindowTest, InvisibleInAnyCaseHidesTheWindowAndTasksRun) {
-  Add("Hidden", "14:05");
-  messageBoxes.expected = {{"Hidden"}};
+  window.cmdExit.Press();
   Start("INVisible");
-  loop.Advance(31000);
+  messageBoxes.expected = {{"Hidden"}};
+  loop.Advance(60000);
   EXPECT_FALSE(window.Visible());
-  EXPECT_TRUE(messageBoxes.expected.empty());
-  EXPECT_EQ(window.Caption(), "Orvanto - 14:05");
 }
 
 TEST_F(MainWindowTest, AlwaysOnTopIsKeptFromOneRunToTheNext) {
@@ -137,7 +129,7 @@ TEST_F(MainWindowTest, AlwaysOnTopIsKeptFromOneRunToTheNext) {
   EXPECT_TRUE(window.mnuOnTop.Choose());
   EXPECT_FALSE(window.TopMost());
   EXPECT_TRUE(window.cmdExit.Press());
-  EXPECT_EQ(Stored("OnTop"), "0");
+  EXPECT_EQ(settings.ReadSetting(kGeneral, "OnTop", "?"), "0");
   EXPECT_FALSE(message.Loaded());
   EXPECT_TRUE(loop.QuitRequested());
   EXPECT_FALSE(scheduler.tmrSched.Enabled());
@@ -179,12 +171,6 @@ TEST_F(MainWindowTest, AFailedStepIsLoggedAndTheNextOnesFollow) {
   EXPECT_TRUE(scheduler.tmrSched.Enabled());
   // The first hundred are shown all the same: their one group and themselves.
   EXPECT_EQ(Lines().size(), 101U);
-}
-
-TEST_F(MainWindowTest, TheWindowIsCentred) {
-  Start();
-  EXPECT_EQ(window.Left(), (1280 * 15 - window.ClientSize().width) / 2);
-  EXPECT_EQ(window.Top(), (800 * 15 - window.ClientSize().height) / 2);
 }
 
 }  // namespace

@@ -1,100 +1,87 @@
 #include <gtest/gtest.h>
 
 #include "core/modRegistry.h"
-#include "tests/support/MemoryRegistry.h"
+#include "tests/support/FakePlatform.h"
 
 namespace orvanto {
 namespace {
 
 constexpr const char* kKey = "Software\\Quellmark\\Orvanto\\General";
+const RegistryData kDefault = std::string("d");
 
-class RegistryAccessTest : public testing::Test {
+class RegistryAccessTest : public testing::Test, public FakePlatform {
  protected:
-  ~RegistryAccessTest() override { EXPECT_EQ(registry.OpenKeys(), 0U); }
+  RegistryData Read(const char* value, const char* type, const RegistryData& otherwise = kDefault,
+                    Status status = kSuccess) {
+    RegistryData result = std::string("before");
+    EXPECT_EQ(access.RegRead("HKCU", kKey, value, type, otherwise, result), status) << value;
+    return result;
+  }
+  Status Write(const char* value, const char* type, const RegistryData& data) {
+    return access.RegWrite("hkcu", kKey, value, type, data);
+  }
+  std::string Bytes(const char* value) {
+    std::string id;
+    EXPECT_EQ(RegistryTree::IdOf(RootKey::CurrentUser, kKey, id), kSuccess);
+    return registry.Tree().FindValue(id, value)->data;
+  }
 
-  MemoryRegistry registry;
   RegistryAccess access{registry};
+  Settings settings{registry};
 };
 
-TEST_F(RegistryAccessTest, ResolvesTheSixRootsWithoutRegardToCase) {
-  EXPECT_EQ(ResolveRoot("hkcu"), RootKey::CurrentUser);
-  EXPECT_EQ(ResolveRoot("HKLM"), RootKey::LocalMachine);
-  EXPECT_EQ(ResolveRoot("HKU"), RootKey::Users);
-  EXPECT_EQ(ResolveRoot("HkDd"), RootKey::DynData);
-  EXPECT_EQ(ResolveRoot("HKCC"), RootKey::CurrentConfig);
-  EXPECT_EQ(ResolveRoot("HKCR"), RootKey::ClassesRoot);
-  EXPECT_EQ(ResolveRoot("HKEY_CURRENT_USER"), std::nullopt);
-
-  RegistryData result = std::string("before");
-  EXPECT_EQ(access.RegRead("HKXX", "K", "V", "S", std::string("d"), result), kUnresolvedRoot);
-  EXPECT_EQ(std::get<std::string>(result), "d");
-  EXPECT_EQ(access.RegWrite("HKXX", "K", "V", "S", std::string()), kUnresolvedRoot);
+TEST_F(RegistryAccessTest, MissingThingsReadAsTheDefaultAndDeleteWithSuccess) {
+  const std::pair<const char*, RootKey> roots[] = {
+      {"HKLM", RootKey::LocalMachine}, {"HKU", RootKey::Users},
+      {"HkDd", RootKey::DynData},      {"HKCC", RootKey::CurrentConfig},
+      {"HKCR", RootKey::ClassesRoot},  {"hkcu", RootKey::CurrentUser}};
+  for (const auto& [name, root] : roots) EXPECT_EQ(ResolveRoot(name), root);
+  RegistryData result;
+  EXPECT_EQ(access.RegRead("HKXX", "K", "V", "S", kDefault, result), kUnresolvedRoot);
+  EXPECT_EQ(result, kDefault);
+  EXPECT_EQ(access.RegWrite("HKXX", "K", "V", "S", kDefault), kUnresolvedRoot);
   EXPECT_EQ(access.RegDeleteValueAt("HKXX", "K", "V"), kUnresolvedRoot);
   EXPECT_EQ(access.RegDeleteKeyAt("HKXX", "K", "V"), kUnresolvedRoot);
-}
 
-TEST_F(RegistryAccessTest, TextOfAnyLengthComesBackWithoutItsNul) {
-  for (const std::size_t length : {0U, 1U, 254U, 255U, 256U, 257U, 70000U}) {
-    const std::string text(length, 'x');
-    ASSERT_EQ(access.RegWrite("HKCU", kKey, "Text", "s", text), kSuccess);
-    RegistryData result;
-    ASSERT_EQ(access.RegRead("HKCU", kKey, "Text", "S", std::string("d"), result), kSuccess);
-    EXPECT_EQ(std::get<std::string>(result), text) << length;
-  }
-}
-
-TEST_F(RegistryAccessTest, WritesBooleansAndNumbersInTheirWidths) {
-  ASSERT_EQ(access.RegWrite("HKCU", kKey, "Flag", "B", true), kSuccess);
-  ASSERT_EQ(access.RegWrite("HKCU", kKey, "Number", "D", std::int32_t{-2}), kSuccess);
-  ASSERT_EQ(access.RegWrite("HKCU", kKey, "Cut", "D", std::int32_t{0x12345}), kSuccess);
-  std::string id;
-  ASSERT_EQ(RegistryTree::IdOf(RootKey::CurrentUser, kKey, id), kSuccess);
-  EXPECT_EQ(registry.Tree().FindValue(id, "Flag")->data, "\xFF\xFF");
-  EXPECT_EQ(registry.Tree().FindValue(id, "Number")->data, "\xFE\xFF\xFF\xFF");
-
-  RegistryData result;
-  access.RegRead("HKCU", kKey, "Flag", "B", false, result);
-  EXPECT_TRUE(std::get<bool>(result));
-  access.RegRead("HKCU", kKey, "Number", "D", std::int32_t{0}, result);
-  EXPECT_EQ(std::get<std::int32_t>(result), -2);
-  access.RegRead("HKCU", kKey, "Cut", "D", std::int32_t{0}, result);
-  EXPECT_EQ(std::get<std::int32_t>(result), 0x2345);
-  // A boolean's buffer holds two bytes; a text's reader takes no number.
-  access.RegRead("HKCU", kKey, "Number", "B", false, result);
-  EXPECT_FALSE(std::get<bool>(result));
-  access.RegRead("HKCU", kKey, "Number", "S", std::string("d"), result);
-  EXPECT_EQ(std::get<std::string>(result), "d");
-  access.RegRead("HKCU", kKey, "Number", "Q", std::string("d"), result);
-  EXPECT_EQ(std::get<std::string>(result), "d");
-}
-
-TEST_F(RegistryAccessTest, MissingThingsReadAsTheDefaultAndDeleteWithSuccess) {
-  RegistryData result;
-  EXPECT_EQ(access.RegRead("HKCU", kKey, "V", "S", std::string("d"), result), kFileNotFound);
-  EXPECT_EQ(std::get<std::string>(result), "d");
-  registry.PutText(RootKey::CurrentUser, kKey, "Other", "x");
-  EXPECT_EQ(access.RegRead("HKCU", kKey, "V", "S", std::string("d"), result), kSuccess);
-  EXPECT_EQ(std::get<std::string>(result), "d");
+  EXPECT_EQ(Read("V", "S", kDefault, kFileNotFound), kDefault);
+  ASSERT_EQ(Write("Other", "S", kDefault), kSuccess);
+  EXPECT_EQ(Read("V", "S"), kDefault);
   EXPECT_EQ(access.RegDeleteValueAt("HKCU", kKey, "V"), kSuccess);
   EXPECT_EQ(access.RegDeleteValueAt("HKCU", "Nowhere", "V"), kSuccess);
   EXPECT_EQ(access.RegDeleteKeyAt("HKCU", kKey, "K"), kSuccess);
   EXPECT_EQ(access.RegDeleteKeyAt("HKCU", "Software", "Quellmark"), kAccessDenied);
 }
 
-TEST_F(RegistryAccessTest, FailedWritesReportTheirStatus) {
-  registry.FailWrite(1, kAccessDenied);
-  EXPECT_EQ(access.RegWrite("HKLM", kKey, "V", "S", std::string("x")), kAccessDenied);
-  registry.FailWrite(2, kDiskFull);
-  EXPECT_EQ(access.RegWrite("HKLM", kKey, "V", "S", std::string("x")), kDiskFull);
-  EXPECT_FALSE(registry.Text(RootKey::LocalMachine, kKey, "V").has_value());
+TEST_F(RegistryAccessTest, EachTypeIsWrittenInItsWidth) {
+  for (const std::size_t length : {0U, 1U, 254U, 255U, 256U, 257U, 70000U}) {
+    const RegistryData text = std::string(length, 'x');
+    ASSERT_EQ(Write("Text", "s", text), kSuccess);
+    EXPECT_EQ(Read("Text", "S"), text) << length;
+  }
+  ASSERT_EQ(Write("Flag", "B", true), kSuccess);
+  ASSERT_EQ(Write("Number", "D", -2), kSuccess);
+  ASSERT_EQ(Write("Cut", "D", 0x12345), kSuccess);
+  EXPECT_EQ(Bytes("Flag"), "\xFF\xFF");
+  EXPECT_EQ(Bytes("Number"), "\xFE\xFF\xFF\xFF");
+  EXPECT_EQ(Read("Flag", "B", false), RegistryData(true));
+  EXPECT_EQ(Read("Number", "D", 0), RegistryData(-2));
+  EXPECT_EQ(Read("Cut", "D", 0), RegistryData(0x2345));
+  // A boolean's buffer holds two bytes; a text's reader takes no number.
+  EXPECT_EQ(Read("Number", "B", false), RegistryData(false));
+  for (const char* type : {"S", "Q"}) EXPECT_EQ(Read("Number", type), kDefault);
+  for (const int write : {1, 2}) {
+    registry.FailWrite(write, kDiskFull);
+    EXPECT_EQ(Write("Failed", "S", kDefault), kDiskFull);
+  }
+  EXPECT_EQ(Read("Failed", "S", true), RegistryData(true));
 }
 
-TEST(Settings, TheModeChoosesTheHiveAndDeletionsStayPerUser) {
-  MemoryRegistry registry;
-  Settings settings(registry);
-  for (const RootKey root : {RootKey::CurrentUser, RootKey::LocalMachine}) {
-    registry.PutText(root, kKey, "Gone", "x");
-    registry.PutText(root, std::string(kProductKey) + "\\Task", "Path", "x");
+TEST_F(RegistryAccessTest, TheModeChoosesTheHiveAndDeletionsStayPerUser) {
+  const std::string task = std::string(kProductKey) + "\\Task";
+  for (const std::int16_t mode : std::initializer_list<std::int16_t>{1, 0}) {
+    settings.SetStorageMode(mode);
+    settings.WriteSetting(kGeneral, "Gone", "x");
+    settings.WriteSetting("Task", "Path", "x");
   }
   settings.WriteSetting(kGeneral, "OnTop", "user");
   settings.SetStorageMode(1);
@@ -102,23 +89,18 @@ TEST(Settings, TheModeChoosesTheHiveAndDeletionsStayPerUser) {
   settings.WriteSetting(kGeneral, "OnTop", "machine");
   settings.DeleteUserSetting(kGeneral, "Gone");
   settings.DeleteUserKey("Task");
+  EXPECT_FALSE(registry.HasKey(RootKey::CurrentUser, task));
+  EXPECT_TRUE(registry.HasKey(RootKey::LocalMachine, task));
+  EXPECT_EQ(settings.ReadMachineSetting(kGeneral, "OnTop", "0"), "machine");
+  EXPECT_EQ(settings.ReadSetting(kGeneral, "Gone", "0"), "x");
+  settings.SetStorageMode(0);
+  EXPECT_EQ(settings.ReadSetting(kGeneral, "OnTop", "0"), "user");
+  EXPECT_EQ(settings.ReadSetting(kGeneral, "Gone", "0"), "0");
 
-  EXPECT_EQ(registry.Text(RootKey::CurrentUser, kKey, "OnTop"), "user");
-  EXPECT_EQ(registry.Text(RootKey::LocalMachine, kKey, "OnTop"), "machine");
-  EXPECT_FALSE(registry.Text(RootKey::CurrentUser, kKey, "Gone").has_value());
-  EXPECT_TRUE(registry.Text(RootKey::LocalMachine, kKey, "Gone").has_value());
-  EXPECT_FALSE(registry.HasKey(RootKey::CurrentUser, std::string(kProductKey) + "\\Task"));
-  EXPECT_TRUE(registry.HasKey(RootKey::LocalMachine, std::string(kProductKey) + "\\Task"));
-}
-
-TEST(Settings, AnUnknownModeReadsAndWritesNothing) {
-  MemoryRegistry registry;
-  Settings settings(registry);
-  settings.WriteSetting(kGeneral, "OnTop", "1");
+  // A mode that is none reads and writes nothing.
   settings.WriteMachineSetting(kGeneral, "Users_Share", "2");
   settings.ReadStorageMode();
   EXPECT_EQ(settings.StorageMode(), 2);
-
   const int writes = registry.Writes();
   settings.WriteSetting(kGeneral, "OnTop", "0");
   EXPECT_EQ(registry.Writes(), writes);

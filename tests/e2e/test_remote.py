@@ -8,6 +8,7 @@ import socket
 import termios
 import time
 import unittest
+from datetime import datetime, timedelta
 
 from support import HomeTest, PROGRAM, hh_mm, lines_of, next_minute, sleep_until
 
@@ -21,21 +22,17 @@ def free_port():
         return probe.getsockname()[1]
 
 
-class Terminal:
-    """A program on a terminal of its own, driven key by key."""
+class Reader:
+    """What comes out of the descriptor `fd`."""
 
-    def __init__(self, *command, **environment):
-        self.pid, self.fd = pty.fork()
-        if self.pid == 0:
-            os.environ.update(environment)
-            os.execvp(command[0], command)
-        self.seen = b""
+    fd = -1
+    seen = b""
 
     def expect(self, text):
         """Reads until the text has come; returns all that came up to its end."""
         deadline = time.monotonic() + PATIENCE
         while text not in self.seen:
-            ready, _, _ = select.select([self.fd], [], [], deadline - time.monotonic())
+            ready, _, _ = select.select([self.fd], [], [], max(0, deadline - time.monotonic()))
             try:
                 data = os.read(self.fd, 4096) if ready else b""
             except OSError:
@@ -46,6 +43,16 @@ class Terminal:
         end = self.seen.index(text) + len(text)
         came, self.seen = self.seen[:end], self.seen[end:]
         return came
+
+
+class Terminal(Reader):
+    """A program on a terminal of its own, driven key by key."""
+
+    def __init__(self, *command, **environment):
+        self.pid, self.fd = pty.fork()
+        if self.pid == 0:
+            os.environ.update(environment)
+            os.execvp(command[0], command)
 
     def type(self, text):
         """Key by key, as slowly as a person: keys that travel together are no line's end."""
@@ -67,23 +74,13 @@ class Terminal:
         os.close(self.fd)
 
 
-class Client:
+class Client(Reader):
     """A telnet client as small as can be: keys one at a time, each waited for."""
 
     def __init__(self, port):
         self.socket = socket.create_connection(("127.0.0.1", port), timeout=PATIENCE)
         self.socket.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-        self.seen = b""
-
-    def expect(self, text):
-        while text not in self.seen:
-            data = self.socket.recv(4096)
-            if not data:
-                raise AssertionError(f"{text} did not come: {self.seen!r}")
-            self.seen += data
-        end = self.seen.index(text) + len(text)
-        came, self.seen = self.seen[:end], self.seen[end:]
-        return came
+        self.fd = self.socket.fileno()
 
     def line(self, text, then):
         """Types a line and Enter, and waits for a text behind it."""
@@ -112,6 +109,19 @@ class Remote(HomeTest):
                 if time.monotonic() > deadline:
                     raise
                 time.sleep(0.05)
+
+    def flood(self, until):
+        block = b"x" * (64 << 10)
+        sent = 0
+        while datetime.now() < until:
+            with self.connect().socket as client:
+                client.settimeout(0.2)
+                try:
+                    while datetime.now() < until:
+                        sent += client.send(block)
+                except OSError:
+                    pass  # ended by the server, or full until it is
+        self.assertGreater(sent, 1 << 20)
 
     def wait_until_listening(self):
         """Without a connection of its own, behind which the next one would be refused."""
@@ -155,11 +165,17 @@ class Remote(HomeTest):
         client.line("y", MENU_END)
         self.assertIn(f"1) Renamed | Run | {hh_mm(due)} on Every Day In Every Month",
                       self.orvanto(home, "list"))
-        sleep_until(due)
-        deadline = time.monotonic() + PATIENCE
-        while not lines_of(marks) and time.monotonic() < deadline:
-            time.sleep(0.1)
+        client.socket.close()
+        # Nobody waits for a client who sends without end and reads nothing.
+        sleep_until(due - timedelta(seconds=5))
+        self.flood(due + timedelta(seconds=5))
         self.assertEqual(len(lines_of(marks)), 1)
+        # What was typed without end belongs to the next line.
+        client = self.connect()
+        client.line("", MENU_END)
+        client.socket.close()
+        client = self.connect()
+        client.expect(MENU_END)
         client.line("2", b"Which task do you want to delete?")
         came = client.line("1", MENU_END)
         self.assertIn(b"Deleted Task: Renamed\r\n", came)
@@ -240,6 +256,29 @@ class Remote(HomeTest):
         os.write(host.fd, b"/\n")
         client.expect(b"Chat Ended by Server")
         client.expect(MENU_END)
+
+    def test_the_system_asks_whether_a_silent_client_is_there(self):
+        self.start(self.serve())
+        client = self.connect()
+        client.expect(MENU_END)
+
+        def server_end():
+            """Columns of the system's table: local and remote address, state, queues, timer..."""
+            ours, theirs = f":{self.port:04X}", f":{client.socket.getsockname()[1]:04X}"
+            for line in open("/proc/net/tcp", encoding="ascii"):
+                columns = line.split()
+                if columns[1].endswith(ours) and columns[2].endswith(theirs):
+                    return columns
+            return None
+
+        keep_alive = "02:"
+        deadline = time.monotonic() + PATIENCE
+        while not server_end()[5].startswith(keep_alive) and time.monotonic() < deadline:
+            time.sleep(0.05)
+        timer = server_end()[5]
+        self.assertTrue(timer.startswith(keep_alive), timer)
+        ticks = int(timer.removeprefix(keep_alive), 16)
+        self.assertLessEqual(ticks / os.sysconf("SC_CLK_TCK"), 60)
 
     def test_a_thousand_connections_leave_nothing_behind(self):
         home = self.serve()

@@ -1,25 +1,16 @@
 // The remote control on a platform of fakes, and a client that types.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <string>
-#include <vector>
 
-#include "core/Convert.h"
-#include "core/Sched.h"
-#include "core/TaskExecution.h"
-#include "core/modRegistry.h"
-#include "core/modTaskOperations.h"
 #include "remote/Internet.h"
-#include "tests/support/FakePlatform.h"
+#include "tests/support/CoreDesk.h"
 
 namespace orvanto {
 
 class FakeArea : public ServerArea {
  public:
   void ShowServer(bool on) override { shown = on; }
-  bool ServerShown() const override { return shown; }
   void SetCaption(const std::string& text) override { caption = text; }
   void SetLamps(bool yes, bool no) override {
     lamps = std::string(yes ? "Y" : "-") + (no ? "N" : "-");
@@ -30,29 +21,18 @@ class FakeArea : public ServerArea {
   std::string Log() const override { return log; }
   void TaskListChanged() override { ++listChanges; }
 
+  // All of it in short: whether it is shown, the lamps, the client, whether it can be acted on.
+  std::string Text() const {
+    return (shown ? "shown " : "hidden ") + lamps + " " + client + (commands ? " commands" : "");
+  }
+
   bool shown = false;
   std::string caption, lamps, client = "0.0.0.0", log;
   bool commands = false;
   int listChanges = 0;
 };
 
-struct RemoteDesk : FakePlatform {
-  class Finder : public FileFinder {
-   public:
-    explicit Finder(const FakeFiles& files) : files_(files) {}
-    bool FindFile(const std::string& path) override { return files_.Exists(path); }
-
-   private:
-    const FakeFiles& files_;
-  };
-
-  RemoteDesk() { store.SetProgramFolder("C:\\Orvanto"); }
-
-  Settings settings{registry};
-  Finder finder{files};
-  TaskStore store{settings, clock, finder};
-  Sched sched{store, clock};
-  TaskExecution execution{store, shell, session, sound, messageBoxes, nullptr};
+struct RemoteDesk : CoreDesk {
   RemoteSettings remote;
   FakeArea area;
   frmChat chat{forms};
@@ -73,24 +53,20 @@ struct RemoteDesk : FakePlatform {
     socket.PeerSends(kCrLf);
     return socket.Sent();
   }
-  std::string Lines(const std::vector<std::string>& lines) {
+  std::string Lines(const Texts& lines) {
     std::string last;
     for (const std::string& line : lines) last = Line(line);
     return last;
   }
-  void AddMessage(const std::string& name) {
-    TaskEntry entry;
-    entry.name = name;
-    entry.index = static_cast<std::int16_t>(store.NoTasks() + 1);
-    entry.group = "G";
-    entry.timeType = kTimeRecurring;
-    entry.every = 3;
-    entry.in = 2;
-    entry.hour = "08";
-    entry.minute = "05";
-    entry.taskType = kPopupMessage;
-    entry.path = "Text of " + name;
-    store.SaveTask(entry);
+  // Popup messages for every Monday in January.
+  void AddMessages(const Texts& names) {
+    for (const std::string& name : names) {
+      Add(name, "08:05", [](TaskEntry& entry) {
+        entry.group = "G";
+        entry.every = 3;
+        entry.in = 2;
+      });
+    }
   }
 };
 

@@ -83,12 +83,5 @@ TEST(TelnetProtocol, ACommandMayBeSplitAnywhere) {
   }
 }
 
-TEST(TelnetProtocol, DoublesTheByte255) {
-  EXPECT_EQ(TelnetProtocol::Escape("a\xFF"
-                                   "b"),
-            "a\xFF\xFF"
-            "b");
-}
-
 }  // namespace
 }  // namespace orvanto

@@ -2,23 +2,17 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
-#include "core/Convert.h"
 #include "script/Script_Interpreter.h"
-#include "tests/support/FakePlatform.h"
+#include "tests/support/CoreDesk.h"
 
 namespace orvanto {
 
-struct ScriptDesk : FakePlatform {
-  ScriptDesk() { store.SetProgramFolder("C:\\Orvanto"); }
-
-  Settings settings{registry};
-  TaskStore store{settings, clock, search};
+struct ScriptDesk : CoreDesk {
   FileActions fileActions{files, shell, store};
   FolderSearch search{loop, files, fileActions};
   WindowActions windows{loop, desktop, keyboard, clipboard};
-  std::vector<std::string> popups;
+  Texts popups;
   ScriptInterpreter scripts{loop,
                             files,
                             store,
@@ -34,13 +28,9 @@ struct ScriptDesk : FakePlatform {
     return RunByPath("s.txt");
   }
   int RunByPath(const std::string& path) {
-    try {
-      scripts.RunScript(path);
-      return 0;
-    } catch (const Error& error) {
-      return error.Number();
-    }
+    return ErrorOf([&] { scripts.RunScript(path); });
   }
+  std::ptrdiff_t Beeps() const { return std::count(done.begin(), done.end(), "beep"); }
   std::string Log() { return files.contents["C:\\Orvanto\\ORVSCRPT.LOG"]; }
   // What the log holds after a line or an opening failed and the failure behind it.
   static std::string Twice(const std::string& path) {

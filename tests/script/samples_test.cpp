@@ -24,7 +24,6 @@ class Samples : public testing::Test {
   }
   ~Samples() override {
     EXPECT_EQ(desk.Log(), "");
-    EXPECT_TRUE(desk.messageBoxes.expected.empty());
     EXPECT_FALSE(desk.scripts.Waiting());
   }
   int RunSample(const std::string& name) {
@@ -61,8 +60,8 @@ TEST_F(Samples, CleanupAsksFirst) {
 TEST_F(Samples, NoteIsTypedSavedAndClosed) {
   desk.messageBoxes.expected = {{"Write the note now?", Answer::Ok}};
   EXPECT_EQ(RunSample("note.txt"), 0);
-  ASSERT_EQ(desk.shell.requests.size(), 1U);
-  EXPECT_EQ(desk.shell.requests[0].file, "c:\\orvanto-samples\\note.txt");
+  ASSERT_FALSE(desk.done.empty());
+  EXPECT_EQ(desk.done[0], "open c:\\orvanto-samples\\note.txt in '0' 1");
   ASSERT_EQ(desk.keyboard.typed.size(), 3U);
   EXPECT_EQ(desk.keyboard.typed[1], ParseKeySequence("^s"));
   EXPECT_EQ(desk.keyboard.typed[2], ParseKeySequence("%{F4}"));
@@ -78,8 +77,7 @@ TEST_F(Samples, QuestionMovesTheOrders) {
 
 TEST_F(Samples, TidyDesk) {
   EXPECT_EQ(RunSample("tidy-desk.txt"), 0);
-  EXPECT_EQ(desk.desktop.log, (std::vector<std::string>{"top 1", "show 2 1", "top 0", "show 3 0",
-                                                        "top 0", "show 1 0"}));
+  EXPECT_EQ(desk.done, (Texts{"top 1", "show 2 1", "top 0", "show 3 0", "top 0", "show 1 0"}));
 }
 
 }  // namespace

@@ -6,8 +6,6 @@
 namespace orvanto {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 TEST(Windows, EachCommandDoesItsSteps) {
   ScriptDesk desk;
   desk.desktop.titles = {"Untitled - Notepad", "", "Other"};
@@ -15,58 +13,33 @@ TEST(Windows, EachCommandDoesItsSteps) {
                      "closewin('Note')\nsendkeys('Notepad',+a~)\nsendkeysdos('Notepad',dir {x)\n"
                      "setfocus('Nothing')"),
             0);
-  EXPECT_EQ(desk.desktop.log, (Texts{"top 0", "show 1 0", "top 0", "show 2 0", "top 0", "show 3 0",
-                                     "send 0 61536 0", "top 0", "show 1 0", "top 0", "show 1 0"}));
+  EXPECT_EQ(desk.done, (Texts{"top 0", "show 1 0", "top 0", "show 2 0", "top 0", "show 3 0",
+                              "send 0 61536 0", "top 0", "show 1 0", "top 0", "show 1 0"}));
   EXPECT_EQ(desk.keyboard.typed, (std::vector<std::vector<KeyEvent>>{ParseKeySequence("+a~"),
                                                                      ParseKeySequence("%{ }ep")}));
   EXPECT_EQ(desk.clipboard.text, "dir {x");
+  desk.done.clear();
+  EXPECT_THROW(desk.windows.WindowAction("Notepad", WindowCode::SendKeys, "abc{"), Error);
+  EXPECT_TRUE(desk.done.empty()) << "keys that do not parse touch nothing";
+  desk.desktop.closes = true;
+  desk.windows.WindowAction("other", WindowCode::Close, "");
+  EXPECT_EQ(desk.done, (Texts{"send 0 61536 2", "send 2 0 2"})) << "left without a title";
 }
 
 TEST(Windows, ATitleIsActedOnOnceForEachPlace) {
-  struct Case {
-    const char* argument;
-    Texts acted;
-  };
-  for (const Case& c :
-       {Case{"aa", {"top 0", "top 0", "top 1"}},
-        {"*aa*", {"top 0", "top 0", "top 1"}},
-        {"**aa**", {}},
-        {"aab", {}},
-        {"", {"top 0", "top 0", "top 0", "top 0", "top 1", "top 1", "top 1", "top 3", "top 3"}},
-        {"\xC3\xA4", {"top 3"}}}) {
+  const std::pair<const char*, const char*> cases[] = {{"aa", "001"},        {"*aa*", "001"},
+                                                       {"**aa**", ""},       {"aab", ""},
+                                                       {"", "000011133333"}, {"\xC3\xA4", "3"}};
+  for (const auto& [argument, expected] : cases) {
     ScriptDesk desk;
-    desk.desktop.titles = {"Aaa", "aA", "", "\xC3\x84"};
-    if (*c.argument == '\0') desk.desktop.titles[3] = "x";
-    desk.windows.WindowAction(c.argument, WindowCode::SetFocus, "");
-    Texts tops;
-    for (const std::string& one : desk.desktop.log) {
-      if (one.rfind("top", 0) == 0) tops.push_back(one);
+    desk.desktop.titles = {"Aaa", "aA", "", "\xC3\x84xx"};
+    desk.windows.WindowAction(argument, WindowCode::SetFocus, "");
+    std::string tops;
+    for (const std::string& one : desk.done) {
+      if (one.starts_with("top ")) tops += one.substr(4);
     }
-    EXPECT_EQ(tops, c.acted) << c.argument;
+    EXPECT_EQ(tops, expected) << argument;
   }
-}
-
-TEST(Windows, AWindowLeftWithoutATitleIsDestroyed) {
-  class Untitling : public FakeDesktop {
-   public:
-    void Send(Window window, std::uint32_t message, std::uintptr_t wParam,
-              std::intptr_t lParam) override {
-      FakeDesktop::Send(window, message, wParam, lParam);
-      titles[window].clear();
-    }
-  } desktop;
-  desktop.titles = {"Gone"};
-  ScriptDesk desk;
-  WindowActions windows(desk.loop, desktop, desk.keyboard, desk.clipboard);
-  windows.WindowAction("gone", WindowCode::Close, "");
-  EXPECT_EQ(desktop.log, (Texts{"send 0 61536 0", "send 2 0 0"}));
-}
-
-TEST(Windows, KeysThatDoNotParseTouchNothing) {
-  ScriptDesk desk;
-  desk.desktop.titles = {"Notepad"};
-  EXPECT_THROW(desk.windows.WindowAction("Notepad", WindowCode::SendKeys, "abc{"), Error);
-  EXPECT_TRUE(desk.desktop.log.empty());
 }
 
 }  // namespace

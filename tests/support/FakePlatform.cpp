@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <chrono>
 
+#include "platform/Utf8.h"
+
 namespace orvanto {
 namespace {
 
@@ -20,29 +22,20 @@ DateTime FakeClock::Now() const {
   const std::chrono::sys_days days{std::chrono::days(now_ / kDay)};
   const std::chrono::year_month_day date(days);
   const int seconds = static_cast<int>(now_ % kDay / 1000);
-  DateTime now;
-  now.year = int{date.year()};
-  now.month = static_cast<int>(unsigned{date.month()});
-  now.day = static_cast<int>(unsigned{date.day()});
-  now.hour = seconds / 3600;
-  now.minute = seconds / 60 % 60;
-  now.second = seconds % 60;
-  now.weekday = static_cast<int>(std::chrono::weekday(days).c_encoding()) + 1;
-  return now;
+  return {int{date.year()},
+          static_cast<int>(unsigned{date.month()}),
+          static_cast<int>(unsigned{date.day()}),
+          seconds / 3600,
+          seconds / 60 % 60,
+          seconds % 60,
+          static_cast<int>(std::chrono::weekday(days).c_encoding()) + 1};
 }
 
 std::string FakeClock::ShortDate(int year, int month, int day) const {
   std::string text;
   for (const char c : shortDateOrder) {
-    if (c == 'd') {
-      text += std::to_string(day);
-    } else if (c == 'm') {
-      text += std::to_string(month);
-    } else if (c == 'y') {
-      text += std::to_string(year);
-    } else {
-      text += c;
-    }
+    const int number = c == 'd' ? day : c == 'm' ? month : c == 'y' ? year : 0;
+    text += number != 0 ? std::to_string(number) : std::string(1, c);
   }
   return text;
 }
@@ -91,10 +84,6 @@ void FakeLoop::Pass(std::int64_t milliseconds) {
   monotonic_ += milliseconds;
   clock_.Move(milliseconds);
 }
-
-void FakeLoop::Block(std::int64_t milliseconds) { Pass(milliseconds); }
-
-void FakeLoop::Run() { DoEvents(); }
 
 void FakeLoop::DoEvents() {
   if (held_ > 0) return;
@@ -154,11 +143,7 @@ bool FakeFiles::Read(const std::string& path, std::string& text) {
 
 std::string FakeFiles::FromCodePage(const std::string& bytes) const {
   std::string text;
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte >= 0x80) text += static_cast<char>(0xC0 | byte >> 6);
-    text += static_cast<char>(byte < 0x80 ? byte : 0x80 | (byte & 0x3F));
-  }
+  for (const char c : bytes) AppendUtf8(static_cast<unsigned char>(c), text);
   return text;
 }
 
@@ -183,6 +168,20 @@ std::vector<Desktop::Window> FakeDesktop::TopLevelWindows() {
   std::vector<Window> windows;
   for (Window window = 0; window < titles.size(); ++window) windows.push_back(window);
   return windows;
+}
+
+void FakeDesktop::Send(Window window, std::uint32_t message, std::uintptr_t wParam, std::intptr_t) {
+  Did("send " + std::to_string(message) + " " + std::to_string(wParam) + " " +
+      std::to_string(window));
+  if (closes) titles[window].clear();
+}
+
+std::optional<std::string> FakeFileDialogs::ChooseFile(const std::string& title,
+                                                       const std::vector<FileFilter>& filters,
+                                                       const std::string& folder) {
+  asked = title + "|" + folder;
+  for (const FileFilter& filter : filters) asked += "|" + filter.name + "=" + filter.pattern;
+  return chosen;
 }
 
 Answer FakeMessageBoxes::Show(const std::string& text, const std::string&, Buttons buttons,
@@ -233,6 +232,13 @@ void FakeSocketHost::Socket::PeerSends(const std::string& chunk) {
 void FakeSocketHost::Socket::PeerCloses() {
   Close();
   onClosed();
+}
+
+FakePlatform::~FakePlatform() {
+  for (const auto& box : messageBoxes.expected)
+    ADD_FAILURE() << "this box did not come: " << box.text;
+  EXPECT_EQ(registry.OpenKeys(), 0U);
+  EXPECT_EQ(registry.ChangeDepth(), 0);
 }
 
 }  // namespace orvanto

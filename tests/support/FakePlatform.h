@@ -13,7 +13,6 @@
 #include "platform/EventLoop.h"
 #include "platform/Platform.h"
 #include "platform/forms.h"
-#include "tests/support/FakeFiles.h"
 #include "tests/support/FakeServices.h"
 #include "tests/support/FakeSockets.h"
 #include "tests/support/MemoryRegistry.h"
@@ -42,7 +41,7 @@ class FakeLoop : public EventLoop {
  public:
   explicit FakeLoop(FakeClock& clock) : clock_(clock) {}
 
-  void Run() override;  // one pass over what is posted
+  void Run() override { DoEvents(); }
   void Quit() override { quit_ = true; }
   bool QuitRequested() const override { return quit_; }
   void DoEvents() override;
@@ -53,7 +52,7 @@ class FakeLoop : public EventLoop {
   void Advance(std::int64_t milliseconds);
   std::function<std::int64_t()> lateness;
   // The thread is busy: time passes and nothing is delivered. May be called from a handler.
-  void Block(std::int64_t milliseconds);
+  void Block(std::int64_t milliseconds) { Pass(milliseconds); }
 
  protected:
   void BeginHold() override { ++held_; }
@@ -72,18 +71,22 @@ class FakeLoop : public EventLoop {
   bool quit_ = false;
 };
 
-// All of them, put together.
+// All of them, put together. Its end fails the test when a box it announced has not come, or when a
+// key or a change of the registry is still open.
 struct FakePlatform {
+  ~FakePlatform();
+
   FakeClock clock;
   FakeLoop loop{clock};
   MemoryRegistry registry;
   FakeFiles files;
-  FakeShell shell;
-  FakeSession session;
-  FakeDesktop desktop;
+  Texts done;  // see Doer
+  FakeShell shell{done};
+  FakeSession session{done};
+  FakeDesktop desktop{done};
   FakeKeyboard keyboard;
   FakeClipboard clipboard;
-  FakeSound sound;
+  FakeSound sound{done};
   FakeMessageBoxes messageBoxes;
   FakeFileDialogs fileDialogs;
   FakeTrayIcon trayIcon;

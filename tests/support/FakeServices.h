@@ -4,13 +4,16 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "platform/Clipboard.h"
 #include "platform/Desktop.h"
 #include "platform/FileDialogs.h"
+#include "platform/Files.h"
 #include "platform/Keyboard.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Session.h"
@@ -19,6 +22,29 @@
 #include "platform/TrayIcon.h"
 
 namespace orvanto {
+
+using Texts = std::vector<std::string>;
+
+// A file system in memory.
+class FakeFiles : public Files {
+ public:
+  bool Exists(const std::string& path) const override;
+  void ListFolder(const std::string& folder, const EachEntry& each) override;
+  bool Read(const std::string& path, std::string& text) override;
+  std::string FromCodePage(const std::string& bytes) const override;  // takes it for Latin-1
+  std::string Copy(const std::string& from, const std::string& to) override;
+  std::string Remove(const std::string& path) override;
+  bool Append(const std::string& path, const std::string& bytes) override;
+
+  std::map<std::string, std::string> contents;  // by path
+  // The entries of a folder ("C:\\x\\") in the order in which they are listed, folders with a
+  // backslash at their end. They need not be in `contents`.
+  std::map<std::string, Texts> listings;
+  std::set<std::string> locked;  // can be neither removed nor copied
+
+ private:
+  std::map<std::string, std::string>::const_iterator Find(const std::string& path) const;
+};
 
 // Shows nothing: answers from the list of what the test expects. A box that was not expected fails
 // the test and takes the safe answer.
@@ -36,42 +62,68 @@ class FakeMessageBoxes : public MessageBoxes {
   bool answersAll = false;  // the safe answer to every box that is not expected
 };
 
-class FakeShell : public Shell {
+// What the program did to the world, in the order of the doing and in words: "beep", "end 2".
+class Doer {
  public:
-  bool Execute(const ShellRequest& request) override {
-    requests.push_back(request);
+  explicit Doer(Texts& done) : done_(done) {}
+
+ protected:
+  bool Did(const std::string& what) {
+    done_.push_back(what);
     return true;
   }
-  bool Start(const std::string& commandLine, ShowCommand) override {
-    started.push_back(commandLine);
-    return true;
-  }
-  bool StartAndWait(const std::string& commandLine, ShowCommand show) override {
-    waitedFor.push_back(commandLine + " " + std::to_string(static_cast<int>(show)));
-    return true;
-  }
-  std::vector<std::string> waitedFor;
-  std::vector<ShellRequest> requests;
-  std::vector<std::string> started;
+  static std::string Text(ShowCommand show) { return std::to_string(static_cast<int>(show)); }
+
+ private:
+  Texts& done_;
 };
 
-// Windows that a test puts there, from the top down; what is done to them is written down.
-class FakeDesktop : public Desktop {
+class FakeShell : public Shell, private Doer {
  public:
+  using Doer::Doer;
+  bool Execute(const ShellRequest& request) override {
+    return Did(request.operation + " " + request.file + request.parameters + " in '" +
+               request.directory + "' " + Text(request.show));
+  }
+  bool Start(const std::string& commandLine, ShowCommand) override {
+    return Did("start " + commandLine);
+  }
+  bool StartAndWait(const std::string& commandLine, ShowCommand show) override {
+    return Did("wait for " + commandLine + " " + Text(show));
+  }
+};
+
+// Windows that a test puts there, from the top down. A window is its number.
+class FakeDesktop : public Desktop, private Doer {
+ public:
+  using Doer::Doer;
   std::vector<Window> TopLevelWindows() override;
   std::string Title(Window window) override { return titles.at(window); }
-  void BringToTop(Window window) override { Log("top", window); }
+  void BringToTop(Window window) override { Did("top " + std::to_string(window)); }
   void Show(Window window, ShowCommand show) override {
-    Log("show " + std::to_string(static_cast<int>(show)), window);
+    Did("show " + Text(show) + " " + std::to_string(window));
   }
-  void Send(Window window, std::uint32_t message, std::uintptr_t wParam, std::intptr_t) override {
-    Log("send " + std::to_string(message) + " " + std::to_string(wParam), window);
+  void Send(Window window, std::uint32_t message, std::uintptr_t wParam, std::intptr_t) override;
+
+  Texts titles;
+  bool closes = false;  // windows lose their titles with their first message
+};
+
+class FakeSession : public Session, private Doer {
+ public:
+  using Doer::Doer;
+  bool End(std::uint32_t flags) override { return Did("end " + std::to_string(flags)); }
+  void ChangeResolution(int width, int height) override {
+    Did("size " + std::to_string(width) + "x" + std::to_string(height));
   }
-  void Log(const std::string& what, Window window) {
-    log.push_back(what + " " + std::to_string(window));
-  }
-  std::vector<std::string> titles;  // a window is its number here
-  std::vector<std::string> log;
+  void HangUp() override { Did("hang up"); }
+};
+
+class FakeSound : public Sound, private Doer {
+ public:
+  using Doer::Doer;
+  bool Play(const std::string& name) override { return Did("play " + name); }
+  void Beep() override { Did("beep"); }
 };
 
 class FakeKeyboard : public Keyboard {
@@ -94,50 +146,16 @@ class FakeFileDialogs : public FileDialogs {
  public:
   std::optional<std::string> ChooseFile(const std::string& title,
                                         const std::vector<FileFilter>& filters,
-                                        const std::string& folder) override {
-    asked = title + "|" + folder;
-    for (const FileFilter& filter : filters) asked += "|" + filter.name + "=" + filter.pattern;
-    return chosen;
-  }
+                                        const std::string& folder) override;
   std::optional<std::string> chosen;
   std::string asked;
 };
 
-class FakeSession : public Session {
- public:
-  bool End(std::uint32_t flags) override {
-    ends.push_back(flags);
-    return false;
-  }
-  void ChangeResolution(int width, int height) override {
-    sizes.push_back(std::to_string(width) + "x" + std::to_string(height));
-  }
-  void HangUp() override { ++hangUps; }
-  std::vector<std::string> sizes;
-  int hangUps = 0;
-  std::vector<std::uint32_t> ends;
-};
-
-class FakeSound : public Sound {
- public:
-  bool Play(const std::string& name) override {
-    played.push_back(name);
-    return true;
-  }
-  void Beep() override { ++beeps; }
-  int beeps = 0;
-  std::vector<std::string> played;
-};
-
 class FakeTrayIcon : public TrayIcon {
  public:
-  void Add(const std::string& tip) override {
-    added = true;
-    shownTip = tip;
-  }
-  void Remove() override { added = false; }
-  bool added = false;
-  std::string shownTip;
+  void Add(const std::string& tip) override { shownTip = tip; }
+  void Remove() override { shownTip.clear(); }
+  std::string shownTip;  // empty: there is no icon
 };
 
 }  // namespace orvanto

@@ -13,10 +13,29 @@
 
 namespace orvanto {
 
-// Finds every file.
-class WillingFinder : public FileFinder {
+// The number of the error that leaves `work`, or 0.
+template <typename Work>
+int ErrorOf(const Work& work) {
+  try {
+    work();
+    return 0;
+  } catch (const Error& error) {
+    return error.Number();
+  }
+}
+
+class FakeFinder : public FileLookup {
  public:
-  bool FindFile(const std::string&) override { return true; }
+  explicit FakeFinder(const FakeFiles& files) : files_(files) {}
+  bool FindFile(const std::string& path) override {
+    asked = path;
+    return findsAll || files_.Exists(path);
+  }
+  bool findsAll = false;
+  std::string asked;
+
+ private:
+  const FakeFiles& files_;
 };
 
 class FakeScripts : public ScriptRunner {
@@ -25,21 +44,24 @@ class FakeScripts : public ScriptRunner {
     ran.push_back(path);
     if (path == "bad") throw Error(kFileNotFoundError, "File not found");
   }
-  std::vector<std::string> ran;
+  Texts ran;
 };
 
 struct CoreDesk : FakePlatform {
+  CoreDesk() { store.SetProgramFolder("C:\\Orvanto"); }
+
   Settings settings{registry};
-  WillingFinder finder;
+  FakeFinder finder{files};
   FakeScripts scripts;
   TaskStore store{settings, clock, finder};
   Sched sched{store, clock};
   TaskExecution execution{store, shell, session, sound, messageBoxes, &scripts};
   Scheduler scheduler{loop, clock, store, sched, execution};
 
-  // A popup message each day at that time; `change` alters it before it is saved.
-  void Add(const std::string& name, const std::string& time,
-           const std::function<void(TaskEntry&)>& change = {}) {
+  using Change = std::function<void(TaskEntry&)>;
+
+  // A popup message each day at that time, for the slot behind the last.
+  TaskEntry Entry(const std::string& name, const std::string& time, const Change& change = {}) {
     TaskEntry entry;
     entry.name = name;
     entry.index = static_cast<std::int16_t>(store.NoTasks() + 1);
@@ -51,7 +73,15 @@ struct CoreDesk : FakePlatform {
     entry.taskType = kPopupMessage;
     entry.path = name;
     if (change) change(entry);
-    store.SaveTask(entry);
+    return entry;
+  }
+  void Add(const std::string& name, const std::string& time, const Change& change = {}) {
+    store.SaveTask(Entry(name, time, change));
+  }
+  Texts Names() {
+    Texts names;
+    for (std::int16_t i = 1; i <= store.NoTasks(); ++i) names.push_back(store.TaskName(i));
+    return names;
   }
 };
 
