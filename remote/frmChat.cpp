@@ -6,9 +6,9 @@ namespace orvanto {
 
 frmChat::frmChat(forms::FormHost& host)
     : Form(host, "Chat", {6600, 4200}),
-      txtSend(*this, nullptr, {}, {120, 3420, 6360, 345}),
-      cmdQuit(*this, nullptr, "&Quit", {5250, 3810, 1230, 330}),
-      txtChat(*this, nullptr, {.multiLine = true, .readOnly = true}, {120, 120, 6360, 3150}) {
+      txtSend(*this, nullptr, {}, {120, 3240, 6360, 345}),
+      cmdQuit(*this, nullptr, "&Quit", {5250, 3705, 1230, 375}),
+      txtChat(*this, nullptr, {.multiLine = true, .readOnly = true}, {120, 120, 6360, 3000}) {
   txtSend.onEnter = [this] {
     const std::string line = txtSend.Text();
     txtSend.SetText("");

@@ -42,6 +42,15 @@ class EventLoopContract : public testing::TestWithParam<Made (*)()> {
 
 INSTANTIATE_TEST_SUITE_P(Loops, EventLoopContract, testing::Values(MakeHostLoop, MakeFakeLoop));
 
+// On a busy machine the handling of what is due takes longer than the next period.
+class Meanwhile {
+ public:
+  long long Periods() const { return (std::chrono::steady_clock::now() - began_) / kInterval; }
+
+ private:
+  std::chrono::steady_clock::time_point began_ = std::chrono::steady_clock::now();
+};
+
 TEST_P(EventLoopContract, PostedWorkComesInOrderAndNotAtOnce) {
   std::vector<int> order;
   loop_.Post([&] {
@@ -68,10 +77,11 @@ TEST_P(EventLoopContract, ATimerComesWhenDueAndMissedPeriodsCollapse) {
   timer->Start(kInterval);
   made_.busy(8 * kInterval);
   EXPECT_EQ(calls, 0);
+  const Meanwhile meanwhile;
   loop_.DoEvents();
   loop_.DoEvents();
   EXPECT_GE(calls, 1);
-  EXPECT_LE(calls, 3);  // a new period may have passed meanwhile
+  EXPECT_LE(calls, 3 + meanwhile.Periods());
   timer->Stop();
   const int before = calls;
   made_.busy(2 * kInterval);
@@ -114,9 +124,10 @@ TEST_P(EventLoopContract, AHoldKeepsEverythingUntilItsEnd) {
     loop_.DoEvents();
     EXPECT_EQ(timerCalls + posts, 0);
   }
+  const Meanwhile meanwhile;
   loop_.DoEvents();
   EXPECT_GE(timerCalls, 1);
-  EXPECT_LE(timerCalls, 2);
+  EXPECT_LE(timerCalls, 2 + meanwhile.Periods());
   EXPECT_EQ(posts, 1);
 }
 

@@ -121,8 +121,8 @@ TEST(Win32Keyboard, NotepadHoldsExactlyWhatWasTyped) {
     SendMessageW(notepad.Edit(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L""));
     keyboard.Type(each.keys);
     EXPECT_FALSE(AnyModifierDown());
-    WaitFor([&] { return TextOf(notepad.Edit()) == each.text; }, milliseconds(5000));
-    EXPECT_EQ(ToUtf8(TextOf(notepad.Edit())), ToUtf8(each.text));
+    ASSERT_TRUE(WaitFor([&] { return TextOf(notepad.Edit()) == each.text; }))
+        << ToUtf8(TextOf(notepad.Edit()));
   }
 }
 
