@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <sstream>
 
 #include "app/Program.h"
@@ -123,31 +125,30 @@ TEST_F(CommandsTest, AHundredTasksAreAllThereIsRoomFor) {
 }
 
 TEST_F(CommandsTest, WhatItDoesNotUnderstandIsAUsageError) {
-  for (const Words& words : std::vector<Words>{
-           {"frobnicate"},
-           {"get", "General"},
-           {"get", "General", "a", "b"},
-           {"set", "General", "OnTop"},
-           {"list", "all"},
-           {"delete"},
-           {"delete", "-1"},
-           {"run", "first"},
-           {"add"},
-           {"add", "T"},
-           {"add", "--at", "10:00", "--day", "1", "--reset"},
-           {"add", "T", "U", "--at", "10:00", "--day", "1", "--reset"},
-           {"add", "T", "--at", "10:00", "--day", "1"},
-           {"add", "T", "--at", "10", "--day", "1", "--reset"},
-           {"add", "T", "--at", "10:00", "--day", "1", "--every", "Every Day", "--reset"},
-           {"add", "T", "--at", "10:00", "--day", "1", "--in", "May", "--reset"},
-           {"add", "T", "--at", "10:00", "--day", "1", "--reset", "--shutdown"},
-           {"add", "T", "--at", "10:00", "--day", "1", "--day", "2", "--reset"},
-           {"add", "T", "--at", "10:00", "--every", "Some Day", "--reset"},
-           {"add", "T", "--at", "10:00", "--once", "tomorrow", "--reset"},
-           {"add", "T", "--at", "10:00", "--day", "1", "--message", "m", "--params", "x"},
-           {"add", "T", "--at", "10:00", "--day", "1", "--program", "tool", "--window", "7"},
-           {"add", "T", "--at", "10:00", "--day", "1", "--message"}}) {
-    EXPECT_EQ(Run(words), kExitUsage) << testing::PrintToString(words);
+  Texts lines = {"frobnicate",
+                 "get General",
+                 "get General a b",
+                 "set General OnTop",
+                 "list all",
+                 "delete",
+                 "delete -1",
+                 "run first",
+                 "add",
+                 "add T",
+                 "add --at 10:00 --day 1 --reset",
+                 "add T --at 10 --day 1 --reset",
+                 "add T --at 10:00 --every Some_Day --reset",
+                 "add T --at 10:00 --once tomorrow --reset"};
+  for (const char* wrong :
+       {"", "U --reset", "--every Every_Day --reset", "--in May --reset", "--reset --shutdown",
+        "--day 2 --reset", "--message m --params x", "--program tool --window 7", "--message"}) {
+    lines.push_back(std::string("add T --at 10:00 --day 1 ") + wrong);
+  }
+  for (const std::string& line : lines) {
+    std::istringstream in(line);
+    Words words(std::istream_iterator<std::string>(in), {});
+    for (std::string& word : words) std::replace(word.begin(), word.end(), '_', ' ');
+    EXPECT_EQ(Run(words), kExitUsage) << line;
     EXPECT_NE(err.str(), "");
     EXPECT_EQ(out.str(), "");
   }

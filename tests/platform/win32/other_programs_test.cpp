@@ -17,6 +17,7 @@
 #include "platform/win32/Win32Keyboard.h"
 #include "platform/win32/Win32Process.h"
 #include "platform/win32/Win32Session.h"
+#include "script/KeySequence.h"
 #include "tests/desktop/RunningProgram.h"
 
 namespace orvanto::win32 {
@@ -57,25 +58,7 @@ class Notepad {
   HWND window_ = nullptr;
 };
 
-using Keys = std::vector<KeyEvent>;
-using Action = KeyEvent::Action;
-
-Keys Press(Key key, std::uint32_t count = 1) { return {{Action::Press, key, 0, count}}; }
-Keys Press(char32_t character, std::uint32_t count) {
-  return {{Action::Press, Key::Character, character, count}};
-}
-Keys Text(std::u32string_view text) {
-  Keys keys;
-  for (const char32_t c : text) keys.push_back({Action::Press, Key::Character, c, 1});
-  return keys;
-}
-Keys operator+(Keys one, const Keys& other) {
-  one.insert(one.end(), other.begin(), other.end());
-  return one;
-}
-Keys With(Key modifier, const Keys& keys) {
-  return Keys{{Action::Hold, modifier, 0, 1}} + keys + Keys{{Action::Release, modifier, 0, 1}};
-}
+void Type(const std::string& keys) { Win32Keyboard().Type(ParseKeySequence(keys)); }
 
 bool AnyModifierDown() {
   return std::ranges::any_of(std::initializer_list<int>{VK_SHIFT, VK_CONTROL, VK_MENU},
@@ -83,46 +66,31 @@ bool AnyModifierDown() {
 }
 
 TEST(Win32Keyboard, NotepadHoldsExactlyWhatWasTyped) {
-  std::u32string lines;
-  for (int i = 0; i < 10; ++i) lines += U"The quick brown fox, jumps over 13 LAZY dogs. ";
-  const struct {
-    const char* name;
-    Keys keys;
-    std::wstring text;
-  } cases[] = {
-      {"signs of all kinds",
-       Text(U"Hi, WORLD! 1+1=2; {[(~^%&|\\<>@#$\"'`?)]} \u00e4\u00d6\u00df\u20ac"),
-       L"Hi, WORLD! 1+1=2; {[(~^%&|\\<>@#$\"'`?)]} \u00e4\u00d6\u00df\u20ac"},
-      {"beyond 16 bits", Text(U"a\U0001F552b"), L"a\U0001F552b"},
-      {"several pieces", Text(lines), std::wstring(lines.begin(), lines.end())},
-      {"lines",
-       Text(U"a") + Press(Key::Enter) + Text(U"b\rc\nd\r\ne") + Press(Key::Tab) + Text(U"\tf"),
-       L"a\r\nb\r\nc\r\nd\r\ne\t\tf"},
-      {"shortcut", Text(U"old") + With(Key::Control, Text(U"a")) + Text(U"new"), L"new"},
-      {"selection", Text(U"abcdef") + With(Key::Shift, Press(Key::Left, 3)) + Text(U"X"), L"abcX"},
-      {"two modifiers",
-       Text(U"one two") + With(Key::Control, With(Key::Shift, Press(Key::Left))) + Text(U"X"),
-       L"one X"},
-      {"Shift by the layout", With(Key::Shift, Text(U"abC1")) + Text(U"d"), L"ABC!d"},
-      {"Shift without such a key", With(Key::Shift, Text(U"\u4e2d")), L"\u4e2d"},
-      {"named keys",
-       Text(U"abc") + Press(Key::Home) + Press(Key::Delete) + Press(Key::End) +
-           Press(Key::Backspace) + Press(Key::Left) + Press(Key::Add) + Press(Key::Divide),
-       L"+/b"},
-      {"repeats", Press(U'h', 10) + Press(Key::Left, 4) + Press(U'x', 0) + Press(Key::Delete, 3),
-       L"hhhhhhh"},
-  };
+  std::string lines;
+  for (int i = 0; i < 10; ++i) lines += "The quick brown fox, jumps over 13 LAZY dogs. ";
+  const std::pair<std::string, std::string> cases[] = {
+      {"Hi, WORLD! 1{+}1=2; {{}{[}{(}{~}{^}{%}&|\\<>@#$\"'`?{)}{]}{}} äÖß€",
+       "Hi, WORLD! 1+1=2; {[(~^%&|\\<>@#$\"'`?)]} äÖß€"},
+      {"a\U0001F552b", "a\U0001F552b"},  // beyond 16 bits
+      {lines, lines},                    // several pieces
+      {"a~b\rc\nd\r\ne{TAB}\tf", "a\r\nb\r\nc\r\nd\r\ne\t\tf"},
+      {"old^anew", "new"},
+      {"abcdef+{LEFT 3}X", "abcX"},
+      {"one two^+{LEFT}X", "one X"},
+      {"+(abC1)d", "ABC!d"},  // by the layout
+      {"+\u4e2d", "\u4e2d"},  // there is no such key
+      {"abc{HOME}{DEL}{END}{BS}{LEFT}{ADD}{DIVIDE}", "+/b"},
+      {"{h 10}{LEFT 4}{x 0}{DEL 3}", "hhhhhhh"}};
   const Notepad notepad;
   ASSERT_NE(notepad.Edit(), nullptr);
   notepad.Focus();
-  Win32Keyboard keyboard;
-  for (const auto& each : cases) {
-    SCOPED_TRACE(each.name);
+  for (const auto& [keys, text] : cases) {
     SendMessageW(notepad.Edit(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L""));
-    keyboard.Type(each.keys);
-    EXPECT_FALSE(AnyModifierDown());
-    ASSERT_TRUE(WaitFor([&] { return TextOf(notepad.Edit()) == each.text; }))
-        << ToUtf8(TextOf(notepad.Edit()));
+    Type(keys);
+    EXPECT_FALSE(AnyModifierDown()) << keys;
+    const std::wstring expected = ToWide(text);
+    WaitFor([&] { return TextOf(notepad.Edit()) == expected; });
+    EXPECT_EQ(ToUtf8(TextOf(notepad.Edit())), text) << keys;
   }
 }
 
@@ -141,29 +109,23 @@ LRESULT CALLBACK NotePressed(int, WPARAM message, LPARAM address) {
 }
 
 TEST(Win32Keyboard, PressesTheKeysOfTheKeyboard) {
-  const struct {
-    Keys keys;
-    const char* pressed;
-  } cases[] = {
-      {With(Key::Control, Text(U"aA")), "+11 +41 -41 +10 +41 -41 -10 -11 "},
-      {With(Key::Shift, Text(U"A")), "+10 +41 -41 -10 "},
-      {With(Key::Alt, Press(Key::Left)) + Press(Key::Alt), "+12 +25* -25* -12 +12 -12 "},
-      {Text(U"a"), "+e7 -e7 "},
-      {With(Key::Control, Text(U"\u4e2d")), "+11 +e7 -e7 -11 "},
-      {Press(Key::Break) + Press(Key::PrintScreen) + Press(Key::NumLock),
-       "+03* -03* +2c* -2c* +90* -90* "},
-      {Press(Key::F1) + Press(static_cast<Key>(static_cast<int>(Key::F1) + 11)),
-       "+70 -70 +7b -7b "},
-  };
+  const std::pair<const char*, const char*> cases[] = {
+      {"^(aA)", "+11 +41 -41 +10 +41 -41 -10 -11 "},
+      {"+A", "+10 +41 -41 -10 "},
+      {"%{LEFT}%", "+12 +25* -25* -12 +12 -12 "},
+      {"a", "+e7 -e7 "},
+      {"^\u4e2d", "+11 +e7 -e7 -11 "},
+      {"{BREAK}{PRTSC}{NUMLOCK}", "+03* -03* +2c* -2c* +90* -90* "},
+      {"{F1}{F12}", "+70 -70 +7b -7b "}};
   const Handle<HHOOK, UnhookWindowsHookEx> hook(
       SetWindowsHookExW(WH_KEYBOARD_LL, NotePressed, GetModuleHandleW(nullptr), 0));
   ASSERT_TRUE(hook);
-  for (const auto& each : cases) {
+  for (const auto& [keys, expected] : cases) {
     pressed.clear();
     MSG message;  // a thread that has not asked for messages for long is not called
     PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
-    Win32Keyboard().Type(each.keys);
-    EXPECT_EQ(pressed, each.pressed);
+    Type(keys);
+    EXPECT_EQ(pressed, expected) << keys;
   }
 }
 
@@ -174,7 +136,7 @@ TEST(Win32Keyboard, GivesUpOnAWindowThatHangs) {
       THREAD_SUSPEND_RESUME, FALSE, GetWindowThreadProcessId(notepad.Window(), nullptr)));
   ASSERT_EQ(SuspendThread(thread.Get()), 0u);
   const ULONGLONG began = GetTickCount64();
-  Win32Keyboard().Type(With(Key::Control, With(Key::Shift, Press(Key::F16, 1000))));
+  Type("^+{F16 1000}");
   EXPECT_LT(GetTickCount64() - began, 8000u);
   EXPECT_FALSE(AnyModifierDown());
 }
@@ -182,8 +144,7 @@ TEST(Win32Keyboard, GivesUpOnAWindowThatHangs) {
 TEST(Win32Keyboard, LetsGoOfWhatTheUserHolds) {
   const Notepad notepad;
   notepad.Focus();
-  Win32Keyboard keyboard;
-  keyboard.Type(Text(U"abc"));
+  Type("abc");
   ASSERT_TRUE(WaitFor([&] { return TextOf(notepad.Edit()) == L"abc"; }));
   for (const WORD key : {WORD{VK_LSHIFT}, WORD{VK_RCONTROL}, WORD{VK_LMENU}}) {
     INPUT input = {};
@@ -192,7 +153,7 @@ TEST(Win32Keyboard, LetsGoOfWhatTheUserHolds) {
     SendInput(1, &input, sizeof input);
   }
   ASSERT_TRUE(WaitFor(AnyModifierDown));
-  keyboard.Type(Press(Key::Home) + Text(U"X"));
+  Type("{HOME}X");
   EXPECT_FALSE(AnyModifierDown());
   EXPECT_TRUE(WaitFor([&] { return TextOf(notepad.Edit()) == L"Xabc"; }));
 }
