@@ -1,6 +1,8 @@
 // The remote control on a platform of fakes, and a client that types.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 
 #include "remote/Internet.h"
