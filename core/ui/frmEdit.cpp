@@ -119,6 +119,11 @@ frmEdit::frmEdit(forms::FormHost& host, const Services& services)
       services_(services) {
   defaultButton = &cmdSave;
   cancelButton = &cmdCancel;
+  txtMinute.spokenName = "Minute";
+  txtdte[2].spokenName = "Year";
+  cmbRecur.spokenName = "Days";
+  cmbMonth.spokenName = "Months";
+  txtmnthday.spokenName = srlmnthday.spokenName = "Day of the month";
   WireControls();
 }
 
@@ -151,6 +156,9 @@ void frmEdit::Open(bool newTask, std::int16_t slot) {
   } else {
     SetCaption("Edit Task - " + loaded_.name);
   }
+  const bool monthFirst = services_.store.DateOrderMonthFirst != 0;
+  txtdte[0].spokenName = monthFirst ? "Month" : "Day";
+  txtdte[1].spokenName = monthFirst ? "Day" : "Month";
   Fill(loaded_);
   CentreOnScreen();
   Show();

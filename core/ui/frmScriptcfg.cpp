@@ -80,6 +80,8 @@ frmScriptcfg::frmScriptcfg(forms::FormHost& host, const Services& services)
       mnuInetsendfile(mnuInternet, "Send File"),
       services_(services) {
   minimizeButton = true;
+  treTasks.spokenName = "Tasks";
+  txtServer.spokenName = "Server log";
   fraInet.SetVisible(false);
   fraServer.SetVisible(false);
   optInetoff.SetValue(true);

@@ -40,6 +40,9 @@ class Control {
   // The frame around it, or null when it stands on the form itself.
   const Control* Container() const { return container_; }
 
+  // What a screen reader calls it where no label stands before it; to be set before the form loads.
+  std::string spokenName;
+
   // Caption or contents, with '&' before the mnemonic where the kind has one.
   const std::string& Text() const { return text_; }
   void SetText(const std::string& text);

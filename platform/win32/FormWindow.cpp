@@ -114,6 +114,11 @@ void FormWindow::MakeControls() {
   bool afterOption = false;
   const forms::Control* container = nullptr;
   for (forms::Control* control : form_->Controls()) {
+    // A screen reader takes the text before a control for its name, seen or not.
+    if (!control->spokenName.empty()) {
+      CreateWindowExW(0, WC_STATICW, ToWide(control->spokenName).c_str(), WS_CHILD, 0, 0, 0, 0,
+                      window_, nullptr, ThisModule(), nullptr);
+    }
     const bool isOption = control->GetKind() == Kind::OptionButton;
     controls_.push_back(
         MakeControlWindow(*control, window_, static_cast<int>(kFirstControl + controls_.size())));

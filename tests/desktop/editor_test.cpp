@@ -1,6 +1,7 @@
 // The task editor and the about box, by mouse and by keyboard, and a second start of the program.
 #include <windows.h>
 
+#include <oleacc.h>
 #include <tlhelp32.h>
 
 #include <fstream>
@@ -206,6 +207,37 @@ TEST_F(EditorDesktopTest, KeysDoEverything) {
   PressWith(VK_MENU, 'X');
   DWORD code = 1;
   EXPECT_TRUE(program.WaitForEnd(code));
+}
+
+// As the system tells a screen reader.
+std::wstring SpokenName(HWND window) {
+  IAccessible* accessible = nullptr;
+  if (FAILED(CreateStdAccessibleObject(window, DWORD(OBJID_CLIENT), __uuidof(IAccessible),
+                                       reinterpret_cast<void**>(&accessible)))) {
+    return L"";
+  }
+  VARIANT self = {};
+  self.vt = VT_I4;
+  BSTR name = nullptr;
+  accessible->get_accName(self, &name);
+  const std::wstring text = name == nullptr ? L"" : name;
+  SysFreeString(name);
+  accessible->Release();
+  return text;
+}
+
+TEST_F(EditorDesktopTest, EveryBoxHasANameThatCanBeSpoken) {
+  const RunningProgram program;
+  ASSERT_NE(program.MainWindow(), nullptr);
+  const Editor editor = OpenNew(program);
+  ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)));
+  std::vector<std::wstring> names;
+  for (const HWND box : editor.texts) names.push_back(SpokenName(box));
+  CoUninitialize();
+  if (names[5] == L"Day") std::swap(names[5], names[6]);  // as the locale writes dates
+  EXPECT_EQ(names, (std::vector<std::wstring>{L"Name of Task:", L"Program or Shortcut:",
+                                              L"Parameters:", L"At this time:", L"Minute", L"Month",
+                                              L"Day", L"Year", L"Day of the month"}));
 }
 
 TEST_F(EditorDesktopTest, BrowsesForAFile) {

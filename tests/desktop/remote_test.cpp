@@ -110,7 +110,8 @@ class RemoteTest : public DesktopTest {
   static bool Shows(const RunningProgram& program, bool connected) {
     const HWND main = program.MainWindow();
     return WaitFor([&] {
-      const auto texts = RunningProgram::Children(main, L"Static");
+      auto texts = RunningProgram::Children(main, L"Static");
+      std::erase_if(texts, [](HWND text) { return !IsWindowVisible(text); });
       return texts.size() == 5 && TextOf(texts[1]) == (connected ? L"127.0.0.1" : L"0.0.0.0") &&
              TextOf(texts[3]) == (connected ? L"on" : L"off") &&
              TextOf(texts[4]) == (connected ? L"off" : L"on") &&

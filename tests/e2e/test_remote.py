@@ -22,10 +22,11 @@ def free_port():
         return probe.getsockname()[1]
 
 
-class Reader:
-    """What comes out of the descriptor `fd`."""
+class Keyboard:
+    """Keys go into the descriptor `fd` one at a time, and what comes out is read."""
 
     fd = -1
+    enter = b"\r"
     seen = b""
 
     def expect(self, text):
@@ -44,21 +45,27 @@ class Reader:
         came, self.seen = self.seen[:end], self.seen[end:]
         return came
 
+    def line(self, text, then, echo=None):
+        """Types a line and Enter, and waits for a text behind it; returns all that came.
 
-class Terminal(Reader):
-    """A program on a terminal of its own, driven key by key."""
+        Each key is waited for: keys that travel together are no line's end.
+        """
+        came = b""
+        for key in text.encode():
+            os.write(self.fd, bytes([key]))
+            came += self.expect(echo or bytes([key]))
+        os.write(self.fd, self.enter)
+        return came + self.expect(then)
+
+
+class Terminal(Keyboard):
+    """A program on a terminal of its own."""
 
     def __init__(self, *command, **environment):
         self.pid, self.fd = pty.fork()
         if self.pid == 0:
             os.environ.update(environment)
             os.execvp(command[0], command)
-
-    def type(self, text):
-        """Key by key, as slowly as a person: keys that travel together are no line's end."""
-        for key in text:
-            os.write(self.fd, bytes([key]))
-            time.sleep(0.08)
 
     def wait_for_character_mode(self):
         """Until the client has stopped echoing by itself."""
@@ -74,21 +81,15 @@ class Terminal(Reader):
         os.close(self.fd)
 
 
-class Client(Reader):
-    """A telnet client as small as can be: keys one at a time, each waited for."""
+class Client(Keyboard):
+    """A telnet client as small as can be."""
+
+    enter = b"\r\n"
 
     def __init__(self, port):
         self.socket = socket.create_connection(("127.0.0.1", port), timeout=PATIENCE)
         self.socket.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
         self.fd = self.socket.fileno()
-
-    def line(self, text, then):
-        """Types a line and Enter, and waits for a text behind it."""
-        for key in text.encode():
-            self.socket.sendall(bytes([key]))
-            self.expect(bytes([key]))
-        self.socket.sendall(b"\r\n")
-        return self.expect(then)
 
 
 class Remote(HomeTest):
@@ -193,41 +194,25 @@ class Remote(HomeTest):
         self.addCleanup(terminal.close)
         terminal.expect(b"Enter Password: ")
         if character_mode:
-            terminal.type(b"\x1d")
+            os.write(terminal.fd, b"\x1d")
             terminal.expect(b"telnet> ")
-            terminal.type(b"mode character\n")
+            os.write(terminal.fd, b"mode character\n")
         terminal.wait_for_character_mode()
-        terminal.type(b"Secret")
-        terminal.type(b"\r")
-        came = terminal.expect(b"7) Logout\r\n>")
+        came = terminal.line("Secret", MENU_END, echo=b"*")
         self.assertIn(b"******", came)
         self.assertNotIn(b"Secret", came)
         self.assertNotIn(b"\xff", came)
-        terminal.type(b"5\r")
-        came = terminal.expect(b"Press 'q' for Main Menu")
-        self.assertIn(b"night.txt", came)
-        terminal.type(b"q\r")
-        terminal.expect(b"7) Logout\r\n>")
+        self.assertIn(b"night.txt", terminal.line("5", b"Press 'q' for Main Menu"))
+        terminal.line("q", MENU_END)
         # The wizard takes its lines to the letter: no byte of the protocol is in them.
-        terminal.type(b"1\r")
-        terminal.expect(b"Create a new task(y/n)?")
-        terminal.type(b"y\r")
-        terminal.expect(b"Enter Name for New Task: ")
-        terminal.type(b"Clean name\r")
-        terminal.expect(b"(xx:xx)\r\n>")
-        terminal.type(b"10:00\r")
-        terminal.expect(b"One day in every month\r\n>")
-        terminal.type(b"3\r")
-        terminal.expect(b"(1-31)?")
-        terminal.type(b"1\r")
-        terminal.expect(b"7) Play Sound\r\n>")
-        terminal.type(b"5\r")
-        terminal.expect(b"Keep this task(y/n)?")
-        terminal.type(b"y\r")
-        terminal.expect(b"7) Logout\r\n>")
+        for line, then in (("1", b"Create a new task(y/n)?"), ("y", b"Enter Name for New Task: "),
+                           ("Clean name", b"(xx:xx)\r\n>"), ("10:00", b"every month\r\n>"),
+                           ("3", b"(1-31)?"), ("1", b"7) Play Sound\r\n>"),
+                           ("5", b"Keep this task(y/n)?"), ("y", MENU_END)):
+            terminal.line(line, then)
         self.assertEqual(self.orvanto(home, "get", "General", "Task1"), "Clean name\n")
         self.assertEqual(self.orvanto(home, "get", "Clean name", "TimeHour"), "10\n")
-        terminal.type(b"7\r")
+        terminal.line("7", b"")
 
     def test_telnet_in_character_mode(self):
         self.real_client("telnet", "127.0.0.1", character_mode=True)
