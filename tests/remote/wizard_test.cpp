@@ -132,6 +132,7 @@ TEST_F(WizardTest, RejectsAndAsksAgain) {
         {"Fine", kTime},
         {"9:30", no("Invalid Time", kTime)},
         {"09.30", no("Invalid Time", kTime)},
+        {"09:300", no("Invalid Time", kTime)},
         {"24:00", no("Invalid Hour selected for execution time", kTime)},
         {"00:60", no("Invalid Minute selected for execution time", kTime)},
         {"ab:cd", no("Invalid Time", kTime)},
@@ -218,6 +219,44 @@ TEST_F(WizardTest, AnEditChangesWhatItIsToldTo) {
   EXPECT_EQ(store.CurrentTask.path, "New text");
   EXPECT_EQ(store.CurrentTask.group, "G");
   EXPECT_EQ(store.NoTasks(), 1);
+}
+
+TEST_F(WizardTest, AnEditTellsOfEveryKindOfDay) {
+  Add("Date", "08:05", [](TaskEntry& entry) {
+    entry.timeType = kTimeOnce;
+    entry.datePart1 = "31";
+    entry.datePart2 = "12";
+    entry.year = "2026";
+  });
+  Add("Number", "08:05", [](TaskEntry& entry) {
+    entry.timeType = kTimeDayNumber;
+    entry.dayNo = 7;
+  });
+  const std::pair<const char*, const char*> tasks[] = {{"1", "Occurs only on this day: 31-12-2026"},
+                                                       {"2", "Occurs this day in every Month: 7"}};
+  for (const auto& [slot, text] : tasks) {
+    Line("4");
+    EXPECT_NE(Lines({slot, "n", "n"}).find("\r\n\r\n" + std::string(text) + "\r\n\r\n"),
+              std::string::npos)
+        << text;
+    EXPECT_EQ(Line("q"), kMenu);
+  }
+}
+
+TEST_F(WizardTest, AMessageWithoutEndIsCutAndAFullListStaysAsItIs) {
+  Line("1");
+  Lines({"y", "Long", "00:00", "3", "1", "6"});
+  const std::string chunk(16384, 'x');
+  for (int i = 0; i < 10; ++i) socket.PeerSends(chunk);
+  Lines({"", "y"});
+  store.LoadTask(1);
+  EXPECT_EQ(store.CurrentTask.path.size(), 64U << 10);
+
+  Line("1");
+  Lines({"y", "Too many", "00:00", "3", "1", "5"});
+  for (int i = 2; i <= kMaxTasks; ++i) AddMessages({"Task " + std::to_string(i)});
+  EXPECT_EQ(Line("y"), kStep + TaskStore::kListFull + "\r\n" + kMenu);
+  EXPECT_EQ(store.NoTasks(), kMaxTasks);
 }
 
 TEST_F(WizardTest, SlotsThatNeverWereAndListsThatChangeLoseNoTask) {
