@@ -4,47 +4,22 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
-#include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "platform/Clipboard.h"
 #include "platform/Desktop.h"
 #include "platform/FileDialogs.h"
-#include "platform/Files.h"
 #include "platform/Keyboard.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Session.h"
 #include "platform/Shell.h"
 #include "platform/Sound.h"
 #include "platform/TrayIcon.h"
+#include "tests/support/FakeFiles.h"
 
 namespace orvanto {
-
-using Texts = std::vector<std::string>;
-
-// A file system in memory.
-class FakeFiles : public Files {
- public:
-  bool Exists(const std::string& path) const override;
-  void ListFolder(const std::string& folder, const EachEntry& each) override;
-  bool Read(const std::string& path, std::string& text) override;
-  std::string FromCodePage(const std::string& bytes) const override;  // takes it for Latin-1
-  std::string Copy(const std::string& from, const std::string& to) override;
-  std::string Remove(const std::string& path) override;
-  bool Append(const std::string& path, const std::string& bytes) override;
-
-  std::map<std::string, std::string> contents;  // by path
-  // The entries of a folder ("C:\\x\\") in the order in which they are listed, folders with a
-  // backslash at their end. They need not be in `contents`.
-  std::map<std::string, Texts> listings;
-  std::set<std::string> locked;  // can be neither removed nor copied
-
- private:
-  std::map<std::string, std::string>::const_iterator Find(const std::string& path) const;
-};
 
 // Shows nothing: answers from the list of what the test expects. A box that was not expected fails
 // the test and takes the safe answer.

@@ -1,0 +1,35 @@
+// A file system in memory.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/Files.h"
+
+namespace orvanto {
+
+using Texts = std::vector<std::string>;
+
+class FakeFiles : public Files {
+ public:
+  bool Exists(const std::string& path) const override;
+  void ListFolder(const std::string& folder, const EachEntry& each) override;
+  bool Read(const std::string& path, std::string& text) override;
+  std::string FromCodePage(const std::string& bytes) const override;  // takes it for Latin-1
+  std::string Copy(const std::string& from, const std::string& to) override;
+  std::string Remove(const std::string& path) override;
+  bool Append(const std::string& path, const std::string& bytes) override;
+
+  std::map<std::string, std::string> contents;  // by path
+  // The entries of a folder ("C:\\x\\") in the order in which they are listed, folders with a
+  // backslash at their end. They need not be in `contents`.
+  std::map<std::string, Texts> listings;
+  std::set<std::string> locked;  // can be neither removed nor copied
+
+ private:
+  std::map<std::string, std::string>::const_iterator Find(const std::string& path) const;
+};
+
+}  // namespace orvanto
