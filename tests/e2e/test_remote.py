@@ -185,8 +185,8 @@ class Remote(HomeTest):
         self.assertEqual(self.orvanto(home, "list"), "")
 
     def real_client(self, *command, character_mode=False):
-        """Logs in with a password, looks at the scripts, and logs out."""
-        home = self.serve(Inet_Passwd_Required="1", Inet_Passwd="Secret")
+        """Does with a client all that one can do."""
+        home = self.serve(Inet_Passwd_Required="1", Inet_Passwd="Secret", Inet_Chat_Auto="1")
         (home / "scripts" / "night.txt").write_text("*(nothing)\n")
         self.start(home)
         self.wait_until_listening()
@@ -208,10 +208,25 @@ class Remote(HomeTest):
         for line, then in (("1", b"Create a new task(y/n)?"), ("y", b"Enter Name for New Task: "),
                            ("Clean name", b"(xx:xx)\r\n>"), ("10:00", b"every month\r\n>"),
                            ("3", b"(1-31)?"), ("1", b"7) Play Sound\r\n>"),
-                           ("5", b"Keep this task(y/n)?"), ("y", MENU_END)):
+                           ("1", b"path)\r\n\r\n>"), ("night.txt", b"Keep this task(y/n)?"),
+                           ("y", MENU_END)):
             terminal.line(line, then)
         self.assertEqual(self.orvanto(home, "get", "General", "Task1"), "Clean name\n")
         self.assertEqual(self.orvanto(home, "get", "Clean name", "TimeHour"), "10\n")
+        changed = b"Do you want this option changed(y/n)?"
+        terminal.line("3", b"to run?")
+        self.assertIn(b"\r\nStarted Task: Clean name\r\n", terminal.line("1", MENU_END))
+        for line, then in (("4", b"to edit?"), ("1", changed), ("n", changed),
+                           ("y", b"(xx:xx)\r\n>"), ("11:30", changed), ("n", changed),
+                           ("n", b"Keep these changes(y/n)?"), ("y", MENU_END)):
+            terminal.line(line, then)
+        self.assertEqual(self.orvanto(home, "get", "Clean name", "TimeHour"), "11\n")
+        terminal.line("2", b"to delete?")
+        self.assertIn(b"\r\nDeleted Task: Clean name\r\n", terminal.line("1", MENU_END))
+        self.assertEqual(self.orvanto(home, "get", "General", "NoTasks"), "0\n")
+        terminal.line("6", b"Enter to Quit...\r\n\r\n")
+        self.assertIn(b"\r\nClient: hello", terminal.line("hello", b"\r\n"))
+        self.assertIn(b"\r\nChat Ended by Client\r\n\r\n", terminal.line("/", MENU_END))
         terminal.line("7", b"")
 
     def test_telnet_in_character_mode(self):
