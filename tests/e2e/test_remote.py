@@ -249,8 +249,8 @@ class Remote(HomeTest):
         host.expect(b"A chat with the remote client has begun")
         client.socket.sendall(b"h")
         client.expect(b"\r\nClient: h")
-        client.line("i", b"\r\n")
-        host.expect(b"Client: hi")
+        client.line("i\x1b[2J", b"\r\n")
+        host.expect(b"Client: hi?[2J")  # nothing that a terminal would obey
         os.write(host.fd, b"hello there\n")
         client.expect(b"\r\nServer: hello there\r\n")
         os.write(host.fd, b"/\n")
