@@ -59,6 +59,15 @@ TEST_F(SchedulerTest, DueTasksRunOnceInSlotOrderAtSecondZero) {
   EXPECT_EQ(captions.size(), 90U);
 }
 
+TEST_F(SchedulerTest, ATickThatLastsIntoTheNextMinuteRunsItsTasksAndTheNextTickDoesNot) {
+  AddSilent("First", "14:05");
+  scheduler.onSecond = [this] {
+    if (clock.Now().second == 59) loop.Block(kSecond + kSecond / 2);
+  };
+  Run(40 * kSecond);
+  EXPECT_EQ(fired, (Texts{"First 21 14:05"}));
+}
+
 TEST_F(SchedulerTest, AWeekOfLateTimersSkipsNoMinuteAndRepeatsNone) {
   struct Rule {
     const char* time;
