@@ -64,6 +64,10 @@ TEST(PosixClock, TellsLocalTimeAndTheShortDate) {
   EXPECT_EQ(PosixClock("no such locale").ShortDate(2026, 1, 2), "01/02/26");
 }
 
+TEST(PosixFiles, TakesBytesForWindows1252) {
+  EXPECT_EQ(PosixFiles().FromCodePage("a\xe4\x80\x9f"), "a\u00e4\u20ac\u0178");
+}
+
 TEST(PosixFiles, LooksNamesUpWithoutRegardToCase) {
   const TemporaryDirectory directory;
   fs::create_directories(directory / "Dir/Sub");
