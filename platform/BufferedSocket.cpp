@@ -33,7 +33,7 @@ void BufferedSocket::Send(std::string_view bytes) {
   if (WantsToSend()) {
     completing_ = true;
     WantsChanged();
-  } else if (!std::exchange(completing_, true)) {
+  } else if (onSendComplete && !std::exchange(completing_, true)) {
     Later(&BufferedSocket::SendCompleted);
   }
 }

@@ -66,7 +66,8 @@ class TcpSocket {
   std::function<void(RequestId request)> onConnectionRequest;
   std::function<void()> onConnected;
   std::function<void()> onDataArrival;
-  std::function<void()> onSendComplete;  // the system has taken everything that was sent
+  // The system has taken everything that was sent since this was set.
+  std::function<void()> onSendComplete;
   // The peer has closed. The socket is closed already, and what had arrived has been announced.
   std::function<void()> onClosed;
   // The connection has failed or could not be made. The socket is closed already.

@@ -1,11 +1,14 @@
 #include "platform/posix/PosixLoop.h"
 
 #include <sys/signalfd.h>
+#include <sys/timerfd.h>
 
 #include <algorithm>
 #include <cassert>
+#include <cerrno>
 #include <cstdio>
 #include <exception>
+#include <system_error>
 #include <utility>
 
 namespace orvanto::posix {
@@ -80,7 +83,9 @@ class PosixLoop::PosixWatch : public Watch {
   const std::shared_ptr<WatchEntry> entry_;
 };
 
-PosixLoop::PosixLoop() = default;
+PosixLoop::PosixLoop() : alarm_(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)) {
+  if (!alarm_) throw std::system_error(errno, std::generic_category(), "timerfd_create");
+}
 
 PosixLoop::~PosixLoop() {
   // Work that was never run may own timers and watches, and what it owns may post.
@@ -164,33 +169,35 @@ std::shared_ptr<PosixLoop::TimerEntry> PosixLoop::Earliest() const {
   return earliest != nullptr ? *earliest : nullptr;
 }
 
+// The alarm rings when the next timer is due. Set only when that changes, it costs a busy loop less
+// than a limit to each wait, and it is on time where such a limit is let pass by a thousandth.
+void PosixLoop::SetAlarm() {
+  const auto earliest = Earliest();
+  const auto due = earliest ? earliest->due : Clock::time_point();
+  if (due == alarmAt_) return;
+  alarmAt_ = due;
+  const std::chrono::nanoseconds at = due.time_since_epoch();
+  itimerspec times{};  // zero: silent
+  times.it_value.tv_sec = static_cast<time_t>(at.count() / 1'000'000'000);
+  times.it_value.tv_nsec = static_cast<long>(at.count() % 1'000'000'000);
+  ::timerfd_settime(alarm_.Get(), TFD_TIMER_ABSTIME, &times, nullptr);
+}
+
 // Waits, when asked to, for a descriptor or until a timer is due; calls the ready descriptors.
 void PosixLoop::Poll(bool wait) {
-  timespec timeout{};
-  const timespec* limit = &timeout;
-  if (wait) {
-    const auto earliest = Earliest();
-    if (!earliest) {
-      limit = nullptr;
-    } else {
-      std::chrono::nanoseconds left =
-          std::max(earliest->due - Clock::now(), Clock::duration::zero());
-      // The system may end the wait late by a thousandth of it, which it mostly does. When it is on
-      // time the next round waits for the rest.
-      left -= left / 1001;
-      timeout.tv_sec = static_cast<time_t>(left.count() / 1'000'000'000);
-      timeout.tv_nsec = static_cast<long>(left.count() % 1'000'000'000);
-    }
-  }
   polled_.clear();
   for (const auto& watch : watches_) {
     polled_.push_back({watch->events != 0 ? watch->fd : -1, watch->events, 0});
   }
-  if (::ppoll(polled_.data(), polled_.size(), limit, nullptr) <= 0) return;
+  if (wait) {
+    SetAlarm();
+    polled_.push_back({alarm_.Get(), POLLIN, 0});
+  }
+  if (::poll(polled_.data(), polled_.size(), wait ? -1 : 0) <= 0) return;
 
   // Handlers may end watches, begin others and re-enter, so the ready ones are noted first.
-  std::vector<std::pair<std::shared_ptr<WatchEntry>, short>> ready;
-  for (std::size_t i = 0; i < polled_.size(); ++i) {
+  auto ready = std::exchange(ready_, {});
+  for (std::size_t i = 0; i < watches_.size(); ++i) {
     if (polled_[i].revents != 0) ready.emplace_back(watches_[i], polled_[i].revents);
   }
   for (const auto& [watch, events] : ready) {
@@ -198,6 +205,8 @@ void PosixLoop::Poll(bool wait) {
         static_cast<short>(events & (watch->events | POLLERR | POLLHUP | POLLNVAL));
     if (watch->fd >= 0 && watch->events != 0 && wanted != 0) Guarded(watch->handler, wanted);
   }
+  ready.clear();
+  ready_ = std::move(ready);
 }
 
 void PosixLoop::RunDueTimers() {

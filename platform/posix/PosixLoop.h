@@ -1,4 +1,4 @@
-// The event loop of a POSIX host, on ppoll.
+// The event loop of a POSIX host, on poll and a timer descriptor.
 #pragma once
 
 #include <poll.h>
@@ -30,6 +30,7 @@ class PosixLoop : public EventLoop {
     virtual void SetEvents(short events) = 0;
   };
 
+  // Throws std::system_error where the system has no descriptor left.
   PosixLoop();
   ~PosixLoop() override;
   PosixLoop(const PosixLoop&) = delete;
@@ -68,6 +69,7 @@ class PosixLoop : public EventLoop {
   class PosixWatch;
 
   void Round();
+  void SetAlarm();
   void Poll(bool wait);
   void RunDueTimers();
   void RunPosted();
@@ -75,8 +77,11 @@ class PosixLoop : public EventLoop {
 
   std::vector<std::shared_ptr<TimerEntry>> timers_;
   std::vector<std::shared_ptr<WatchEntry>> watches_;
-  std::vector<pollfd> polled_;  // kept for its memory
+  std::vector<pollfd> polled_;                                        // kept for its memory
+  std::vector<std::pair<std::shared_ptr<WatchEntry>, short>> ready_;  // empty; for its memory
   std::deque<std::function<void()>> posted_;
+  const Descriptor alarm_;
+  Clock::time_point alarmAt_;   // zero: it is not set
   Clock::time_point lastLook_;  // of DoEvents at the descriptors
   int holds_ = 0;
   bool quit_ = false;
