@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""CPU time and memory of the idle scheduler with 100 tasks, beside cron with 100 entries.
+"""CPU time and memory of the idle scheduler with 100 tasks, beside cron with 100 entries and a program
+that only wakes once a second.
 
-Both run at the same time for whole minutes, after one minute to settle; nothing is due. CPU time is
+All run at the same time for whole minutes, after one minute to settle; nothing is due. CPU time is
 the kernel's count of nanoseconds on a processor. cron gets its entries in a mount namespace of its
 own, so that the system's are not touched (needs root).
 Usage: bench/idle.py PROGRAM [MINUTES]
@@ -57,7 +58,8 @@ def main():
     minutes = int(sys.argv[2]) if len(sys.argv) > 2 else 5
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
-        processes = {"orvanto": start_orvanto(program, folder), "cron": start_cron(folder)}
+        processes = {"orvanto": start_orvanto(program, folder), "cron": start_cron(folder),
+                     "empty": subprocess.Popen([program.parent / "empty_second"])}
         try:
             time.sleep(60)
             before = {who: (cpu_ns(p.pid), wakeups(p.pid)) for who, p in processes.items()}
