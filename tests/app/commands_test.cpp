@@ -76,6 +76,16 @@ TEST_F(CommandsTest, AddsATaskOfEveryKind) {
   EXPECT_EQ(program.Store().CurrentTask.winStyle, 6);
 }
 
+TEST_F(CommandsTest, TakesADateInTheSystemsOrderAndWithTheYearFirst) {
+  program.Store().DateOrderMonthFirst = 1;
+  for (const char* date : {"12/25/2026", "2026-12-25"}) {
+    EXPECT_EQ(Run({"add", date, "--reset", "--at", "12:00", "--once", date}), 0) << err.str();
+    program.Store().LoadTask(program.Store().NoTasks());
+    const TaskRecord& task = program.Store().CurrentTask;
+    EXPECT_EQ(task.dateDay + "." + task.dateMonth + "." + task.dateYear, "25.12.2026") << date;
+  }
+}
+
 TEST_F(CommandsTest, RefusesWhatIsInvalidAndStoresNothing) {
   const std::string inUse = "That Task Name is already in use. Please use a different one.";
   const std::string hour = "Invlaid Hour given for Time";
