@@ -1,7 +1,6 @@
 #include "core/Sched.h"
 
 #include <algorithm>
-#include <array>
 #include <vector>
 
 #include "core/Convert.h"
@@ -124,12 +123,18 @@ std::string DetectDateOrder(const Clock& clock) {
   return pattern;
 }
 
-std::string Sched::DescribeTask(std::int16_t index) {
+std::size_t Sched::Slot(std::int16_t index) {
   if (index < 1 || index > kMaxTasks) {
     throw Error(kSubscriptOutOfRange, "Subscript out of range");
   }
+  return static_cast<std::size_t>(index - 1);
+}
+
+std::string Sched::DescribeTask(std::int16_t index) {
+  const std::size_t slot = Slot(index);
   store_.LoadTask(index);
   const TaskRecord& task = store_.CurrentTask;
+  described_[slot] = {task.timeHour, task.timeMinute};
   const auto* type = At(kTypes, task.taskType);
   if (type == nullptr) return "";
   return task.name + type->separator + task.timeHour + ":" + task.timeMinute + " on " +

@@ -2,6 +2,7 @@
 // the system's date order, and the rule that decides whether a task is due.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 
@@ -41,6 +42,13 @@ class Sched {
   // Throws Error 9 for a slot outside 1 to 100.
   std::string DescribeTask(std::int16_t index);
 
+  // The hour and minute of a slot as DescribeTask last saw them.
+  struct DescribedTime {
+    std::string hour;
+    std::string minute;
+  };
+  const DescribedTime& TimeOfSlot(std::int16_t index) const { return described_.at(Slot(index)); }
+
   // Set to 1 by MatchRecurrence when the rule holds; never cleared by it.
   int RecurrenceMatched = 0;
   void MatchRecurrence(int every, int in, const DateTime& now);
@@ -49,8 +57,11 @@ class Sched {
   bool IsDue(const TaskRecord& task);
 
  private:
+  static std::size_t Slot(std::int16_t index);
+
   TaskStore& store_;
   const Clock& clock_;
+  std::array<DescribedTime, kMaxTasks> described_;
 };
 
 }  // namespace orvanto

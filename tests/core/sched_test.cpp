@@ -51,6 +51,7 @@ TEST(Sched, DescribesTasks) {
   for (std::int16_t slot = 1; slot <= 5; ++slot) {
     EXPECT_EQ(desk.sched.DescribeTask(slot), lines[slot - 1]);
   }
+  EXPECT_EQ(desk.sched.TimeOfSlot(2).hour + desk.sched.TimeOfSlot(2).minute, "0905");
   desk.store.DateOrderMonthFirst = 1;
   EXPECT_EQ(desk.sched.DescribeTask(1), "Xmas | Popup Message | 08:05 on 12-25-2001");
   EXPECT_EQ(desk.sched.DescribeTask(100), " | Run | 14:11 on ");
