@@ -7,6 +7,8 @@
 #include "platform/win32/Text.h"
 #include "tests/desktop/DesktopTest.h"
 
+#include <shellapi.h>
+
 namespace orvanto::desktop {
 namespace {
 
@@ -56,6 +58,24 @@ TEST_F(DesktopTest, GoesToTheTrayAndComesBackOnADoubleClick) {
   EXPECT_FALSE(WaitFor([&] { return IsWindowVisible(main) != 0; }, std::chrono::milliseconds(300)));
   PostMessageW(owner, kTrayCallback, 1, WM_LBUTTONDBLCLK);
   EXPECT_TRUE(WaitFor([&] { return IsWindowVisible(main) != 0; }));
+  Exit(program);
+}
+
+TEST_F(DesktopTest, ComesBackToATaskBarThatStartedAnew) {
+  const RunningProgram program;
+  program.Press(L"&System Tray");
+  NOTIFYICONDATAW icon = {};
+  icon.cbSize = sizeof icon;
+  icon.hWnd = program.TrayOwner();
+  icon.uID = 1;
+  const auto isThere = [&] { return Shell_NotifyIconW(NIM_MODIFY, &icon) != 0; };
+  ASSERT_TRUE(WaitFor(isThere));
+  ASSERT_TRUE(Shell_NotifyIconW(NIM_DELETE, &icon)) << "the icons go with the old task bar";
+  ASSERT_FALSE(isThere());
+  PostMessageW(icon.hWnd, RegisterWindowMessageW(L"TaskbarCreated"), 0, 0);
+  EXPECT_TRUE(WaitFor(isThere));
+  PostMessageW(icon.hWnd, kTrayCallback, 1, WM_LBUTTONDBLCLK);
+  ASSERT_TRUE(WaitFor([&] { return IsWindowVisible(program.MainWindow()) != 0; }));
   Exit(program);
 }
 
