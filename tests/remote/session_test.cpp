@@ -161,6 +161,14 @@ TEST_F(SessionTest, TasksAreDeletedAndRun) {
                             }}};
   Line("3");
   EXPECT_EQ(Line("1"), kMenu);
+  // Switched off and on again meanwhile, nobody is there to be told.
+  messageBoxes.expected = {{"One", Answer::Ok, [&] {
+                              server.ServerOff();
+                              server.ServerOn();
+                            }}};
+  Line("3");
+  EXPECT_EQ(Line("1"), "");
+  EXPECT_EQ(area.log, "Waiting for Connection...");
 }
 
 TEST_F(SessionTest, ChatStartedHere) {
