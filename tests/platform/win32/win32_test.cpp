@@ -123,5 +123,18 @@ TEST(Win32Form, EnterBelongsToTheLineThatTakesIt) {
   EXPECT_FALSE(form.Loaded());
 }
 
+// A client of the remote control may type a NUL in a chat.
+TEST(Win32Form, ATextIsShownWhole) {
+  Win32Loop loop;
+  Win32FormHost host(loop);
+  struct : forms::Form {
+    using Form::Form;
+    forms::TextBox box{*this, nullptr, {.multiLine = true, .readOnly = true}, {0, 0, 900, 900}};
+  } form{host, "Text", {3000, 1800}};
+  form.Load();
+  form.box.SetText(std::string("a\0\u00e4", 4));
+  EXPECT_EQ(WindowText(FindWindowExW(host.MainWindow(), nullptr, WC_EDITW, nullptr)), "a \u00e4");
+}
+
 }  // namespace
 }  // namespace orvanto::win32
