@@ -196,10 +196,12 @@ void FormWindow::Rescale() {
   font_ = std::move(font);
   for (const auto& [size, kind] : {std::pair{SM_CXICON, ICON_BIG}, {SM_CXSMICON, ICON_SMALL}}) {
     const int side = GetSystemMetricsForDpi(size, dpi_);
-    // Shared: the system keeps one of each size and frees it at the end.
-    const HANDLE icon =
-        LoadImageW(ThisModule(), MAKEINTRESOURCEW(1), IMAGE_ICON, side, side, LR_SHARED);
-    SendMessageW(window_, WM_SETICON, static_cast<WPARAM>(kind), reinterpret_cast<LPARAM>(icon));
+    // Not shared: of those the system gives the first that was loaded, whatever its size.
+    Icon icon(static_cast<HICON>(
+        LoadImageW(ThisModule(), MAKEINTRESOURCEW(1), IMAGE_ICON, side, side, LR_DEFAULTCOLOR)));
+    SendMessageW(window_, WM_SETICON, static_cast<WPARAM>(kind),
+                 reinterpret_cast<LPARAM>(icon.Get()));
+    icons_[kind] = std::move(icon);
   }
   InvalidateRect(window_, nullptr, TRUE);
 }
