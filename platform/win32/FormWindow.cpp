@@ -260,8 +260,10 @@ void FormWindow::ControlChanged(const forms::Control& control, Property property
 void FormWindow::MoveToPosition() const {
   RECT area = {};
   SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
-  SetWindowPos(window_, nullptr, area.left + ToPixels(form_->Left(), dpi_),
-               area.top + ToPixels(form_->Top(), dpi_), 0, 0,
+  // The window may be on another screen yet, where the program was started from.
+  const UINT dpi = MainScreenDpi();
+  SetWindowPos(window_, nullptr, area.left + ToPixels(form_->Left(), dpi),
+               area.top + ToPixels(form_->Top(), dpi), 0, 0,
                SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
