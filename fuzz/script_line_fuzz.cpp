@@ -67,7 +67,7 @@ class OneFile : public Files {
  public:
   bool Exists(const std::string& path) const override { return path == "c:\\f"; }
   void ListFolder(const std::string& folder, const EachEntry& each) override {
-    if (folder == "c:\\" && each("d", true)) each("f", false);
+    if (folder == "c:\\" && each("d", EntryKind::Folder)) each("f", EntryKind::File);
   }
   bool Read(const std::string& path, std::string& contents) override {
     contents = script;

@@ -17,9 +17,11 @@ class Files {
 
   // Calls `each` for every entry of the folder but "." and "..", in the system's own order and
   // without a look at the entries themselves, until it returns false. A link to a folder is a
-  // folder where the system says so in the listing. `each` may change the folder and run other
-  // events. Nothing happens for a folder that is not there or cannot be read.
-  using EachEntry = std::function<bool(const std::string& name, bool isFolder)>;
+  // folder where the system says so in the listing; a file that it keeps from the eyes of its users
+  // is Hidden. `each` may change the folder and run other events. Nothing happens for a folder that
+  // is not there or cannot be read.
+  enum class EntryKind { File, Hidden, Folder };
+  using EachEntry = std::function<bool(const std::string& name, EntryKind kind)>;
   virtual void ListFolder(const std::string& folder, const EachEntry& each) = 0;
 
   // The whole file; false when it cannot be read.

@@ -45,6 +45,7 @@ void TelnetServer::ServerOn() {
 }
 
 void TelnetServer::ServerOff() {
+  ++connection_;
   sck_->Close();
   services_.chat.Unload();
   if (onSwitched) onSwitched(false);

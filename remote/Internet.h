@@ -60,10 +60,7 @@ class TelnetServer : public Conversation {
 
   // Conversation
   void Send(const std::string& text) override;
-  void Log(const std::string& message) override;
-  void SetState(SessionState state) override { state_ = state; }
   void ShowMainMenu() override;
-  void Disconnect() override;
   void MenuItem(int count, int number, const std::string& text, const std::string& title) override;
 
  private:
@@ -72,6 +69,7 @@ class TelnetServer : public Conversation {
 
   void StartListening();
   void ListenIfIdle();
+  void Disconnect();
   void OnConnectionRequest(TcpSocket::RequestId request);
   void OnDataArrival();
   void OnChunk(const std::string& chunk);
@@ -91,6 +89,7 @@ class TelnetServer : public Conversation {
   void LocalChatLine(const std::string& line);
   void EndChatLocally();
   void SendAll(std::initializer_list<const char*> pieces);
+  void Log(const std::string& message);
 
   Services services_;
   const RemoteSettings& remote_;

@@ -140,8 +140,8 @@ void TelnetServer::SendScriptsList() {
   bool shown = true;
   bool first = true;
   services_.files.ListFolder(services_.store.AppDir + "scripts\\",
-                             [&](const std::string& name, bool isFolder) {
-                               if (isFolder || name[0] == '.') return true;
+                             [&](const std::string& name, Files::EntryKind kind) {
+                               if (kind != Files::EntryKind::File) return true;
                                if (shown) {
                                  if (!first) Send(kCrLf);
                                  first = false;

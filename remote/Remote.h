@@ -18,15 +18,12 @@ enum class SessionState {
   Chat,
 };
 
-// The conversation with the one client, as the menu, the wizard and the chat see it.
+// The conversation with the one client, as the wizard sees it.
 class Conversation {
  public:
   virtual ~Conversation() = default;
   virtual void Send(const std::string& text) = 0;
-  virtual void Log(const std::string& message) = 0;
-  virtual void SetState(SessionState state) = 0;
   virtual void ShowMainMenu() = 0;
-  virtual void Disconnect() = 0;
 
   // Sends nothing for a count of 0 or a number above it. Item 1 brings the title with it, the last
   // item the prompt.

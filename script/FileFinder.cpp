@@ -22,10 +22,10 @@ void FolderSearch::SearchOneFolder(const std::string& givenFolder, const std::st
   const bool ended = !givenFolder.empty() && givenFolder.back() == '\\';
   const std::string folder = ended ? givenFolder : givenFolder + "\\";
   const std::string wanted = RegistryTree::Fold(fileName);
-  files_.ListFolder(folder, [&](const std::string& name, bool isFolder) {
+  files_.ListFolder(folder, [&](const std::string& name, Files::EntryKind kind) {
     loop_.DoEvents();
     if (loop_.QuitRequested()) return false;
-    if (isFolder) {
+    if (kind == Files::EntryKind::Folder) {
       lstDirs_.push_back(folder + name + "\\");
       return true;
     }

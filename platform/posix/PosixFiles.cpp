@@ -38,7 +38,10 @@ void PosixFiles::ListFolder(const std::string& folder, const EachEntry& each) {
           ::fstatat(::dirfd(directory.get()), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
           S_ISDIR(status.st_mode);
     }
-    if (!each(name, isFolder)) return;
+    const EntryKind kind = isFolder         ? EntryKind::Folder
+                           : name[0] == '.' ? EntryKind::Hidden
+                                            : EntryKind::File;
+    if (!each(name, kind)) return;
   }
 }
 

@@ -1,5 +1,6 @@
 #include "platform/win32/ControlWindow.h"
 
+#include <algorithm>
 #include <string>
 
 #include "platform/win32/HiddenWindow.h"
@@ -36,7 +37,9 @@ void ControlWindow::Place(const RECT& place) {
 
 void ControlWindow::SetWindowTextIfOther(const std::string& text) const {
   if (WindowText(window_) == text) return;
-  SetWindowTextW(window_, ToWide(text).c_str());
+  std::wstring shown = ToWide(text);
+  std::replace(shown.begin(), shown.end(), L'\0', L' ');  // or it would end there
+  SetWindowTextW(window_, shown.c_str());
   // A frame paints its caption into a gap of its line, whose width belongs to the text before.
   if (control_.GetKind() == forms::Kind::Frame) {
     RECT place;

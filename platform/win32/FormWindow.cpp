@@ -196,10 +196,12 @@ void FormWindow::Rescale() {
   font_ = std::move(font);
   for (const auto& [size, kind] : {std::pair{SM_CXICON, ICON_BIG}, {SM_CXSMICON, ICON_SMALL}}) {
     const int side = GetSystemMetricsForDpi(size, dpi_);
-    // Shared: the system keeps one of each size and frees it at the end.
-    const HANDLE icon =
-        LoadImageW(ThisModule(), MAKEINTRESOURCEW(1), IMAGE_ICON, side, side, LR_SHARED);
-    SendMessageW(window_, WM_SETICON, static_cast<WPARAM>(kind), reinterpret_cast<LPARAM>(icon));
+    // Not shared: of those the system gives the first that was loaded, whatever its size.
+    Icon icon(static_cast<HICON>(
+        LoadImageW(ThisModule(), MAKEINTRESOURCEW(1), IMAGE_ICON, side, side, LR_DEFAULTCOLOR)));
+    SendMessageW(window_, WM_SETICON, static_cast<WPARAM>(kind),
+                 reinterpret_cast<LPARAM>(icon.Get()));
+    icons_[kind] = std::move(icon);
   }
   InvalidateRect(window_, nullptr, TRUE);
 }
@@ -258,8 +260,10 @@ void FormWindow::ControlChanged(const forms::Control& control, Property property
 void FormWindow::MoveToPosition() const {
   RECT area = {};
   SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
-  SetWindowPos(window_, nullptr, area.left + ToPixels(form_->Left(), dpi_),
-               area.top + ToPixels(form_->Top(), dpi_), 0, 0,
+  // The window may be on another screen yet, where the program was started from.
+  const UINT dpi = MainScreenDpi();
+  SetWindowPos(window_, nullptr, area.left + ToPixels(form_->Left(), dpi),
+               area.top + ToPixels(form_->Top(), dpi), 0, 0,
                SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 

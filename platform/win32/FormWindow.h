@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -32,6 +33,8 @@ class FormWindow {
   void Detach();
 
  private:
+  using Icon = Handle<HICON, DestroyIcon>;
+
   struct MenuPlace {
     forms::MenuItem* item;
     HMENU menu;
@@ -64,6 +67,7 @@ class FormWindow {
   HWND window_ = nullptr;
   UINT dpi_ = USER_DEFAULT_SCREEN_DPI;
   Handle<HFONT, DeleteObject> font_;
+  std::array<Icon, 2> icons_;  // ICON_SMALL and ICON_BIG
   std::vector<std::unique_ptr<ControlWindow>> controls_;
   std::vector<MenuPlace> menuItems_;
   HWND lastFocus_ = nullptr;

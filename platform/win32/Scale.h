@@ -17,6 +17,9 @@ inline int ToTwips(int pixels, UINT dpi) {
   return MulDiv(pixels, kTwipsPerInch, static_cast<int>(dpi));
 }
 
+// Of the main screen, which the forms' positions are meant for.
+UINT MainScreenDpi();
+
 // The outer size in pixels of a form's window.
 SIZE OuterSize(const forms::Form& form, UINT dpi);
 

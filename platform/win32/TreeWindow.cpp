@@ -127,6 +127,12 @@ std::optional<TreeView::NodeId> TreeWindow::NodeOf(LPARAM data) const {
   return node;
 }
 
+bool TreeWindow::IsAboveSelection(TreeView::NodeId node) const {
+  auto each = tree_.Selected();
+  while (each && each != node) each = tree_.Nodes()[*each].parent;
+  return each && each != tree_.Selected();
+}
+
 LRESULT TreeWindow::OnNotify(const NMHDR& header, bool person) {
   const auto& change = reinterpret_cast<const NMTREEVIEWW&>(header);
   // The window selects a node by itself when it gets the focus: nobody has chosen that one.
@@ -150,6 +156,14 @@ LRESULT TreeWindow::OnNotify(const NMHDR& header, bool person) {
       }
       break;
     }
+    case TVN_ITEMEXPANDINGW:
+      // Who closes a node over the selected one selects it. The window does so on its own, but not
+      // every system tells.
+      if (const auto node = NodeOf(change.itemNew.lParam);
+          node && change.action == TVE_COLLAPSE && IsAboveSelection(*node)) {
+        tree_.ClickNode(*node);
+      }
+      break;
     case TVN_ITEMEXPANDEDW:
       if (const auto node = NodeOf(change.itemNew.lParam)) {
         tree_.SetExpanded(*node, change.action == TVE_EXPAND);

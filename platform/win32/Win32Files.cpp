@@ -40,6 +40,12 @@ std::string Reason() {
   return reason.empty() ? "error " + std::to_string(code) : reason;
 }
 
+Files::EntryKind KindOf(DWORD attributes) {
+  if (attributes & FILE_ATTRIBUTE_DIRECTORY) return Files::EntryKind::Folder;
+  return attributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM) ? Files::EntryKind::Hidden
+                                                                      : Files::EntryKind::File;
+}
+
 }  // namespace
 
 bool Win32Files::Exists(const std::string& path) const {
@@ -58,7 +64,7 @@ void Win32Files::ListFolder(const std::string& folder, const EachEntry& each) {
   do {
     const wchar_t* name = entry.cFileName;
     if (std::wcscmp(name, L".") == 0 || std::wcscmp(name, L"..") == 0) continue;
-    if (!each(ToUtf8(name), (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)) return;
+    if (!each(ToUtf8(name), KindOf(entry.dwFileAttributes))) return;
   } while (FindNextFileW(find.Get(), &entry));
 }
 

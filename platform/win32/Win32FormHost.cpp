@@ -10,16 +10,12 @@
 
 namespace orvanto::win32 {
 
-namespace {
-
 UINT MainScreenDpi() {
   UINT x = USER_DEFAULT_SCREEN_DPI;
   UINT y = USER_DEFAULT_SCREEN_DPI;
   GetDpiForMonitor(MonitorFromPoint({0, 0}, MONITOR_DEFAULTTOPRIMARY), MDT_EFFECTIVE_DPI, &x, &y);
   return x;
 }
-
-}  // namespace
 
 class Win32FormHost::Peer : public forms::FormPeer {
  public:

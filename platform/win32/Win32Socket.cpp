@@ -188,8 +188,8 @@ bool Win32Socket::Listen(std::uint16_t port) {
   Close();
   SocketHandle handle = MakeSocket();
   if (!handle) return false;
-  // Nobody else can listen on the same port and take the clients.
-  SwitchOn(handle, SOL_SOCKET, SO_EXCLUSIVEADDRUSE);
+  // Without SO_EXCLUSIVEADDRUSE: with it the port is not free again before the last client that was
+  // accepted on it has gone altogether. No other user can take a port that is bound.
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_port = htons(port);

@@ -21,7 +21,10 @@ Win32TrayIcon::Win32TrayIcon(EventLoop& loop)
       taskbarCreated_(RegisterWindowMessageW(L"TaskbarCreated")),
       window_(kWindowClass,
               [this](UINT message, WPARAM, LPARAM lParam) { return OnMessage(message, lParam); }),
-      retry_(loop.NewTimer([this] { Offer(); })) {}
+      retry_(loop.NewTimer([this] { Offer(); })) {
+  // The task bar has fewer rights than a program that was started as administrator.
+  ChangeWindowMessageFilterEx(window_.Get(), taskbarCreated_, MSGFLT_ALLOW, nullptr);
+}
 
 Win32TrayIcon::~Win32TrayIcon() { Remove(); }
 

@@ -124,6 +124,7 @@ TEST_F(SocketContract, TheListenerTakesTheClientOnItself) {
   EXPECT_EQ(second->GetState(), State::Listening);
   EXPECT_FALSE(server->Listen(second->LocalPort())) << "it is taken";
   EXPECT_EQ(server->GetState(), State::Closed);
+  EXPECT_TRUE(server->Listen(port)) << "though the client has not closed his end";
 }
 
 TEST_F(SocketContract, AConnectThatCannotBeginFailsFromTheLoop) {

@@ -126,7 +126,7 @@ TEST_F(SessionTest, ListsAndQuestions) {
       {{"a"}, "a"},
       {{"a", "b"}, "a\r\n"},
       {{"a", "dir\\", "b", "c"}, "a\r\nc"},
-      {{".hidden", "a", "b", "c", "d"}, "a\r\nc\r\n"}};
+      {{"hidden*", ".a", "b", "c", "d"}, ".a\r\nc\r\n"}};
   for (const auto& [names, text] : listings) {
     files.listings["C:\\Orvanto\\scripts\\"] = names;
     EXPECT_EQ(Line("5"), head + text + back);
@@ -161,6 +161,14 @@ TEST_F(SessionTest, TasksAreDeletedAndRun) {
                             }}};
   Line("3");
   EXPECT_EQ(Line("1"), kMenu);
+  // Switched off and on again meanwhile, nobody is there to be told.
+  messageBoxes.expected = {{"One", Answer::Ok, [&] {
+                              server.ServerOff();
+                              server.ServerOn();
+                            }}};
+  Line("3");
+  EXPECT_EQ(Line("1"), "");
+  EXPECT_EQ(area.log, "Waiting for Connection...");
 }
 
 TEST_F(SessionTest, ChatStartedHere) {

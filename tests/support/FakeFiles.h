@@ -24,7 +24,7 @@ class FakeFiles : public Files {
 
   std::map<std::string, std::string> contents;  // by path
   // The entries of a folder ("C:\\x\\") in the order in which they are listed, folders with a
-  // backslash at their end. They need not be in `contents`.
+  // backslash at their end, hidden files with an asterisk. They need not be in `contents`.
   std::map<std::string, Texts> listings;
   std::set<std::string> locked;  // can be neither removed nor copied
 

@@ -129,8 +129,10 @@ void FakeFiles::ListFolder(const std::string& folder, const EachEntry& each) {
   const auto listing = listings.find(folder);
   if (listing == listings.end()) return;
   for (const std::string& entry : std::vector<std::string>(listing->second)) {
-    const bool isFolder = entry.ends_with('\\');
-    if (!each(entry.substr(0, entry.size() - (isFolder ? 1 : 0)), isFolder)) return;
+    const EntryKind kind = entry.ends_with('\\')  ? EntryKind::Folder
+                           : entry.ends_with('*') ? EntryKind::Hidden
+                                                  : EntryKind::File;
+    if (!each(entry.substr(0, entry.size() - (kind != EntryKind::File ? 1 : 0)), kind)) return;
   }
 }
 

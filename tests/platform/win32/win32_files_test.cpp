@@ -29,9 +29,9 @@ class Win32FilesTest : public testing::Test {
   static std::wstring Long(const std::string& path) { return ToWide("\\\\?\\" + path); }
   static void Make(const std::string& folder) { CreateDirectoryW(Long(folder).c_str(), nullptr); }
   void Clear(const std::string& folder) {
-    files_.ListFolder(folder, [&](const std::string& name, bool isFolder) {
+    files_.ListFolder(folder, [&](const std::string& name, Files::EntryKind kind) {
       const std::string path = folder + "\\" + name;
-      if (isFolder) {
+      if (kind == Files::EntryKind::Folder) {
         Clear(path);
       } else {
         DeleteFileW(Long(path).c_str());
@@ -42,8 +42,9 @@ class Win32FilesTest : public testing::Test {
   }
   std::multiset<std::string> Listed(const std::string& folder) {
     std::multiset<std::string> names;
-    files_.ListFolder(folder, [&](const std::string& name, bool isFolder) {
-      names.insert(isFolder ? name + "\\" : name);
+    files_.ListFolder(folder, [&](const std::string& name, Files::EntryKind kind) {
+      const char* end[] = {"", "*", "\\"};  // in the order of the kinds
+      names.insert(name + end[static_cast<int>(kind)]);
       return true;
     });
     return names;
@@ -59,9 +60,11 @@ TEST_F(Win32FilesTest, ListsFolders) {
   const std::string umlaut = "\u00e4\U0001F552.txt";
   files_.Append(deep_ + "\\" + umlaut, "x");
   files_.Append(deep_ + "\\hidden", "x");
+  files_.Append(deep_ + "\\system", "x");
   SetFileAttributesW(Long(deep_ + "\\hidden").c_str(), FILE_ATTRIBUTE_HIDDEN);
+  SetFileAttributesW(Long(deep_ + "\\system").c_str(), FILE_ATTRIBUTE_SYSTEM);
   Make(deep_ + "\\sub.dir");
-  const std::multiset<std::string> all = {umlaut, "hidden", "sub.dir\\"};
+  const std::multiset<std::string> all = {umlaut, "hidden*", "system*", "sub.dir\\"};
   EXPECT_EQ(Listed(deep_), all);
   EXPECT_EQ(Listed(deep_ + "\\"), all);
   EXPECT_EQ(Listed(top_), std::multiset{std::string(150, 'f') + "\\"});
@@ -69,7 +72,7 @@ TEST_F(Win32FilesTest, ListsFolders) {
     EXPECT_TRUE(Listed(none).empty()) << none;
   }
   int seen = 0;
-  files_.ListFolder(deep_, [&](const std::string&, bool) { return ++seen < 2; });
+  files_.ListFolder(deep_, [&](const std::string&, Files::EntryKind) { return ++seen < 2; });
   EXPECT_EQ(seen, 2);
 }
 

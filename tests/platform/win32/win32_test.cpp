@@ -123,5 +123,48 @@ TEST(Win32Form, EnterBelongsToTheLineThatTakesIt) {
   EXPECT_FALSE(form.Loaded());
 }
 
+// A client of the remote control may type a NUL in a chat.
+TEST(Win32Form, ATextIsShownWhole) {
+  Win32Loop loop;
+  Win32FormHost host(loop);
+  struct : forms::Form {
+    using Form::Form;
+    forms::TextBox box{*this, nullptr, {.multiLine = true, .readOnly = true}, {0, 0, 900, 900}};
+  } form{host, "Text", {3000, 1800}};
+  form.Load();
+  form.box.SetText(std::string("a\0\u00e4", 4));
+  EXPECT_EQ(WindowText(FindWindowExW(host.MainWindow(), nullptr, WC_EDITW, nullptr)), "a \u00e4");
+}
+
+// Who closes a group that the selected task is in has the group selected then.
+TEST(Win32Form, AClosedGroupTakesTheSelection) {
+  Win32Loop loop;
+  Win32FormHost host(loop);
+  struct : forms::Form {
+    using Form::Form;
+    forms::TreeView tree{*this, nullptr, {0, 0, 3000, 1800}};
+  } form{host, "Tree", {3000, 1800}};
+  const auto group = form.tree.Add({{}, "", "group", "", ""});
+  const auto task = form.tree.Add({group, "", "task", "", ""});
+  form.tree.EnsureVisible(task);
+  form.Show();
+  form.tree.ClickNode(task);
+  int clicks = 0;
+  form.tree.onNodeClick = [&] { ++clicks; };
+  const HWND window = FindWindowExW(host.MainWindow(), nullptr, WC_TREEVIEWW, nullptr);
+  TVHITTESTINFO hit = {};
+  hit.pt = {1, 5};
+  while (hit.pt.x < 100 && (TreeView_HitTest(window, &hit), hit.flags != TVHT_ONITEMBUTTON)) {
+    ++hit.pt.x;
+  }
+  const LPARAM place = MAKELPARAM(hit.pt.x, hit.pt.y);
+  PostMessageW(window, WM_LBUTTONUP, 0, place);
+  SendMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, place);
+  EXPECT_FALSE(form.tree.Nodes()[group].expanded);
+  EXPECT_EQ(TreeView_GetSelection(window), TreeView_GetRoot(window));
+  EXPECT_EQ(form.tree.Selected(), group);
+  EXPECT_EQ(clicks, 1);
+}
+
 }  // namespace
 }  // namespace orvanto::win32
