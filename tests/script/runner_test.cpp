@@ -68,6 +68,7 @@ TEST(Runner, ABadLineIsLoggedTwiceAndReachesTheCaller) {
   for (const char* text : {"rem(x)", "\nbeep()", "beep", "changeres(x)\nbeep()", "delay('3')",
                            "\tbeep()", "delay()", "sdown(99999999999)", "sendkeys('x',{bad)"}) {
     ScriptDesk desk;
+    desk.desktop.titles = {"x"};
     EXPECT_EQ(desk.Run(text), kFileAlreadyOpen) << text;
     EXPECT_EQ(desk.Log(), ScriptDesk::Twice("s.txt")) << text;
     EXPECT_EQ(desk.Beeps(), 0) << text;
