@@ -181,5 +181,12 @@ TEST(Runner, AScriptMayStartAnotherFromInside) {
   EXPECT_FALSE(desk.scripts.Slot(2).inUse);
 }
 
+TEST(Runner, AScriptEndsWithTheProgram) {
+  ScriptDesk desk;
+  desk.messageBoxes.expected = {{"one", Answer::Ok, [&] { desk.loop.Quit(); }}};
+  EXPECT_EQ(desk.Run("beep()\nmsgbox('one')\nmsgbox('two')\nshutdown()"), 0);
+  EXPECT_EQ(desk.done, Texts{"beep"});
+}
+
 }  // namespace
 }  // namespace orvanto
