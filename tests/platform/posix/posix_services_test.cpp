@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -66,6 +67,15 @@ TEST(PosixClock, TellsLocalTimeAndTheShortDate) {
 
 TEST(PosixFiles, TakesBytesForWindows1252) {
   EXPECT_EQ(PosixFiles().FromCodePage("a\xe4\x80\x9f"), "a\u00e4\u20ac\u0178");
+}
+
+TEST(PosixFiles, ReadsWhatHasAnEnd) {
+  const TemporaryDirectory directory;
+  ASSERT_EQ(::mkfifo((directory / "pipe").c_str(), 0600), 0);
+  for (const std::string& endless : {FromNative(directory / "pipe"), FromNative("/dev/null")}) {
+    std::string text;
+    EXPECT_FALSE(PosixFiles().Read(endless, text)) << endless;
+  }
 }
 
 TEST(PosixFiles, LooksNamesUpWithoutRegardToCase) {
