@@ -303,6 +303,8 @@ TEST_F(EditorTest, AFullListTakesNoTask) {
   const RegistryTree before = registry.Tree();
   SaveRefused(TaskStore::kListFull);
   EXPECT_TRUE(registry.Tree() == before);
+  settings.WriteSetting(kGeneral, "NoTasks", "32767");  // by no means of ours
+  SaveRefused(TaskStore::kListFull);
 }
 
 }  // namespace
