@@ -104,7 +104,7 @@ struct PosixPlatform {
   posix::PosixClock clock;
   posix::FileRegistry registry;
   posix::PosixFiles files;
-  posix::PosixShell shell;
+  posix::PosixShell shell{loop};
   posix::PosixSession session;
   posix::NoDesktop desktop;
   posix::NoKeyboard keyboard;

@@ -1,5 +1,7 @@
 #include "core/modTaskOperations.h"
 
+#include <algorithm>
+
 #include "core/Convert.h"
 #include "core/Sched.h"
 
@@ -128,7 +130,8 @@ std::int16_t TaskStore::SlotToSave(const std::string& loadedName, std::int16_t l
     if (TaskName(loadedSlot) == loadedName) return loadedSlot;
     if (const std::int16_t slot = SlotOfName(loadedName); slot != 0) return slot;
   }
-  return static_cast<std::int16_t>(NoTasks() + 1);
+  // No slot lies further behind a full list, however much a damaged count says.
+  return static_cast<std::int16_t>(std::min(NoTasks(), kMaxTasks) + 1);
 }
 
 std::int16_t TaskStore::StoreEntry(TaskEntry entry, const std::string& loadedName, Check check) {

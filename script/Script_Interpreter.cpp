@@ -55,7 +55,8 @@ struct ScriptInterpreter::Call {
 
 ScriptInterpreter::ScriptInterpreter(EventLoop& loop, Files& files, const TaskStore& store,
                                      const ScriptServices& services)
-    : files_(files),
+    : loop_(loop),
+      files_(files),
       store_(store),
       commands_(services),
       tmrDelay_(loop.NewTimer([this] { DelayTick(); })) {
@@ -116,7 +117,8 @@ ScriptInterpreter::Outcome ScriptInterpreter::RunPass(Call& call) {
   for (;;) {
     slot.delayPending = false;
     const auto next = reader.Next();
-    if (!next) return Outcome::Ended;
+    // The program may have been told to end while a line let other events through.
+    if (!next || loop_.QuitRequested()) return Outcome::Ended;
     const std::string_view line = TrimBlanks(*next);
     if (slot.linesRead < slot.linesDone) {
       // Carried out in an earlier pass.

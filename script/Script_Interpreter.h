@@ -38,10 +38,10 @@ class ScriptInterpreter : public ScriptRunner {
   ScriptInterpreter(EventLoop& loop, Files& files, const TaskStore& store,
                     const ScriptServices& services);
 
-  // Returns when the script has ended, waits for a delay, or was ended by a message box. A path
-  // without a drive belongs to the scripts folder. Throws Error: 9 when no slot is free; 53, 55, 13
-  // and the like for a failure behind a failure, with the slot left in use. It re-enters: a command
-  // that lets other events run may start a script.
+  // Returns when the script has ended, waits for a delay, or was ended by a message box or by the
+  // end of the program. A path without a drive belongs to the scripts folder. Throws Error: 9 when
+  // no slot is free; 53, 55, 13 and the like for a failure behind a failure, with the slot left in
+  // use. It re-enters: a command that lets other events run may start a script.
   void RunScript(const std::string& path) override;
 
   // Appends one line, in double quotes, to the log in the program's folder.
@@ -68,6 +68,7 @@ class ScriptInterpreter : public ScriptRunner {
   Outcome RunLine(Call& call, std::string_view line);
   void StartDelay(ScriptSlot& slot, std::string_view line);
 
+  const EventLoop& loop_;
   Files& files_;
   const TaskStore& store_;
   ScriptCommands commands_;

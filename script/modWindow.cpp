@@ -1,5 +1,7 @@
 #include "script/modWindow.h"
 
+#include <algorithm>
+
 #include "core/Convert.h"
 #include "platform/Clipboard.h"
 #include "platform/Desktop.h"
@@ -28,11 +30,14 @@ bool TakeStarsOff(std::string& title) {
   return !starred();
 }
 
-// How often a title holds the text: overlapping places count, and an empty text is at every place,
-// the one behind the end included. A window without a title holds nothing.
+// How often a title holds the text: overlapping places count, and an empty text is at every
+// character and behind the last. A window without a title holds nothing.
 std::size_t Places(const std::string& title, const std::string& wanted) {
   if (title.empty()) return 0;
-  if (wanted.empty()) return title.size() + 1;
+  if (wanted.empty()) {
+    const auto begins = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
+    return static_cast<std::size_t>(std::count_if(title.begin(), title.end(), begins)) + 1;
+  }
   std::size_t places = 0;
   for (auto at = title.find(wanted); at != std::string_view::npos; at = title.find(wanted, at + 1))
     ++places;
@@ -45,23 +50,23 @@ std::size_t Places(const std::string& title, const std::string& wanted) {
 struct WindowActions::Step {
   WindowCode code;
   std::string clipboardText;
-  std::vector<KeyEvent> keys;
+  std::string keys;
 };
 
 void WindowActions::WindowAction(std::string title, WindowCode code, const std::string& text) {
-  Step step{code, text, {}};
+  Step step{code, text, ""};
   switch (code) {
     case WindowCode::SendKeys:
-      step.keys = ParseKeySequence(text);
+      step.keys = text;
       break;
     case WindowCode::SendKeysDos:
-      step.keys = ParseKeySequence(kPasteKeys);
+      step.keys = kPasteKeys;
       break;
     case WindowCode::CloseFile:
-      step.keys = ParseKeySequence(kCloseFileKeys);
+      step.keys = kCloseFileKeys;
       break;
     case WindowCode::Exit:
-      step.keys = ParseKeySequence(kExitKeys);
+      step.keys = kExitKeys;
       break;
     default:
       break;
@@ -87,6 +92,8 @@ void WindowActions::Act(std::uintptr_t window, const Step& step) {
     if (desktop_.Title(window).empty()) desktop_.Send(window, kDestroyMessage, 0, 0);
     return;
   }
+  // Before anything is done: keys that do not parse leave the window alone.
+  const std::vector<KeyEvent> keys = ParseKeySequence(step.keys);
   if (step.code == WindowCode::SendKeysDos) clipboard_.SetText(step.clipboardText);
   desktop_.BringToTop(window);
   switch (step.code) {
@@ -103,7 +110,7 @@ void WindowActions::Act(std::uintptr_t window, const Step& step) {
       desktop_.Show(window, ShowCommand::Normal);
       break;
   }
-  if (!step.keys.empty()) keyboard_.Type(step.keys);
+  if (!keys.empty()) keyboard_.Type(keys);
 }
 
 }  // namespace orvanto

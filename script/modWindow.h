@@ -29,8 +29,8 @@ class WindowActions {
 
   // Acts on every top-level window, hidden ones too, whose title holds `title`, without regard to
   // case, once for each place where it does. Stars at both ends of `title` are taken off. Other
-  // events run between the windows. Throws Error 5 for keys that do not parse, before anything is
-  // done.
+  // events run between the windows. Throws Error 5 for keys that do not parse, at the first window
+  // that matches and before anything is done to it.
   void WindowAction(std::string title, WindowCode code, const std::string& text);
 
  private:

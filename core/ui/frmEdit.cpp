@@ -146,7 +146,9 @@ void frmEdit::WireControls() {
 }
 
 void frmEdit::Open(bool newTask, std::int16_t slot) {
-  services_.store.LoadTask(slot);
+  // In the slot behind the last, the name of a deleted task may be left: shared settings keep it.
+  constexpr std::int16_t kNoSlot = 0;
+  services_.store.LoadTask(newTask ? kNoSlot : slot);
   loaded_ = services_.store.CurrentTask;
   newTask_ = newTask;
   if (newTask) {

@@ -30,7 +30,7 @@ class frmEdit : public forms::Form {
   };
   frmEdit(forms::FormHost& host, const Services& services);
 
-  // Loads the slot and shows the form; for a new task the slot is the count plus one.
+  // Shows the form with the slot's task, or with the defaults of a new one.
   void Open(bool newTask, std::int16_t slot);
 
   // The editor has gone, with or without saving.

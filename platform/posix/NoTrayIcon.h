@@ -7,12 +7,8 @@ namespace orvanto::posix {
 
 class NoTrayIcon : public TrayIcon {
  public:
-  void Add(const std::string&) override { added_ = true; }
-  void Remove() override { added_ = false; }
-  bool Added() const { return added_; }
-
- private:
-  bool added_ = false;
+  void Add(const std::string&) override {}
+  void Remove() override {}
 };
 
 }  // namespace orvanto::posix

@@ -46,9 +46,10 @@ void PosixFiles::ListFolder(const std::string& folder, const EachEntry& each) {
 }
 
 bool PosixFiles::Read(const std::string& path, std::string& contents) {
-  const Descriptor file(::open(ToNative(path).c_str(), O_RDONLY | O_CLOEXEC));
+  // Without O_NONBLOCK the opening of a pipe would never return; a device may never end.
+  const Descriptor file(::open(ToNative(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   struct stat status;
-  if (!file || ::fstat(file.Get(), &status) != 0 || S_ISDIR(status.st_mode)) return false;
+  if (!file || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
   contents.clear();
   std::array<char, 65536> buffer;
   for (;;) {

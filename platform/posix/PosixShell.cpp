@@ -115,7 +115,10 @@ bool PosixShell::Start(const std::string& commandLine, ShowCommand) {
 
 bool PosixShell::StartAndWait(const std::string& commandLine, ShowCommand) {
   const std::optional<ShellTarget> target = FindShellTarget(commandLine);
-  return target && IsExecutable(target->path) && RunToEnd(target->path, target->arguments);
+  if (!target || !IsExecutable(target->path)) return false;
+  const bool executed = RunToEnd(target->path, target->arguments);
+  loop_.DeliverSignals();
+  return executed;
 }
 
 }  // namespace orvanto::posix

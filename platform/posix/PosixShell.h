@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/Shell.h"
+#include "platform/posix/PosixLoop.h"
 
 namespace orvanto::posix {
 
@@ -23,12 +24,17 @@ struct ShellTarget {
 std::optional<ShellTarget> FindShellTarget(const std::string& text);
 
 // An executable file is run; "open" hands everything else to xdg-open, "print" to lp or lpr. The
-// show command means nothing here.
+// show command means nothing here. When a signal of the loop has come while StartAndWait waited, as
+// from the terminal to both programs, its handler has run when that returns.
 class PosixShell : public Shell {
  public:
+  explicit PosixShell(PosixLoop& loop) : loop_(loop) {}
   bool Execute(const ShellRequest& request) override;
   bool Start(const std::string& commandLine, ShowCommand show) override;
   bool StartAndWait(const std::string& commandLine, ShowCommand show) override;
+
+ private:
+  PosixLoop& loop_;
 };
 
 }  // namespace orvanto::posix

@@ -217,8 +217,8 @@ std::unique_ptr<ControlWindow> MakeControlWindow(forms::Control& control, HWND p
   using forms::Kind;
   switch (control.GetKind()) {
     case Kind::Label:
-      return std::make_unique<ControlWindow>(control, ControlWindow::Look{WC_STATICW, SS_LEFT},
-                                             parent, id);
+      return std::make_unique<ControlWindow>(
+          control, ControlWindow::Look{WC_STATICW, SS_LEFT | SS_NOPREFIX}, parent, id);
     case Kind::Frame:
       return std::make_unique<ControlWindow>(
           control, ControlWindow::Look{WC_BUTTONW, BS_GROUPBOX, WS_EX_TRANSPARENT}, parent, id);

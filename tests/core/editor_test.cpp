@@ -283,6 +283,18 @@ TEST_F(EditorTest, AListThatChangesUnderTheEditorLosesNoTask) {
   EXPECT_EQ(store.TaskName(3), "New");
 }
 
+TEST_F(EditorTest, ANewTaskHasNothingOfADeletedOne) {
+  settings.SetStorageMode(1);
+  Add("Gone", "09:00", [](TaskEntry& entry) { entry.taskType = kRunScript; });
+  store.DeleteTask(1);
+  OpenNew();
+  EXPECT_EQ(editor.txtTaskName.Text() + editor.txt1.Text(), "");
+  EXPECT_TRUE(editor.optTaskType[1].Value());
+  editor.txtTaskName.Type("New");
+  ASSERT_TRUE(editor.cmdSave.Press());
+  EXPECT_EQ(Names(), (Texts{"New"}));
+}
+
 TEST_F(EditorTest, AFullListTakesNoTask) {
   for (int i = 1; i < kMaxTasks; ++i) Add("T" + std::to_string(i), "09:00");
   OpenNew();
@@ -291,6 +303,8 @@ TEST_F(EditorTest, AFullListTakesNoTask) {
   const RegistryTree before = registry.Tree();
   SaveRefused(TaskStore::kListFull);
   EXPECT_TRUE(registry.Tree() == before);
+  settings.WriteSetting(kGeneral, "NoTasks", "32767");  // by no means of ours
+  SaveRefused(TaskStore::kListFull);
 }
 
 }  // namespace

@@ -68,6 +68,7 @@ TEST(Runner, ABadLineIsLoggedTwiceAndReachesTheCaller) {
   for (const char* text : {"rem(x)", "\nbeep()", "beep", "changeres(x)\nbeep()", "delay('3')",
                            "\tbeep()", "delay()", "sdown(99999999999)", "sendkeys('x',{bad)"}) {
     ScriptDesk desk;
+    desk.desktop.titles = {"x"};
     EXPECT_EQ(desk.Run(text), kFileAlreadyOpen) << text;
     EXPECT_EQ(desk.Log(), ScriptDesk::Twice("s.txt")) << text;
     EXPECT_EQ(desk.Beeps(), 0) << text;
@@ -178,6 +179,13 @@ TEST(Runner, AScriptMayStartAnotherFromInside) {
   EXPECT_EQ(desk.Run("msgbox('outer')\nbeep()"), 0);
   EXPECT_EQ(desk.Beeps(), 2);
   EXPECT_FALSE(desk.scripts.Slot(2).inUse);
+}
+
+TEST(Runner, AScriptEndsWithTheProgram) {
+  ScriptDesk desk;
+  desk.messageBoxes.expected = {{"one", Answer::Ok, [&] { desk.loop.Quit(); }}};
+  EXPECT_EQ(desk.Run("beep()\nmsgbox('one')\nmsgbox('two')\nshutdown()"), 0);
+  EXPECT_EQ(desk.done, Texts{"beep"});
 }
 
 }  // namespace

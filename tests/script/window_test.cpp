@@ -21,15 +21,16 @@ TEST(Windows, EachCommandDoesItsSteps) {
   desk.done.clear();
   EXPECT_THROW(desk.windows.WindowAction("Notepad", WindowCode::SendKeys, "abc{"), Error);
   EXPECT_TRUE(desk.done.empty()) << "keys that do not parse touch nothing";
+  EXPECT_EQ(desk.Run("sendkeys('Nothing',abc{)"), 0) << "and without a window are not looked at";
   desk.desktop.closes = true;
   desk.windows.WindowAction("other", WindowCode::Close, "");
   EXPECT_EQ(desk.done, (Texts{"send 0 61536 2", "send 2 0 2"})) << "left without a title";
 }
 
 TEST(Windows, ATitleIsActedOnOnceForEachPlace) {
-  const std::pair<const char*, const char*> cases[] = {{"aa", "001"},        {"*aa*", "001"},
-                                                       {"**aa**", ""},       {"aab", ""},
-                                                       {"", "000011133333"}, {"\xC3\xA4", "3"}};
+  const std::pair<const char*, const char*> cases[] = {{"aa", "001"},       {"*aa*", "001"},
+                                                       {"**aa**", ""},      {"aab", ""},
+                                                       {"", "00001113333"}, {"\xC3\xA4", "3"}};
   for (const auto& [argument, expected] : cases) {
     ScriptDesk desk;
     desk.desktop.titles = {"Aaa", "aA", "", "\xC3\x84xx"};

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -66,6 +67,15 @@ TEST(PosixClock, TellsLocalTimeAndTheShortDate) {
 
 TEST(PosixFiles, TakesBytesForWindows1252) {
   EXPECT_EQ(PosixFiles().FromCodePage("a\xe4\x80\x9f"), "a\u00e4\u20ac\u0178");
+}
+
+TEST(PosixFiles, ReadsWhatHasAnEnd) {
+  const TemporaryDirectory directory;
+  ASSERT_EQ(::mkfifo((directory / "pipe").c_str(), 0600), 0);
+  for (const std::string& endless : {FromNative(directory / "pipe"), FromNative("/dev/null")}) {
+    std::string text;
+    EXPECT_FALSE(PosixFiles().Read(endless, text)) << endless;
+  }
 }
 
 TEST(PosixFiles, LooksNamesUpWithoutRegardToCase) {
@@ -196,9 +206,10 @@ TEST_F(ProgramsTest, RunsProgramsAndHandsDocumentsOn) {
   WriteFile(text, "");
   WriteFile(directory_ / "bad", "#!/no/such/interpreter\n");
   fs::permissions(directory_ / "bad", fs::perms::owner_all);
+  PosixLoop loop;
   const auto execute = [&](const std::string& operation, const std::string& file,
                            const std::string& parameters = "", const std::string& in = "") {
-    return PosixShell().Execute({operation, file, parameters, in, ShowCommand::Normal});
+    return PosixShell(loop).Execute({operation, file, parameters, in, ShowCommand::Normal});
   };
   const std::string tool = FromNative(directory_ / "TOOL");
   ASSERT_TRUE(execute("open", tool + " a b", "c \"d e\"", "Z:\\"));
@@ -225,8 +236,8 @@ TEST_F(ProgramsTest, WhatIsStartedBeginsClean) {
   const auto handler = std::signal(SIGPIPE, SIG_IGN);
   PosixLoop loop;
   loop.OnSignals({SIGTERM}, [](int) {});
-  const auto open = [](const std::string& file) {
-    return PosixShell().Execute({"open", file, "", "", ShowCommand::Normal});
+  const auto open = [&](const std::string& file) {
+    return PosixShell(loop).Execute({"open", file, "", "", ShowCommand::Normal});
   };
   ASSERT_TRUE(open(directory_ / "tool"));
   const auto lines = Record();
@@ -241,6 +252,14 @@ TEST_F(ProgramsTest, WhatIsStartedBeginsClean) {
   EXPECT_THAT(status, Contains("SigIgn:\t0000000000000000"));
   EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
   EXPECT_EQ(errno, ECHILD);
+}
+
+TEST_F(ProgramsTest, ASignalDuringTheWaitHasBeenHandledBehindIt) {
+  PosixLoop loop;
+  loop.OnSignals({SIGTERM}, [&](int) { loop.Quit(); });
+  EXPECT_TRUE(PosixShell(loop).StartAndWait("/bin/kill -TERM " + std::to_string(::getpid()),
+                                            ShowCommand::Normal));
+  EXPECT_TRUE(loop.QuitRequested());
 }
 
 TEST_F(ProgramsTest, SessionCallsShutdown) {
