@@ -4,6 +4,7 @@
 
 #include "core/Convert.h"
 #include "core/Sched.h"
+#include "platform/Utf8.h"
 
 namespace orvanto {
 namespace {
@@ -22,11 +23,13 @@ bool IsOwnSection(const std::string& name) {
   return EqualIgnoringCase(bare, kGeneral) || EqualIgnoringCase(bare, kInternet);
 }
 
-// Whether the registry can hold a section of that name, and under that name only.
+// Whether the registry can hold a section of that name, and under that name only: bytes that are no
+// UTF-8, as an old telnet client sends them, would all become the same character there.
 bool IsSectionName(const std::string& name) {
   constexpr std::size_t kLongest = 255;
   return name.size() <= kLongest && name.front() != '\\' && name.back() != '\\' &&
-         name.find("\\\\") == std::string::npos && name.find('\0') == std::string::npos;
+         name.find("\\\\") == std::string::npos && name.find('\0') == std::string::npos &&
+         IsUtf8(name);
 }
 
 // Throws what ToInt16 throws.

@@ -149,7 +149,7 @@ TEST_F(TaskStoreTest, RefusesNames) {
        {Case{3, "No task name given", {""}},
         {3, kInUse, {"One", "gEnErAl", "INTERNET", "General\\", "\\Internet", "\\"}},
         {1, kInUse, {"Two"}},
-        {3, kUnusable, {"One\\", "\\One", "a\\\\b", {"a\0b", 3}, std::string(256, 'x')}},
+        {3, kUnusable, {"One\\", "\\One", "a\\\\b", {"a\0b", 3}, "Caf\xE9", std::string(256, 'x')}},
         {3, "", {"one", "a\\b", "Generals", std::string(255, 'x')}},
         {1, "", {"One"}}}) {
     for (const std::string& name : c.names) {
