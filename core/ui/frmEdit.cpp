@@ -343,6 +343,7 @@ void frmEdit::Save() {
                                 BoxIcon::None);
     return;
   }
+  // First the tree, so that the keyboard comes back to a window whose buttons are as they will be.
   if (onSaved) onSaved();
   Unload();
 }
