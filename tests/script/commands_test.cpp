@@ -69,14 +69,18 @@ TEST(Commands, FilesAreCopiedMovedAndDeleted) {
 }
 
 TEST(Commands, ARefusedMessageBoxEndsTheScript) {
-  ScriptDesk desk;
-  desk.messageBoxes.expected = {{"a"}, {"b"}, {"c", Answer::Yes}, {"d", Answer::No}};
-  EXPECT_EQ(desk.Run("msgbox('x',OkCancel)\nmsgbox('p',nostop)\nmsgbox('a')\n"
-                     "msgbox('b',okcancel)\nmsgbox('c',yesno)\nmsgbox('d',yesno)\nbeep()"),
-            0);
-  EXPECT_TRUE(desk.done.empty());
-  EXPECT_EQ(desk.popups, (Texts{"p"}));
-  EXPECT_FALSE(desk.scripts.Slot(1).inUse);
+  for (const auto& [buttons, answer] :
+       {std::pair{"okcancel", Answer::Cancel}, {"yesno", Answer::No}}) {
+    ScriptDesk desk;
+    desk.messageBoxes.expected = {{"a"}, {"b"}, {"c", Answer::Yes}, {"d", answer}};
+    EXPECT_EQ(desk.Run("msgbox('x',OkCancel)\nmsgbox('p',nostop)\nmsgbox('a')\n"
+                       "msgbox('b',okcancel)\nmsgbox('c',yesno)\nmsgbox('d'," +
+                       std::string(buttons) + ")\nbeep()"),
+              0);
+    EXPECT_TRUE(desk.done.empty()) << buttons;
+    EXPECT_EQ(desk.popups, (Texts{"p"}));
+    EXPECT_FALSE(desk.scripts.Slot(1).inUse);
+  }
 }
 
 TEST(Commands, TheTableHoldsEveryCommandOfTheManual) {
