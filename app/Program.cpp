@@ -85,9 +85,7 @@ Program::~Program() = default;
 
 void Program::WireWindows() {
   frmScriptcfg& window = parts_->mainWindow;
-  window.showEditor = [this](bool newTask, std::int16_t slot) {
-    parts_->editor.Open(newTask, slot);
-  };
+  window.showEditor = [this](std::optional<std::int16_t> slot) { parts_->editor.Open(slot); };
   window.showAbout = [this] { parts_->about.Open(); };
   parts_->editor.onSaved = [&window] { window.BuildTaskTree(); };
   parts_->editor.onClosed = [&window] { window.Return(); };

@@ -3,6 +3,8 @@
 #include <array>
 #include <utility>
 
+#include "platform/Utf8.h"
+
 namespace orvanto {
 namespace {
 
@@ -41,8 +43,6 @@ unsigned LowerCodePoint(unsigned codePoint) {
   }
   return codePoint;
 }
-
-bool IsContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
 std::size_t Utf16Length(std::string_view text) {
   std::size_t length = 0;

@@ -19,9 +19,8 @@ std::size_t DecodeUtf8(std::string_view text, std::size_t at, char32_t& characte
   if (length == 0 || text.size() - at < length) return 0;
   character = lead & (0x7FU >> length);
   for (std::size_t i = 1; i < length; ++i) {
-    const auto next = static_cast<unsigned char>(text[at + i]);
-    if ((next & 0xC0U) != 0x80) return 0;
-    character = character << 6 | (next & 0x3FU);
+    if (!IsContinuation(text[at + i])) return 0;
+    character = character << 6 | (static_cast<unsigned char>(text[at + i]) & 0x3FU);
   }
   constexpr char32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
   const bool surrogate = character >= 0xD800 && character <= 0xDFFF;

@@ -7,6 +7,11 @@
 
 namespace orvanto {
 
+// Whether the byte goes on with a character that began before it.
+constexpr bool IsContinuation(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
 // The length of the character that begins at `at`, 1 to 4, and the character itself; 0 where no
 // whole and well-formed one begins there.
 std::size_t DecodeUtf8(std::string_view text, std::size_t at, char32_t& character);

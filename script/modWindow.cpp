@@ -7,6 +7,7 @@
 #include "platform/Desktop.h"
 #include "platform/EventLoop.h"
 #include "platform/RegistryTree.h"
+#include "platform/Utf8.h"
 #include "script/KeySequence.h"
 
 namespace orvanto {
@@ -35,8 +36,8 @@ bool TakeStarsOff(std::string& title) {
 std::size_t Places(const std::string& title, const std::string& wanted) {
   if (title.empty()) return 0;
   if (wanted.empty()) {
-    const auto begins = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
-    return static_cast<std::size_t>(std::count_if(title.begin(), title.end(), begins)) + 1;
+    return title.size() - static_cast<std::size_t>(std::ranges::count_if(title, IsContinuation)) +
+           1;
   }
   std::size_t places = 0;
   for (auto at = title.find(wanted); at != std::string_view::npos; at = title.find(wanted, at + 1))

@@ -145,13 +145,13 @@ void frmEdit::WireControls() {
   };
 }
 
-void frmEdit::Open(bool newTask, std::int16_t slot) {
-  // In the slot behind the last, the name of a deleted task may be left: shared settings keep it.
+void frmEdit::Open(std::optional<std::int16_t> slot) {
+  // Not the slot behind the last: shared settings keep the name of a deleted task there.
   constexpr std::int16_t kNoSlot = 0;
-  services_.store.LoadTask(newTask ? kNoSlot : slot);
+  services_.store.LoadTask(slot.value_or(kNoSlot));
   loaded_ = services_.store.CurrentTask;
-  newTask_ = newTask;
-  if (newTask) {
+  newTask_ = !slot;
+  if (newTask_) {
     // An empty slot loads the defaults; a time rule is not among them.
     loaded_.timeType = kTimeOnce;
     SetCaption("New Task");

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,8 +31,8 @@ class frmEdit : public forms::Form {
   };
   frmEdit(forms::FormHost& host, const Services& services);
 
-  // Shows the form with the slot's task, or with the defaults of a new one.
-  void Open(bool newTask, std::int16_t slot);
+  // Shows the form with the slot's task; without a slot, with the defaults of a new one.
+  void Open(std::optional<std::int16_t> slot);
 
   // The editor has gone, with or without saving.
   std::function<void()> onClosed;

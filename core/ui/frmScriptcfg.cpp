@@ -129,7 +129,7 @@ void frmScriptcfg::OnCommand(Command command) {
     case kEdit:
       if (const std::int16_t slot = SelectedSlot(); slot > 0) {
         Hide();
-        showEditor(false, slot);
+        showEditor(slot);
       }
       break;
     case kRun:
@@ -150,13 +150,12 @@ void frmScriptcfg::OnCommand(Command command) {
 }
 
 void frmScriptcfg::NewTask() {
-  const int slot = services_.store.NoTasks() + 1;
-  if (slot > kMaxTasks) {
+  if (services_.store.NoTasks() >= kMaxTasks) {
     services_.messageBoxes.Show(TaskStore::kListFull, kProgramTitle, Buttons::Ok, BoxIcon::None);
     return;
   }
   Hide();
-  showEditor(true, static_cast<std::int16_t>(slot));
+  showEditor(std::nullopt);
 }
 
 void frmScriptcfg::Return() {

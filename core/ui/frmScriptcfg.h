@@ -2,7 +2,9 @@
 // area of the remote control, whose handlers belong to its server.
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "core/ProgramSettings.h"
@@ -38,8 +40,9 @@ class frmScriptcfg : public forms::Form {
   frmScriptcfg(forms::FormHost& host, const Services& services);
 
   // The windows that commands open in place of this one, which is hidden first; Return brings it
-  // back. A command without its window is disabled. Set before Start.
-  std::function<void(bool newTask, std::int16_t slot)> showEditor;
+  // back. A command without its window is disabled. Set before Start. The editor makes a new task
+  // where it gets no slot.
+  std::function<void(std::optional<std::int16_t> slot)> showEditor;
   std::function<void()> showAbout;
   std::function<void()> showSettings;
 

@@ -1,5 +1,7 @@
 #include "platform/win32/FormWindow.h"
 
+#include <shellscalingapi.h>
+
 #include <map>
 #include <string>
 #include <utility>
@@ -66,6 +68,13 @@ HFONT MessageFont(UINT dpi) {
 }
 
 }  // namespace
+
+UINT MainScreenDpi() {
+  UINT x = USER_DEFAULT_SCREEN_DPI;
+  UINT y = USER_DEFAULT_SCREEN_DPI;
+  GetDpiForMonitor(MonitorFromPoint({0, 0}, MONITOR_DEFAULTTOPRIMARY), MDT_EFFECTIVE_DPI, &x, &y);
+  return x;
+}
 
 SIZE OuterSize(const forms::Form& form, UINT dpi) {
   RECT outer = {0, 0, ToPixels(form.ClientSize().width, dpi),

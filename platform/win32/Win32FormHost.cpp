@@ -1,7 +1,6 @@
 #include "platform/win32/Win32FormHost.h"
 
 #include <commctrl.h>
-#include <shellscalingapi.h>
 
 #include <algorithm>
 #include <utility>
@@ -9,13 +8,6 @@
 #include "platform/win32/Scale.h"
 
 namespace orvanto::win32 {
-
-UINT MainScreenDpi() {
-  UINT x = USER_DEFAULT_SCREEN_DPI;
-  UINT y = USER_DEFAULT_SCREEN_DPI;
-  GetDpiForMonitor(MonitorFromPoint({0, 0}, MONITOR_DEFAULTTOPRIMARY), MDT_EFFECTIVE_DPI, &x, &y);
-  return x;
-}
 
 class Win32FormHost::Peer : public forms::FormPeer {
  public:

@@ -15,7 +15,7 @@ class EditorTest : public testing::Test, public CoreDesk {
     editor.onSaved = [this] { ++saved; };
     editor.onClosed = [this] { ++closed; };
   }
-  void OpenNew() { editor.Open(true, static_cast<std::int16_t>(store.NoTasks() + 1)); }
+  void OpenNew() { editor.Open(std::nullopt); }
   void ChooseType(int index) {
     ASSERT_TRUE(editor.optTaskType[static_cast<std::size_t>(index)].Choose());
   }
@@ -170,7 +170,7 @@ TEST_F(EditorTest, OpenedAndSavedATaskStaysAsItWas) {
     store.DateOrderMonthFirst = monthFirst;
     const RegistryTree before = registry.Tree();
     for (std::int16_t slot = 1; slot <= 5; ++slot) {
-      editor.Open(false, slot);
+      editor.Open(slot);
       EXPECT_EQ(editor.Caption(), "Edit Task - " + store.TaskName(slot));
       EXPECT_EQ(editor.cmbGroup.Items(), (Texts{"General", "Night"}));
       ASSERT_TRUE(editor.cmdSave.Press());
@@ -182,7 +182,7 @@ TEST_F(EditorTest, OpenedAndSavedATaskStaysAsItWas) {
   EXPECT_EQ(editor.cmbRecur.Items().size(), 10U);
   EXPECT_EQ(editor.cmbMonth.Items().size(), 13U);
   editor.cmdCancel.Press();
-  editor.Open(false, 2);
+  editor.Open(2);
   EXPECT_EQ(editor.cmbRecur.Text(), "The 2nd Tuesday");
   EXPECT_EQ(editor.cmbRecur.Items().size(), 11U);
   ASSERT_TRUE(editor.cmbRecur.Choose(8));
@@ -265,7 +265,7 @@ TEST_F(EditorTest, TheArrowsStayWithinTheMonth) {
 TEST_F(EditorTest, AListThatChangesUnderTheEditorLosesNoTask) {
   Add("One", "09:00");
   Add("Two", "09:00");
-  editor.Open(false, 2);
+  editor.Open(2);
   store.DeleteTask(1);
   editor.txtTaskName.Type("Two again");
   ASSERT_TRUE(editor.cmdSave.Press());
@@ -277,7 +277,7 @@ TEST_F(EditorTest, AListThatChangesUnderTheEditorLosesNoTask) {
   ASSERT_TRUE(editor.cmdSave.Press());
   EXPECT_EQ(Names(), (Texts{"Two again", "Meanwhile", "New"}));
 
-  editor.Open(false, 3);
+  editor.Open(3);
   store.DeleteTask(3);
   ASSERT_TRUE(editor.cmdSave.Press());
   EXPECT_EQ(store.TaskName(3), "New");
