@@ -20,14 +20,20 @@
 namespace orvanto {
 namespace {
 
-// The system's clock, always at the beginning of a minute.
+// The system's clock, always at the beginning of a minute: of the next one for each tick, because a
+// minute is looked at once.
 class FullMinute : public posix::PosixClock {
  public:
   DateTime Now() const override {
+    ++looks;
     DateTime now = PosixClock::Now();
     now.second = 0;
     return now;
   }
+  std::int64_t UnixMilliseconds() const override { return minute * 60'000; }
+
+  std::int64_t minute = 1;
+  mutable std::int64_t looks = 0;
 };
 
 class NoFinder : public FileLookup {
@@ -90,8 +96,17 @@ void FullTick(benchmark::State& state) {
         store.SaveTask(entry);
       }
     }
-    for (auto _ : state) scheduler.Tick();
+    scheduler.tmrSched.Start();
+    std::int64_t looks = 0;
+    for (auto _ : state) {
+      clock.looks = 0;
+      ++clock.minute;
+      scheduler.Tick();
+      looks = clock.looks;
+    }
     if (nothing.calls != 0) state.SkipWithError("a task ran");
+    // Loading a task and asking for its hour are a look each.
+    if (looks < 2 * state.range(0)) state.SkipWithError("the tasks were not looked at");
   }
   std::filesystem::remove_all(folder);
 }

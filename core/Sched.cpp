@@ -77,6 +77,11 @@ std::string TaskTypeName(int code) {
   return type != nullptr ? type->name : "";
 }
 
+std::string TaskTypeSeparator(int code) {
+  const auto* type = At(kTypes, code);
+  return type != nullptr ? type->separator : " | Unknown Type | ";
+}
+
 std::string FormatTaskDate(const TaskRecord& task, int dateOrderMonthFirst, const Clock& clock) {
   const std::string day = TwoDigits(task.dateDay);
   const std::string month = TwoDigits(task.dateMonth);
@@ -135,10 +140,17 @@ std::string Sched::DescribeTask(std::int16_t index) {
   store_.LoadTask(index);
   const TaskRecord& task = store_.CurrentTask;
   described_[slot] = {task.timeHour, task.timeMinute};
-  const auto* type = At(kTypes, task.taskType);
-  if (type == nullptr) return "";
-  return task.name + type->separator + task.timeHour + ":" + task.timeMinute + " on " +
-         DescribeWhen(task, store_.DateOrderMonthFirst, clock_);
+  return At(kTypes, task.taskType) != nullptr ? LineOf(task) : "";
+}
+
+std::string Sched::TreeLine(std::int16_t index) {
+  DescribeTask(index);
+  return LineOf(store_.CurrentTask);
+}
+
+std::string Sched::LineOf(const TaskRecord& task) const {
+  return task.name + TaskTypeSeparator(task.taskType) + task.timeHour + ":" + task.timeMinute +
+         " on " + DescribeWhen(task, store_.DateOrderMonthFirst, clock_);
 }
 
 void Sched::MatchRecurrence(int every, int in, const DateTime& now) {

@@ -22,6 +22,10 @@ std::string EveryName(int code);
 std::string InName(int code);
 std::string TaskTypeName(int code);
 
+// What stands between the name of a task and its time in its line; a task of an unknown type has one
+// of its own.
+std::string TaskTypeSeparator(int code);
+
 // The date of a once-task, as "25-12-2001" or, with the month first, "12-25-2001". A year that is
 // not four characters long is shown as the present one.
 std::string FormatTaskDate(const TaskRecord& task, int dateOrderMonthFirst, const Clock& clock);
@@ -41,6 +45,8 @@ class Sched {
   // "Backup | Run Script | 23:30 on Every Weekday In Every Month"; empty for an unknown task type.
   // Throws Error 9 for a slot outside 1 to 100.
   std::string DescribeTask(std::int16_t index);
+  // The same for the tree, where a task of an unknown type must be seen, too.
+  std::string TreeLine(std::int16_t index);
 
   // The hour and minute of a slot as DescribeTask last saw them.
   struct DescribedTime {
@@ -57,6 +63,7 @@ class Sched {
   bool IsDue(const TaskRecord& task);
 
  private:
+  std::string LineOf(const TaskRecord& task) const;
   static std::size_t Slot(std::int16_t index);
 
   TaskStore& store_;

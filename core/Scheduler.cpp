@@ -1,5 +1,8 @@
 #include "core/Scheduler.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "core/Convert.h"
 #include "core/Sched.h"
 #include "core/TaskExecution.h"
@@ -9,7 +12,11 @@ namespace orvanto {
 namespace {
 
 constexpr std::int64_t kMillisecondsPerSecond = 1000;
-constexpr std::int64_t kStepBackWaitedFor = 60;  // seconds
+constexpr std::int64_t kSecondsPerMinute = 60;
+
+std::int64_t SecondOf(const Clock& clock) {
+  return clock.UnixMilliseconds() / kMillisecondsPerSecond;
+}
 
 }  // namespace
 
@@ -17,15 +24,11 @@ SecondTimer::SecondTimer(EventLoop& loop, const Clock& clock, std::function<void
     : clock_(clock), onSecond_(std::move(onSecond)), timer_(loop.NewTimer([this] { OnTimer(); })) {}
 
 void SecondTimer::Start() {
-  lastSecond_ = clock_.UnixMilliseconds() / kMillisecondsPerSecond;
+  lastSecond_ = SecondOf(clock_);
   Arm();
 }
 
 void SecondTimer::Stop() { timer_->Stop(); }
-
-void SecondTimer::SkipThisSecond() {
-  lastSecond_ = clock_.UnixMilliseconds() / kMillisecondsPerSecond;
-}
 
 void SecondTimer::Arm() {
   const std::int64_t into = clock_.UnixMilliseconds() % kMillisecondsPerSecond;
@@ -33,12 +36,10 @@ void SecondTimer::Arm() {
 }
 
 void SecondTimer::OnTimer() {
-  const std::int64_t second = clock_.UnixMilliseconds() / kMillisecondsPerSecond;
-  const bool seen = second <= lastSecond_ && lastSecond_ - second <= kStepBackWaitedFor;
+  const std::int64_t second = SecondOf(clock_);
   // Armed before the call, which may take long, let this timer in again, stop it or throw.
   Arm();
-  if (seen) return;
-  lastSecond_ = second;
+  if (second == std::exchange(lastSecond_, second)) return;
   onSecond_();
 }
 
@@ -50,20 +51,33 @@ Scheduler::Scheduler(EventLoop& loop, const Clock& clock, TaskStore& store, Sche
       sched_(sched),
       execution_(execution) {}
 
-void Scheduler::Tick() {
+void Scheduler::RefreshCaption() {
   const DateTime now = clock_.Now();
   if (onCaption) onCaption("Orvanto - " + TwoDigits(now.hour) + ":" + TwoDigits(now.minute));
+}
+
+void Scheduler::Tick() {
+  RefreshCaption();
   if (onSecond) onSecond();
-  if (clock_.Now().second != 0) return;
-  tmrSched.SkipThisSecond();
-  RunDueTasks();
+  if (clock_.Now().second == 0 && LookAtThisMinute()) RunDueTasks();
+}
+
+// False when it has been looked at: by a tick that came late, or before the clock was set back. By
+// up to a minute, that leads to the last minute looked at or to the one before.
+bool Scheduler::LookAtThisMinute() {
+  const std::int64_t minute = SecondOf(clock_) / kSecondsPerMinute;
+  if (std::find(lookedAt_.begin(), lookedAt_.end(), minute) != lookedAt_.end()) return false;
+  lookedAt_ = {minute, lookedAt_[0]};
+  return true;
 }
 
 void Scheduler::RunDueTasks() {
+  const std::int64_t minute = lookedAt_[0];
   const std::int16_t count = store_.NoTasks();
   for (int i = 1; i <= count; ++i) {
-    // The program may be told to end while a task runs (a message box left open).
-    if (!tmrSched.Enabled()) return;
+    // A task may take long (a message box left open, a script). The program may be told to end
+    // meanwhile, or a tick of the next minute, let in by the task, have run what is due by now.
+    if (!tmrSched.Enabled() || lookedAt_[0] != minute) return;
     const auto slot = static_cast<std::int16_t>(i);
     store_.LoadTask(slot);
     if (!sched_.IsDue(store_.CurrentTask)) continue;

@@ -2,6 +2,7 @@
 // no queue and no catch-up: the tick at second 00 is the only look at its minute.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -17,18 +18,15 @@ class TaskExecution;
 class TaskStore;
 
 // Calls back once for every second of the wall clock while the thread is free: aligned to where the
-// second begins, however late a timer comes, and never twice for the same second. A second during
-// which the thread was busy to its end is skipped. A clock set back by up to a minute is waited
-// for; one set back further, or forward, is followed at once.
+// second begins, however late a timer comes, and never twice in a row for the same second. A second
+// during which the thread was busy to its end is skipped. A clock that is set, forward or back, is
+// followed at once.
 class SecondTimer {
  public:
   SecondTimer(EventLoop& loop, const Clock& clock, std::function<void()> onSecond);
 
   void Start();  // the first call comes with the next second
   void Stop();
-  // Gives the present second no more: its tick has looked at it, though it was that of the second
-  // before, delivered late.
-  void SkipThisSecond();
   bool Enabled() const { return timer_->Enabled(); }
 
  private:
@@ -47,8 +45,12 @@ class Scheduler {
             TaskExecution& execution);
 
   // One tick. It may re-enter: a script that a task runs lets other events through, and the second
-  // 00 of the next minute among them is looked at like any other.
+  // 00 of the next minute among them is looked at like any other. Each minute is looked at once,
+  // also when the clock is set back by up to a minute.
   void Tick();
+
+  // Raises onCaption now, for a window that is shown before the first tick.
+  void RefreshCaption();
 
   // The caption for the main window, on every tick: "Orvanto - 14:05".
   std::function<void(const std::string& caption)> onCaption;
@@ -58,12 +60,15 @@ class Scheduler {
   SecondTimer tmrSched;
 
  private:
+  bool LookAtThisMinute();
   void RunDueTasks();
 
   const Clock& clock_;
   TaskStore& store_;
   Sched& sched_;
   TaskExecution& execution_;
+  // The minutes that were looked at last, the latest first, counted from 1970.
+  std::array<std::int64_t, 2> lookedAt_{};
 };
 
 }  // namespace orvanto

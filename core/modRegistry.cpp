@@ -102,6 +102,20 @@ char TypeLetter(const std::string& type) {
   return lower == "s" || lower == "b" || lower == "d" ? lower[0] : '\0';
 }
 
+// Whether the value is of the kind that the letter stands for.
+bool Holds(const RegistryData& value, char letter) {
+  switch (letter) {
+    case 's':
+      return std::holds_alternative<std::string>(value);
+    case 'b':
+      return std::holds_alternative<bool>(value);
+    case 'd':
+      return std::holds_alternative<std::int32_t>(value);
+    default:
+      return false;
+  }
+}
+
 std::string SectionPath(const std::string& section) {
   return std::string(kProductKey) + "\\" + section;
 }
@@ -147,7 +161,7 @@ Status RegistryAccess::RegWrite(const std::string& rootName, const std::string& 
   const auto root = ResolveRoot(rootName);
   if (!root) return kUnresolvedRoot;
   const char letter = TypeLetter(type);
-  if (letter == '\0') return kInvalidParameter;
+  if (!Holds(value, letter)) return kInvalidParameter;
   OpenedKey key(registry_);
   if (const Status status =
           registry_.CreateKey(*root, keyPath, kSetValue | kCreateSubKey, key.Handle())) {

@@ -32,7 +32,8 @@ class RegistryAccess {
   Status RegRead(const std::string& rootName, const std::string& keyPath,
                  const std::string& valueName, const std::string& type,
                  const RegistryData& defaultValue, RegistryData& result);
-  // Creates the key when it is missing. "D" takes its number as 16 bits.
+  // Creates the key when it is missing. "D" takes its number as 16 bits. kInvalidParameter for an
+  // unknown letter, and for a value of another kind than it.
   Status RegWrite(const std::string& rootName, const std::string& keyPath,
                   const std::string& valueName, const std::string& type, const RegistryData& value);
   // Deleting what is not there succeeds.

@@ -4,6 +4,7 @@
 
 #include "core/Convert.h"
 #include "core/Sched.h"
+#include "platform/Text.h"
 #include "platform/Utf8.h"
 
 namespace orvanto {
@@ -27,10 +28,25 @@ bool IsOwnSection(const std::string& name) {
 // UTF-8, as an old telnet client sends them, would all become the same character there.
 bool IsSectionName(const std::string& name) {
   constexpr std::size_t kLongest = 255;
-  return name.size() <= kLongest && name.front() != '\\' && name.back() != '\\' &&
-         name.find("\\\\") == std::string::npos && name.find('\0') == std::string::npos &&
-         IsUtf8(name);
+  return IsUtf8(name) && Utf16Length(name) <= kLongest && name.front() != '\\' &&
+         name.back() != '\\' && name.find("\\\\") == std::string::npos &&
+         name.find('\0') == std::string::npos;
 }
+
+// A number as it may be typed, " 7" or "+7", without what is not its own.
+std::string Bare(const std::string& typed) {
+  std::string_view text = TrimBlanks(typed);
+  if (text.starts_with('+')) text.remove_prefix(1);
+  return std::string(text);
+}
+
+// Of a time; -1 for anything but digits, so that "7." and ".5" are refused.
+std::int16_t Digits(const std::string& text) {
+  const bool digits = text.find_first_not_of("0123456789") == std::string::npos;
+  return digits ? ToInt16Or(text, -1) : std::int16_t{-1};
+}
+
+bool IsControl(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }
 
 // Throws what ToInt16 throws.
 bool DayFitsMonth(std::int16_t day, std::int16_t month, std::int16_t year) {
@@ -60,9 +76,10 @@ void TaskStore::SetProgramFolder(const std::string& folder) {
 
 std::int16_t TaskStore::NoTasks() {
   const std::int16_t count = ToInt16Or(settings_.ReadSetting(kGeneral, kCount, "0"), -1);
-  if (count >= 0) return count;
-  if (settings_.StorageMode() != 0 && settings_.StorageMode() != 1) return 0;
-  // Somebody damaged the count. Were it taken as 0, the next new task would overwrite the first.
+  return count >= 0 ? count : NamesThere();
+}
+
+std::int16_t TaskStore::NamesThere() {
   std::int16_t found = 0;
   while (found < kMaxTasks && !TaskName(static_cast<std::int16_t>(found + 1)).empty()) ++found;
   return found;
@@ -122,10 +139,21 @@ void TaskStore::ReadWhen(const std::string& section, TaskRecord& task) {
 
 void TaskStore::SaveTask(const TaskEntry& entry) {
   RegistryChange change(settings_.Store());
+  if (constexpr std::int16_t kNone = 0; !BelongsToAnother(entry.name, kNone)) {
+    ForgetOldTexts(entry.name);
+  }
   settings_.WriteSetting(entry.name, "Group", entry.group);
   WriteWhen(entry);
   ClaimSlot(entry);
   WriteWhat(entry);
+}
+
+// A renamed task has left its section there, which the next one of that name takes over.
+void TaskStore::ForgetOldTexts(const std::string& section) {
+  for (const auto& [value, text] : {std::pair{"CmdLine", ""}, {"WinStyle", "1"}}) {
+    if (settings_.ReadSetting(section, value, text) == text) continue;
+    settings_.WriteSetting(section, value, text);
+  }
 }
 
 std::int16_t TaskStore::SlotToSave(const std::string& loadedName, std::int16_t loadedSlot) {
@@ -133,13 +161,19 @@ std::int16_t TaskStore::SlotToSave(const std::string& loadedName, std::int16_t l
     if (TaskName(loadedSlot) == loadedName) return loadedSlot;
     if (const std::int16_t slot = SlotOfName(loadedName); slot != 0) return slot;
   }
-  // No slot lies further behind a full list, however much a damaged count says.
-  return static_cast<std::int16_t>(std::min(NoTasks(), kMaxTasks) + 1);
+  // Where no count can be read, a new task must not take the place of the first one.
+  const bool counted = !settings_.ReadSetting(kGeneral, kCount, "").empty();
+  // No slot lies beyond a full list, however much a damaged count says.
+  return static_cast<std::int16_t>(std::min(counted ? NoTasks() : NamesThere(), kMaxTasks) + 1);
 }
 
 std::int16_t TaskStore::StoreEntry(TaskEntry entry, const std::string& loadedName, Check check) {
   RegistryChange change(settings_.Store());
   entry.index = SlotToSave(loadedName, entry.index);
+  for (std::string* number :
+       {&entry.hour, &entry.minute, &entry.datePart1, &entry.datePart2, &entry.year}) {
+    *number = Bare(*number);
+  }
   TaskValidationMessage.clear();
   if (entry.index > kMaxTasks) {
     TaskValidationMessage = kListFull;
@@ -148,9 +182,18 @@ std::int16_t TaskStore::StoreEntry(TaskEntry entry, const std::string& loadedNam
   } else {
     ValidateTaskName(entry.name, entry.index);
   }
+  if (TaskValidationMessage.empty() && BelongsToAnother(entry.name, entry.index)) {
+    TaskValidationMessage = kSameSection;
+  }
   if (!TaskValidationMessage.empty()) return 0;
+  for (std::string* number : {&entry.hour, &entry.minute, &entry.datePart1, &entry.datePart2}) {
+    *number = TwoDigits(ToInt16Or(*number, 0));
+  }
   SaveTask(entry);
-  return entry.index;
+  // A storage mode that stores nothing reports no failure.
+  if (change.Commit() == kSuccess && TaskName(entry.index) == entry.name) return entry.index;
+  TaskValidationMessage = kNotWritten;
+  return 0;
 }
 
 void TaskStore::WriteWhen(const TaskEntry& entry) {
@@ -185,7 +228,7 @@ void TaskStore::ClaimSlot(const TaskEntry& entry) {
   } else if (const std::string count = settings_.ReadSetting(kGeneral, kCount, "0");
              entry.name != count) {
     // A section named like the count goes, a renamed task's old section stays: kept as it is.
-    DeleteSection(count);
+    DeleteSection(count, entry.index);
   }
   settings_.WriteSetting(kGeneral, SlotName(entry.index), entry.name);
 }
@@ -217,8 +260,18 @@ void TaskStore::WriteWhat(const TaskEntry& entry) {
   }
 }
 
-void TaskStore::DeleteSection(const std::string& name) {
-  if (!IsOwnSection(name)) settings_.DeleteUserKey(name);
+void TaskStore::DeleteSection(const std::string& name, std::int16_t ownSlot) {
+  if (!IsOwnSection(name) && !BelongsToAnother(name, ownSlot)) settings_.DeleteUserKey(name);
+}
+
+// Whether a slot other than the given one keeps its fields in that section.
+bool TaskStore::BelongsToAnother(const std::string& section, std::int16_t ownSlot) {
+  const int last = std::max<int>(NoTasks(), ownSlot - 1);
+  for (int j = 1; j <= last; ++j) {
+    if (j == ownSlot) continue;
+    if (settings_.Store().IsSameKey(TaskName(static_cast<std::int16_t>(j)), section)) return true;
+  }
+  return false;
 }
 
 void TaskStore::DeleteTask(std::int16_t index) {
@@ -226,7 +279,7 @@ void TaskStore::DeleteTask(std::int16_t index) {
     RegistryChange change(settings_.Store());
     const int count = NoTasks();
     if (index < 1 || index > count) return;
-    DeleteSection(TaskName(index));
+    DeleteSection(TaskName(index), index);
     settings_.DeleteUserSetting(kGeneral, SlotName(index));
     for (int j = index + 1; j <= count; ++j) {
       settings_.WriteSetting(kGeneral, SlotName(j - 1), TaskName(static_cast<std::int16_t>(j)));
@@ -240,7 +293,10 @@ void TaskStore::DeleteTask(std::int16_t index) {
 void TaskStore::FindTaskIndex(const std::string& nodeText, std::int16_t& index) {
   const auto end = nodeText.find(kNameEnd);
   if (end == std::string::npos) return;
-  if (const std::int16_t slot = SlotOfName(nodeText.substr(0, end)); slot != 0) index = slot;
+  const std::string name = nodeText.substr(0, end);
+  const std::int16_t type = ToInt16Or(settings_.ReadSetting(name, "TaskType", "2"), 0);
+  if (!nodeText.starts_with(name + TaskTypeSeparator(type))) return;
+  if (const std::int16_t slot = SlotOfName(name); slot != 0) index = slot;
 }
 
 std::int16_t TaskStore::SlotOfName(const std::string& name) {
@@ -268,8 +324,8 @@ void TaskStore::ValidateWhen(const TaskEntry& entry) {
   if (entry.timeType == kTimeDayNumber && (entry.dayNo < 1 || entry.dayNo > 31)) {
     TaskValidationMessage = "Invlaid Day of Month Given";
   }
-  const std::int16_t hour = ToInt16Or(entry.hour, -1);
-  const std::int16_t minute = ToInt16Or(entry.minute, -1);
+  const std::int16_t hour = Digits(entry.hour);
+  const std::int16_t minute = Digits(entry.minute);
   if (hour < 0 || hour > 23) TaskValidationMessage = "Invlaid Hour given for Time";
   if (minute < 0 || minute > 59) TaskValidationMessage = "Invalid Minute given for Time";
 }
@@ -285,7 +341,7 @@ void TaskStore::ValidateTaskName(const std::string& name, std::int16_t ownIndex)
     TaskValidationMessage = kInUse;
     return;
   }
-  if (!IsSectionName(name)) {
+  if (!IsSectionName(name) || !MayBeGiven(name, ownIndex)) {
     TaskValidationMessage = "That Task Name cannot be used. Please use a different one.";
     return;
   }
@@ -295,6 +351,13 @@ void TaskStore::ValidateTaskName(const std::string& name, std::int16_t ownIndex)
     TaskValidationMessage = kInUse;
     return;
   }
+}
+
+// A task could not be found again by a line of the tree that holds a separator in its name, and a
+// terminal would obey a control character. A task that has such a name already may keep it.
+bool TaskStore::MayBeGiven(const std::string& name, std::int16_t ownIndex) {
+  const bool separates = (name + kNameEnd).find(kNameEnd) < name.size();
+  return (!separates && PrintableLine(name) == name) || TaskName(ownIndex) == name;
 }
 
 void TaskStore::ValidateDate(const std::string& dayText, const std::string& monthText,
@@ -333,7 +396,11 @@ void TaskStore::CheckTaskFile(std::int16_t taskType, const std::string& path) {
       taskType != kPlaySound) {
     return;
   }
-  if (!finder_.FindFile(LowerCase(TaskFile(path)))) TaskValidationMessage = "File does not exist";
+  // A NUL would end the path for the system, and another file be looked at.
+  const bool named = std::none_of(path.begin(), path.end(), IsControl);
+  if (!named || !finder_.FindFile(LowerCase(TaskFile(path)))) {
+    TaskValidationMessage = "File does not exist";
+  }
 }
 
 std::string TaskStore::TaskFile(const std::string& path) const {

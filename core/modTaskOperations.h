@@ -37,7 +37,8 @@ class TaskStore {
   std::string AppDir;
   void SetProgramFolder(const std::string& folder);
 
-  // The number of slots. A count that does not convert is made good from the names that are there.
+  // The number of slots, 0 where none is stored. A count that does not convert is made good from the
+  // names that are there.
   std::int16_t NoTasks();
   std::string TaskName(std::int16_t index);
 
@@ -55,12 +56,17 @@ class TaskStore {
 
   // Checks what a user has entered and saves it, as one change of the store. `loadedName` is the
   // name that the task had when it was loaded from the entry's slot; its slot is looked for again,
-  // since the list may have changed. What was never stored (an empty name) or has gone comes behind
-  // the last task. Returns the slot; 0 when it is refused, and TaskValidationMessage tells why.
+  // since the list may have changed. What was never stored (an empty name) or has gone comes after
+  // the last task. Times and dates are stored as digits, however they were typed. Returns the slot;
+  // 0 when it is refused or cannot be written, and TaskValidationMessage tells why.
   enum class Check { All, NameOnly };
   std::int16_t StoreEntry(TaskEntry entry, const std::string& loadedName, Check check = Check::All);
   static constexpr const char* kListFull =
       "The task list is full: it holds 100 tasks. Delete one first.";
+  static constexpr const char* kSameSection =
+      "Another task has that name in other upper and lower case. Please use a different one.";
+  static constexpr const char* kNotWritten =
+      "The task could not be saved: the settings cannot be written.";
 
   // Removes a slot and closes the gap, as one change; then raises onListChanged. In shared mode the
   // machine-wide section stays and is only hidden. A slot that is not there changes nothing.
@@ -68,7 +74,8 @@ class TaskStore {
   std::function<void()> onListChanged;
 
   // The slot whose name stands before the first " | " of a tree line; `index` stays as it is when
-  // there is none.
+  // there is none, or when the line goes on otherwise than the line of that slot (a name that holds
+  // a separator itself).
   void FindTaskIndex(const std::string& nodeText, std::int16_t& index);
 
   // All checks in order; the message of the last one that fails remains.
@@ -85,9 +92,13 @@ class TaskStore {
   void WriteWhen(const TaskEntry& entry);
   void WriteWhat(const TaskEntry& entry);
   void ClaimSlot(const TaskEntry& entry);
-  void DeleteSection(const std::string& name);
+  void DeleteSection(const std::string& name, std::int16_t ownSlot);
+  bool BelongsToAnother(const std::string& section, std::int16_t ownSlot);
+  void ForgetOldTexts(const std::string& section);
+  std::int16_t NamesThere();
   std::int16_t SlotToSave(const std::string& loadedName, std::int16_t loadedSlot);
   void ValidateWhen(const TaskEntry& entry);
+  bool MayBeGiven(const std::string& name, std::int16_t ownIndex);
 
   Settings& settings_;
   const Clock& clock_;

@@ -51,9 +51,12 @@ class Registry {
   virtual Status SetValue(Key key, const std::string& name, ValueType type, const void* data,
                           std::uint32_t size) = 0;
   virtual Status DeleteValue(Key key, const std::string& name) = 0;
-  // A key with subkeys is not deleted: kAccessDenied.
+  // A key with subkeys is not deleted: kAccessDenied. An empty name is kInvalidParameter.
   virtual Status DeleteKey(Key parent, const std::string& subkey) = 0;
   virtual Status CloseKey(Key key) = 0;
+
+  // Whether the two name the same key, in whatever case they are written.
+  virtual bool IsSameKey(const std::string& one, const std::string& other) const = 0;
 
   // Everything written between the two belongs together. Changes nest; the outermost end decides
   // and reports the first write that failed, also one that failed for its arguments. That a

@@ -44,15 +44,6 @@ unsigned LowerCodePoint(unsigned codePoint) {
   return codePoint;
 }
 
-std::size_t Utf16Length(std::string_view text) {
-  std::size_t length = 0;
-  for (const char c : text) {
-    if (!IsContinuation(c)) ++length;
-    if (static_cast<unsigned char>(c) >= 0xF0) ++length;  // a surrogate pair
-  }
-  return length;
-}
-
 // Strips the trailing backslash and checks each component.
 Status CheckPath(std::string_view& path) {
   if (path.size() > 1 && path.back() == '\\') path.remove_suffix(1);

@@ -81,6 +81,8 @@ Status TreeRegistry::DeleteValue(Key key, const std::string& name) {
 }
 
 Status TreeRegistry::DeleteKey(Key parent, const std::string& subkey) {
+  // An empty name would stand for the parent itself.
+  if (subkey.empty()) return failure_.OfDeletion(kInvalidParameter);
   return failure_.OfDeletion(
       WriteTo(parent, kCreateSubKey, [&](RegistryTree& tree, const std::string& parentId) {
         std::string id;

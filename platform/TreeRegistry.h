@@ -24,6 +24,9 @@ class TreeRegistry : public Registry {
   // Needs kCreateSubKey, which Windows does not insist on.
   Status DeleteKey(Key parent, const std::string& subkey) final;
   Status CloseKey(Key key) final;
+  bool IsSameKey(const std::string& one, const std::string& other) const final {
+    return RegistryTree::Fold(one) == RegistryTree::Fold(other);
+  }
 
   std::size_t OpenKeys() const { return open_.size(); }
 

@@ -65,4 +65,13 @@ bool IsUtf8(std::string_view text) {
   return true;
 }
 
+std::size_t Utf16Length(std::string_view text) {
+  std::size_t length = 0;
+  for (const char c : text) {
+    if (!IsContinuation(c)) ++length;
+    if (static_cast<unsigned char>(c) >= 0xF0) ++length;  // a surrogate pair
+  }
+  return length;
+}
+
 }  // namespace orvanto

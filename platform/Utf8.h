@@ -20,4 +20,7 @@ void AppendUtf8(char32_t character, std::string& text);
 
 bool IsUtf8(std::string_view text);
 
+// How many units of UTF-16 the text takes, which is how Windows counts characters.
+std::size_t Utf16Length(std::string_view text);
+
 }  // namespace orvanto

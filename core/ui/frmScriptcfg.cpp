@@ -1,5 +1,6 @@
 #include "core/ui/frmScriptcfg.h"
 
+#include <algorithm>
 #include <initializer_list>
 #include <utility>
 
@@ -253,7 +254,11 @@ void frmScriptcfg::Start(const std::string& commandLine, const std::string& prog
   Step([&] { store.ReadDateOrder(); });
   Step([&] { CentreOnScreen(); });
   Step([&] { store.SetProgramFolder(programFolder); });
-  Step([&] { BuildTaskTree(); });
+  Step([&] {
+    BuildTaskTree();
+    if (store.NoTasks() > kMaxTasks) throw Error(kSubscriptOutOfRange, "Subscript out of range");
+  });
+  services_.scheduler.RefreshCaption();
 
   const bool canEdit = showEditor != nullptr;
   cmdNew.SetEnabled(canEdit);
@@ -289,10 +294,9 @@ void frmScriptcfg::BuildTaskTree() {
   TreeUpdate update(treTasks);
   treTasks.Clear();
   EnableTaskCommands(false);
-  const std::int16_t count = store.NoTasks();
-  for (int i = 1; i <= count; ++i) {
-    const auto slot = static_cast<std::int16_t>(i);
-    const std::string description = services_.sched.DescribeTask(slot);
+  const std::int16_t count = std::min(store.NoTasks(), kMaxTasks);
+  for (std::int16_t slot = 1; slot <= count; ++slot) {
+    const std::string description = services_.sched.TreeLine(slot);
     const std::string group = store.CurrentTask.group;
     // Any node of that text will do, in the order of their making.
     std::optional<forms::TreeView::NodeId> parent;

@@ -61,7 +61,7 @@ class frmScriptcfg : public forms::Form {
   // Shows the window, on top of the others and out of the tray, unless it has been unloaded.
   void Return();
 
-  // Reads the store anew. The selection is lost. Throws Error 9 behind the hundredth task.
+  // Reads the store anew, as far as the hundredth task. The selection is lost.
   void BuildTaskTree();
 
   ProgramSettings programSettings;

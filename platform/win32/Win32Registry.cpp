@@ -146,4 +146,12 @@ Status Win32Registry::DeleteKey(Key parent, const std::string& subkey) {
 
 Status Win32Registry::CloseKey(Key key) { return ToStatus(RegCloseKey(Native(key))); }
 
+bool Win32Registry::IsSameKey(const std::string& one, const std::string& other) const {
+  const std::wstring first = ToWide(one);
+  const std::wstring second = ToWide(other);
+  // By the system's own table of capitals, as the registry compares.
+  return CompareStringOrdinal(first.data(), static_cast<int>(first.size()), second.data(),
+                              static_cast<int>(second.size()), TRUE) == CSTR_EQUAL;
+}
+
 }  // namespace orvanto::win32

@@ -18,6 +18,7 @@ class Win32Registry : public Registry {
   Status DeleteValue(Key key, const std::string& name) override;
   Status DeleteKey(Key parent, const std::string& subkey) override;
   Status CloseKey(Key key) override;
+  bool IsSameKey(const std::string& one, const std::string& other) const override;
 
   // Each write counts at once; a failure undoes nothing.
   void BeginChange() override {

@@ -81,6 +81,15 @@ TEST_F(MainWindowTest, CommandsAreOfferedWhenANodeIsSelected) {
   EXPECT_FALSE(window.mnuRun.Choose());
 }
 
+TEST_F(MainWindowTest, ATaskOfAnUnknownTypeCanBeSeenAndDeleted) {
+  Add("Odd", "10:00", [](TaskEntry& entry) { entry.taskType = 9; });
+  Start();
+  EXPECT_EQ(Lines(), (Texts{"General", "General/Odd"}));
+  Click("Odd");
+  ASSERT_TRUE(window.cmdDelete.Press());
+  EXPECT_EQ(store.NoTasks(), 0);
+}
+
 TEST_F(MainWindowTest, TheTrayTakesTheWindowAndADoubleClickBringsItBack) {
   Add("In the tray", "14:05", [](TaskEntry& entry) { entry.taskType = kShutdownComputer; });
   Add("Hidden", "14:06");
@@ -91,6 +100,7 @@ TEST_F(MainWindowTest, TheTrayTakesTheWindowAndADoubleClickBringsItBack) {
   EXPECT_EQ(trayIcon.shownTip, "Orvanto");
   for (const int ignored : {kMouseMove, kLeftDown, kLeftUp, kRightUp}) trayIcon.onMouse(ignored);
   EXPECT_FALSE(window.Visible());
+  EXPECT_EQ(window.Caption(), "Orvanto - 14:04") << "before the first tick";
   loop.Advance(31000);
   EXPECT_EQ(done, (Texts{"end 1"}));
   EXPECT_EQ(window.Caption(), "Orvanto - 14:05");
@@ -147,6 +157,8 @@ TEST_F(MainWindowTest, AFailedStepIsLoggedAndTheNextOnesFollow) {
   EXPECT_TRUE(scheduler.tmrSched.Enabled());
   // The first hundred are shown all the same: their one group and themselves.
   EXPECT_EQ(Lines().size(), 101U);
+  ASSERT_TRUE(window.treTasks.ClickNode(100));
+  EXPECT_TRUE(window.cmdDelete.Press()) << "there is nothing there";
 }
 
 }  // namespace

@@ -61,6 +61,8 @@ TEST_F(RegistryAccessTest, EachTypeIsWrittenInItsWidth) {
   ASSERT_EQ(Write("Flag", "B", true), kSuccess);
   ASSERT_EQ(Write("Number", "D", -2), kSuccess);
   ASSERT_EQ(Write("Cut", "D", 0x12345), kSuccess);
+  EXPECT_EQ(Write("Flag", "S", true), kInvalidParameter);
+  EXPECT_EQ(Write("Flag", "Q", true), kInvalidParameter);
   EXPECT_EQ(Bytes("Flag"), "\xFF\xFF");
   EXPECT_EQ(Bytes("Number"), "\xFE\xFF\xFF\xFF");
   EXPECT_EQ(Read("Flag", "B", false), RegistryData(true));

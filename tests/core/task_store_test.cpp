@@ -83,6 +83,8 @@ TEST_F(TaskStoreTest, SavingAnExistingSlotKeepsTheCountAndTheOldNamesSection) {
   store.SaveTask(Entry("Renamed", "08:05", [](TaskEntry& entry) { entry.index = 2; }));
   EXPECT_EQ(Names(), (Texts{"2", "Renamed"}));
   EXPECT_TRUE(HasSection("Two"));
+  EXPECT_TRUE(HasSection("2")) << "it is a task's";
+  store.SaveTask(Entry("One", "08:05", [](TaskEntry& entry) { entry.index = 1; }));
   EXPECT_FALSE(HasSection("2")) << "the section named like the count goes";
 }
 
@@ -97,8 +99,82 @@ TEST_F(TaskStoreTest, TheProgramsOwnSectionsAreNeverDeleted) {
   EXPECT_EQ(Stored(kInternet, "Proxy FTP"), "1");
 }
 
+TEST_F(TaskStoreTest, NamesThatShareASectionAreNotMixedUp) {
+  Fill({"Größe", "Backup"});
+  const TaskEntry folded = Entry("gRÖßE", "08:05");
+  EXPECT_EQ(store.StoreEntry(folded, ""), 0);
+  EXPECT_EQ(store.TaskValidationMessage, TaskStore::kSameSection);
+  EXPECT_EQ(store.StoreEntry(folded, "Backup"), 0);
+  EXPECT_EQ(store.StoreEntry(folded, "Größe"), 1) << "its own slot";
+  EXPECT_EQ(Names(), (Texts{"gRÖßE", "Backup"}));
+  Fill({"GRÖßE"});  // before they were refused
+  store.DeleteTask(3);
+  store.LoadTask(1);
+  EXPECT_EQ(store.CurrentTask.timeHour, "08");
+}
+
+TEST_F(TaskStoreTest, ANewTaskTakesNothingOverFromOneThatHadItsName) {
+  for (const std::int16_t mode : std::initializer_list<std::int16_t>{0, 1}) {
+    settings.SetStorageMode(mode);
+    Add("Old", "08:05", [](TaskEntry& entry) {
+      entry.taskType = kRunProgram;
+      entry.cmdLine = "/x";
+      entry.winStyle = 6;
+    });
+    TaskEntry other = Entry("Renamed", "08:05");
+    ASSERT_EQ(store.StoreEntry(other, "Old"), 1);
+    ASSERT_EQ(store.StoreEntry(Entry("Old", "08:05"), ""), 2);
+    store.LoadTask(2);
+    EXPECT_EQ(store.CurrentTask.cmdLine, "");
+    EXPECT_EQ(store.CurrentTask.winStyle, 1);
+    EXPECT_EQ(Stored("Renamed", "CmdLine"), "(missing)") << "nothing that was not there";
+  }
+}
+
+TEST_F(TaskStoreTest, TimesAreStoredAsDigitsHoweverTyped) {
+  const std::array<const char*, 3> cases[] = {{" 7", "+5", "07:05"}, {"7 ", "5", "07:05"},
+                                              {"7.", "5", ""},       {"7", ".5", ""},
+                                              {"-0", "5", ""},       {"1e", "5", ""}};
+  for (const auto& [hour, minute, expected] : cases) {
+    TaskEntry entry = Entry(std::string("At ") + hour + minute, "08:05");
+    entry.hour = hour;
+    entry.minute = minute;
+    entry.timeType = kTimeOnce;
+    entry.datePart1 = " 5";
+    entry.datePart2 = "+1";
+    entry.year = "2027";
+    const std::int16_t slot = store.StoreEntry(entry, "");
+    EXPECT_EQ(slot != 0, *expected != '\0') << hour << ":" << minute;
+    if (slot == 0) continue;
+    EXPECT_EQ(Stored(entry.name, "TimeHour") + ":" + Stored(entry.name, "TimeMinute"), expected);
+    EXPECT_EQ(Stored(entry.name, "DateDay") + Stored(entry.name, "DateMonth"), "0501");
+  }
+}
+
+TEST_F(TaskStoreTest, WhatCannotBeWrittenIsSaid) {
+  registry.FailWrite(3, kDiskFull);
+  EXPECT_EQ(store.StoreEntry(Entry("One", "08:05"), ""), 0);
+  EXPECT_EQ(store.TaskValidationMessage, TaskStore::kNotWritten);
+  settings.SetStorageMode(2);
+  EXPECT_EQ(store.StoreEntry(Entry("One", "08:05"), ""), 0);
+  EXPECT_EQ(store.TaskValidationMessage, TaskStore::kNotWritten);
+}
+
 TEST_F(TaskStoreTest, ADamagedCountCostsNoTask) {
   Fill({"One", "Two"});
+  const std::string general = std::string(kProductKey) + "\\General";
+  for (const bool mistyped : {false, true}) {
+    settings.DeleteUserSetting(kGeneral, "NoTasks");
+    RegistryAccess access(registry);
+    if (mistyped) access.RegWrite("HKCU", general, "NoTasks", "D", std::int32_t{2});
+    EXPECT_EQ(store.NoTasks(), 0);
+    EXPECT_EQ(store.StoreEntry(Entry("two", "08:05"), ""), 0) << "the name is there";
+    const std::int16_t slot = mistyped ? 4 : 3;
+    EXPECT_EQ(store.StoreEntry(Entry("New " + std::to_string(slot), "08:05"), ""), slot);
+  }
+  EXPECT_EQ(Names(), (Texts{"One", "Two", "New 3", "New 4"}));
+  store.DeleteTask(4);
+  store.DeleteTask(3);
   for (const char* damaged : {"two", "-1", "99999", ""}) {
     settings.WriteSetting(kGeneral, "NoTasks", damaged);
     EXPECT_EQ(Names(), (Texts{"One", "Two"})) << damaged;
@@ -124,12 +200,13 @@ TEST_F(TaskStoreTest, AFailedWriteLeavesTheOtherTasksAlone) {
 TEST_F(TaskStoreTest, FindsTheTaskOfATreeLine) {
   Fill({"Backup", "backup", "Odd | Name"});
   const std::pair<const char*, std::int16_t> lines[] = {
-      {"backup | Run | 08:05 on Every Day In Every Month", 2},
-      {"Backup | ", 1},
+      {"backup | Popup Message | 08:05 on Every Day In Every Month", 2},
+      {"Backup | Popup Message | ", 1},
       {"Backup", 77},
       {"Backup |", 77},
       {"BACKUP | Run", 77},
       {"Odd | Name | Run", 77},
+      {"Backup | 2 | Popup Message | 08:05", 77},  // a task of another name
       {"", 77}};
   for (const auto& [line, expected] : lines) {
     std::int16_t index = 77;
@@ -139,7 +216,9 @@ TEST_F(TaskStoreTest, FindsTheTaskOfATreeLine) {
 }
 
 TEST_F(TaskStoreTest, RefusesNames) {
-  Fill({"One", "Two"});
+  Fill({"One", "Two", "Three", "Odd | Name"});
+  std::string clefs;  // of two units of UTF-16 and four bytes each
+  for (int i = 0; i < 100; ++i) clefs += "\U0001D11E";
   struct Case {
     std::int16_t slot;
     const char* message;
@@ -150,8 +229,10 @@ TEST_F(TaskStoreTest, RefusesNames) {
         {3, kInUse, {"One", "gEnErAl", "INTERNET", "General\\", "\\Internet", "\\"}},
         {1, kInUse, {"Two"}},
         {3, kUnusable, {"One\\", "\\One", "a\\\\b", {"a\0b", 3}, "Caf\xE9", std::string(256, 'x')}},
-        {3, "", {"one", "a\\b", "Generals", std::string(255, 'x')}},
-        {1, "", {"One"}}}) {
+        {3, kUnusable, {"a | b", "a |", "a\tb", "a\x7F", "a\xC2\x85", clefs + clefs}},
+        {3, "", {"one", "a\\b", "Generals", std::string(255, 'x'), clefs, "a|b", "| a"}},
+        {1, "", {"One"}},
+        {4, "", {"Odd | Name"}}}) {
     for (const std::string& name : c.names) {
       EXPECT_EQ(Validate(Entry(name, "08:05", [&](TaskEntry& entry) { entry.index = c.slot; })),
                 c.message)
@@ -236,6 +317,7 @@ TEST_F(TaskStoreTest, LooksForFilesInTheScriptsFolderUnlessThePathIsWhole) {
                         {kPrintFile, "D:\\y.txt", "d:\\y.txt", kNone},
                         {kPlaySound, "", "c:\\orvanto\\scripts\\", kNone},
                         {kRunProgram, "D:x.txt", "c:\\orvanto\\scripts\\d:x.txt", kNone},
+                        {kRunProgram, "D:\\x.txt\n", "", kNone},
                         {kPopupMessage, "D:\\y.txt", "", ""},
                         {kResetComputer, "", "", ""}}) {
     finder.asked.clear();

@@ -113,6 +113,9 @@ TEST_P(RegistryContract, DeletesValuesAndKeysWithoutSubkeys) {
   ASSERT_EQ(Put(child, "v", "x"), kSuccess);
   EXPECT_EQ(registry_->DeleteKey(parent, "One"), kAccessDenied);
   EXPECT_EQ(registry_->DeleteKey(parent, "Three"), kFileNotFound);
+  EXPECT_EQ(registry_->DeleteKey(child, ""), kInvalidParameter);
+  EXPECT_FALSE(registry_->IsSameKey("Größe", "GRÖSSE"));
+  EXPECT_TRUE(registry_->IsSameKey("Größe", "grÖßE"));
   EXPECT_EQ(registry_->DeleteValue(child, "V"), kSuccess);
   EXPECT_EQ(registry_->DeleteValue(child, "v"), kFileNotFound);
   EXPECT_EQ(registry_->DeleteKey(parent, "ONE\\two"), kSuccess);
