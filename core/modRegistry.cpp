@@ -208,20 +208,39 @@ const char* Settings::Root() const {
   }
 }
 
+Settings::Section::Section(Settings& settings, const std::string& section)
+    : registry_(settings.registry_), storing_(settings.Root() != nullptr) {
+  if (!storing_) return;
+  registry_.OpenKey(*ResolveRoot(settings.Root()), SectionPath(section), kQueryValue, key_);
+}
+
+Settings::Section::~Section() {
+  if (key_ != 0) registry_.CloseKey(key_);
+}
+
+void Settings::Section::Read(const std::string& valueName, const std::string& defaultValue,
+                             std::string& result) const {
+  if (!storing_) return;
+  RegistryData data = defaultValue;
+  if (key_ != 0) ReadString(registry_, key_, valueName, data);
+  result = std::move(std::get<std::string>(data));
+}
+
+std::string Settings::Section::Read(const std::string& valueName,
+                                    const std::string& defaultValue) const {
+  std::string result;
+  Read(valueName, defaultValue, result);
+  return result;
+}
+
 void Settings::ReadSetting(const std::string& section, const std::string& valueName,
                            const std::string& defaultValue, std::string& result) {
-  const char* root = Root();
-  if (root == nullptr) return;
-  RegistryData data;
-  access_.RegRead(root, SectionPath(section), valueName, "S", defaultValue, data);
-  result = std::move(std::get<std::string>(data));
+  Section(*this, section).Read(valueName, defaultValue, result);
 }
 
 std::string Settings::ReadSetting(const std::string& section, const std::string& valueName,
                                   const std::string& defaultValue) {
-  std::string result;
-  ReadSetting(section, valueName, defaultValue, result);
-  return result;
+  return Section(*this, section).Read(valueName, defaultValue);
 }
 
 void Settings::WriteSetting(const std::string& section, const std::string& valueName,

@@ -57,6 +57,22 @@ class Settings {
   // Takes it from the machine-wide `Users_Share`. Throws what ToInt16 throws; then it stays.
   void ReadStorageMode();
 
+  // Reads several values of one section, which is opened once. Must not outlive the settings.
+  class Section {
+   public:
+    Section(Settings& settings, const std::string& section);
+    ~Section();
+    Section(const Section&) = delete;
+    Section& operator=(const Section&) = delete;
+    void Read(const std::string& valueName, const std::string& defaultValue,
+              std::string& result) const;
+    std::string Read(const std::string& valueName, const std::string& defaultValue) const;
+
+   private:
+    Registry& registry_;
+    const bool storing_;  // the mode names a hive
+    Registry::Key key_ = 0;
+  };
   void ReadSetting(const std::string& section, const std::string& valueName,
                    const std::string& defaultValue, std::string& result);
   // The same into a fresh text.

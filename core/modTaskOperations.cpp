@@ -94,26 +94,26 @@ void TaskStore::LoadTask(std::int16_t index) {
   task.dateDay = task.dateMonth = task.dateYear = "0";
   task.index = index;
   task.name = TaskName(index);
-  const std::string& section = task.name;
+  const Settings::Section section(settings_, task.name);
   const auto number = [&](const char* value, const char* defaultValue) {
-    return ToInt16Or(settings_.ReadSetting(section, value, defaultValue), 0);
+    return ToInt16Or(section.Read(value, defaultValue), 0);
   };
 
-  settings_.ReadSetting(section, "Group", "", task.group);
+  section.Read("Group", "", task.group);
   if (task.group.empty()) task.group = kGeneral;
   task.timeType = number("TimeType", "0");
   ReadWhen(section, task);
   task.taskType = number("TaskType", "2");
-  settings_.ReadSetting(section, "Path", "", task.path);
-  settings_.ReadSetting(section, "CmdLine", "", task.cmdLine);
+  section.Read("Path", "", task.path);
+  section.Read("CmdLine", "", task.cmdLine);
   task.winStyle = number("WinStyle", "1");
   CurrentTask = std::move(task);
 }
 
-void TaskStore::ReadWhen(const std::string& section, TaskRecord& task) {
+void TaskStore::ReadWhen(const Settings::Section& section, TaskRecord& task) {
   const DateTime now = clock_.Now();
   const auto twoDigits = [&](const char* value, int defaultValue, std::string& field) {
-    settings_.ReadSetting(section, value, TwoDigits(defaultValue), field);
+    section.Read(value, TwoDigits(defaultValue), field);
     field = TwoDigits(field);
   };
   twoDigits("TimeHour", now.hour, task.timeHour);
@@ -123,14 +123,14 @@ void TaskStore::ReadWhen(const std::string& section, TaskRecord& task) {
     case kTimeOnce:
       twoDigits("DateDay", now.day, task.dateDay);
       twoDigits("DateMonth", now.month, task.dateMonth);
-      settings_.ReadSetting(section, "DateYear", std::to_string(now.year), task.dateYear);
+      section.Read("DateYear", std::to_string(now.year), task.dateYear);
       break;
     case kTimeRecurring:
-      task.every = ToInt16Or(settings_.ReadSetting(section, "Every", "0"), 0);
-      task.in = ToInt16Or(settings_.ReadSetting(section, "In", "0"), 0);
+      task.every = ToInt16Or(section.Read("Every", "0"), 0);
+      task.in = ToInt16Or(section.Read("In", "0"), 0);
       break;
     case kTimeDayNumber:
-      task.dayNo = ToInt16Or(settings_.ReadSetting(section, "DayNo", "1"), 0);
+      task.dayNo = ToInt16Or(section.Read("DayNo", "1"), 0);
       break;
     default:
       break;

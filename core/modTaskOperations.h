@@ -88,7 +88,7 @@ class TaskStore {
   void CheckTaskFile(std::int16_t taskType, const std::string& path);
 
  private:
-  void ReadWhen(const std::string& section, TaskRecord& task);
+  void ReadWhen(const Settings::Section& section, TaskRecord& task);
   void WriteWhen(const TaskEntry& entry);
   void WriteWhat(const TaskEntry& entry);
   void ClaimSlot(const TaskEntry& entry);
