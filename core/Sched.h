@@ -22,8 +22,8 @@ std::string EveryName(int code);
 std::string InName(int code);
 std::string TaskTypeName(int code);
 
-// What stands between the name of a task and its time in its line; a task of an unknown type has one
-// of its own.
+// What stands between the name of a task and its time in its line; a task of an unknown type has
+// one of its own.
 std::string TaskTypeSeparator(int code);
 
 // The date of a once-task, as "25-12-2001" or, with the month first, "12-25-2001". A year that is

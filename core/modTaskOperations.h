@@ -37,8 +37,8 @@ class TaskStore {
   std::string AppDir;
   void SetProgramFolder(const std::string& folder);
 
-  // The number of slots, 0 where none is stored. A count that does not convert is made good from the
-  // names that are there.
+  // The number of slots, 0 where none is stored. A count that does not convert is made good from
+  // the names that are there.
   std::int16_t NoTasks();
   std::string TaskName(std::int16_t index);
 
