@@ -28,8 +28,8 @@ TEST(Commands, FilesAreOpenedPrintedAndWaitedFor) {
       "open('c:\\data\\a.TXT')\nload(' C:\\Data\\A.txt ',9)\nprint('c:\\data\\a.txt')\n"
       "openwait('c:\\data\\a.txt',6)\nloadwait(c:\\data\\a.txt)\n";
   Texts expected{"open c:\\data\\a.txt in '0' 1", "open c:\\data\\a.txt in '0' 0",
-                 "print c:\\data\\a.txt in '0' 1", "wait for c:\\data\\a.txt 0",
-                 "wait for c:\\data\\a.txt 1"};
+                 "print c:\\data\\a.txt in '0' 1", "wait for \"c:\\data\\a.txt\" 0",
+                 "wait for \"c:\\data\\a.txt\" 1"};
   const int states[] = {1, 1, 2, 3, 4, 7, 0, 0};
   for (int style = 0; style <= 7; ++style) {
     script += "open('c:\\data\\a.txt'," + std::to_string(style) + ")\n";

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <map>
 #include <optional>
 #include <thread>
 
@@ -78,6 +79,20 @@ TEST(PosixFiles, ReadsWhatHasAnEnd) {
   }
 }
 
+TEST(PosixFiles, TellsLinksToFoldersFromFolders) {
+  const TemporaryDirectory directory;
+  fs::create_directory(directory / "folder");
+  fs::create_symlink("folder", directory / "link");
+  fs::create_symlink("nothing", directory / "broken");
+  std::map<std::string, Files::EntryKind> listed;
+  PosixFiles().ListFolder(FromNative(directory / ""), [&](const std::string& name, auto kind) {
+    return listed.emplace(name, kind).second;
+  });
+  EXPECT_EQ(listed, (decltype(listed){{"folder", Files::EntryKind::Folder},
+                                      {"link", Files::EntryKind::FolderLink},
+                                      {"broken", Files::EntryKind::File}}));
+}
+
 TEST(PosixFiles, LooksNamesUpWithoutRegardToCase) {
   const TemporaryDirectory directory;
   fs::create_directories(directory / "Dir/Sub");
@@ -114,6 +129,7 @@ TEST(Paths, FindTheBranchInWhichTheWholePathExists) {
       {"d/foo/SUB/New.txt", "d/FOO/sub/New.txt"},
       {"D/Foo/", "D/foo/"},
       {"d/fool", "d/Fool"},
+      {"d/FOOL", "d/FOOL"},
       {"D/hidden/Dir", "d/hidden/Dir"},
       {"none/Foo", "none/Foo"},
   };
