@@ -185,6 +185,7 @@ class ProgramsTest : public testing::Test {
   }
 
   TemporaryDirectory directory_;
+  Notices notices_;
   const Environment path_;
   const Environment record_;
 };
@@ -225,7 +226,8 @@ TEST_F(ProgramsTest, RunsProgramsAndHandsDocumentsOn) {
   PosixLoop loop;
   const auto execute = [&](const std::string& operation, const std::string& file,
                            const std::string& parameters = "", const std::string& in = "") {
-    return PosixShell(loop).Execute({operation, file, parameters, in, ShowCommand::Normal});
+    return PosixShell(loop, notices_)
+        .Execute({operation, file, parameters, in, ShowCommand::Normal});
   };
   const std::string tool = FromNative(directory_ / "TOOL");
   ASSERT_TRUE(execute("open", tool + " a b", "c \"d e\"", "Z:\\"));
@@ -253,7 +255,7 @@ TEST_F(ProgramsTest, WhatIsStartedBeginsClean) {
   PosixLoop loop;
   loop.OnSignals({SIGTERM}, [](int) {});
   const auto open = [&](const std::string& file) {
-    return PosixShell(loop).Execute({"open", file, "", "", ShowCommand::Normal});
+    return PosixShell(loop, notices_).Execute({"open", file, "", "", ShowCommand::Normal});
   };
   ASSERT_TRUE(open(directory_ / "tool"));
   const auto lines = Record();
@@ -273,13 +275,14 @@ TEST_F(ProgramsTest, WhatIsStartedBeginsClean) {
 TEST_F(ProgramsTest, ASignalDuringTheWaitHasBeenHandledBehindIt) {
   PosixLoop loop;
   loop.OnSignals({SIGTERM}, [&](int) { loop.Quit(); });
-  EXPECT_TRUE(PosixShell(loop).StartAndWait("/bin/kill -TERM " + std::to_string(::getpid()),
-                                            ShowCommand::Normal));
+  EXPECT_TRUE(
+      PosixShell(loop, notices_)
+          .StartAndWait("/bin/kill -TERM " + std::to_string(::getpid()), ShowCommand::Normal));
   EXPECT_TRUE(loop.QuitRequested());
 }
 
 TEST_F(ProgramsTest, SessionCallsShutdown) {
-  PosixSession session;
+  PosixSession session(notices_);
   testing::internal::CaptureStderr();
   for (int i = 0; i < 2; ++i) EXPECT_FALSE(session.End(kShutdown));
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
@@ -293,7 +296,7 @@ TEST_F(ProgramsTest, SessionCallsShutdown) {
 TEST_F(ProgramsTest, SoundUsesTheFirstPlayer) {
   const std::string file = directory_ / "s.wav";
   WriteFile(file, "RIFF");
-  PosixSound sound;
+  PosixSound sound(notices_);
   testing::internal::CaptureStderr();
   for (int i = 0; i < 2; ++i) EXPECT_FALSE(sound.Play(FromNative(file)));
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
