@@ -24,7 +24,7 @@ namespace orvanto {
 // In the order of construction: each sees what stands above it, but for the task store's finder,
 // which is bound before it is made.
 struct Program::Parts {
-  Parts(Platform& platform, StartOptions startOptions)
+  Parts(const Program& program, Platform& platform, StartOptions startOptions)
       : options(std::move(startOptions)),
         loop(platform.loop),
         settings(platform.registry),
@@ -37,7 +37,11 @@ struct Program::Parts {
         scripts(platform.loop, platform.files, store,
                 {platform.shell, platform.session, platform.sound, platform.messageBoxes,
                  fileActions, search, windowActions,
-                 [this](const std::string& text) { message.ShowText(text); }, nullptr}),
+                 [this, &program](const std::string& text) {
+                   message.ShowText(text);
+                   if (program.onPopup) program.onPopup(text);
+                 },
+                 nullptr}),
         execution(store, platform.shell, platform.session, platform.sound, platform.messageBoxes,
                   &scripts),
         scheduler(platform.loop, platform.clock, store, sched, execution),
@@ -74,9 +78,12 @@ struct Program::Parts {
 };
 
 Program::Program(Platform& platform, StartOptions options)
-    : parts_(std::make_unique<Parts>(platform, std::move(options))) {
+    : parts_(std::make_unique<Parts>(*this, platform, std::move(options))) {
   parts_->execution.onRun = [this](const TaskRecord& task) {
     if (onTaskRun) onTaskRun(task);
+  };
+  parts_->scripts.onFailure = [this](const std::string& message) {
+    if (onScriptFailure) onScriptFailure(message);
   };
   WireWindows();
 }
@@ -129,6 +136,8 @@ frmScriptcfg& Program::MainWindow() { return parts_->mainWindow; }
 frmEdit& Program::Editor() { return parts_->editor; }
 frmChat& Program::ChatWindow() { return parts_->chat; }
 TelnetServer& Program::Telnet() { return parts_->telnet; }
+
+std::string Program::ScriptCommand() const { return parts_->scripts.CommandAtWork(); }
 
 void Program::RunUntilIdle() {
   if (!parts_->scripts.Waiting()) return;

@@ -60,6 +60,15 @@ class Program {
   // Told before a task is carried out, on whatever ground.
   std::function<void(const TaskRecord&)> onTaskRun;
 
+  // Told of the text of a window that a script shows and does not wait for.
+  std::function<void(const std::string& text)> onPopup;
+
+  // Told in words, with the script and the line, of the failure that ends a script.
+  std::function<void(const std::string& message)> onScriptFailure;
+
+  // The word of the script command that is being carried out; empty for none.
+  std::string ScriptCommand() const;
+
  private:
   void WireWindows();
 

@@ -17,6 +17,7 @@
 #include "app/console/Commands.h"
 #include "app/console/ConsoleChat.h"
 #include "core/Convert.h"
+#include "core/ProgramTitle.h"
 #include "core/Sched.h"
 #include "platform/Text.h"
 #include "platform/forms.h"
@@ -104,12 +105,13 @@ struct PosixPlatform {
   posix::PosixClock clock;
   posix::FileRegistry registry;
   posix::PosixFiles files;
-  posix::PosixShell shell{loop};
-  posix::PosixSession session;
-  posix::NoDesktop desktop;
+  posix::Notices notices;
+  posix::PosixShell shell{loop, notices};
+  posix::PosixSession session{notices};
+  posix::NoDesktop desktop{notices};
   posix::NoKeyboard keyboard;
   posix::NoClipboard clipboard;
-  posix::PosixSound sound;
+  posix::PosixSound sound{notices};
   posix::TerminalMessageBoxes messageBoxes{loop};
   posix::NoFileDialogs fileDialogs;
   posix::NoTrayIcon trayIcon;
@@ -119,6 +121,14 @@ struct PosixPlatform {
                     session,      desktop,     keyboard, clipboard, sound,
                     messageBoxes, fileDialogs, trayIcon, sockets,   forms};
 };
+
+// What scripts show and cannot do is told here: there are no windows for it.
+void TellOfScripts(Program& program, PosixPlatform& host) {
+  program.onPopup = [&host](const std::string& text) {
+    host.messageBoxes.Tell(text, kProgramTitle);
+  };
+  host.notices.commandAtWork = [&program] { return program.ScriptCommand(); };
+}
 
 // Hands the lines typed at the terminal on, as long as this process owns it.
 class TerminalLines {
@@ -168,6 +178,10 @@ int RunScheduler(const std::string& home, const std::string& commandLine) {
               << "  " << PrintableLine(task.name) << " (" << TaskTypeName(task.taskType) << ")"
               << std::endl;
   };
+  TellOfScripts(program, host);
+  program.onScriptFailure = [](const std::string& message) {
+    std::cerr << PrintableLine(message) << std::endl;
+  };
   ConsoleChat chat(program, std::cout);
   const TerminalLines lines(host.loop, [&](const std::string& line) { chat.Line(line); });
   host.loop.OnSignals({SIGINT, SIGTERM, SIGHUP}, [&](int) { program.Quit(); });
@@ -204,6 +218,7 @@ int RunOneCommand(const fs::path& home, const fs::path& start,
   } catch (const Error& error) {
     std::cerr << "Users_Share does not hold a number; per-user tasks are used." << std::endl;
   }
+  TellOfScripts(program, host);
   return RunCommand(
       words, {program, std::cout, std::cerr, [&](const std::string& text, std::int16_t taskType) {
                 return TaskPath(home, start, text, taskType);

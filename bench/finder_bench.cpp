@@ -24,7 +24,8 @@ int main(int argc, char** argv) {
   posix::PosixLoop loop;
   posix::PosixFiles files;
   posix::PosixClock clock;
-  posix::PosixShell shell(loop);
+  posix::Notices notices;
+  posix::PosixShell shell(loop, notices);
   posix::FileRegistry registry("/nonexistent/registry.txt", [](const std::string&) {});
   Settings settings(registry);
   const auto timer = loop.NewTimer([] {});

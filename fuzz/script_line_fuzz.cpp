@@ -65,6 +65,7 @@ class NoClock : public Clock {
 // One file: the script.
 class OneFile : public Files {
  public:
+  bool TellsCaseApart() const override { return false; }
   bool Exists(const std::string& path) const override { return path == "c:\\f"; }
   void ListFolder(const std::string& folder, const EachEntry& each) override {
     if (folder == "c:\\" && each("d", EntryKind::Folder)) each("f", EntryKind::File);

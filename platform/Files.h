@@ -1,6 +1,6 @@
 // The file system. Paths are Windows paths ("C:\dir\name", relative ones against the current
-// directory) on every host; a host without drives shows its root directory as "Z:\" and looks names
-// up without regard to case.
+// directory) on every host; a host without drives shows its root directory as "Z:\". A name that
+// does not exist as it is written is looked up without regard to case.
 #pragma once
 
 #include <functional>
@@ -12,15 +12,19 @@ class Files {
  public:
   virtual ~Files() = default;
 
-  // True for an existing file of any kind but a directory.
+  // Whether names that differ in case alone may be those of two files. A path in another case is
+  // then another path, and means a file only as long as none is spelt like it.
+  virtual bool TellsCaseApart() const = 0;
+
+  // True for a file of any kind but a directory that its folder lists under this very name; case
+  // apart, as above.
   virtual bool Exists(const std::string& path) const = 0;
 
-  // Calls `each` for every entry of the folder but "." and "..", in the system's own order and
-  // without a look at the entries themselves, until it returns false. A link to a folder is a
-  // folder where the system says so in the listing; a file that it keeps from the eyes of its users
-  // is Hidden. `each` may change the folder and run other events. Nothing happens for a folder that
-  // is not there or cannot be read.
-  enum class EntryKind { File, Hidden, Folder };
+  // Calls `each` for every entry of the folder but "." and "..", in the system's own order, until
+  // it returns false. A file that the system keeps from the eyes of its users is Hidden. `each` may
+  // change the folder and run other events. Nothing happens for a folder that is not there or
+  // cannot be read.
+  enum class EntryKind { File, Hidden, Folder, FolderLink };
   using EachEntry = std::function<bool(const std::string& name, EntryKind kind)>;
   virtual void ListFolder(const std::string& folder, const EachEntry& each) = 0;
 

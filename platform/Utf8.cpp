@@ -46,6 +46,29 @@ void AppendUtf8(char32_t character, std::string& text) {
   }
 }
 
+std::string FromUtf16(std::string_view bytes, bool highFirst) {
+  const auto isHigh = [](char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; };
+  const auto isLow = [](char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; };
+  const auto unitAt = [&](std::size_t at) -> char32_t {
+    if (bytes.size() - at < 2) return 0xFFFD;
+    const auto first = static_cast<unsigned char>(bytes[at]);
+    const auto second = static_cast<unsigned char>(bytes[at + 1]);
+    return static_cast<char32_t>(highFirst ? first << 8 | second : second << 8 | first);
+  };
+  std::string text;
+  for (std::size_t at = 0; at < bytes.size(); at += 2) {
+    char32_t character = unitAt(at);
+    if (isHigh(character) && bytes.size() - at > 2 && isLow(unitAt(at + 2))) {
+      at += 2;
+      character = 0x10000 + ((character - 0xD800) << 10) + (unitAt(at) - 0xDC00);
+    } else if (isHigh(character) || isLow(character)) {
+      character = 0xFFFD;
+    }
+    AppendUtf8(character, text);
+  }
+  return text;
+}
+
 bool IsUtf8(std::string_view text) {
   char32_t character = 0;
   for (std::size_t at = 0; at < text.size();) {

@@ -18,6 +18,10 @@ std::size_t DecodeUtf8(std::string_view text, std::size_t at, char32_t& characte
 
 void AppendUtf8(char32_t character, std::string& text);
 
+// UTF-16 bytes, the low one of each two first unless `highFirst`, as UTF-8. What is no whole
+// character becomes U+FFFD.
+std::string FromUtf16(std::string_view bytes, bool highFirst);
+
 bool IsUtf8(std::string_view text);
 
 // How many units of UTF-16 the text takes, which is how Windows counts characters.

@@ -12,6 +12,12 @@ ShowCommand ShowState(const std::string& extra) {
   return ShowStyleFromCode(ToInt16(extra.empty() ? "0" : extra)).value_or(ShowCommand::Hide);
 }
 
+// A path as one word of a command line. Only a host that takes a whole text for a path before it
+// parts it has quotes in its names.
+std::string Quoted(const std::string& path) {
+  return path.find('"') == std::string::npos ? '"' + path + '"' : path;
+}
+
 }  // namespace
 
 std::optional<ShowCommand> ShowStyleFromCode(std::int16_t style) {
@@ -36,7 +42,8 @@ std::optional<ShowCommand> ShowStyleFromCode(std::int16_t style) {
 
 std::int16_t FileActions::FileAction(const std::string& givenPath, FileCode code,
                                      const std::string& extra) {
-  const std::string path = LowerCase(TrimBlanks(givenPath));
+  std::string path(TrimBlanks(givenPath));
+  if (!files_.TellsCaseApart()) path = LowerCase(path);
   const std::size_t slash = path.rfind('\\');
   if (slash == std::string_view::npos || slash + 1 == path.size() || !files_.Exists(path)) return 0;
   const std::string name = path.substr(slash + 1);
@@ -49,7 +56,7 @@ std::int16_t FileActions::FileAction(const std::string& givenPath, FileCode code
       shell_.Execute({"print", path, "", "0", ShowCommand::Normal});
       break;
     case FileCode::LoadWait:
-      RunAndWait(path, ShowState(extra));
+      RunAndWait(Quoted(path), ShowState(extra));
       break;
     case FileCode::Delete:
       Report(path, "deleted", files_.Remove(path));
@@ -68,7 +75,9 @@ std::int16_t FileActions::FileAction(const std::string& givenPath, FileCode code
 
 bool FileActions::CopyInto(const std::string& path, const std::string& name,
                            const std::string& folder) {
-  const std::string target = (folder.empty() ? store_.AppDir : folder) + "\\" + name;
+  const std::string start = (folder.empty() ? store_.AppDir : folder) + "\\";
+  // Where it replaces a file, that of its own spelling first.
+  const std::string target = start + (files_.Exists(start + name) ? name : LowerCase(name));
   const std::string reason = files_.Copy(path, target);
   Report(path, "copied to " + target, reason);
   return reason.empty();

@@ -32,9 +32,9 @@ class FileActions {
       : files_(files), shell_(shell), store_(store) {}
 
   // 1 for CheckOnly on an existing file, otherwise 0. A missing file, and a path without a folder,
-  // are passed over in silence. `extra` is a show style for Open and LoadWait and a target folder
-  // for Move and Copy; empty stands for style 0 and the program's own folder. Throws Error for a
-  // style that is no number.
+  // are passed over in silence. The path is lower-cased where case means nothing. `extra` is a show
+  // style for Open and LoadWait and a target folder for Move and Copy; empty stands for style 0 and
+  // the program's own folder. Throws Error for a style that is no number.
   std::int16_t FileAction(const std::string& path, FileCode code, const std::string& extra);
 
   // Starts a program and waits until it has ended. Nothing for a blank command line.

@@ -29,6 +29,7 @@ void FolderSearch::SearchOneFolder(const std::string& givenFolder, const std::st
       lstDirs_.push_back(folder + name + "\\");
       return true;
     }
+    if (kind == Files::EntryKind::FolderLink) return true;
     // Names of another length in bytes are not worth a fold.
     if (name.size() != fileName.size() || RegistryTree::Fold(name) != wanted) return true;
     actions_.FileAction(folder + name, code, "1");

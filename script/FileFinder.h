@@ -19,9 +19,9 @@ class FolderSearch : public FileLookup {
       : loop_(loop), files_(files), actions_(actions) {}
 
   // In every folder of the tree, the first file of that name (compared whole, without regard to
-  // case) gets the action; the folder's later entries are then passed over, sub-folders too. Other
-  // events run before every entry; a search that one of them starts shares this one's folder queue.
-  // Ends early when the program is told to end.
+  // case) gets the action; the folder's later entries are then passed over, sub-folders too. Links
+  // to folders are not followed. Other events run before every entry; a search that one of them
+  // starts shares this one's folder queue. Ends early when the program is told to end.
   void FindAndAct(const std::string& startFolder, const std::string& fileName, FileCode code);
 
   bool FindFile(const std::string& path) override;

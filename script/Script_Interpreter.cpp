@@ -1,7 +1,9 @@
 #include "script/Script_Interpreter.h"
 
+#include <algorithm>
 #include <limits>
 #include <optional>
+#include <utility>
 
 #include "core/Convert.h"
 #include "core/modTaskOperations.h"
@@ -20,23 +22,36 @@ void Increase(std::int16_t& counter) {
   ++counter;
 }
 
-// Cuts a text into lines that end in CR LF, LF or with the text.
+// Cuts a text into lines that end in CR LF, LF, CR or with the text.
 class LineReader {
  public:
   explicit LineReader(std::string_view text) : rest_(text) {}
 
   std::optional<std::string_view> Next() {
     if (rest_.empty()) return std::nullopt;
-    const std::size_t end = rest_.find('\n');
-    std::string_view line = rest_.substr(0, end);
-    rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 1);
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    const std::size_t end = std::min(rest_.find_first_of(kCrLf), rest_.size());
+    const std::string_view line = rest_.substr(0, end);
+    rest_.remove_prefix(end);
+    rest_.remove_prefix(rest_.starts_with(kCrLf) ? 2 : rest_.empty() ? 0 : 1);
     return line;
   }
 
  private:
   std::string_view rest_;
 };
+
+// The text of a script as UTF-8, by its byte order mark; without one, what is no UTF-8 is taken for
+// the system's code page.
+std::string Decoded(std::string bytes, const Files& files) {
+  constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+  constexpr std::string_view kLowFirstMark = "\xFF\xFE";
+  constexpr std::string_view kHighFirstMark = "\xFE\xFF";
+  const std::string_view text = bytes;
+  if (text.starts_with(kLowFirstMark)) return FromUtf16(text.substr(2), false);
+  if (text.starts_with(kHighFirstMark)) return FromUtf16(text.substr(2), true);
+  if (text.starts_with(kUtf8Mark)) bytes.erase(0, kUtf8Mark.size());
+  return IsUtf8(bytes) ? std::move(bytes) : files.FromCodePage(bytes);
+}
 
 }  // namespace
 
@@ -45,12 +60,30 @@ struct ScriptInterpreter::Call {
   ScriptSlot& slot;
   bool fileOpen = false;
   std::string text = {};  // of the file
+  int line = 0;           // the one at work; 0 before the first
   // Empty at the start; a line that does not set them leaves them as they are.
   std::string word = {};
   std::string arg1 = {};
   std::string arg2 = {};
   // A failure has been handled, and no line has been completed since.
   bool handling = false;
+
+  std::string Where() const {
+    return slot.path + (line > 0 ? ", line " + std::to_string(line) : "") + ": ";
+  }
+};
+
+// Inside one of its lines another script may run.
+struct ScriptInterpreter::AtWork {
+  AtWork(ScriptInterpreter& scripts, const Call& call)
+      : scripts_(scripts), outer_(std::exchange(scripts.atWork_, &call)) {}
+  ~AtWork() { scripts_.atWork_ = outer_; }
+  AtWork(const AtWork&) = delete;
+  AtWork& operator=(const AtWork&) = delete;
+
+ private:
+  ScriptInterpreter& scripts_;
+  const Call* const outer_;
 };
 
 ScriptInterpreter::ScriptInterpreter(EventLoop& loop, Files& files, const TaskStore& store,
@@ -60,9 +93,16 @@ ScriptInterpreter::ScriptInterpreter(EventLoop& loop, Files& files, const TaskSt
       store_(store),
       commands_(services),
       tmrDelay_(loop.NewTimer([this] { DelayTick(); })) {
-  const auto log = [this](const std::string& message) { WriteScriptLog(message); };
+  const auto log = [this](const std::string& message) {
+    WriteScriptLog((atWork_ != nullptr ? atWork_->Where() : "") + message);
+  };
   commands_.onTrouble = log;
   services.files.onTrouble = log;
+  services.windows.onTrouble = log;
+}
+
+std::string ScriptInterpreter::CommandAtWork() const {
+  return atWork_ != nullptr ? atWork_->word : "";
 }
 
 bool ScriptInterpreter::Waiting() const {
@@ -79,20 +119,23 @@ ScriptSlot& ScriptInterpreter::ClaimSlot(const std::string& path) {
     slot.inUse = true;
     return slot;
   }
+  if (onFailure) onFailure(path + ": all " + std::to_string(kSlots) + " places are taken");
   throw Error(kSubscriptOutOfRange, "Subscript out of range");
 }
 
 void ScriptInterpreter::RunScript(const std::string& path) {
   Call call{ClaimSlot(path)};
+  const AtWork atWork(*this, call);
   for (;;) {
     try {
       tmrDelay_->Stop();
       OpenFile(call);
       if (RunPass(call) == Outcome::Ended) call.slot.inUse = false;
       return;
-    } catch (const Error&) {
+    } catch (const Error& error) {
       WriteScriptLog("File: " + call.slot.path + " not found or file empty");
       if (call.handling) throw;
+      if (onFailure) onFailure(call.Where() + error.what());
       call.handling = true;
       call.slot.linesRead = 0;
       Increase(call.slot.linesDone);
@@ -103,12 +146,12 @@ void ScriptInterpreter::RunScript(const std::string& path) {
 void ScriptInterpreter::OpenFile(Call& call) {
   // After a failed line the file is still open, and opening it again is the next failure.
   if (call.fileOpen) throw Error(kFileAlreadyOpen, "File already open");
-  const std::string file = store_.TaskFile(LowerCase(call.slot.path));
+  const std::string& path = call.slot.path;
+  const std::string file = store_.TaskFile(files_.TellsCaseApart() ? path : LowerCase(path));
   if (!files_.Read(file, call.text)) throw Error(kFileNotFoundError, "File not found");
   call.fileOpen = true;
-  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-  if (call.text.starts_with(kByteOrderMark)) call.text.erase(0, kByteOrderMark.size());
-  if (!IsUtf8(call.text)) call.text = files_.FromCodePage(call.text);
+  call.line = 0;
+  call.text = Decoded(std::move(call.text), files_);
 }
 
 ScriptInterpreter::Outcome ScriptInterpreter::RunPass(Call& call) {
@@ -120,6 +163,7 @@ ScriptInterpreter::Outcome ScriptInterpreter::RunPass(Call& call) {
     // The program may have been told to end while a line let other events through.
     if (!next || loop_.QuitRequested()) return Outcome::Ended;
     const std::string_view line = TrimBlanks(*next);
+    ++call.line;
     if (slot.linesRead < slot.linesDone) {
       // Carried out in an earlier pass.
       Increase(slot.linesRead);
@@ -182,7 +226,11 @@ void ScriptInterpreter::DelayTick() {
     slot.delayPending = false;
     // A copy: the path must not move while it runs.
     const std::string path = slot.path;
-    RunScript(path);
+    try {
+      RunScript(path);
+    } catch (const Error&) {
+      // It has been told, and nobody stands above the timer.
+    }
     return;
   }
 }

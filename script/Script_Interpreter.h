@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -44,6 +45,13 @@ class ScriptInterpreter : public ScriptRunner {
   // use. It re-enters: a command that lets other events run may start a script.
   void RunScript(const std::string& path) override;
 
+  // Told of the failure that ends a script: its path, the number of the line, the reason. The log
+  // and the failure that RunScript throws follow from it and say less.
+  std::function<void(const std::string& message)> onFailure;
+
+  // The word of the command that is being carried out, of the innermost script; empty for none.
+  std::string CommandAtWork() const;
+
   // Appends one line, in double quotes, to the log in the program's folder.
   void WriteScriptLog(const std::string& message);
 
@@ -59,6 +67,7 @@ class ScriptInterpreter : public ScriptRunner {
 
  private:
   struct Call;
+  struct AtWork;
   enum class Outcome { Next, Ended, Waiting };
 
   void DelayTick();
@@ -74,6 +83,7 @@ class ScriptInterpreter : public ScriptRunner {
   ScriptCommands commands_;
   std::array<ScriptSlot, kSlots> slots_;
   std::unique_ptr<Timer> tmrDelay_;
+  const Call* atWork_ = nullptr;
 };
 
 }  // namespace orvanto

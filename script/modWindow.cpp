@@ -95,7 +95,14 @@ void WindowActions::Act(std::uintptr_t window, const Step& step) {
   }
   // Before anything is done: keys that do not parse leave the window alone.
   const std::vector<KeyEvent> keys = ParseKeySequence(step.keys);
-  if (step.code == WindowCode::SendKeysDos) clipboard_.SetText(step.clipboardText);
+  if (step.code == WindowCode::SendKeysDos && !clipboard_.SetText(step.clipboardText)) {
+    // Whatever another program has left there is not for this window.
+    if (onTrouble) {
+      onTrouble("Window: " + desktop_.Title(window) +
+                " was sent nothing: the clipboard could not be written");
+    }
+    return;
+  }
   desktop_.BringToTop(window);
   switch (step.code) {
     case WindowCode::Hide:

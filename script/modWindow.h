@@ -1,6 +1,8 @@
 // Acting on the windows of other programs, found by a text in their titles.
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <string>
 
 namespace orvanto {
@@ -31,7 +33,11 @@ class WindowActions {
   // case, once for each place where it does. Stars at both ends of `title` are taken off. Other
   // events run between the windows. Throws Error 5 for keys that do not parse, at the first window
   // that matches and before anything is done to it.
+  // A window for which the clipboard does not take the text is passed over.
   void WindowAction(std::string title, WindowCode code, const std::string& text);
+
+  // Told in words why a window was passed over.
+  std::function<void(const std::string& message)> onTrouble;
 
  private:
   struct Step;

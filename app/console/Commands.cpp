@@ -113,9 +113,19 @@ int Delete(const Words& words, const CommandContext& context) {
 int Run(const Words& words, const CommandContext& context) {
   const std::int16_t slot = SlotOf(words[1], context);
   if (slot == 0) return kExitRefused;
-  context.program.Execution().RunTask(slot);
+  bool failed = false;
+  context.program.onScriptFailure = [&](const std::string& message) {
+    failed = true;
+    Refuse(context, PrintableLine(message));
+  };
+  try {
+    context.program.Execution().RunTask(slot);
+  } catch (const Error&) {
+    if (!failed) throw;
+  }
   context.program.RunUntilIdle();
-  return 0;
+  context.program.onScriptFailure = nullptr;
+  return failed ? kExitRefused : 0;
 }
 
 struct Command {

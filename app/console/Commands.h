@@ -11,7 +11,7 @@ namespace orvanto {
 
 class Program;
 
-inline constexpr int kExitRefused = 1;  // understood, but not valid: nothing was stored
+inline constexpr int kExitRefused = 1;  // understood, but not valid, or its script failed
 inline constexpr int kExitUsage = 2;    // not understood
 
 void PrintUsage(std::ostream& out);

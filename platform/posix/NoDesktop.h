@@ -4,16 +4,24 @@
 #include "platform/Clipboard.h"
 #include "platform/Desktop.h"
 #include "platform/Keyboard.h"
+#include "platform/posix/Notices.h"
 
 namespace orvanto::posix {
 
 class NoDesktop : public Desktop {
  public:
-  std::vector<Window> TopLevelWindows() override { return {}; }
+  explicit NoDesktop(Notices& notices) : notices_(notices) {}
+  std::vector<Window> TopLevelWindows() override {
+    notices_.Say("there are no windows here");
+    return {};
+  }
   std::string Title(Window) override { return ""; }
   void BringToTop(Window) override {}
   void Show(Window, ShowCommand) override {}
   void Send(Window, std::uint32_t, std::uintptr_t, std::intptr_t) override {}
+
+ private:
+  Notices& notices_;
 };
 
 class NoKeyboard : public Keyboard {

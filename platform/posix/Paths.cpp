@@ -78,7 +78,9 @@ std::string ToNative(const std::string& path) {
     native.erase(0, 2);
     if (!native.starts_with('/')) native.insert(0, "/");
   }
-  return Exists(native) ? native : Lookup(native).Result();
+  // A link that leads nowhere is there too: what it stands beside is not meant.
+  struct stat status;
+  return ::lstat(native.c_str(), &status) == 0 ? native : Lookup(native).Result();
 }
 
 std::string FromNative(const std::string& path) {

@@ -16,6 +16,25 @@
 #include "platform/posix/Paths.h"
 
 namespace orvanto::posix {
+namespace {
+
+Files::EntryKind KindOf(int directory, const dirent& entry) {
+  unsigned char type = entry.d_type;
+  struct stat status;
+  // Only what the listing leaves open costs a look: links, and all on a file system that says
+  // nothing.
+  if (type == DT_UNKNOWN && ::fstatat(directory, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0) {
+    type = static_cast<unsigned char>(IFTODT(status.st_mode));
+  }
+  if (type == DT_DIR) return Files::EntryKind::Folder;
+  if (type == DT_LNK && ::fstatat(directory, entry.d_name, &status, 0) == 0 &&
+      S_ISDIR(status.st_mode)) {
+    return Files::EntryKind::FolderLink;
+  }
+  return entry.d_name[0] == '.' ? Files::EntryKind::Hidden : Files::EntryKind::File;
+}
+
+}  // namespace
 
 bool PosixFiles::Exists(const std::string& path) const {
   struct stat status;
@@ -30,18 +49,7 @@ void PosixFiles::ListFolder(const std::string& folder, const EachEntry& each) {
   while (const dirent* entry = ::readdir(directory.get())) {
     name = entry->d_name;
     if (name == "." || name == ".." || name.find('\\') != std::string::npos) continue;
-    bool isFolder = entry->d_type == DT_DIR;
-    if (entry->d_type == DT_UNKNOWN) {
-      // This file system does not say: the only case that costs a look.
-      struct stat status;
-      isFolder =
-          ::fstatat(::dirfd(directory.get()), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-          S_ISDIR(status.st_mode);
-    }
-    const EntryKind kind = isFolder         ? EntryKind::Folder
-                           : name[0] == '.' ? EntryKind::Hidden
-                                            : EntryKind::File;
-    if (!each(name, kind)) return;
+    if (!each(name, KindOf(::dirfd(directory.get()), *entry))) return;
   }
 }
 

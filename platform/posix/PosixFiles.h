@@ -8,6 +8,7 @@ namespace orvanto::posix {
 // Names that hold a backslash cannot be named here, and are passed over in listings.
 class PosixFiles : public Files {
  public:
+  bool TellsCaseApart() const override { return true; }
   bool Exists(const std::string& path) const override;
   void ListFolder(const std::string& folder, const EachEntry& each) override;
   bool Read(const std::string& path, std::string& contents) override;

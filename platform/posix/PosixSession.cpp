@@ -1,7 +1,5 @@
 #include "platform/posix/PosixSession.h"
 
-#include <cstdio>
-
 #include "platform/posix/Process.h"
 
 namespace orvanto::posix {
@@ -12,17 +10,13 @@ bool PosixSession::End(std::uint32_t flags) {
   if (!program.empty()) {
     return StartDetached(program, {flags == kReboot ? "-r" : "-h", "now"}, "", Output::Inherit);
   }
-  Say(known ? "the program shutdown is not on PATH; the system is not ended"
-            : "this system can only be shut down or restarted");
+  notices_.Say(known ? "the program shutdown is not on PATH; the system is not ended"
+                     : "this system can only be shut down or restarted");
   return false;
 }
 
-void PosixSession::ChangeResolution(int, int) { Say("there is no screen to change"); }
+void PosixSession::ChangeResolution(int, int) { notices_.Say("there is no screen to change"); }
 
-void PosixSession::HangUp() { Say("there is no dial-up connection to end"); }
-
-void PosixSession::Say(const char* what) {
-  if (said_.insert(what).second) std::fprintf(stderr, "orvanto: %s\n", what);
-}
+void PosixSession::HangUp() { notices_.Say("there is no dial-up connection to end"); }
 
 }  // namespace orvanto::posix

@@ -1,25 +1,22 @@
 // Ending the system by its shutdown program.
 #pragma once
 
-#include <set>
-#include <string>
-
 #include "platform/Session.h"
+#include "platform/posix/Notices.h"
 
 namespace orvanto::posix {
 
 // True once `shutdown` (found on PATH) has been started; whether it may act is its own affair. What
-// this system cannot do is said on the error output, once.
+// this system cannot do is a notice.
 class PosixSession : public Session {
  public:
+  explicit PosixSession(Notices& notices) : notices_(notices) {}
   bool End(std::uint32_t flags) override;
   void ChangeResolution(int width, int height) override;
   void HangUp() override;
 
  private:
-  void Say(const char* what);
-
-  std::set<std::string> said_;
+  Notices& notices_;
 };
 
 }  // namespace orvanto::posix

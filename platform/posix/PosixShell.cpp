@@ -94,7 +94,8 @@ bool PosixShell::Execute(const ShellRequest& request) {
   if (operation == "print") {
     std::string printer = FindProgram("lp");
     if (printer.empty()) printer = FindProgram("lpr");
-    return !printer.empty() && StartDetached(printer, {target->path}, directory, Output::Discard);
+    if (printer.empty()) return Refuse("nothing is printed: neither lp nor lpr is on PATH");
+    return StartDetached(printer, {target->path}, directory, Output::Discard);
   }
   if (operation != "open") return false;
   if (IsExecutable(target->path)) {
@@ -104,13 +105,14 @@ bool PosixShell::Execute(const ShellRequest& request) {
     return StartDetached(target->path, target->arguments, directory, Output::Inherit);
   }
   const std::string opener = FindProgram("xdg-open");
-  return !opener.empty() && StartDetached(opener, {target->path}, directory, Output::Inherit);
+  if (opener.empty()) return Refuse("documents are not opened: xdg-open is not on PATH");
+  return StartDetached(opener, {target->path}, directory, Output::Inherit);
 }
 
 bool PosixShell::Start(const std::string& commandLine, ShowCommand) {
   const std::optional<ShellTarget> target = FindShellTarget(commandLine);
-  return target && IsExecutable(target->path) &&
-         StartDetached(target->path, target->arguments, "", Output::Inherit);
+  if (!target || !IsExecutable(target->path)) return Refuse("there is no such program here");
+  return StartDetached(target->path, target->arguments, "", Output::Inherit);
 }
 
 bool PosixShell::StartAndWait(const std::string& commandLine, ShowCommand) {
@@ -119,6 +121,11 @@ bool PosixShell::StartAndWait(const std::string& commandLine, ShowCommand) {
   const bool executed = RunToEnd(target->path, target->arguments);
   loop_.DeliverSignals();
   return executed;
+}
+
+bool PosixShell::Refuse(const char* why) {
+  notices_.Say(why);
+  return false;
 }
 
 }  // namespace orvanto::posix

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/Shell.h"
+#include "platform/posix/Notices.h"
 #include "platform/posix/PosixLoop.h"
 
 namespace orvanto::posix {
@@ -24,17 +25,21 @@ struct ShellTarget {
 std::optional<ShellTarget> FindShellTarget(const std::string& text);
 
 // An executable file is run; "open" hands everything else to xdg-open, "print" to lp or lpr. The
-// show command means nothing here. When a signal of the loop has come while StartAndWait waited, as
-// from the terminal to both programs, its handler has run when that returns.
+// show command means nothing here. A program of these that is missing is a notice, and one that
+// Start does not find. When a signal of the loop has come while StartAndWait waited, as from the
+// terminal to both programs, its handler has run when that returns.
 class PosixShell : public Shell {
  public:
-  explicit PosixShell(PosixLoop& loop) : loop_(loop) {}
+  PosixShell(PosixLoop& loop, Notices& notices) : loop_(loop), notices_(notices) {}
   bool Execute(const ShellRequest& request) override;
   bool Start(const std::string& commandLine, ShowCommand show) override;
   bool StartAndWait(const std::string& commandLine, ShowCommand show) override;
 
  private:
+  bool Refuse(const char* why);
+
   PosixLoop& loop_;
+  Notices& notices_;
 };
 
 }  // namespace orvanto::posix

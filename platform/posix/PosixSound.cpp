@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <utility>
 
 #include "platform/posix/Paths.h"
 #include "platform/posix/PosixFiles.h"
@@ -20,14 +19,12 @@ bool PosixSound::Play(const std::string& name) {
     if (!file.starts_with('/')) file.insert(0, "./");  // never an option of the player's
     return StartDetached(program, {file}, "", Output::Discard);
   }
-  if (!std::exchange(said_, true)) {
-    std::fputs("orvanto: no sound: neither paplay, pw-play nor aplay is on PATH\n", stderr);
-  }
+  notices_.Say("no sound: neither paplay, pw-play nor aplay is on PATH");
   return false;
 }
 
 void PosixSound::Beep() {
-  if (::isatty(STDOUT_FILENO) == 0) return;
+  if (::isatty(STDOUT_FILENO) == 0) return notices_.Say("there is no terminal to beep on");
   std::fputc('\a', stdout);
   std::fflush(stdout);
 }

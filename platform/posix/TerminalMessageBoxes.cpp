@@ -80,10 +80,14 @@ Answer TerminalMessageBoxes::Show(const std::string& text, const std::string& ti
   return answer;
 }
 
+void TerminalMessageBoxes::Tell(const std::string& text, const std::string& title) const {
+  Print(PrintableLine(title) + ": " + PrintableText(text) + '\n');
+}
+
 Answer TerminalMessageBoxes::Ask(const std::string& text, const std::string& title,
                                  Buttons buttons) const {
   if (!CanAsk()) {
-    Print(PrintableLine(title) + ": " + PrintableText(text) + '\n');
+    Tell(text, title);
     return SafeAnswer(buttons);
   }
   Print(PrintableLine(title) + '\n' + PrintableText(text) + '\n');

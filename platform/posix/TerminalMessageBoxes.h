@@ -23,6 +23,9 @@ class TerminalMessageBoxes : public MessageBoxes {
   Answer Show(const std::string& text, const std::string& title, Buttons buttons,
               BoxIcon icon) override;
 
+  // Only writes it, as one paragraph: a text for which nobody waits.
+  void Tell(const std::string& text, const std::string& title) const;
+
  private:
   Answer Ask(const std::string& text, const std::string& title, Buttons buttons) const;
   bool CanAsk() const;

@@ -15,16 +15,23 @@ namespace {
 using FileHandle = Handle<HANDLE, CloseHandle, -1>;
 using FindHandle = Handle<HANDLE, FindClose, -1>;
 
-// The form of a path that no length limit applies to. Short ones stay as they are, so that device
-// names and relative paths keep their meaning.
-std::wstring SystemPath(const std::string& path) {
-  std::wstring wide = ToWide(path);
-  const DWORD room = GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr);
-  if (room < MAX_PATH - 12 || wide.starts_with(L"\\\\?\\")) return wide;
+// The form of a path that no length limit applies to, and that is not looked at for device names
+// and dots at its end. Such a path stays as it is.
+std::wstring VerbatimPath(const std::wstring& path) {
+  if (path.starts_with(L"\\\\?\\")) return path;
+  const DWORD room = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
   std::wstring full(room, L'\0');
-  full.resize(GetFullPathNameW(wide.c_str(), room, full.data(), nullptr));
+  full.resize(GetFullPathNameW(path.c_str(), room, full.data(), nullptr));
   if (full.starts_with(L"\\\\")) return L"\\\\?\\UNC" + full.substr(1);
   return L"\\\\?\\" + full;
+}
+
+// Verbatim when it is long. Short ones stay as they are, so that device names and relative paths
+// keep their meaning.
+std::wstring SystemPath(const std::string& path) {
+  std::wstring wide = ToWide(path);
+  const bool fits = GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr) < MAX_PATH - 12;
+  return fits ? wide : VerbatimPath(wide);
 }
 
 // Of the last failure, in the user's language, on one line.
@@ -40,8 +47,15 @@ std::string Reason() {
   return reason.empty() ? "error " + std::to_string(code) : reason;
 }
 
-Files::EntryKind KindOf(DWORD attributes) {
-  if (attributes & FILE_ATTRIBUTE_DIRECTORY) return Files::EntryKind::Folder;
+Files::EntryKind KindOf(const WIN32_FIND_DATAW& entry) {
+  const DWORD attributes = entry.dwFileAttributes;
+  // Folders that a cloud service keeps are reparse points too, but stand for themselves. Wine does
+  // not tell the tag: all of its reparse points are links.
+  const bool link = (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+                    (entry.dwReserved0 == 0 || IsReparseTagNameSurrogate(entry.dwReserved0));
+  if (attributes & FILE_ATTRIBUTE_DIRECTORY) {
+    return link ? Files::EntryKind::FolderLink : Files::EntryKind::Folder;
+  }
   return attributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM) ? Files::EntryKind::Hidden
                                                                       : Files::EntryKind::File;
 }
@@ -49,8 +63,17 @@ Files::EntryKind KindOf(DWORD attributes) {
 }  // namespace
 
 bool Win32Files::Exists(const std::string& path) const {
-  const DWORD attributes = GetFileAttributesW(SystemPath(path).c_str());
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+  // Asked of the folder: the file itself answers to a dot at its end, to its short name and, as a
+  // device, to names that no folder lists.
+  const std::size_t begin = path.rfind('\\') + 1;
+  const std::wstring name = ToWide(path.substr(begin));
+  const std::wstring folder = VerbatimPath(begin == 0 ? L".\\" : ToWide(path.substr(0, begin)));
+  WIN32_FIND_DATAW entry;
+  const FindHandle find(FindFirstFileExW((folder + name).c_str(), FindExInfoBasic, &entry,
+                                         FindExSearchNameMatch, nullptr, 0));
+  return find && (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 &&
+         CompareStringOrdinal(entry.cFileName, -1, name.c_str(), static_cast<int>(name.size()),
+                              TRUE) == CSTR_EQUAL;
 }
 
 void Win32Files::ListFolder(const std::string& folder, const EachEntry& each) {
@@ -64,7 +87,7 @@ void Win32Files::ListFolder(const std::string& folder, const EachEntry& each) {
   do {
     const wchar_t* name = entry.cFileName;
     if (std::wcscmp(name, L".") == 0 || std::wcscmp(name, L"..") == 0) continue;
-    if (!each(ToUtf8(name), KindOf(entry.dwFileAttributes))) return;
+    if (!each(ToUtf8(name), KindOf(entry))) return;
   } while (FindNextFileW(find.Get(), &entry));
 }
 

@@ -7,6 +7,7 @@ namespace orvanto::win32 {
 
 class Win32Files : public Files {
  public:
+  bool TellsCaseApart() const override { return false; }
   bool Exists(const std::string& path) const override;
   void ListFolder(const std::string& folder, const EachEntry& each) override;
   bool Read(const std::string& path, std::string& contents) override;

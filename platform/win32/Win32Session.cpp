@@ -17,7 +17,8 @@ void Win32Session::ChangeResolution(int width, int height) {
     mode.dmPelsHeight = static_cast<DWORD>(height);
   }
   mode.dmFields = DM_PELSWIDTH | DM_PELSHEIGHT;  // the rest stays as the screen has it
-  if (ChangeDisplaySettingsW(&mode, CDS_TEST) != DISP_CHANGE_SUCCESSFUL) return;
+  // Tried on the screen itself, not only looked up.
+  if (ChangeDisplaySettingsW(&mode, CDS_FULLSCREEN) != DISP_CHANGE_SUCCESSFUL) return;
   ChangeDisplaySettingsW(&mode, CDS_UPDATEREGISTRY);
   // To all, whoever of them hangs: this does not wait for an answer.
   constexpr WPARAM kColourDepth = 42;

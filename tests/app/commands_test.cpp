@@ -197,6 +197,16 @@ TEST_F(CommandsTest, RunsAndDeletesByNumber) {
   EXPECT_EQ(fake.done, (Texts{"end 1"}));
 }
 
+TEST_F(CommandsTest, AScriptThatFailsIsARefusalThatNamesTheLine) {
+  Run({"add", "One", "--at", "10:00", "--day", "1", "--script", "backup.txt"});
+  fake.files.contents["C:\\Home\\scripts\\backup.txt"] = "msgbox('x',nostop)\nbeeb()";
+  Texts popups;
+  program.onPopup = [&](const std::string& text) { popups.push_back(text); };
+  EXPECT_EQ(Run({"run", "1"}), kExitRefused);
+  EXPECT_EQ(err.str(), "backup.txt, line 2: Not a command\n");
+  EXPECT_EQ(popups, Texts{"x"});
+}
+
 class ProgramTest : public testing::Test {
  protected:
   FakePlatform fake;

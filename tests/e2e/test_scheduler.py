@@ -78,6 +78,32 @@ class Scheduler(HomeTest):
         self.orvanto(home, "add", "bad", "--at", "25:00", "--day", "1", "--reset", status=1)
         self.assertEqual(self.last_error, "Invlaid Hour given for Time\n")
 
+    def test_a_script_says_what_it_shows_and_what_it_cannot_do(self):
+        home = self.home()
+        scripts = home / "scripts"
+        folder = str(home).replace("/", "\\")
+        (scripts / "text.txt").parent.mkdir()
+        (scripts / "text.txt").write_text("")
+        text = f"z:{folder}\\scripts\\text.txt"
+        lines = ["msgbox('Hello\x1b[2J',nostop)", "setfocus('x')", "setfocus('y')",
+                 "sendkeys('x',a)", "beep()", "dialout('x')", f"open('{text}')",
+                 f"print('{text}')", "hangup()", "beep()",
+                 f"move('z:{folder}\\scripts\\once.txt',z:{folder})", "delay(1)"]
+        (scripts / "once.txt").write_text("\n".join(lines))
+        self.orvanto(home, "add", "once", "--at", "10:00", "--day", "1", "--script", "once.txt")
+        # It begins again behind its delay and is no longer there.
+        said = self.orvanto(home, "run", "1", status=1, env={**os.environ, "PATH": str(home)})
+        self.assertEqual(said, "Orvanto: Hello?[2J\n")
+        self.assertEqual(self.last_error.splitlines(), [
+            "orvanto: setfocus: there are no windows here",
+            "orvanto: sendkeys: there are no windows here",
+            "orvanto: beep: there is no terminal to beep on",
+            "orvanto: dialout: there is no such program here",
+            "orvanto: open: documents are not opened: xdg-open is not on PATH",
+            "orvanto: print: nothing is printed: neither lp nor lpr is on PATH",
+            "orvanto: hangup: there is no dial-up connection to end",
+            "once.txt: File not found"])
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -9,10 +9,15 @@
 namespace orvanto {
 
 struct ScriptDesk : CoreDesk {
+  ScriptDesk() {
+    scripts.onFailure = [this](const std::string& message) { failures.push_back(message); };
+  }
+
   FileActions fileActions{files, shell, store};
   FolderSearch search{loop, files, fileActions};
   WindowActions windows{loop, desktop, keyboard, clipboard};
   Texts popups;
+  Texts failures;
   ScriptInterpreter scripts{loop,
                             files,
                             store,

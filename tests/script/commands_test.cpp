@@ -28,8 +28,8 @@ TEST(Commands, FilesAreOpenedPrintedAndWaitedFor) {
       "open('c:\\data\\a.TXT')\nload(' C:\\Data\\A.txt ',9)\nprint('c:\\data\\a.txt')\n"
       "openwait('c:\\data\\a.txt',6)\nloadwait(c:\\data\\a.txt)\n";
   Texts expected{"open c:\\data\\a.txt in '0' 1", "open c:\\data\\a.txt in '0' 0",
-                 "print c:\\data\\a.txt in '0' 1", "wait for c:\\data\\a.txt 0",
-                 "wait for c:\\data\\a.txt 1"};
+                 "print c:\\data\\a.txt in '0' 1", "wait for \"c:\\data\\a.txt\" 0",
+                 "wait for \"c:\\data\\a.txt\" 1"};
   const int states[] = {1, 1, 2, 3, 4, 7, 0, 0};
   for (int style = 0; style <= 7; ++style) {
     script += "open('c:\\data\\a.txt'," + std::to_string(style) + ")\n";
@@ -62,10 +62,38 @@ TEST(Commands, FilesAreCopiedMovedAndDeleted) {
                                                        {"c:\\x\\locked", ""},
                                                        {"d:\\backup\\a.txt", "A"},
                                                        {"d:\\end\\\\a.txt", "A"}}));
-  EXPECT_EQ(log,
-            "\"File: c:\\x\\locked could not be copied to d:\\locked: It is locked.\"\r\n"
-            "\"File: c:\\x\\locked could not be deleted: It is locked.\"\r\n");
+  EXPECT_EQ(
+      log,
+      "\"s.txt, line 5: File: c:\\x\\locked could not be copied to d:\\locked: It is locked.\"\r\n"
+      "\"s.txt, line 6: File: c:\\x\\locked could not be deleted: It is locked.\"\r\n");
   EXPECT_TRUE(desk.done.empty()) << "the sound is only copied";
+}
+
+TEST(Commands, WhereCaseTellsFilesApartTheGivenSpellingWins) {
+  ScriptDesk desk;
+  desk.files.tellsCaseApart = true;
+  desk.files.listings["z:\\y\\"] = {"Z.txt", "z.txt"};
+  auto& files = desk.files.contents;
+  files = {{"z:\\x\\A", "right"}, {"z:\\x\\a", "a"},     {"z:\\x\\B", "right"},
+           {"z:\\x\\b", "b"},     {"z:\\x\\C", ""},      {"z:\\x\\c", "c"},
+           {"z:\\to\\A", "old"},  {"z:\\to\\a", "a"},    {"z:\\x\\Say \"x\"", ""},
+           {"z:\\y\\Z.txt", ""},  {"z:\\y\\z.txt", "z"}, {"C:\\Orvanto\\scripts\\S.TXT", ""}};
+  EXPECT_EQ(desk.Run("copy('z:\\x\\A',z:\\to)\nmove('z:\\x\\B',z:\\to)\ndelete('z:\\x\\C')\n"
+                     "finddelete('z.txt',z:\\y)\nopen('z:\\x\\A')\nopenwait('z:\\x\\SAY \"x\"')"),
+            0);
+  EXPECT_EQ(desk.RunByPath("S.TXT"), 0);
+  files.erase("C:\\Orvanto\\scripts\\s.txt");
+  EXPECT_EQ(files, (std::map<std::string, std::string>{{"z:\\x\\A", "right"},
+                                                       {"z:\\x\\a", "a"},
+                                                       {"z:\\x\\b", "b"},
+                                                       {"z:\\x\\c", "c"},
+                                                       {"z:\\to\\A", "right"},
+                                                       {"z:\\to\\a", "a"},
+                                                       {"z:\\to\\b", "right"},
+                                                       {"z:\\y\\z.txt", "z"},
+                                                       {"z:\\x\\Say \"x\"", ""},
+                                                       {"C:\\Orvanto\\scripts\\S.TXT", ""}}));
+  EXPECT_EQ(desk.done, (Texts{"open z:\\x\\A in '0' 1", "wait for z:\\x\\SAY \"x\" 1"}));
 }
 
 TEST(Commands, ARefusedMessageBoxEndsTheScript) {

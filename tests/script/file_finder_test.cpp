@@ -20,7 +20,8 @@ TEST(FileFinder, SearchesLevelByLevelAndActsOnOneFileOfEachFolder) {
   ScriptDesk desk;
   Tree(desk, {{"c:\\", {"docs\\", "a.txt", "deep\\", "Z.TXT", "late\\", "z.txt"}},
               {"c:\\docs\\", {"sub\\", "z.txt"}},
-              {"c:\\deep\\", {"sub\\"}},
+              {"c:\\deep\\", {"link@", "z.txt@", "sub\\"}},
+              {"c:\\deep\\link\\", {"z.txt"}},
               {"c:\\late\\", {"z.txt"}},
               {"c:\\docs\\sub\\", {"z.txt"}},
               {"c:\\deep\\sub\\", {"xz.txt", "z.txt"}}});
@@ -43,7 +44,7 @@ TEST(FileFinder, EachCommandDoesItsThing) {
                      "finddelete('Z.txt',c:\\x)"),
             0);
   EXPECT_EQ(desk.done, (Texts{"open c:\\x\\z.txt in '0' 1", "print c:\\x\\z.txt in '0' 1",
-                              "wait for c:\\x\\z.txt 1", "wait for c:\\x\\z.txt 1"}));
+                              "wait for \"c:\\x\\z.txt\" 1", "wait for \"c:\\x\\z.txt\" 1"}));
   EXPECT_EQ(desk.files.contents.count("c:\\x\\z.txt"), 0U);
 }
 

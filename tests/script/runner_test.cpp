@@ -40,15 +40,30 @@ TEST(ScriptLine, SplitsArguments) {
   }
 }
 
+std::string Utf16(std::u16string_view text, bool highFirst) {
+  std::string bytes;
+  for (const char16_t unit : text) {
+    const char pair[] = {static_cast<char>(unit >> 8), static_cast<char>(unit)};
+    (bytes += pair[highFirst ? 0 : 1]) += pair[highFirst ? 1 : 0];
+  }
+  return bytes;
+}
+
 TEST(Runner, RunsLinesOfAnyEndingAndEncoding) {
   ScriptDesk desk;
-  EXPECT_EQ(desk.Run("beep()\r\nBEEP()\n   Beep()  \r\nbeep()"), 0);
+  EXPECT_EQ(desk.Run("beep()\r\nBEEP()\n   Beep()  \rbeep()"), 0);
   EXPECT_EQ(desk.Beeps(), 4);
   EXPECT_EQ(desk.Run(""), 0);
   EXPECT_EQ(desk.Run("\xEF\xBB\xBFmsgbox('\xC3\xA4',nostop)"), 0);
   EXPECT_EQ(desk.Run("msgbox('\xE4',nostop)"), 0);
   EXPECT_EQ(desk.Run(std::string("msgbox('a\0b',nostop)", 20)), 0);
   EXPECT_EQ(desk.Run("msgbox('" + std::string(200000, 'x') + "',nostop)"), 0);
+  for (const bool highFirst : {false, true}) {
+    const std::u16string text = u"\uFEFFmsgbox('\U0001F552\xD83D\xDD52\xDD52\xD83D',nostop)\r\n*(";
+    EXPECT_EQ(desk.Run(Utf16(text, highFirst) + "\xFF"), 0);
+    EXPECT_EQ(desk.popups.back(), "\U0001F552\U0001F552\uFFFD\uFFFD");
+    desk.popups.pop_back();
+  }
   EXPECT_EQ(desk.popups,
             (Texts{"\xC3\xA4", "\xC3\xA4", std::string("a\0b", 3), std::string(200000, 'x')}));
   EXPECT_EQ(desk.Log(), "");
@@ -65,11 +80,21 @@ TEST(Runner, ALineWithoutParenthesisRepeatsTheCommand) {
 }
 
 TEST(Runner, ABadLineIsLoggedTwiceAndReachesTheCaller) {
-  for (const char* text : {"rem(x)", "\nbeep()", "beep", "changeres(x)\nbeep()", "delay('3')",
-                           "\tbeep()", "delay()", "sdown(99999999999)", "sendkeys('x',{bad)"}) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"rem(x)", "Not a command"},
+      {"\nbeep()", "Not a command"},
+      {"beep", "Not a command"},
+      {"changeres(x)\nbeep()", "Type mismatch"},
+      {"delay('3')", "Type mismatch"},
+      {"\tbeep()", "Not a command"},
+      {"delay()", "Type mismatch"},
+      {"sdown(99999999999)", "Overflow"},
+      {"sendkeys('x',{bad)", "A brace is not closed"}};
+  for (const auto& [text, reason] : cases) {
     ScriptDesk desk;
     desk.desktop.titles = {"x"};
     EXPECT_EQ(desk.Run(text), kFileAlreadyOpen) << text;
+    EXPECT_EQ(desk.failures, Texts{std::string("s.txt, line 1: ") + reason}) << text;
     EXPECT_EQ(desk.Log(), ScriptDesk::Twice("s.txt")) << text;
     EXPECT_EQ(desk.Beeps(), 0) << text;
     EXPECT_TRUE(desk.scripts.Slot(1).inUse) << text;
@@ -78,6 +103,8 @@ TEST(Runner, ABadLineIsLoggedTwiceAndReachesTheCaller) {
   ScriptDesk desk;
   EXPECT_EQ(desk.RunByPath("Missing.txt"), kFileNotFoundError);
   EXPECT_EQ(desk.Log(), ScriptDesk::Twice("Missing.txt"));
+  EXPECT_EQ(desk.Run("msgbox('x',nostop)\rx\ry("), kFileAlreadyOpen);
+  EXPECT_EQ(desk.failures, (Texts{"Missing.txt: File not found", "s.txt, line 3: Not a command"}));
   desk.files.contents["D:\\there.txt"] = "beep()";
   EXPECT_EQ(desk.RunByPath("D:\\There.TXT"), 0);
   EXPECT_EQ(desk.Beeps(), 1);
@@ -113,7 +140,8 @@ TEST(Runner, ADelayingScriptTakesSlotsUntilNoneIsLeft) {
   EXPECT_FALSE(idle);
   desk.loop.Advance(1000);
   EXPECT_EQ(desk.Beeps(), 100);
-  EXPECT_EQ(ErrorOf([&] { desk.loop.Advance(1000); }), kSubscriptOutOfRange);
+  desk.loop.Advance(1000);
+  EXPECT_EQ(desk.failures, Texts{"s.txt: all 100 places are taken"});
   EXPECT_TRUE(idle);
   EXPECT_FALSE(desk.scripts.Waiting());
   EXPECT_EQ(desk.RunByPath("s.txt"), kSubscriptOutOfRange);

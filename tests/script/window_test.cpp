@@ -19,6 +19,13 @@ TEST(Windows, EachCommandDoesItsSteps) {
                                                                      ParseKeySequence("%{ }ep")}));
   EXPECT_EQ(desk.clipboard.text, "dir {x");
   desk.done.clear();
+  desk.clipboard.taken = true;
+  EXPECT_EQ(desk.Run("sendkeysdos('Notepad',dir)"), 0);
+  EXPECT_TRUE(desk.done.empty()) << "what another program left there is not pasted";
+  EXPECT_EQ(
+      desk.Log(),
+      "\"s.txt, line 1: Window: Untitled - Notepad was sent nothing: the clipboard could not be "
+      "written\"\r\n");
   EXPECT_THROW(desk.windows.WindowAction("Notepad", WindowCode::SendKeys, "abc{"), Error);
   EXPECT_TRUE(desk.done.empty()) << "keys that do not parse touch nothing";
   EXPECT_EQ(desk.Run("sendkeys('Nothing',abc{)"), 0) << "and without a window are not looked at";

@@ -14,6 +14,7 @@ using Texts = std::vector<std::string>;
 
 class FakeFiles : public Files {
  public:
+  bool TellsCaseApart() const override { return tellsCaseApart; }
   bool Exists(const std::string& path) const override;
   void ListFolder(const std::string& folder, const EachEntry& each) override;
   bool Read(const std::string& path, std::string& text) override;
@@ -24,9 +25,11 @@ class FakeFiles : public Files {
 
   std::map<std::string, std::string> contents;  // by path
   // The entries of a folder ("C:\\x\\") in the order in which they are listed, folders with a
-  // backslash at their end, hidden files with an asterisk. They need not be in `contents`.
+  // backslash at their end, links to folders with an "@", hidden files with an asterisk. They need
+  // not be in `contents`.
   std::map<std::string, Texts> listings;
   std::set<std::string> locked;  // can be neither removed nor copied
+  bool tellsCaseApart = false;
 
  private:
   std::map<std::string, std::string>::const_iterator Find(const std::string& path) const;

@@ -118,6 +118,8 @@ void FakeLoop::Advance(std::int64_t milliseconds) {
 }
 
 std::map<std::string, std::string>::const_iterator FakeFiles::Find(const std::string& path) const {
+  const auto exact = contents.find(path);
+  if (exact != contents.end()) return exact;
   return std::find_if(contents.begin(), contents.end(), [&](const auto& file) {
     return RegistryTree::Fold(file.first) == RegistryTree::Fold(path);
   });
@@ -130,6 +132,7 @@ void FakeFiles::ListFolder(const std::string& folder, const EachEntry& each) {
   if (listing == listings.end()) return;
   for (const std::string& entry : std::vector<std::string>(listing->second)) {
     const EntryKind kind = entry.ends_with('\\')  ? EntryKind::Folder
+                           : entry.ends_with('@') ? EntryKind::FolderLink
                            : entry.ends_with('*') ? EntryKind::Hidden
                                                   : EntryKind::File;
     if (!each(entry.substr(0, entry.size() - (kind != EntryKind::File ? 1 : 0)), kind)) return;

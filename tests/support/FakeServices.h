@@ -110,9 +110,10 @@ class FakeKeyboard : public Keyboard {
 class FakeClipboard : public Clipboard {
  public:
   bool SetText(const std::string& newText) override {
-    text = newText;
-    return true;
+    if (!taken) text = newText;
+    return !taken;
   }
+  bool taken = false;  // by another program
   std::string text;
 };
 

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <map>
 #include <optional>
 #include <thread>
 
@@ -78,6 +79,20 @@ TEST(PosixFiles, ReadsWhatHasAnEnd) {
   }
 }
 
+TEST(PosixFiles, TellsLinksToFoldersFromFolders) {
+  const TemporaryDirectory directory;
+  fs::create_directory(directory / "folder");
+  fs::create_symlink("folder", directory / "link");
+  fs::create_symlink("nothing", directory / "broken");
+  std::map<std::string, Files::EntryKind> listed;
+  PosixFiles().ListFolder(FromNative(directory / ""), [&](const std::string& name, auto kind) {
+    return listed.emplace(name, kind).second;
+  });
+  EXPECT_EQ(listed, (decltype(listed){{"folder", Files::EntryKind::Folder},
+                                      {"link", Files::EntryKind::FolderLink},
+                                      {"broken", Files::EntryKind::File}}));
+}
+
 TEST(PosixFiles, LooksNamesUpWithoutRegardToCase) {
   const TemporaryDirectory directory;
   fs::create_directories(directory / "Dir/Sub");
@@ -114,6 +129,7 @@ TEST(Paths, FindTheBranchInWhichTheWholePathExists) {
       {"d/foo/SUB/New.txt", "d/FOO/sub/New.txt"},
       {"D/Foo/", "D/foo/"},
       {"d/fool", "d/Fool"},
+      {"d/FOOL", "d/FOOL"},
       {"D/hidden/Dir", "d/hidden/Dir"},
       {"none/Foo", "none/Foo"},
   };
@@ -169,6 +185,7 @@ class ProgramsTest : public testing::Test {
   }
 
   TemporaryDirectory directory_;
+  Notices notices_;
   const Environment path_;
   const Environment record_;
 };
@@ -209,7 +226,8 @@ TEST_F(ProgramsTest, RunsProgramsAndHandsDocumentsOn) {
   PosixLoop loop;
   const auto execute = [&](const std::string& operation, const std::string& file,
                            const std::string& parameters = "", const std::string& in = "") {
-    return PosixShell(loop).Execute({operation, file, parameters, in, ShowCommand::Normal});
+    return PosixShell(loop, notices_)
+        .Execute({operation, file, parameters, in, ShowCommand::Normal});
   };
   const std::string tool = FromNative(directory_ / "TOOL");
   ASSERT_TRUE(execute("open", tool + " a b", "c \"d e\"", "Z:\\"));
@@ -237,7 +255,7 @@ TEST_F(ProgramsTest, WhatIsStartedBeginsClean) {
   PosixLoop loop;
   loop.OnSignals({SIGTERM}, [](int) {});
   const auto open = [&](const std::string& file) {
-    return PosixShell(loop).Execute({"open", file, "", "", ShowCommand::Normal});
+    return PosixShell(loop, notices_).Execute({"open", file, "", "", ShowCommand::Normal});
   };
   ASSERT_TRUE(open(directory_ / "tool"));
   const auto lines = Record();
@@ -257,13 +275,14 @@ TEST_F(ProgramsTest, WhatIsStartedBeginsClean) {
 TEST_F(ProgramsTest, ASignalDuringTheWaitHasBeenHandledBehindIt) {
   PosixLoop loop;
   loop.OnSignals({SIGTERM}, [&](int) { loop.Quit(); });
-  EXPECT_TRUE(PosixShell(loop).StartAndWait("/bin/kill -TERM " + std::to_string(::getpid()),
-                                            ShowCommand::Normal));
+  EXPECT_TRUE(
+      PosixShell(loop, notices_)
+          .StartAndWait("/bin/kill -TERM " + std::to_string(::getpid()), ShowCommand::Normal));
   EXPECT_TRUE(loop.QuitRequested());
 }
 
 TEST_F(ProgramsTest, SessionCallsShutdown) {
-  PosixSession session;
+  PosixSession session(notices_);
   testing::internal::CaptureStderr();
   for (int i = 0; i < 2; ++i) EXPECT_FALSE(session.End(kShutdown));
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
@@ -277,7 +296,7 @@ TEST_F(ProgramsTest, SessionCallsShutdown) {
 TEST_F(ProgramsTest, SoundUsesTheFirstPlayer) {
   const std::string file = directory_ / "s.wav";
   WriteFile(file, "RIFF");
-  PosixSound sound;
+  PosixSound sound(notices_);
   testing::internal::CaptureStderr();
   for (int i = 0; i < 2; ++i) EXPECT_FALSE(sound.Play(FromNative(file)));
   EXPECT_EQ(testing::internal::GetCapturedStderr(),

@@ -240,6 +240,13 @@ TEST(Win32Clipboard, WaitsForOthersButNotForEver) {
   }
 }
 
+int changes = 0;  // of the screen, as the system tells of them
+
+LRESULT CALLBACK CountChanges(HWND window, UINT message, WPARAM depth, LPARAM size) {
+  if (message == WM_DISPLAYCHANGE && size != 0) ++changes;
+  return DefWindowProcW(window, message, depth, size);
+}
+
 SIZE ScreenSize() { return {GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)}; }
 
 // In a desktop of its own: the test runs itself in there.
@@ -284,7 +291,12 @@ TEST(Win32Session, ChangesTheResolution) {
     return WaitFor([&] { return ScreenSize().cx == newWidth && ScreenSize().cy == newHeight; },
                    milliseconds(5000));
   };
+  const HWND window = CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, 0, 0, 9, 9, nullptr,
+                                      nullptr, nullptr, nullptr);
+  SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(CountChanges));
   EXPECT_TRUE(changesTo(800, 600, 800, 600));
+  EXPECT_EQ(changes, 2) << "tried, then kept";
+  DestroyWindow(window);
   EXPECT_TRUE(changesTo(801, 17, 800, 600)) << "no such mode";
   EXPECT_TRUE(changesTo(before.cx, before.cy, before.cx, before.cy));
   DEVMODEW first = {};

@@ -43,7 +43,7 @@ class Win32FilesTest : public testing::Test {
   std::multiset<std::string> Listed(const std::string& folder) {
     std::multiset<std::string> names;
     files_.ListFolder(folder, [&](const std::string& name, Files::EntryKind kind) {
-      const char* end[] = {"", "*", "\\"};  // in the order of the kinds
+      const char* end[] = {"", "*", "\\", "@"};  // in the order of the kinds
       names.insert(name + end[static_cast<int>(kind)]);
       return true;
     });
@@ -71,9 +71,28 @@ TEST_F(Win32FilesTest, ListsFolders) {
   for (const std::string& none : {top_ + "\\none", deep_ + "\\hidden", std::string()}) {
     EXPECT_TRUE(Listed(none).empty()) << none;
   }
+  // Folders that each system links to.
+  const bool wine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+  EXPECT_EQ(wine ? Listed("Z:\\proc\\self").count("cwd@")
+                 : Listed("C:\\").count("Documents and Settings@"),
+            1u);
   int seen = 0;
   files_.ListFolder(deep_, [&](const std::string&, Files::EntryKind) { return ++seen < 2; });
   EXPECT_EQ(seen, 2);
+}
+
+TEST_F(Win32FilesTest, AFileExistsWhenItsFolderListsIt) {
+  for (const std::string& folder : {top_, deep_}) {
+    files_.Append(folder + "\\a.txt", "x");
+    EXPECT_TRUE(files_.Exists(folder + "\\A.TXT"));
+    for (const char* none : {"\\a.txt.", "\\a.txt ", "\\a.*", "\\con", "\\nul", "\\", ""}) {
+      EXPECT_FALSE(files_.Exists(folder + none)) << none;
+    }
+    EXPECT_FALSE(files_.Exists(folder + std::string("\\a.txt\0b", 8)));
+  }
+  for (const char* none : {"", "c:", "c:/", "c:\\", "con", "\\\\.\\nul"}) {
+    EXPECT_FALSE(files_.Exists(none)) << none;
+  }
 }
 
 TEST_F(Win32FilesTest, CopiesReadsAndRemoves) {
