@@ -1,6 +1,8 @@
 #include "core/ui/frmEdit.h"
 
 #include <algorithm>
+#include <chrono>
+#include <utility>
 
 #include "core/Convert.h"
 #include "core/ProgramTitle.h"
@@ -62,6 +64,21 @@ std::vector<std::string> Texts(std::string (*nameOf)(int), int codes) {
 std::int16_t CodeOf(const forms::ComboBox& list, std::int16_t stored) {
   const int index = list.SelectedIndex();
   return index == forms::ComboBox::kNone ? stored : static_cast<std::int16_t>(index + 1);
+}
+
+DateTime NextMinute(DateTime time) {
+  if (++time.minute < 60) return time;
+  time.minute = 0;
+  if (++time.hour < 24) return time;
+  time.hour = 0;
+  using std::chrono::year_month_day;
+  const year_month_day today{std::chrono::year(time.year), std::chrono::month(unsigned(time.month)),
+                             std::chrono::day(unsigned(time.day))};
+  const year_month_day tomorrow(std::chrono::sys_days(today) + std::chrono::days(1));
+  time.year = int{tomorrow.year()};
+  time.month = static_cast<int>(unsigned{tomorrow.month()});
+  time.day = static_cast<int>(unsigned{tomorrow.day()});
+  return time;
 }
 
 constexpr int kTypeTop = 300;
@@ -136,8 +153,8 @@ void frmEdit::WireControls() {
   optMonthly.onClick = [this] { ChangeTimeType(kTimeDayNumber); };
   cmdBrowse.onClick = [this] { Browse(); };
   cmdEdit.onClick = [this] { EditScript(); };
-  cmdNow.onClick = [this] { FillNow(); };
-  cmdToday.onClick = [this] { FillToday(); };
+  cmdNow.onClick = [this] { FillTime(services_.clock.Now()); };
+  cmdToday.onClick = [this] { FillDate(services_.clock.Now()); };
   cmdSave.onClick = [this] { Save(); };
   cmdCancel.onClick = [this] { Unload(); };
   onUnload = [this] {
@@ -197,9 +214,12 @@ void frmEdit::FillLists(const TaskRecord& task) {
 }
 
 void frmEdit::FillWhen(const TaskRecord& task) {
-  if (newTask_) {
-    FillNow();
-  } else {
+  const DateTime now = services_.clock.Now();
+  // The present minute has begun already, and would never come due.
+  const DateTime offered = newTask_ ? NextMinute(now) : now;
+  FillTime(offered);
+  FillDate(offered);
+  if (!newTask_) {
     txtHour.SetText(task.timeHour);
     txtMinute.SetText(task.timeMinute);
   }
@@ -294,22 +314,21 @@ void frmEdit::Browse() {
 }
 
 void frmEdit::EditScript() {
+  if (txt1.Text().empty()) return;  // the scripts folder is no script
   services_.shell.Start("notepad.exe " + services_.store.TaskFile(txt1.Text()),
                         ShowCommand::Normal);
 }
 
-void frmEdit::FillNow() {
-  const DateTime now = services_.clock.Now();
-  txtHour.SetText(TwoDigits(now.hour));
-  txtMinute.SetText(TwoDigits(now.minute));
+void frmEdit::FillTime(const DateTime& time) {
+  txtHour.SetText(TwoDigits(time.hour));
+  txtMinute.SetText(TwoDigits(time.minute));
 }
 
-void frmEdit::FillToday() {
-  const DateTime now = services_.clock.Now();
+void frmEdit::FillDate(const DateTime& date) {
   const bool monthFirst = services_.store.DateOrderMonthFirst != 0;
-  txtdte[0].SetText(TwoDigits(monthFirst ? now.month : now.day));
-  txtdte[1].SetText(TwoDigits(monthFirst ? now.day : now.month));
-  txtdte[2].SetText(std::to_string(now.year));
+  txtdte[0].SetText(TwoDigits(monthFirst ? date.month : date.day));
+  txtdte[1].SetText(TwoDigits(monthFirst ? date.day : date.month));
+  txtdte[2].SetText(std::to_string(date.year));
 }
 
 TaskEntry frmEdit::Entered() const {

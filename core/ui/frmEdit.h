@@ -15,6 +15,7 @@
 namespace orvanto {
 
 class Clock;
+struct DateTime;
 class FileDialogs;
 class MessageBoxes;
 class Shell;
@@ -80,8 +81,8 @@ class frmEdit : public forms::Form {
   std::vector<std::string> Groups();
   void Browse();
   void EditScript();
-  void FillNow();
-  void FillToday();
+  void FillTime(const DateTime& time);
+  void FillDate(const DateTime& date);
   TaskEntry Entered() const;
   void Save();
 

@@ -214,8 +214,13 @@ TEST_F(EditorTest, ARefusalKeepsTheEntries) {
 }
 
 TEST_F(EditorTest, NowTodayBrowseAndEditScript) {
-  clock.Set(2026, 2, 3, 4, 5, 6);
-  OpenNew();
+  const std::pair<int, const char*> offered[] = {{58, "23:59 31/12/2026"},
+                                                 {59, "00:00 01/01/2027"}};
+  for (const auto& [minute, next] : offered) {
+    clock.Set(2026, 12, 31, 23, minute, 0);
+    OpenNew();
+    EXPECT_EQ(editor.txtHour.Text() + ":" + editor.txtMinute.Text() + " " + Date(), next);
+  }
   clock.Set(2027, 3, 4, 5, 6, 7);
   ASSERT_TRUE(editor.cmdNow.Press());
   ASSERT_TRUE(editor.cmdToday.Press());
@@ -239,6 +244,8 @@ TEST_F(EditorTest, NowTodayBrowseAndEditScript) {
     fileDialogs.chosen.reset();
   }
   ChooseType(0);
+  editor.cmdEdit.Press();
+  editor.txt1.Type("");
   editor.cmdEdit.Press();
   editor.txt1.Type("night.txt");
   editor.cmdEdit.Press();
