@@ -79,6 +79,10 @@ class Label : public Control {
  public:
   Label(Form& form, const Control* container, std::string caption, Bounds bounds)
       : Control(form, container, Kind::Label, std::move(caption), bounds) {}
+
+  // For a text of any length: a word that is longer than a line goes on in the next one. To be set
+  // before the form loads.
+  bool breaksWords = false;
 };
 
 class Frame : public Control {

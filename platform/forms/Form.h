@@ -11,7 +11,7 @@
 
 namespace orvanto::forms {
 
-enum class FormProperty { Caption, Visible, Position, TopMost, Active };
+enum class FormProperty { Caption, Visible, Position, Size, TopMost, Active };
 
 struct Size {
   int width = 0;
@@ -39,6 +39,8 @@ class FormHost {
   virtual void Detach(std::unique_ptr<FormPeer> peer) = 0;
   virtual Size ScreenSize() const = 0;                 // the work area of the main screen, in twips
   virtual Size FrameSize(const Form& form) const = 0;  // what border, caption and menu add
+  // What a text takes in lines of that width, as a label that breaks words shows it.
+  virtual Size TextSize(const std::string& text, int width) const = 0;
 };
 
 class Form {
@@ -51,6 +53,7 @@ class Form {
   const std::string& Caption() const { return caption_; }
   void SetCaption(const std::string& caption);
   Size ClientSize() const { return clientSize_; }
+  void SetClientSize(Size size);
   int Left() const { return left_; }
   int Top() const { return top_; }
   void CentreOnScreen();
@@ -109,6 +112,7 @@ class HeadlessFormHost : public FormHost {
   void Detach(std::unique_ptr<FormPeer>) override {}
   Size ScreenSize() const override { return {1280 * 15, 800 * 15}; }
   Size FrameSize(const Form&) const override { return {0, 0}; }
+  Size TextSize(const std::string& text, int width) const override;  // an estimate
 };
 
 }  // namespace orvanto::forms

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <sstream>
 #include <utility>
 
 namespace orvanto::forms {
@@ -245,6 +246,11 @@ void Form::SetCaption(const std::string& caption) {
   Changed(FormProperty::Caption);
 }
 
+void Form::SetClientSize(Size size) {
+  clientSize_ = size;
+  Changed(FormProperty::Size);
+}
+
 void Form::CentreOnScreen() {
   const Size screen = host_.ScreenSize();
   const Size frame = host_.FrameSize(*this);
@@ -298,6 +304,19 @@ bool Form::Close() {
     Unload();
   }
   return true;
+}
+
+Size HeadlessFormHost::TextSize(const std::string& text, int width) const {
+  constexpr int kCharacter = 90;
+  constexpr int kLine = 225;
+  Size size;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    const int length = static_cast<int>(line.size()) * kCharacter;
+    size.width = std::max(size.width, std::min(length, width));
+    size.height += (std::max(length - 1, 0) / width + 1) * kLine;
+  }
+  return size;
 }
 
 }  // namespace orvanto::forms

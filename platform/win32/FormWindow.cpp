@@ -60,14 +60,14 @@ void RegisterFormClass(WNDPROC procedure) {
   RegisterClassExW(&windowClass);
 }
 
-HFONT MessageFont(UINT dpi) {
+}  // namespace
+
+Handle<HFONT, DeleteObject> MessageFont(UINT dpi) {
   NONCLIENTMETRICSW metrics = {};
   metrics.cbSize = sizeof metrics;
   SystemParametersInfoForDpi(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0, dpi);
-  return CreateFontIndirectW(&metrics.lfMessageFont);
+  return Handle<HFONT, DeleteObject>(CreateFontIndirectW(&metrics.lfMessageFont));
 }
-
-}  // namespace
 
 UINT MainScreenDpi() {
   UINT x = USER_DEFAULT_SCREEN_DPI;
@@ -90,9 +90,7 @@ FormWindow::FormWindow(forms::Form& form, HWND owner, std::function<void(FormWin
   MakeWindow(owner);
   MakeControls();
   Rescale();
-  const SIZE size = OuterSize(form, dpi_);
-  SetWindowPos(window_, nullptr, 0, 0, size.cx, size.cy,
-               SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+  FormChanged(FormProperty::Size);
   if (form.Left() != 0 || form.Top() != 0) MoveToPosition();
   if (form.TopMost()) FormChanged(FormProperty::TopMost);
 }
@@ -196,7 +194,7 @@ void FormWindow::MenuChanged(const forms::MenuItem& item) {
 // Font, images and places for the present resolution.
 void FormWindow::Rescale() {
   const Scope mirroring(mirroring_);
-  Handle<HFONT, DeleteObject> font(MessageFont(dpi_));
+  Handle<HFONT, DeleteObject> font = MessageFont(dpi_);
   for (const auto& window : controls_) {
     SendMessageW(window->Get(), WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), FALSE);
     Place(*window);
@@ -285,6 +283,12 @@ void FormWindow::FormChanged(FormProperty property) {
     case FormProperty::Position:
       MoveToPosition();
       break;
+    case FormProperty::Size: {
+      const SIZE size = OuterSize(*form_, dpi_);
+      SetWindowPos(window_, nullptr, 0, 0, size.cx, size.cy,
+                   SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+      break;
+    }
     case FormProperty::TopMost:
       SetWindowPos(window_, form_->TopMost() ? HWND_TOPMOST : HWND_NOTOPMOST, 0, 0, 0, 0,
                    SWP_NOMOVE | SWP_NOSIZE);

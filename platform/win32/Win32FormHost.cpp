@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/win32/Scale.h"
+#include "platform/win32/Text.h"
 
 namespace orvanto::win32 {
 
@@ -96,6 +97,20 @@ forms::Size Win32FormHost::FrameSize(const forms::Form& form) const {
   const SIZE outer = OuterSize(form, dpi);
   return {ToTwips(outer.cx, dpi) - form.ClientSize().width,
           ToTwips(outer.cy, dpi) - form.ClientSize().height};
+}
+
+forms::Size Win32FormHost::TextSize(const std::string& text, int width) const {
+  const UINT dpi = MainScreenDpi();
+  const Handle<HFONT, DeleteObject> font = MessageFont(dpi);
+  const Handle<HDC, DeleteDC> context(CreateCompatibleDC(nullptr));
+  const HGDIOBJ old = SelectObject(context.Get(), font.Get());
+  const std::wstring shown = ToWide(text);
+  RECT place = {0, 0, ToPixels(width, dpi), 0};
+  DrawTextW(context.Get(), shown.c_str(), static_cast<int>(shown.size()), &place,
+            DT_CALCRECT | DT_WORDBREAK | DT_EDITCONTROL | DT_EXPANDTABS | DT_NOPREFIX);
+  SelectObject(context.Get(), old);
+  // A pixel more, for what is lost in rounding.
+  return {ToTwips(place.right + 1, dpi), ToTwips(place.bottom + 1, dpi)};
 }
 
 // Tab, arrows, mnemonics, Enter and Esc. The forms have no accelerators; they would go first.

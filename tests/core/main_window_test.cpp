@@ -81,6 +81,22 @@ TEST_F(MainWindowTest, CommandsAreOfferedWhenANodeIsSelected) {
   EXPECT_FALSE(window.mnuRun.Choose());
 }
 
+TEST_F(MainWindowTest, ThePopupMessageGrowsWithItsText) {
+  forms::Size last;
+  for (const std::size_t length : {10U, 300U, 1000U, 5000U, 100000U}) {
+    message.ShowText(std::string(length, 'x'));
+    const forms::Size size = message.ClientSize();
+    EXPECT_TRUE(size.width > last.width || size.height > last.height) << length;
+    EXPECT_LT(size.width, 1280 * 15);
+    EXPECT_LT(size.height, 800 * 15);
+    const bool scrolls = length == 100000;
+    EXPECT_EQ(message.txtMsg.ShownToUser(), scrolls);
+    EXPECT_EQ(message.lblMsg.ShownToUser(), !scrolls);
+    EXPECT_EQ((scrolls ? message.txtMsg.Text() : message.lblMsg.Text()).size(), length);
+    last = size;
+  }
+}
+
 TEST_F(MainWindowTest, TheTrayTakesTheWindowAndADoubleClickBringsItBack) {
   Add("In the tray", "14:05", [](TaskEntry& entry) { entry.taskType = kShutdownComputer; });
   Add("Hidden", "14:06");
