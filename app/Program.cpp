@@ -87,7 +87,7 @@ void Program::WireWindows() {
   frmScriptcfg& window = parts_->mainWindow;
   window.showEditor = [this](std::optional<std::int16_t> slot) { parts_->editor.Open(slot); };
   window.showAbout = [this] { parts_->about.Open(); };
-  parts_->editor.onSaved = [&window] { window.BuildTaskTree(); };
+  parts_->editor.onSaved = [&window](std::int16_t slot) { window.BuildTaskTree(slot); };
   parts_->editor.onClosed = [&window] { window.Return(); };
   parts_->about.onClosed = [&window] { window.Return(); };
   TelnetServer& telnet = parts_->telnet;

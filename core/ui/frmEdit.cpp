@@ -223,7 +223,6 @@ void frmEdit::FillWhen(const TaskRecord& task) {
     txtHour.SetText(task.timeHour);
     txtMinute.SetText(task.timeMinute);
   }
-  FillToday();
   if (task.timeType == kTimeOnce && !newTask_) {
     const bool monthFirst = services_.store.DateOrderMonthFirst != 0;
     txtdte[0].SetText(monthFirst ? task.dateMonth : task.dateDay);
@@ -357,14 +356,39 @@ TaskEntry frmEdit::Entered() const {
 
 void frmEdit::Save() {
   TaskStore& store = services_.store;
-  if (store.StoreEntry(Entered(), newTask_ ? "" : loaded_.name) == 0) {
+  const std::int16_t slot = store.StoreEntry(Entered(), newTask_ ? "" : loaded_.name);
+  if (slot == 0) {
+    forms::Control* field = FieldAtFault();
     services_.messageBoxes.Show(store.TaskValidationMessage, kProgramTitle, Buttons::Ok,
                                 BoxIcon::None);
+    if (field != nullptr && field->Usable()) field->SetFocus();
     return;
   }
   // First the tree, so that the keyboard comes back to a window whose buttons are as they will be.
-  if (onSaved) onSaved();
+  if (onSaved) onSaved(slot);
   Unload();
+}
+
+// The field that the validation's message names; null where it names none.
+forms::Control* frmEdit::FieldAtFault() {
+  const bool monthFirst = services_.store.DateOrderMonthFirst != 0;
+  // The first one that fits, so the longer words stand before those that are in them.
+  const std::pair<const char*, forms::Control*> fields[] = {
+      {"name", &txtTaskName},
+      {"day of month", &txtmnthday},
+      {"day", &txtdte[monthFirst ? 1 : 0]},
+      {"month", &txtdte[monthFirst ? 0 : 1]},
+      {"year", &txtdte[2]},
+      {"date", &txtdte[0]},
+      {"hour", &txtHour},
+      {"minute", &txtMinute},
+      {"file", &txt1},
+  };
+  const std::string message = LowerCase(services_.store.TaskValidationMessage);
+  for (const auto& [word, field] : fields) {
+    if (message.find(word) != std::string::npos) return field;
+  }
+  return nullptr;
 }
 
 }  // namespace orvanto

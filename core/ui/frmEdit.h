@@ -37,8 +37,8 @@ class frmEdit : public forms::Form {
 
   // The editor has gone, with or without saving.
   std::function<void()> onClosed;
-  // A task has been stored.
-  std::function<void()> onSaved;
+  // A task has been stored, in that slot.
+  std::function<void(std::int16_t slot)> onSaved;
 
   forms::Label lblTaskName;
   forms::TextBox txtTaskName;
@@ -85,6 +85,7 @@ class frmEdit : public forms::Form {
   void FillDate(const DateTime& date);
   TaskEntry Entered() const;
   void Save();
+  forms::Control* FieldAtFault();
 
   Services services_;
   bool newTask_ = true;

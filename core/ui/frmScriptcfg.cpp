@@ -1,6 +1,8 @@
 #include "core/ui/frmScriptcfg.h"
 
+#include <algorithm>
 #include <initializer_list>
+#include <tuple>
 #include <utility>
 
 #include "core/Convert.h"
@@ -124,7 +126,7 @@ void frmScriptcfg::OnCommand(Command command) {
       NewTask();
       break;
     case kDelete:
-      services_.store.DeleteTask(SelectedSlot());
+      DeleteSelectedTask();
       break;
     case kEdit:
       if (const std::int16_t slot = SelectedSlot(); slot > 0) {
@@ -158,9 +160,18 @@ void frmScriptcfg::NewTask() {
   showEditor(std::nullopt);
 }
 
+void frmScriptcfg::DeleteSelectedTask() {
+  const std::string neighbour = NeighbourOfSelected();
+  // Before the button is disabled: the keyboard would go to the next one, whichever that is.
+  treTasks.SetFocus();
+  services_.store.DeleteTask(SelectedSlot());
+  if (!treTasks.Selected()) SelectKey(neighbour);
+}
+
 void frmScriptcfg::Return() {
   if (!Loaded()) return;
   services_.trayIcon.Remove();
+  treTasks.SetFocus();
   Activate();
 }
 
@@ -194,6 +205,39 @@ std::int16_t frmScriptcfg::SelectedSlot() {
     services_.store.FindTaskIndex(treTasks.Nodes()[*selected].text, slot);
   }
   return slot;
+}
+
+std::string frmScriptcfg::SelectedKey() const {
+  const auto selected = treTasks.Selected();
+  return selected ? treTasks.Nodes()[*selected].key : "";
+}
+
+// The task that a person looks at next when the selected one goes: the one below in its group, or
+// the one above; where it was the only one, the nearest of another group. Empty for none.
+std::string frmScriptcfg::NeighbourOfSelected() const {
+  const auto& nodes = treTasks.Nodes();
+  const auto selected = treTasks.Selected();
+  std::tuple<bool, bool, std::size_t> nearest;
+  std::string key;
+  for (std::size_t id = 0; selected && id < nodes.size(); ++id) {
+    if (id == *selected || !nodes[id].parent) continue;
+    const bool above = id < *selected;
+    const std::tuple distance{nodes[id].parent != nodes[*selected].parent, above,
+                              above ? *selected - id : id - *selected};
+    if (!key.empty() && nearest < distance) continue;
+    nearest = distance;
+    key = nodes[id].key;
+  }
+  return key;
+}
+
+void frmScriptcfg::SelectKey(const std::string& key) {
+  const auto& nodes = treTasks.Nodes();
+  const auto node =
+      std::find_if(nodes.begin(), nodes.end(), [&](const auto& each) { return each.key == key; });
+  if (node == nodes.end()) return;
+  treTasks.Select(static_cast<std::size_t>(node - nodes.begin()));
+  EnableTaskCommands(true);
 }
 
 void frmScriptcfg::EnableTaskCommands(bool selected) {
@@ -284,11 +328,13 @@ void frmScriptcfg::ReadProxySettings() {
   Step([&] { proxy.ftpThroughProxy = ToInt16(settings.ReadSetting(kInternet, "Proxy FTP", "0")); });
 }
 
-void frmScriptcfg::BuildTaskTree() {
+void frmScriptcfg::BuildTaskTree(std::optional<std::int16_t> slotToSelect) {
   TaskStore& store = services_.store;
+  const std::string selected = slotToSelect ? "" : SelectedKey();
   TreeUpdate update(treTasks);
+  // Not disabled in between, where the selection stays: the keyboard would leave the button.
+  if (selected.empty()) EnableTaskCommands(false);
   treTasks.Clear();
-  EnableTaskCommands(false);
   const std::int16_t count = store.NoTasks();
   for (int i = 1; i <= count; ++i) {
     const auto slot = static_cast<std::int16_t>(i);
@@ -312,7 +358,10 @@ void frmScriptcfg::BuildTaskTree() {
                                     .image = "TASK",
                                     .selectedImage = "TASK_SELECTED"});
     treTasks.EnsureVisible(node);
+    if (slot == slotToSelect) treTasks.Select(node);
   }
+  SelectKey(selected);
+  EnableTaskCommands(treTasks.Selected().has_value());
 }
 
 void frmScriptcfg::OnUnload() {

@@ -58,11 +58,13 @@ class frmScriptcfg : public forms::Form {
   // next one follows.
   void Start(const std::string& commandLine, const std::string& programFolder);
 
-  // Shows the window, on top of the others and out of the tray, unless it has been unloaded.
+  // Shows the window, on top of the others and out of the tray, with the keyboard in the tree; does
+  // nothing when it has been unloaded.
   void Return();
 
-  // Reads the store anew. The selection is lost. Throws Error 9 behind the hundredth task.
-  void BuildTaskTree();
+  // Reads the store anew and selects that slot's task; without a slot, the line that was selected
+  // as long as there is the same. Throws Error 9 behind the hundredth task.
+  void BuildTaskTree(std::optional<std::int16_t> slotToSelect = std::nullopt);
 
   ProgramSettings programSettings;
 
@@ -89,12 +91,16 @@ class frmScriptcfg : public forms::Form {
   void WireRemoteControl();
   void OnCommand(Command command);
   void NewTask();
+  void DeleteSelectedTask();
   void OnUnload();
   void ReadRemoteSettings();
   void ReadProxySettings();
   void Step(const std::function<void()>& step);
   void EnableTaskCommands(bool selected);
   std::int16_t SelectedSlot();
+  std::string SelectedKey() const;
+  std::string NeighbourOfSelected() const;
+  void SelectKey(const std::string& key);
 
   Services services_;
 };

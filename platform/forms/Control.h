@@ -56,6 +56,10 @@ class Control {
   void SetBounds(const Bounds& bounds);
   void SetHeight(int height);
 
+  // Puts the keyboard here, at once or when the form is next in front. For one that a person could
+  // use there.
+  void SetFocus();
+
   bool ShownToUser() const;  // visible with all its containers, on a form that is visible
   bool Usable() const;       // shown and enabled with all its containers
 

@@ -11,7 +11,7 @@
 
 namespace orvanto::forms {
 
-enum class FormProperty { Caption, Visible, Position, Size, TopMost, Active };
+enum class FormProperty { Caption, Visible, Position, Size, TopMost, Active, Focus };
 
 struct Size {
   int width = 0;
@@ -73,6 +73,10 @@ class Form {
 
   std::function<void()> onUnload;
 
+  // Where the program has put the keyboard since the form was loaded; a person may have moved it
+  // on. Null: the first in the tab order.
+  const Control* Focus() const { return focus_; }
+
   // user: the close button of the frame, or Alt+F4. Unloads unless the form says otherwise.
   bool Close();
   std::function<void()> onClose;  // replaces the unloading
@@ -101,6 +105,7 @@ class Form {
   bool visible_ = false;
   bool loaded_ = false;
   bool topMost_ = false;
+  const Control* focus_ = nullptr;
   std::vector<Control*> controls_;
   std::vector<MenuItem*> menuBar_;
 };

@@ -51,6 +51,11 @@ void Control::SetHeight(int height) {
   SetBounds(bounds);
 }
 
+void Control::SetFocus() {
+  form_.focus_ = this;
+  form_.Changed(FormProperty::Focus);
+}
+
 bool Control::ShownToUser() const {
   for (const Control* control = this; control != nullptr; control = control->container_) {
     if (!control->visible_) return false;
@@ -267,6 +272,7 @@ void Form::SetTopMost(bool topMost) {
 void Form::Load() {
   if (loaded_) return;
   loaded_ = true;
+  focus_ = nullptr;
   peer_ = host_.Attach(*this);
 }
 

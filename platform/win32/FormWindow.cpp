@@ -227,7 +227,7 @@ void FormWindow::Place(ControlWindow& window) const {
   window.Place({x, y, ToPixels(left + bounds.width, dpi_), ToPixels(top + bounds.height, dpi_)});
 }
 
-void FormWindow::MirrorState(const ControlWindow& window) const {
+void FormWindow::MirrorState(const ControlWindow& window) {
   bool visible = true;
   bool enabled = true;
   for (const forms::Control* each = &window.GetControl(); each; each = each->Container()) {
@@ -238,7 +238,7 @@ void FormWindow::MirrorState(const ControlWindow& window) const {
   const HWND focus = GetFocus();
   const bool focused = focus == window.Get() || IsChild(window.Get(), focus);
   if (!(visible && enabled) && focused) {
-    SetFocus(GetNextDlgTabItem(window_, window.Get(), FALSE));
+    MoveFocus(GetNextDlgTabItem(window_, window.Get(), FALSE));
   }
   ShowWindow(window.Get(), visible ? SW_SHOWNA : SW_HIDE);
   EnableWindow(window.Get(), enabled);
@@ -304,6 +304,11 @@ void FormWindow::FormChanged(FormProperty property) {
     case FormProperty::Active:
       if (IsIconic(window_)) ShowWindow(window_, SW_RESTORE);
       SetForegroundWindow(window_);
+      break;
+    case FormProperty::Focus:
+      for (const auto& window : controls_) {
+        if (&window->GetControl() == form_->Focus()) MoveFocus(window->Get());
+      }
       break;
   }
 }
@@ -459,13 +464,27 @@ void FormWindow::OnActivate(bool active) {
 
 void FormWindow::TakeFocus() {
   if (lastFocus_ == nullptr || !IsWindowVisible(lastFocus_) || !IsWindowEnabled(lastFocus_)) {
-    lastFocus_ = GetNextDlgTabItem(window_, nullptr, FALSE);
-    // As a dialog does: what is typed first replaces the text.
-    if (lastFocus_ != nullptr && (SendMessageW(lastFocus_, WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL)) {
-      SendMessageW(lastFocus_, EM_SETSEL, 0, -1);
-    }
+    MoveFocus(GetNextDlgTabItem(window_, nullptr, FALSE));
+  } else {
+    SetFocus(lastFocus_);
   }
-  if (lastFocus_ != nullptr) SetFocus(lastFocus_);
+}
+
+// As a dialog does: what is typed first replaces the text, and Enter presses the button that has
+// the keyboard, or else the form's own.
+void FormWindow::MoveFocus(HWND to) {
+  lastFocus_ = to;
+  if (to == nullptr) return;
+  const LRESULT code = SendMessageW(to, WM_GETDLGCODE, 0, 0);
+  if ((code & DLGC_HASSETSEL) != 0) SendMessageW(to, EM_SETSEL, 0, -1);
+  const bool toButton = (code & (DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON)) != 0;
+  for (const auto& window : controls_) {
+    const forms::Control& control = window->GetControl();
+    if (control.GetKind() != Kind::Button) continue;
+    const bool takesEnter = toButton ? window->Get() == to : &control == form_->defaultButton;
+    SendMessageW(window->Get(), BM_SETSTYLE, takesEnter ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON, TRUE);
+  }
+  if (GetActiveWindow() == window_) SetFocus(to);
 }
 
 }  // namespace orvanto::win32

@@ -114,8 +114,10 @@ forms::Size Win32FormHost::TextSize(const std::string& text, int width) const {
 }
 
 // Tab, arrows, mnemonics, Enter and Esc. The forms have no accelerators; they would go first.
+// A mnemonic wants Alt: a bare letter, typed for another window or in the belief that the keyboard
+// is in a text, must not delete a task, end a chat or close a message unread.
 bool Win32FormHost::Navigate(MSG& message) const {
-  if (message.hwnd == nullptr) return false;
+  if (message.hwnd == nullptr || message.message == WM_CHAR) return false;
   const HWND root = GetAncestor(message.hwnd, GA_ROOT);
   const bool ours = std::any_of(windows_.begin(), windows_.end(),
                                 [&](const auto& each) { return each->Get() == root; });

@@ -219,13 +219,13 @@ TEST_F(ProgramTest, OneWindowStandsForAnother) {
   ASSERT_TRUE(editor.cmdSave.Press());
   EXPECT_TRUE(window.Visible());
   ASSERT_EQ(window.treTasks.Nodes().size(), 2U) << "the group and the task";
+  EXPECT_EQ(window.treTasks.Selected(), 1U);
 
   window.cmdSystemTray.Press();
   program.BringToFront();
   EXPECT_TRUE(window.Visible());
   EXPECT_EQ(fake.trayIcon.shownTip, "");
 
-  window.treTasks.ClickNode(1);
   ASSERT_TRUE(window.mnuEdit.Choose());
   EXPECT_EQ(editor.Caption(), "Edit Task - Made here");
   EXPECT_TRUE(editor.Visible());

@@ -12,7 +12,7 @@ class EditorTest : public testing::Test, public CoreDesk {
  protected:
   EditorTest() {
     finder.findsAll = true;
-    editor.onSaved = [this] { ++saved; };
+    editor.onSaved = [this](std::int16_t) { ++saved; };
     editor.onClosed = [this] { ++closed; };
   }
   void OpenNew() { editor.Open(std::nullopt); }
@@ -36,10 +36,11 @@ class EditorTest : public testing::Test, public CoreDesk {
   std::string Date() const {
     return editor.txtdte[0].Text() + "/" + editor.txtdte[1].Text() + "/" + editor.txtdte[2].Text();
   }
-  void SaveRefused(const char* message) {
+  void SaveRefused(const char* message, const forms::Control* fieldAtFault = nullptr) {
     messageBoxes.expected = {{message}};
     ASSERT_TRUE(editor.cmdSave.Press());
     EXPECT_TRUE(messageBoxes.expected.empty()) << message;
+    EXPECT_EQ(editor.Focus(), fieldAtFault) << message;
     EXPECT_TRUE(editor.Visible());
     EXPECT_EQ(saved, 0);
   }
@@ -195,17 +196,31 @@ TEST_F(EditorTest, ARefusalKeepsTheEntries) {
   Add("Taken", "09:00");
   OpenNew();
   editor.txtTaskName.Type("Taken");
-  SaveRefused("That Task Name is already in use. Please use a different one.");
+  SaveRefused("That Task Name is already in use. Please use a different one.", &editor.txtTaskName);
   editor.txtTaskName.Type("New");
+  finder.findsAll = false;
+  SaveRefused("File does not exist", &editor.txt1);
+  finder.findsAll = true;
+  editor.txtdte[0].Type("40");
+  SaveRefused("Invalid Day given for Date", &editor.txtdte[0]);
+  editor.txtdte[0].Type("1");
+  editor.txtdte[1].Type("13");
+  SaveRefused("Invalid Month given for Date", &editor.txtdte[1]);
+  editor.txtdte[2].Type("27");
+  editor.txtdte[1].Type("12");
+  SaveRefused("Invalid Year given for Date", &editor.txtdte[2]);
   editor.txtdte[2].Type("soon");
-  SaveRefused("Invalid Date");
+  SaveRefused("Invalid Date", &editor.txtdte[0]);
   editor.optMonthly.Choose();
   editor.txtmnthday.Type("x");
-  SaveRefused("Invlaid Day of Month Given");
+  SaveRefused("Invlaid Day of Month Given", &editor.txtmnthday);
   editor.txtmnthday.Type("31");
   editor.txtHour.Type("24");
-  SaveRefused("Invlaid Hour given for Time");
+  SaveRefused("Invlaid Hour given for Time", &editor.txtHour);
   editor.txtHour.Type("23");
+  editor.txtMinute.Type("60");
+  SaveRefused("Invalid Minute given for Time", &editor.txtMinute);
+  editor.txtMinute.Type("59");
   EXPECT_EQ(editor.txtTaskName.Text(), "New");
   EXPECT_EQ(editor.txtdte[2].Text(), "soon");
   EXPECT_EQ(store.NoTasks(), 1);

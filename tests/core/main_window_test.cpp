@@ -33,6 +33,11 @@ class MainWindowTest : public testing::Test, public CoreDesk {
     }
     FAIL() << "no node " << name;
   }
+  std::string Selected() const {
+    const auto selected = window.treTasks.Selected();
+    EXPECT_EQ(window.cmdDelete.Enabled(), selected.has_value());
+    return selected ? Lines()[*selected] : "";
+  }
 
   frmmsg message{forms};
   frmScriptcfg window{forms,
@@ -81,6 +86,29 @@ TEST_F(MainWindowTest, CommandsAreOfferedWhenANodeIsSelected) {
   EXPECT_FALSE(window.mnuRun.Choose());
 }
 
+TEST_F(MainWindowTest, TheSelectionStaysOrGoesToTheNeighbour) {
+  for (const char* name : {"One", "Other", "Three", "Four"}) {
+    InGroup(name, name == std::string("Other") ? "B" : "A");
+  }
+  Start();
+  Click("Three");
+  for (const char* next : {"A/Four", "A/One", "B/Other", ""}) {
+    EXPECT_TRUE(window.cmdDelete.Press());
+    EXPECT_EQ(Selected(), next);
+    EXPECT_EQ(window.Focus(), &window.treTasks);
+  }
+  InGroup("First", "A");
+  InGroup("Second", "A");
+  window.BuildTaskTree(2);
+  EXPECT_EQ(Selected(), "A/Second") << "as the editor saved it";
+  store.DeleteTask(1);
+  EXPECT_EQ(Selected(), "A/Second");
+  store.DeleteTask(1);
+  InGroup("Third", "A");
+  window.BuildTaskTree();
+  EXPECT_EQ(Selected(), "") << "others have deleted it";
+}
+
 TEST_F(MainWindowTest, ThePopupMessageGrowsWithItsText) {
   forms::Size last;
   for (const std::size_t length : {10U, 300U, 1000U, 5000U, 100000U}) {
@@ -112,6 +140,7 @@ TEST_F(MainWindowTest, TheTrayTakesTheWindowAndADoubleClickBringsItBack) {
   EXPECT_EQ(window.Caption(), "Orvanto - 14:05");
   trayIcon.onMouse(kLeftDoubleClick);
   EXPECT_TRUE(window.Visible());
+  EXPECT_EQ(window.Focus(), &window.treTasks);
   EXPECT_EQ(trayIcon.shownTip, "");
 
   EXPECT_TRUE(window.mnuOnTop.Choose());
