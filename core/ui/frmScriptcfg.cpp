@@ -106,7 +106,7 @@ void frmScriptcfg::WireCommands() {
   mnuSettings.onClick = [this] { showSettings(); };
   mnuOnTop.onClick = [this] {
     mnuOnTop.SetChecked(!mnuOnTop.Checked());
-    SetTopMost(mnuOnTop.Checked());
+    SetOnTop(mnuOnTop.Checked());
   };
   treTasks.onNodeClick = [this] { EnableTaskCommands(!treTasks.Nodes().empty()); };
   services_.trayIcon.onMouse = [this](int mouseMessage) {
@@ -166,6 +166,12 @@ void frmScriptcfg::DeleteSelectedTask() {
   treTasks.SetFocus();
   services_.store.DeleteTask(SelectedSlot());
   if (!treTasks.Selected()) SelectKey(neighbour);
+}
+
+// The other windows first, so that this one stays above those that it does not open in front of.
+void frmScriptcfg::SetOnTop(bool on) {
+  if (onOnTop) onOnTop(on);
+  SetTopMost(on);
 }
 
 void frmScriptcfg::Return() {
@@ -286,7 +292,7 @@ void frmScriptcfg::Start(const std::string& commandLine, const std::string& prog
   Step([&] {
     if (settings.ReadSetting(kGeneral, "OnTop", "0") != "1") return;
     mnuOnTop.SetChecked(true);
-    SetTopMost(true);
+    SetOnTop(true);
   });
   ReadProxySettings();
   Step([&] {

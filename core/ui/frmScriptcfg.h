@@ -46,6 +46,9 @@ class frmScriptcfg : public forms::Form {
   std::function<void()> showAbout;
   std::function<void()> showSettings;
 
+  // "Always on Top", as it was stored and whenever it is switched: for the windows beside this one.
+  std::function<void(bool on)> onOnTop;
+
   // The remote control; without it its commands are disabled. Set before Start.
   std::function<void(bool on)> switchServer;
   std::function<void()> startChat, kickClient, sendTilde, refreshServerCaption;
@@ -92,6 +95,7 @@ class frmScriptcfg : public forms::Form {
   void OnCommand(Command command);
   void NewTask();
   void DeleteSelectedTask();
+  void SetOnTop(bool on);
   void OnUnload();
   void ReadRemoteSettings();
   void ReadProxySettings();

@@ -27,6 +27,7 @@ class FormPeer {
   virtual void FormChanged(FormProperty property) = 0;
   virtual void ControlChanged(const Control& control, Property property) = 0;
   virtual void MenuChanged(const MenuItem& item) = 0;
+  virtual bool HasKeyboard() const = 0;
 };
 
 class FormHost {
@@ -76,6 +77,9 @@ class Form {
   // Where the program has put the keyboard since the form was loaded; a person may have moved it
   // on. Null: the first in the tab order.
   const Control* Focus() const { return focus_; }
+  // Comes to the front, if it is shown, when this form had the keyboard and is hidden. Null: what
+  // the system chooses.
+  Form* formBehind = nullptr;
 
   // user: the close button of the frame, or Alt+F4. Unloads unless the form says otherwise.
   bool Close();

@@ -290,6 +290,8 @@ void Form::Activate() {
 
 void Form::Hide() {
   if (!visible_) return;
+  // First: in between the system would choose a window, maybe of another program.
+  if (formBehind && formBehind->Visible() && peer_ && peer_->HasKeyboard()) formBehind->Activate();
   visible_ = false;
   Changed(FormProperty::Visible);
 }

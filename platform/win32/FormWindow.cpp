@@ -290,8 +290,9 @@ void FormWindow::FormChanged(FormProperty property) {
       break;
     }
     case FormProperty::TopMost:
+      // Where another form is in front, that one keeps the keyboard.
       SetWindowPos(window_, form_->TopMost() ? HWND_TOPMOST : HWND_NOTOPMOST, 0, 0, 0, 0,
-                   SWP_NOMOVE | SWP_NOSIZE);
+                   SWP_NOMOVE | SWP_NOSIZE | (GetActiveWindow() == window_ ? 0 : SWP_NOACTIVATE));
       break;
     case FormProperty::Visible:
       if (form_->Visible()) {

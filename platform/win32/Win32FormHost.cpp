@@ -21,6 +21,7 @@ class Win32FormHost::Peer : public forms::FormPeer {
     window_.ControlChanged(control, property);
   }
   void MenuChanged(const forms::MenuItem& item) override { window_.MenuChanged(item); }
+  bool HasKeyboard() const override { return GetForegroundWindow() == window_.Get(); }
   void Detach() { window_.Detach(); }
 
  private:

@@ -11,6 +11,7 @@
 #include "core/modTaskOperations.h"
 #include "core/ui/frmEdit.h"
 #include "core/ui/frmScriptcfg.h"
+#include "remote/frmChat.h"
 #include "tests/support/FakePlatform.h"
 
 namespace orvanto {
@@ -209,6 +210,11 @@ TEST_F(ProgramTest, OneWindowStandsForAnother) {
   frmEdit& editor = program.Editor();
   Texts told;
   program.onTaskRun = [&](const TaskRecord& task) { told.push_back(task.name); };
+  for (const bool onTop : {false, true}) {
+    EXPECT_EQ(editor.TopMost(), onTop);
+    EXPECT_EQ(program.ChatWindow().TopMost(), onTop);
+    if (!onTop) window.mnuOnTop.Choose();
+  }
   ASSERT_TRUE(window.cmdNew.Press());
   EXPECT_FALSE(window.Visible());
   EXPECT_TRUE(editor.Visible());

@@ -124,6 +124,7 @@ class RemoteTest : public DesktopTest {
     ASSERT_TRUE(WaitFor([&] { return program.Box() != nullptr; }));
     EXPECT_EQ(TextOf(program.Box()), L"Chat Request");
     EXPECT_EQ(TextOf(GetDlgItem(program.Box(), 0xFFFF)), L"Accept Chat Request?");
+    EXPECT_TRUE(IsTopMost(program.Box())) << "as the main window is";
     ASSERT_TRUE(WaitFor([&] { return GetForegroundWindow() == program.Box(); }));
     // What is typed when it comes is no consent.
     if (yes) PressKeys({VK_LEFT});
@@ -215,6 +216,7 @@ TEST_F(RemoteTest, AClientLogsInAndDoesEverythingWithATask) {
 }
 
 TEST_F(RemoteTest, TheChatWindowTalksWithTheClient) {
+  Store(L"General", L"OnTop", L"1");
   const RunningProgram program;
   ASSERT_NE(program.MainWindow(), nullptr);
   Client client(port_);
@@ -229,6 +231,7 @@ TEST_F(RemoteTest, TheChatWindowTalksWithTheClient) {
 
   HWND chat = program.InFront(L"Chat");
   ASSERT_NE(chat, nullptr);
+  EXPECT_TRUE(IsTopMost(chat));
   HWND txtChat = nullptr;
   HWND txtSend = nullptr;
   for (const HWND text : RunningProgram::Children(chat, L"Edit")) {
@@ -264,6 +267,7 @@ TEST_F(RemoteTest, TheChatWindowTalksWithTheClient) {
     client.Expect("Server Started Chat...\r\n");
     chat = program.InFront(L"Chat");
     ASSERT_NE(chat, nullptr);
+    EXPECT_NE(IsTopMost(chat), kick);
     if (kick) {
       program.Press(L"&Kick");
       EXPECT_TRUE(Shows(program, false));
@@ -273,6 +277,8 @@ TEST_F(RemoteTest, TheChatWindowTalksWithTheClient) {
       client.Expect(kMenuEnd);
     }
     EXPECT_TRUE(WaitFor([&] { return !IsWindow(chat); }));
+    EXPECT_TRUE(WaitFor([&] { return GetForegroundWindow() == program.MainWindow(); }));
+    if (!kick) program.ChooseMenu(L's', 1);
   }
   Exit(program);
 }
