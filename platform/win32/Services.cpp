@@ -88,7 +88,6 @@ Answer Win32MessageBoxes::Show(const std::string& text, const std::string& title
   // Without an owner, because none of our windows is in front: task-modal, so that all of them
   // wait; top-most, so that it is not lost behind a main window that is.
   UINT type = modal.Owner() != nullptr ? 0 : MB_TASKMODAL | MB_SETFOREGROUND | MB_TOPMOST;
-  if (GetWindowLongPtrW(modal.Owner(), GWL_EXSTYLE) & WS_EX_TOPMOST) type |= MB_TOPMOST;
   if (buttons == Buttons::OkCancel) type |= MB_OKCANCEL;
   if (buttons == Buttons::YesNo) type |= MB_YESNO;
   if (buttons == Buttons::NoUnlessYes) type |= MB_YESNO | MB_DEFBUTTON2;
