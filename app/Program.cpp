@@ -94,7 +94,15 @@ void Program::WireWindows() {
   frmScriptcfg& window = parts_->mainWindow;
   window.showEditor = [this](std::optional<std::int16_t> slot) { parts_->editor.Open(slot); };
   window.showAbout = [this] { parts_->about.Open(); };
-  parts_->editor.onSaved = [&window] { window.BuildTaskTree(); };
+  window.onOnTop = [this](bool on) {
+    // The popup message is above all others anyway.
+    for (forms::Form* form :
+         std::initializer_list<forms::Form*>{&parts_->editor, &parts_->about, &parts_->chat}) {
+      form->SetTopMost(on);
+    }
+  };
+  parts_->chat.formBehind = &window;
+  parts_->editor.onSaved = [&window](std::int16_t slot) { window.BuildTaskTree(slot); };
   parts_->editor.onClosed = [&window] { window.Return(); };
   parts_->about.onClosed = [&window] { window.Return(); };
   TelnetServer& telnet = parts_->telnet;

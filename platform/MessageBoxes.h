@@ -5,7 +5,8 @@
 
 namespace orvanto {
 
-enum class Buttons { Ok, OkCancel, YesNo };
+// Enter presses the first one, but No in NoUnlessYes, which has the buttons of YesNo.
+enum class Buttons { Ok, OkCancel, YesNo, NoUnlessYes };
 enum class BoxIcon { None, Question };
 enum class Answer { Ok, Cancel, Yes, No };
 

@@ -215,7 +215,7 @@ void TelnetServer::RequestChat() {
     SendAll({kCrLf, kCrLf, "Asking for Chat...\r\n"});
     const std::uint64_t connection = connection_;
     const Answer answer = services_.messageBoxes.Show("Accept Chat Request?", "Chat Request",
-                                                      Buttons::YesNo, BoxIcon::Question);
+                                                      Buttons::NoUnlessYes, BoxIcon::Question);
     if (connection != connection_) return;
     if (answer != Answer::Yes) return ShowMainMenu();
     SendAll({kCrLf, kCrLf, "Chat Request Accepted\r\n", kCrLf, kCrLf, "Starting Chat...\r\n", kCrLf,

@@ -1,6 +1,8 @@
 #include "core/ui/frmEdit.h"
 
 #include <algorithm>
+#include <chrono>
+#include <utility>
 
 #include "core/Convert.h"
 #include "core/ProgramTitle.h"
@@ -62,6 +64,21 @@ std::vector<std::string> Texts(std::string (*nameOf)(int), int codes) {
 std::int16_t CodeOf(const forms::ComboBox& list, std::int16_t stored) {
   const int index = list.SelectedIndex();
   return index == forms::ComboBox::kNone ? stored : static_cast<std::int16_t>(index + 1);
+}
+
+DateTime NextMinute(DateTime time) {
+  if (++time.minute < 60) return time;
+  time.minute = 0;
+  if (++time.hour < 24) return time;
+  time.hour = 0;
+  using std::chrono::year_month_day;
+  const year_month_day today{std::chrono::year(time.year), std::chrono::month(unsigned(time.month)),
+                             std::chrono::day(unsigned(time.day))};
+  const year_month_day tomorrow(std::chrono::sys_days(today) + std::chrono::days(1));
+  time.year = int{tomorrow.year()};
+  time.month = static_cast<int>(unsigned{tomorrow.month()});
+  time.day = static_cast<int>(unsigned{tomorrow.day()});
+  return time;
 }
 
 constexpr int kTypeTop = 300;
@@ -136,8 +153,8 @@ void frmEdit::WireControls() {
   optMonthly.onClick = [this] { ChangeTimeType(kTimeDayNumber); };
   cmdBrowse.onClick = [this] { Browse(); };
   cmdEdit.onClick = [this] { EditScript(); };
-  cmdNow.onClick = [this] { FillNow(); };
-  cmdToday.onClick = [this] { FillToday(); };
+  cmdNow.onClick = [this] { FillTime(services_.clock.Now()); };
+  cmdToday.onClick = [this] { FillDate(services_.clock.Now()); };
   cmdSave.onClick = [this] { Save(); };
   cmdCancel.onClick = [this] { Unload(); };
   onUnload = [this] {
@@ -197,13 +214,15 @@ void frmEdit::FillLists(const TaskRecord& task) {
 }
 
 void frmEdit::FillWhen(const TaskRecord& task) {
-  if (newTask_) {
-    FillNow();
-  } else {
+  const DateTime now = services_.clock.Now();
+  // The present minute has begun already, and would never come due.
+  const DateTime offered = newTask_ ? NextMinute(now) : now;
+  FillTime(offered);
+  FillDate(offered);
+  if (!newTask_) {
     txtHour.SetText(task.timeHour);
     txtMinute.SetText(task.timeMinute);
   }
-  FillToday();
   if (task.timeType == kTimeOnce && !newTask_) {
     const bool monthFirst = services_.store.DateOrderMonthFirst != 0;
     txtdte[0].SetText(monthFirst ? task.dateMonth : task.dateDay);
@@ -294,22 +313,21 @@ void frmEdit::Browse() {
 }
 
 void frmEdit::EditScript() {
+  if (txt1.Text().empty()) return;  // the scripts folder is no script
   services_.shell.Start("notepad.exe " + services_.store.TaskFile(txt1.Text()),
                         ShowCommand::Normal);
 }
 
-void frmEdit::FillNow() {
-  const DateTime now = services_.clock.Now();
-  txtHour.SetText(TwoDigits(now.hour));
-  txtMinute.SetText(TwoDigits(now.minute));
+void frmEdit::FillTime(const DateTime& time) {
+  txtHour.SetText(TwoDigits(time.hour));
+  txtMinute.SetText(TwoDigits(time.minute));
 }
 
-void frmEdit::FillToday() {
-  const DateTime now = services_.clock.Now();
+void frmEdit::FillDate(const DateTime& date) {
   const bool monthFirst = services_.store.DateOrderMonthFirst != 0;
-  txtdte[0].SetText(TwoDigits(monthFirst ? now.month : now.day));
-  txtdte[1].SetText(TwoDigits(monthFirst ? now.day : now.month));
-  txtdte[2].SetText(std::to_string(now.year));
+  txtdte[0].SetText(TwoDigits(monthFirst ? date.month : date.day));
+  txtdte[1].SetText(TwoDigits(monthFirst ? date.day : date.month));
+  txtdte[2].SetText(std::to_string(date.year));
 }
 
 TaskEntry frmEdit::Entered() const {
@@ -338,14 +356,39 @@ TaskEntry frmEdit::Entered() const {
 
 void frmEdit::Save() {
   TaskStore& store = services_.store;
-  if (store.StoreEntry(Entered(), newTask_ ? "" : loaded_.name) == 0) {
+  const std::int16_t slot = store.StoreEntry(Entered(), newTask_ ? "" : loaded_.name);
+  if (slot == 0) {
+    forms::Control* field = FieldAtFault();
     services_.messageBoxes.Show(store.TaskValidationMessage, kProgramTitle, Buttons::Ok,
                                 BoxIcon::None);
+    if (field != nullptr && field->Usable()) field->SetFocus();
     return;
   }
   // First the tree, so that the keyboard comes back to a window whose buttons are as they will be.
-  if (onSaved) onSaved();
+  if (onSaved) onSaved(slot);
   Unload();
+}
+
+// The field that the validation's message names; null where it names none.
+forms::Control* frmEdit::FieldAtFault() {
+  const bool monthFirst = services_.store.DateOrderMonthFirst != 0;
+  // The first one that fits, so the longer words stand before those that are in them.
+  const std::pair<const char*, forms::Control*> fields[] = {
+      {"name", &txtTaskName},
+      {"day of month", &txtmnthday},
+      {"day", &txtdte[monthFirst ? 1 : 0]},
+      {"month", &txtdte[monthFirst ? 0 : 1]},
+      {"year", &txtdte[2]},
+      {"date", &txtdte[0]},
+      {"hour", &txtHour},
+      {"minute", &txtMinute},
+      {"file", &txt1},
+  };
+  const std::string message = LowerCase(services_.store.TaskValidationMessage);
+  for (const auto& [word, field] : fields) {
+    if (message.find(word) != std::string::npos) return field;
+  }
+  return nullptr;
 }
 
 }  // namespace orvanto

@@ -15,6 +15,7 @@
 namespace orvanto {
 
 class Clock;
+struct DateTime;
 class FileDialogs;
 class MessageBoxes;
 class Shell;
@@ -36,8 +37,8 @@ class frmEdit : public forms::Form {
 
   // The editor has gone, with or without saving.
   std::function<void()> onClosed;
-  // A task has been stored.
-  std::function<void()> onSaved;
+  // A task has been stored, in that slot.
+  std::function<void(std::int16_t slot)> onSaved;
 
   forms::Label lblTaskName;
   forms::TextBox txtTaskName;
@@ -80,10 +81,11 @@ class frmEdit : public forms::Form {
   std::vector<std::string> Groups();
   void Browse();
   void EditScript();
-  void FillNow();
-  void FillToday();
+  void FillTime(const DateTime& time);
+  void FillDate(const DateTime& date);
   TaskEntry Entered() const;
   void Save();
+  forms::Control* FieldAtFault();
 
   Services services_;
   bool newTask_ = true;

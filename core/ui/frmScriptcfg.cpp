@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <tuple>
 #include <utility>
 
 #include "core/Convert.h"
@@ -105,7 +106,7 @@ void frmScriptcfg::WireCommands() {
   mnuSettings.onClick = [this] { showSettings(); };
   mnuOnTop.onClick = [this] {
     mnuOnTop.SetChecked(!mnuOnTop.Checked());
-    SetTopMost(mnuOnTop.Checked());
+    SetOnTop(mnuOnTop.Checked());
   };
   treTasks.onNodeClick = [this] { EnableTaskCommands(!treTasks.Nodes().empty()); };
   services_.trayIcon.onMouse = [this](int mouseMessage) {
@@ -125,7 +126,7 @@ void frmScriptcfg::OnCommand(Command command) {
       NewTask();
       break;
     case kDelete:
-      services_.store.DeleteTask(SelectedSlot());
+      DeleteSelectedTask();
       break;
     case kEdit:
       if (const std::int16_t slot = SelectedSlot(); slot > 0) {
@@ -159,9 +160,24 @@ void frmScriptcfg::NewTask() {
   showEditor(std::nullopt);
 }
 
+void frmScriptcfg::DeleteSelectedTask() {
+  const std::string neighbour = NeighbourOfSelected();
+  // Before the button is disabled: the keyboard would go to the next one, whichever that is.
+  treTasks.SetFocus();
+  services_.store.DeleteTask(SelectedSlot());
+  if (!treTasks.Selected()) SelectKey(neighbour);
+}
+
+// The other windows first, so that this one stays above those that it does not open in front of.
+void frmScriptcfg::SetOnTop(bool on) {
+  if (onOnTop) onOnTop(on);
+  SetTopMost(on);
+}
+
 void frmScriptcfg::Return() {
   if (!Loaded()) return;
   services_.trayIcon.Remove();
+  treTasks.SetFocus();
   Activate();
 }
 
@@ -195,6 +211,39 @@ std::int16_t frmScriptcfg::SelectedSlot() {
     services_.store.FindTaskIndex(treTasks.Nodes()[*selected].text, slot);
   }
   return slot;
+}
+
+std::string frmScriptcfg::SelectedKey() const {
+  const auto selected = treTasks.Selected();
+  return selected ? treTasks.Nodes()[*selected].key : "";
+}
+
+// The task that a person looks at next when the selected one goes: the one below in its group, or
+// the one above; where it was the only one, the nearest of another group. Empty for none.
+std::string frmScriptcfg::NeighbourOfSelected() const {
+  const auto& nodes = treTasks.Nodes();
+  const auto selected = treTasks.Selected();
+  std::tuple<bool, bool, std::size_t> nearest;
+  std::string key;
+  for (std::size_t id = 0; selected && id < nodes.size(); ++id) {
+    if (id == *selected || !nodes[id].parent) continue;
+    const bool above = id < *selected;
+    const std::tuple distance{nodes[id].parent != nodes[*selected].parent, above,
+                              above ? *selected - id : id - *selected};
+    if (!key.empty() && nearest < distance) continue;
+    nearest = distance;
+    key = nodes[id].key;
+  }
+  return key;
+}
+
+void frmScriptcfg::SelectKey(const std::string& key) {
+  const auto& nodes = treTasks.Nodes();
+  const auto node =
+      std::find_if(nodes.begin(), nodes.end(), [&](const auto& each) { return each.key == key; });
+  if (node == nodes.end()) return;
+  treTasks.Select(static_cast<std::size_t>(node - nodes.begin()));
+  EnableTaskCommands(true);
 }
 
 void frmScriptcfg::EnableTaskCommands(bool selected) {
@@ -243,7 +292,7 @@ void frmScriptcfg::Start(const std::string& commandLine, const std::string& prog
   Step([&] {
     if (settings.ReadSetting(kGeneral, "OnTop", "0") != "1") return;
     mnuOnTop.SetChecked(true);
-    SetTopMost(true);
+    SetOnTop(true);
   });
   ReadProxySettings();
   Step([&] {
@@ -289,11 +338,13 @@ void frmScriptcfg::ReadProxySettings() {
   Step([&] { proxy.ftpThroughProxy = ToInt16(settings.ReadSetting(kInternet, "Proxy FTP", "0")); });
 }
 
-void frmScriptcfg::BuildTaskTree() {
+void frmScriptcfg::BuildTaskTree(std::optional<std::int16_t> slotToSelect) {
   TaskStore& store = services_.store;
+  const std::string selected = slotToSelect ? "" : SelectedKey();
   TreeUpdate update(treTasks);
+  // Not disabled in between, where the selection stays: the keyboard would leave the button.
+  if (selected.empty()) EnableTaskCommands(false);
   treTasks.Clear();
-  EnableTaskCommands(false);
   const std::int16_t count = std::min(store.NoTasks(), kMaxTasks);
   for (std::int16_t slot = 1; slot <= count; ++slot) {
     const std::string description = services_.sched.TreeLine(slot);
@@ -316,7 +367,10 @@ void frmScriptcfg::BuildTaskTree() {
                                     .image = "TASK",
                                     .selectedImage = "TASK_SELECTED"});
     treTasks.EnsureVisible(node);
+    if (slot == slotToSelect) treTasks.Select(node);
   }
+  SelectKey(selected);
+  EnableTaskCommands(treTasks.Selected().has_value());
 }
 
 void frmScriptcfg::OnUnload() {

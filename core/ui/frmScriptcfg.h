@@ -46,6 +46,9 @@ class frmScriptcfg : public forms::Form {
   std::function<void()> showAbout;
   std::function<void()> showSettings;
 
+  // "Always on Top", as it was stored and whenever it is switched: for the windows beside this one.
+  std::function<void(bool on)> onOnTop;
+
   // The remote control; without it its commands are disabled. Set before Start.
   std::function<void(bool on)> switchServer;
   std::function<void()> startChat, kickClient, sendTilde, refreshServerCaption;
@@ -58,11 +61,13 @@ class frmScriptcfg : public forms::Form {
   // next one follows.
   void Start(const std::string& commandLine, const std::string& programFolder);
 
-  // Shows the window, on top of the others and out of the tray, unless it has been unloaded.
+  // Shows the window, on top of the others and out of the tray, with the keyboard in the tree; does
+  // nothing when it has been unloaded.
   void Return();
 
-  // Reads the store anew, as far as the hundredth task. The selection is lost.
-  void BuildTaskTree();
+  // Reads the store anew and selects that slot's task; without a slot, the line that was selected
+  // as long as there is the same. As far as the hundredth task.
+  void BuildTaskTree(std::optional<std::int16_t> slotToSelect = std::nullopt);
 
   ProgramSettings programSettings;
 
@@ -89,12 +94,17 @@ class frmScriptcfg : public forms::Form {
   void WireRemoteControl();
   void OnCommand(Command command);
   void NewTask();
+  void DeleteSelectedTask();
+  void SetOnTop(bool on);
   void OnUnload();
   void ReadRemoteSettings();
   void ReadProxySettings();
   void Step(const std::function<void()>& step);
   void EnableTaskCommands(bool selected);
   std::int16_t SelectedSlot();
+  std::string SelectedKey() const;
+  std::string NeighbourOfSelected() const;
+  void SelectKey(const std::string& key);
 
   Services services_;
 };

@@ -56,6 +56,10 @@ class Control {
   void SetBounds(const Bounds& bounds);
   void SetHeight(int height);
 
+  // Puts the keyboard here, at once or when the form is next in front. For one that a person could
+  // use there.
+  void SetFocus();
+
   bool ShownToUser() const;  // visible with all its containers, on a form that is visible
   bool Usable() const;       // shown and enabled with all its containers
 
@@ -79,6 +83,10 @@ class Label : public Control {
  public:
   Label(Form& form, const Control* container, std::string caption, Bounds bounds)
       : Control(form, container, Kind::Label, std::move(caption), bounds) {}
+
+  // For a text of any length: a word that is longer than a line goes on in the next one. To be set
+  // before the form loads.
+  bool breaksWords = false;
 };
 
 class Frame : public Control {

@@ -11,7 +11,7 @@
 
 namespace orvanto::forms {
 
-enum class FormProperty { Caption, Visible, Position, TopMost, Active };
+enum class FormProperty { Caption, Visible, Position, Size, TopMost, Active, Focus };
 
 struct Size {
   int width = 0;
@@ -27,6 +27,7 @@ class FormPeer {
   virtual void FormChanged(FormProperty property) = 0;
   virtual void ControlChanged(const Control& control, Property property) = 0;
   virtual void MenuChanged(const MenuItem& item) = 0;
+  virtual bool HasKeyboard() const = 0;
 };
 
 class FormHost {
@@ -39,6 +40,8 @@ class FormHost {
   virtual void Detach(std::unique_ptr<FormPeer> peer) = 0;
   virtual Size ScreenSize() const = 0;                 // the work area of the main screen, in twips
   virtual Size FrameSize(const Form& form) const = 0;  // what border, caption and menu add
+  // What a text takes in lines of that width, as a label that breaks words shows it.
+  virtual Size TextSize(const std::string& text, int width) const = 0;
 };
 
 class Form {
@@ -51,6 +54,7 @@ class Form {
   const std::string& Caption() const { return caption_; }
   void SetCaption(const std::string& caption);
   Size ClientSize() const { return clientSize_; }
+  void SetClientSize(Size size);
   int Left() const { return left_; }
   int Top() const { return top_; }
   void CentreOnScreen();
@@ -69,6 +73,13 @@ class Form {
   void Unload();
 
   std::function<void()> onUnload;
+
+  // Where the program has put the keyboard since the form was loaded; a person may have moved it
+  // on. Null: the first in the tab order.
+  const Control* Focus() const { return focus_; }
+  // Comes to the front, if it is shown, when this form had the keyboard and is hidden. Null: what
+  // the system chooses.
+  Form* formBehind = nullptr;
 
   // user: the close button of the frame, or Alt+F4. Unloads unless the form says otherwise.
   bool Close();
@@ -98,6 +109,7 @@ class Form {
   bool visible_ = false;
   bool loaded_ = false;
   bool topMost_ = false;
+  const Control* focus_ = nullptr;
   std::vector<Control*> controls_;
   std::vector<MenuItem*> menuBar_;
 };
@@ -109,6 +121,7 @@ class HeadlessFormHost : public FormHost {
   void Detach(std::unique_ptr<FormPeer>) override {}
   Size ScreenSize() const override { return {1280 * 15, 800 * 15}; }
   Size FrameSize(const Form&) const override { return {0, 0}; }
+  Size TextSize(const std::string& text, int width) const override;  // an estimate
 };
 
 }  // namespace orvanto::forms

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <sstream>
 #include <utility>
 
 namespace orvanto::forms {
@@ -48,6 +49,11 @@ void Control::SetHeight(int height) {
   Bounds bounds = bounds_;
   bounds.height = height;
   SetBounds(bounds);
+}
+
+void Control::SetFocus() {
+  form_.focus_ = this;
+  form_.Changed(FormProperty::Focus);
 }
 
 bool Control::ShownToUser() const {
@@ -245,6 +251,11 @@ void Form::SetCaption(const std::string& caption) {
   Changed(FormProperty::Caption);
 }
 
+void Form::SetClientSize(Size size) {
+  clientSize_ = size;
+  Changed(FormProperty::Size);
+}
+
 void Form::CentreOnScreen() {
   const Size screen = host_.ScreenSize();
   const Size frame = host_.FrameSize(*this);
@@ -261,6 +272,7 @@ void Form::SetTopMost(bool topMost) {
 void Form::Load() {
   if (loaded_) return;
   loaded_ = true;
+  focus_ = nullptr;
   peer_ = host_.Attach(*this);
 }
 
@@ -278,6 +290,8 @@ void Form::Activate() {
 
 void Form::Hide() {
   if (!visible_) return;
+  // First: in between the system would choose a window, maybe of another program.
+  if (formBehind && formBehind->Visible() && peer_ && peer_->HasKeyboard()) formBehind->Activate();
   visible_ = false;
   Changed(FormProperty::Visible);
 }
@@ -298,6 +312,19 @@ bool Form::Close() {
     Unload();
   }
   return true;
+}
+
+Size HeadlessFormHost::TextSize(const std::string& text, int width) const {
+  constexpr int kCharacter = 90;
+  constexpr int kLine = 225;
+  Size size;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    const int length = static_cast<int>(line.size()) * kCharacter;
+    size.width = std::max(size.width, std::min(length, width));
+    size.height += (std::max(length - 1, 0) / width + 1) * kLine;
+  }
+  return size;
 }
 
 }  // namespace orvanto::forms

@@ -12,6 +12,7 @@ class TextBox : public Control {
  public:
   struct Style {
     bool multiLine = false;  // lines end in CR LF; scrolls by itself to its end on SetText
+    bool fromTop = false;    // no: it shows its beginning then
     bool readOnly = false;
     int maxLength = 0;  // in characters; 0: as long as one likes
   };

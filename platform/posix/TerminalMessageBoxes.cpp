@@ -19,6 +19,7 @@ Answer SafeAnswer(Buttons buttons) {
     case Buttons::OkCancel:
       return Answer::Cancel;
     case Buttons::YesNo:
+    case Buttons::NoUnlessYes:
       return Answer::No;
     default:
       return Answer::Ok;
@@ -30,6 +31,7 @@ const char* Prompt(Buttons buttons) {
     case Buttons::OkCancel:
       return "[o]k/[c]ancel: ";
     case Buttons::YesNo:
+    case Buttons::NoUnlessYes:
       return "[y]es/[n]o: ";
     default:
       return "[Enter] ";
@@ -44,6 +46,7 @@ std::optional<Answer> Understand(const std::string& line, Buttons buttons) {
       if (word == "c" || word == "cancel") return Answer::Cancel;
       return std::nullopt;
     case Buttons::YesNo:
+    case Buttons::NoUnlessYes:
       if (word == "y" || word == "yes") return Answer::Yes;
       if (word == "n" || word == "no") return Answer::No;
       return std::nullopt;

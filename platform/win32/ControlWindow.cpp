@@ -136,7 +136,7 @@ class TextWindow : public ControlWindow {
   }
 
   void ScrollToEnd() const {
-    if (!box_.GetStyle().multiLine) return;
+    if (!box_.GetStyle().multiLine || box_.GetStyle().fromTop) return;
     const auto end = static_cast<WPARAM>(GetWindowTextLengthW(window_));
     SendMessageW(window_, EM_SETSEL, end, static_cast<LPARAM>(end));
     SendMessageW(window_, EM_SCROLLCARET, 0, 0);
@@ -216,9 +216,12 @@ class LampWindow : public ControlWindow {
 std::unique_ptr<ControlWindow> MakeControlWindow(forms::Control& control, HWND parent, int id) {
   using forms::Kind;
   switch (control.GetKind()) {
-    case Kind::Label:
-      return std::make_unique<ControlWindow>(
-          control, ControlWindow::Look{WC_STATICW, SS_LEFT | SS_NOPREFIX}, parent, id);
+    case Kind::Label: {
+      const bool breaksWords = static_cast<forms::Label&>(control).breaksWords;
+      const DWORD style = SS_LEFT | SS_NOPREFIX | (breaksWords ? DWORD{SS_EDITCONTROL} : 0);
+      return std::make_unique<ControlWindow>(control, ControlWindow::Look{WC_STATICW, style},
+                                             parent, id);
+    }
     case Kind::Frame:
       return std::make_unique<ControlWindow>(
           control, ControlWindow::Look{WC_BUTTONW, BS_GROUPBOX, WS_EX_TRANSPARENT}, parent, id);

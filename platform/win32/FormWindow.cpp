@@ -60,14 +60,14 @@ void RegisterFormClass(WNDPROC procedure) {
   RegisterClassExW(&windowClass);
 }
 
-HFONT MessageFont(UINT dpi) {
+}  // namespace
+
+Handle<HFONT, DeleteObject> MessageFont(UINT dpi) {
   NONCLIENTMETRICSW metrics = {};
   metrics.cbSize = sizeof metrics;
   SystemParametersInfoForDpi(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0, dpi);
-  return CreateFontIndirectW(&metrics.lfMessageFont);
+  return Handle<HFONT, DeleteObject>(CreateFontIndirectW(&metrics.lfMessageFont));
 }
-
-}  // namespace
 
 UINT MainScreenDpi() {
   UINT x = USER_DEFAULT_SCREEN_DPI;
@@ -90,9 +90,7 @@ FormWindow::FormWindow(forms::Form& form, HWND owner, std::function<void(FormWin
   MakeWindow(owner);
   MakeControls();
   Rescale();
-  const SIZE size = OuterSize(form, dpi_);
-  SetWindowPos(window_, nullptr, 0, 0, size.cx, size.cy,
-               SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+  FormChanged(FormProperty::Size);
   if (form.Left() != 0 || form.Top() != 0) MoveToPosition();
   if (form.TopMost()) FormChanged(FormProperty::TopMost);
 }
@@ -196,7 +194,7 @@ void FormWindow::MenuChanged(const forms::MenuItem& item) {
 // Font, images and places for the present resolution.
 void FormWindow::Rescale() {
   const Scope mirroring(mirroring_);
-  Handle<HFONT, DeleteObject> font(MessageFont(dpi_));
+  Handle<HFONT, DeleteObject> font = MessageFont(dpi_);
   for (const auto& window : controls_) {
     SendMessageW(window->Get(), WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), FALSE);
     Place(*window);
@@ -229,7 +227,7 @@ void FormWindow::Place(ControlWindow& window) const {
   window.Place({x, y, ToPixels(left + bounds.width, dpi_), ToPixels(top + bounds.height, dpi_)});
 }
 
-void FormWindow::MirrorState(const ControlWindow& window) const {
+void FormWindow::MirrorState(const ControlWindow& window) {
   bool visible = true;
   bool enabled = true;
   for (const forms::Control* each = &window.GetControl(); each; each = each->Container()) {
@@ -240,7 +238,7 @@ void FormWindow::MirrorState(const ControlWindow& window) const {
   const HWND focus = GetFocus();
   const bool focused = focus == window.Get() || IsChild(window.Get(), focus);
   if (!(visible && enabled) && focused) {
-    SetFocus(GetNextDlgTabItem(window_, window.Get(), FALSE));
+    MoveFocus(GetNextDlgTabItem(window_, window.Get(), FALSE));
   }
   ShowWindow(window.Get(), visible ? SW_SHOWNA : SW_HIDE);
   EnableWindow(window.Get(), enabled);
@@ -285,9 +283,16 @@ void FormWindow::FormChanged(FormProperty property) {
     case FormProperty::Position:
       MoveToPosition();
       break;
+    case FormProperty::Size: {
+      const SIZE size = OuterSize(*form_, dpi_);
+      SetWindowPos(window_, nullptr, 0, 0, size.cx, size.cy,
+                   SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+      break;
+    }
     case FormProperty::TopMost:
+      // Where another form is in front, that one keeps the keyboard.
       SetWindowPos(window_, form_->TopMost() ? HWND_TOPMOST : HWND_NOTOPMOST, 0, 0, 0, 0,
-                   SWP_NOMOVE | SWP_NOSIZE);
+                   SWP_NOMOVE | SWP_NOSIZE | (GetActiveWindow() == window_ ? 0 : SWP_NOACTIVATE));
       break;
     case FormProperty::Visible:
       if (form_->Visible()) {
@@ -300,6 +305,11 @@ void FormWindow::FormChanged(FormProperty property) {
     case FormProperty::Active:
       if (IsIconic(window_)) ShowWindow(window_, SW_RESTORE);
       SetForegroundWindow(window_);
+      break;
+    case FormProperty::Focus:
+      for (const auto& window : controls_) {
+        if (&window->GetControl() == form_->Focus()) MoveFocus(window->Get());
+      }
       break;
   }
 }
@@ -455,13 +465,27 @@ void FormWindow::OnActivate(bool active) {
 
 void FormWindow::TakeFocus() {
   if (lastFocus_ == nullptr || !IsWindowVisible(lastFocus_) || !IsWindowEnabled(lastFocus_)) {
-    lastFocus_ = GetNextDlgTabItem(window_, nullptr, FALSE);
-    // As a dialog does: what is typed first replaces the text.
-    if (lastFocus_ != nullptr && (SendMessageW(lastFocus_, WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL)) {
-      SendMessageW(lastFocus_, EM_SETSEL, 0, -1);
-    }
+    MoveFocus(GetNextDlgTabItem(window_, nullptr, FALSE));
+  } else {
+    SetFocus(lastFocus_);
   }
-  if (lastFocus_ != nullptr) SetFocus(lastFocus_);
+}
+
+// As a dialog does: what is typed first replaces the text, and Enter presses the button that has
+// the keyboard, or else the form's own.
+void FormWindow::MoveFocus(HWND to) {
+  lastFocus_ = to;
+  if (to == nullptr) return;
+  const LRESULT code = SendMessageW(to, WM_GETDLGCODE, 0, 0);
+  if ((code & DLGC_HASSETSEL) != 0) SendMessageW(to, EM_SETSEL, 0, -1);
+  const bool toButton = (code & (DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON)) != 0;
+  for (const auto& window : controls_) {
+    const forms::Control& control = window->GetControl();
+    if (control.GetKind() != Kind::Button) continue;
+    const bool takesEnter = toButton ? window->Get() == to : &control == form_->defaultButton;
+    SendMessageW(window->Get(), BM_SETSTYLE, takesEnter ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON, TRUE);
+  }
+  if (GetActiveWindow() == window_) SetFocus(to);
 }
 
 }  // namespace orvanto::win32

@@ -49,6 +49,7 @@ class FormWindow {
   LRESULT OnNotify(const NMHDR& header);
   void OnActivate(bool active);
   void TakeFocus();
+  void MoveFocus(HWND to);
   void DestroyWhenIdle();
 
   void MakeWindow(HWND owner);
@@ -57,7 +58,7 @@ class FormWindow {
   void MirrorMenuItem(const MenuPlace& place) const;
   void Rescale();
   void Place(ControlWindow& window) const;
-  void MirrorState(const ControlWindow& window) const;
+  void MirrorState(const ControlWindow& window);
   void MirrorOptionStops() const;
   void MoveToPosition() const;
   ControlWindow* Find(UINT id) const;
@@ -70,9 +71,9 @@ class FormWindow {
   std::array<Icon, 2> icons_;  // ICON_SMALL and ICON_BIG
   std::vector<std::unique_ptr<ControlWindow>> controls_;
   std::vector<MenuPlace> menuItems_;
-  HWND lastFocus_ = nullptr;
-  int depth_ = 0;      // messages of this window on the stack
-  int mirroring_ = 0;  // > 0: what the windows report now comes from us, not from a person
+  HWND lastFocus_ = nullptr;  // has the keyboard when the form next comes to the front
+  int depth_ = 0;             // messages of this window on the stack
+  int mirroring_ = 0;         // > 0: what the windows report now comes from us, not from a person
 };
 
 }  // namespace orvanto::win32

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include "platform/forms.h"
+#include "platform/win32/Handle.h"
 
 namespace orvanto::win32 {
 
@@ -19,6 +20,9 @@ inline int ToTwips(int pixels, UINT dpi) {
 
 // Of the main screen, which the forms' positions are meant for.
 UINT MainScreenDpi();
+
+// The font of the system's message boxes.
+Handle<HFONT, DeleteObject> MessageFont(UINT dpi);
 
 // The outer size in pixels of a form's window.
 SIZE OuterSize(const forms::Form& form, UINT dpi);

@@ -90,6 +90,7 @@ Answer Win32MessageBoxes::Show(const std::string& text, const std::string& title
   UINT type = modal.Owner() != nullptr ? 0 : MB_TASKMODAL | MB_SETFOREGROUND | MB_TOPMOST;
   if (buttons == Buttons::OkCancel) type |= MB_OKCANCEL;
   if (buttons == Buttons::YesNo) type |= MB_YESNO;
+  if (buttons == Buttons::NoUnlessYes) type |= MB_YESNO | MB_DEFBUTTON2;
   if (icon == BoxIcon::Question) type |= MB_ICONQUESTION;
   switch (MessageBoxW(modal.Owner(), ToWide(text).c_str(), ToWide(title).c_str(), type)) {
     case IDOK:
@@ -99,9 +100,9 @@ Answer Win32MessageBoxes::Show(const std::string& text, const std::string& title
     case IDCANCEL:
       return buttons == Buttons::OkCancel ? Answer::Cancel : Answer::Ok;
     default:  // IDNO, or a box that could not be shown
-      return buttons == Buttons::YesNo      ? Answer::No
+      return buttons == Buttons::Ok         ? Answer::Ok
              : buttons == Buttons::OkCancel ? Answer::Cancel
-                                            : Answer::Ok;
+                                            : Answer::No;
   }
 }
 

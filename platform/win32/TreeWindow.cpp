@@ -43,6 +43,16 @@ void TreeWindow::Mirror(Property property) {
   if (property == Property::Selection && !tree_.Updating()) MirrorSelection();
 }
 
+void TreeWindow::Place(const RECT& place) {
+  ControlWindow::Place(place);
+  ScrollToSelection();
+}
+
+void TreeWindow::ScrollToSelection() const {
+  const HTREEITEM item = TreeView_GetSelection(window_);
+  if (item != nullptr) TreeView_EnsureVisible(window_, item);
+}
+
 void TreeWindow::Rescale(UINT dpi) {
   imageSize_ = {GetSystemMetricsForDpi(SM_CXSMICON, dpi), GetSystemMetricsForDpi(SM_CYSMICON, dpi)};
   ImageList fresh(ImageList_Create(imageSize_.cx, imageSize_.cy, ILC_COLOR32, 4, 4));
@@ -90,6 +100,7 @@ void TreeWindow::Rebuild() {
   }
   MirrorSelection();
   SendMessageW(window_, WM_SETREDRAW, TRUE, 0);
+  ScrollToSelection();
   InvalidateRect(window_, nullptr, TRUE);
 }
 

@@ -16,6 +16,7 @@ class TreeWindow : public ControlWindow {
   ~TreeWindow() override;
 
   void Mirror(forms::Property property) override;
+  void Place(const RECT& place) override;
   void Rescale(UINT dpi) override;
   LRESULT OnNotify(const NMHDR& header, bool person) override;
 
@@ -24,6 +25,7 @@ class TreeWindow : public ControlWindow {
 
   void Rebuild();
   void MirrorSelection();
+  void ScrollToSelection() const;
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                     UINT_PTR id, DWORD_PTR self);
   bool SelectFirst(WPARAM key);

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/win32/Scale.h"
+#include "platform/win32/Text.h"
 
 namespace orvanto::win32 {
 
@@ -20,6 +21,7 @@ class Win32FormHost::Peer : public forms::FormPeer {
     window_.ControlChanged(control, property);
   }
   void MenuChanged(const forms::MenuItem& item) override { window_.MenuChanged(item); }
+  bool HasKeyboard() const override { return GetForegroundWindow() == window_.Get(); }
   void Detach() { window_.Detach(); }
 
  private:
@@ -98,9 +100,25 @@ forms::Size Win32FormHost::FrameSize(const forms::Form& form) const {
           ToTwips(outer.cy, dpi) - form.ClientSize().height};
 }
 
+forms::Size Win32FormHost::TextSize(const std::string& text, int width) const {
+  const UINT dpi = MainScreenDpi();
+  const Handle<HFONT, DeleteObject> font = MessageFont(dpi);
+  const Handle<HDC, DeleteDC> context(CreateCompatibleDC(nullptr));
+  const HGDIOBJ old = SelectObject(context.Get(), font.Get());
+  const std::wstring shown = ToWide(text);
+  RECT place = {0, 0, ToPixels(width, dpi), 0};
+  DrawTextW(context.Get(), shown.c_str(), static_cast<int>(shown.size()), &place,
+            DT_CALCRECT | DT_WORDBREAK | DT_EDITCONTROL | DT_EXPANDTABS | DT_NOPREFIX);
+  SelectObject(context.Get(), old);
+  // A pixel more, for what is lost in rounding.
+  return {ToTwips(place.right + 1, dpi), ToTwips(place.bottom + 1, dpi)};
+}
+
 // Tab, arrows, mnemonics, Enter and Esc. The forms have no accelerators; they would go first.
+// A mnemonic wants Alt: a bare letter, typed for another window or in the belief that the keyboard
+// is in a text, must not delete a task, end a chat or close a message unread.
 bool Win32FormHost::Navigate(MSG& message) const {
-  if (message.hwnd == nullptr) return false;
+  if (message.hwnd == nullptr || message.message == WM_CHAR) return false;
   const HWND root = GetAncestor(message.hwnd, GA_ROOT);
   const bool ours = std::any_of(windows_.begin(), windows_.end(),
                                 [&](const auto& each) { return each->Get() == root; });

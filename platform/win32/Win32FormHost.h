@@ -24,6 +24,7 @@ class Win32FormHost : public forms::FormHost {
   void Detach(std::unique_ptr<forms::FormPeer> peer) override;
   forms::Size ScreenSize() const override;
   forms::Size FrameSize(const forms::Form& form) const override;
+  forms::Size TextSize(const std::string& text, int width) const override;
 
   // Null when there is none.
   HWND MainWindow() const { return mainWindow_; }

@@ -11,6 +11,7 @@
 #include "core/modTaskOperations.h"
 #include "core/ui/frmEdit.h"
 #include "core/ui/frmScriptcfg.h"
+#include "remote/frmChat.h"
 #include "tests/support/FakePlatform.h"
 
 namespace orvanto {
@@ -219,6 +220,11 @@ TEST_F(ProgramTest, OneWindowStandsForAnother) {
   frmEdit& editor = program.Editor();
   Texts told;
   program.onTaskRun = [&](const TaskRecord& task) { told.push_back(task.name); };
+  for (const bool onTop : {false, true}) {
+    EXPECT_EQ(editor.TopMost(), onTop);
+    EXPECT_EQ(program.ChatWindow().TopMost(), onTop);
+    if (!onTop) window.mnuOnTop.Choose();
+  }
   ASSERT_TRUE(window.cmdNew.Press());
   EXPECT_FALSE(window.Visible());
   EXPECT_TRUE(editor.Visible());
@@ -226,17 +232,16 @@ TEST_F(ProgramTest, OneWindowStandsForAnother) {
   EXPECT_FALSE(window.Visible());
   editor.txtTaskName.Type("Made here");
   editor.optTaskType[3].Choose();
-  editor.txtMinute.Type("05");
   ASSERT_TRUE(editor.cmdSave.Press());
   EXPECT_TRUE(window.Visible());
   ASSERT_EQ(window.treTasks.Nodes().size(), 2U) << "the group and the task";
+  EXPECT_EQ(window.treTasks.Selected(), 1U);
 
   window.cmdSystemTray.Press();
   program.BringToFront();
   EXPECT_TRUE(window.Visible());
   EXPECT_EQ(fake.trayIcon.shownTip, "");
 
-  window.treTasks.ClickNode(1);
   ASSERT_TRUE(window.mnuEdit.Choose());
   EXPECT_EQ(editor.Caption(), "Edit Task - Made here");
   EXPECT_TRUE(editor.Visible());

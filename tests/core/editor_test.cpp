@@ -12,7 +12,7 @@ class EditorTest : public testing::Test, public CoreDesk {
  protected:
   EditorTest() {
     finder.findsAll = true;
-    editor.onSaved = [this] { ++saved; };
+    editor.onSaved = [this](std::int16_t) { ++saved; };
     editor.onClosed = [this] { ++closed; };
   }
   void OpenNew() { editor.Open(std::nullopt); }
@@ -36,10 +36,11 @@ class EditorTest : public testing::Test, public CoreDesk {
   std::string Date() const {
     return editor.txtdte[0].Text() + "/" + editor.txtdte[1].Text() + "/" + editor.txtdte[2].Text();
   }
-  void SaveRefused(const char* message) {
+  void SaveRefused(const char* message, const forms::Control* fieldAtFault = nullptr) {
     messageBoxes.expected = {{message}};
     ASSERT_TRUE(editor.cmdSave.Press());
     EXPECT_TRUE(messageBoxes.expected.empty()) << message;
+    EXPECT_EQ(editor.Focus(), fieldAtFault) << message;
     EXPECT_TRUE(editor.Visible());
     EXPECT_EQ(saved, 0);
   }
@@ -195,17 +196,31 @@ TEST_F(EditorTest, ARefusalKeepsTheEntries) {
   Add("Taken", "09:00");
   OpenNew();
   editor.txtTaskName.Type("Taken");
-  SaveRefused("That Task Name is already in use. Please use a different one.");
+  SaveRefused("That Task Name is already in use. Please use a different one.", &editor.txtTaskName);
   editor.txtTaskName.Type("New");
+  finder.findsAll = false;
+  SaveRefused("File does not exist", &editor.txt1);
+  finder.findsAll = true;
+  editor.txtdte[0].Type("40");
+  SaveRefused("Invalid Day given for Date", &editor.txtdte[0]);
+  editor.txtdte[0].Type("1");
+  editor.txtdte[1].Type("13");
+  SaveRefused("Invalid Month given for Date", &editor.txtdte[1]);
+  editor.txtdte[2].Type("27");
+  editor.txtdte[1].Type("12");
+  SaveRefused("Invalid Year given for Date", &editor.txtdte[2]);
   editor.txtdte[2].Type("soon");
-  SaveRefused("Invalid Date");
+  SaveRefused("Invalid Date", &editor.txtdte[0]);
   editor.optMonthly.Choose();
   editor.txtmnthday.Type("x");
-  SaveRefused("Invlaid Day of Month Given");
+  SaveRefused("Invlaid Day of Month Given", &editor.txtmnthday);
   editor.txtmnthday.Type("31");
   editor.txtHour.Type("24");
-  SaveRefused("Invlaid Hour given for Time");
+  SaveRefused("Invlaid Hour given for Time", &editor.txtHour);
   editor.txtHour.Type("23");
+  editor.txtMinute.Type("60");
+  SaveRefused("Invalid Minute given for Time", &editor.txtMinute);
+  editor.txtMinute.Type("59");
   EXPECT_EQ(editor.txtTaskName.Text(), "New");
   EXPECT_EQ(editor.txtdte[2].Text(), "soon");
   EXPECT_EQ(store.NoTasks(), 1);
@@ -214,8 +229,13 @@ TEST_F(EditorTest, ARefusalKeepsTheEntries) {
 }
 
 TEST_F(EditorTest, NowTodayBrowseAndEditScript) {
-  clock.Set(2026, 2, 3, 4, 5, 6);
-  OpenNew();
+  const std::pair<int, const char*> offered[] = {{58, "23:59 31/12/2026"},
+                                                 {59, "00:00 01/01/2027"}};
+  for (const auto& [minute, next] : offered) {
+    clock.Set(2026, 12, 31, 23, minute, 0);
+    OpenNew();
+    EXPECT_EQ(editor.txtHour.Text() + ":" + editor.txtMinute.Text() + " " + Date(), next);
+  }
   clock.Set(2027, 3, 4, 5, 6, 7);
   ASSERT_TRUE(editor.cmdNow.Press());
   ASSERT_TRUE(editor.cmdToday.Press());
@@ -239,6 +259,8 @@ TEST_F(EditorTest, NowTodayBrowseAndEditScript) {
     fileDialogs.chosen.reset();
   }
   ChooseType(0);
+  editor.cmdEdit.Press();
+  editor.txt1.Type("");
   editor.cmdEdit.Press();
   editor.txt1.Type("night.txt");
   editor.cmdEdit.Press();

@@ -33,6 +33,11 @@ class MainWindowTest : public testing::Test, public CoreDesk {
     }
     FAIL() << "no node " << name;
   }
+  std::string Selected() const {
+    const auto selected = window.treTasks.Selected();
+    EXPECT_EQ(window.cmdDelete.Enabled(), selected.has_value());
+    return selected ? Lines()[*selected] : "";
+  }
 
   frmmsg message{forms};
   frmScriptcfg window{forms,
@@ -90,6 +95,45 @@ TEST_F(MainWindowTest, ATaskOfAnUnknownTypeCanBeSeenAndDeleted) {
   EXPECT_EQ(store.NoTasks(), 0);
 }
 
+TEST_F(MainWindowTest, TheSelectionStaysOrGoesToTheNeighbour) {
+  for (const char* name : {"One", "Other", "Three", "Four"}) {
+    InGroup(name, name == std::string("Other") ? "B" : "A");
+  }
+  Start();
+  Click("Three");
+  for (const char* next : {"A/Four", "A/One", "B/Other", ""}) {
+    EXPECT_TRUE(window.cmdDelete.Press());
+    EXPECT_EQ(Selected(), next);
+    EXPECT_EQ(window.Focus(), &window.treTasks);
+  }
+  InGroup("First", "A");
+  InGroup("Second", "A");
+  window.BuildTaskTree(2);
+  EXPECT_EQ(Selected(), "A/Second") << "as the editor saved it";
+  store.DeleteTask(1);
+  EXPECT_EQ(Selected(), "A/Second");
+  store.DeleteTask(1);
+  InGroup("Third", "A");
+  window.BuildTaskTree();
+  EXPECT_EQ(Selected(), "") << "others have deleted it";
+}
+
+TEST_F(MainWindowTest, ThePopupMessageGrowsWithItsText) {
+  forms::Size last;
+  for (const std::size_t length : {10U, 300U, 1000U, 5000U, 100000U}) {
+    message.ShowText(std::string(length, 'x'));
+    const forms::Size size = message.ClientSize();
+    EXPECT_TRUE(size.width > last.width || size.height > last.height) << length;
+    EXPECT_LT(size.width, 1280 * 15);
+    EXPECT_LT(size.height, 800 * 15);
+    const bool scrolls = length == 100000;
+    EXPECT_EQ(message.txtMsg.ShownToUser(), scrolls);
+    EXPECT_EQ(message.lblMsg.ShownToUser(), !scrolls);
+    EXPECT_EQ((scrolls ? message.txtMsg.Text() : message.lblMsg.Text()).size(), length);
+    last = size;
+  }
+}
+
 TEST_F(MainWindowTest, TheTrayTakesTheWindowAndADoubleClickBringsItBack) {
   Add("In the tray", "14:05", [](TaskEntry& entry) { entry.taskType = kShutdownComputer; });
   Add("Hidden", "14:06");
@@ -106,6 +150,7 @@ TEST_F(MainWindowTest, TheTrayTakesTheWindowAndADoubleClickBringsItBack) {
   EXPECT_EQ(window.Caption(), "Orvanto - 14:05");
   trayIcon.onMouse(kLeftDoubleClick);
   EXPECT_TRUE(window.Visible());
+  EXPECT_EQ(window.Focus(), &window.treTasks);
   EXPECT_EQ(trayIcon.shownTip, "");
 
   EXPECT_TRUE(window.mnuOnTop.Choose());

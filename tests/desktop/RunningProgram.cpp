@@ -106,6 +106,17 @@ std::wstring TextOf(HWND window) {
   return text;
 }
 
+bool IsTopMost(HWND window) {
+  return (GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
+}
+
+HWND FocusBeside(HWND window) {
+  GUITHREADINFO info = {};
+  info.cbSize = sizeof info;
+  GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info);
+  return info.hwndFocus;
+}
+
 // A structure in the memory of the program, for messages that carry an address.
 class RunningProgram::Remote {
  public:

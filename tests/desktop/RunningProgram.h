@@ -41,6 +41,9 @@ void TypeText(const std::wstring& text);
 std::vector<HWND> TopLevel(DWORD process, const std::wstring& windowClass);
 
 std::wstring TextOf(HWND window);
+bool IsTopMost(HWND window);
+// The window that has the keyboard, of the thread that this one belongs to.
+HWND FocusBeside(HWND window);
 
 struct TreeLine {
   int level;
@@ -73,6 +76,7 @@ class RunningProgram {
   void ClickTreeLine(std::size_t index) const;
   void ChooseMenu(wchar_t menu, int itemsBelowFirst) const;
 
+  HWND TreeWindow() const;
   std::vector<TreeLine> Tree() const;
   bool WaitForEnd(DWORD& exitCode) const;
   GuiObjects CountGuiObjects() const;
@@ -80,7 +84,6 @@ class RunningProgram {
 
  private:
   class Remote;
-  HWND TreeWindow() const;
   std::vector<HTREEITEM> Items(std::vector<int>& levels) const;
 
   win32::Handle<HANDLE, CloseHandle> process_;

@@ -14,10 +14,6 @@ namespace {
 
 constexpr UINT kTrayCallback = WM_APP + 1;
 
-bool IsTopMost(HWND window) {
-  return (GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
-}
-
 TEST_F(DesktopTest, ShowsGroupsInOrderOfFirstAppearanceAndRunsWhatIsClicked) {
   Import({{"first", "B", "6", "one"}, {"second", "A", "6", "two"}, {"third", "B", "6", "three"}});
   const RunningProgram program;
@@ -39,6 +35,30 @@ TEST_F(DesktopTest, ShowsGroupsInOrderOfFirstAppearanceAndRunsWhatIsClicked) {
   EXPECT_FALSE(IsWindowEnabled(program.MainWindow())) << "everything waits for the answer";
   PostMessageW(box, WM_COMMAND, IDOK, 0);
   EXPECT_TRUE(WaitFor([&] { return IsWindowEnabled(program.MainWindow()) != 0; }));
+
+  // Delete Task by the keyboard, which is back in the tree after it, for Enter too.
+  program.ClickTreeLine(2);
+  ASSERT_TRUE(WaitFor([&] { return GetForegroundWindow() == program.MainWindow(); }));
+  const HWND deletes = program.Button(L"&Delete Task");
+  for (const std::size_t left : {4U, 2U, 0U}) {
+    PressKeys({VK_TAB, VK_TAB, VK_SPACE});
+    EXPECT_TRUE(WaitFor([&] { return program.Tree().size() == left; })) << left;
+    EXPECT_TRUE(WaitFor([&] { return FocusBeside(deletes) == program.TreeWindow(); }));
+    EXPECT_EQ(GetWindowLongPtrW(deletes, GWL_STYLE) & BS_TYPEMASK, BS_PUSHBUTTON);
+  }
+  Exit(program);
+}
+
+TEST_F(DesktopTest, TheSelectionStaysInSightWhenTheServersAreaTakesItsPlace) {
+  Import(std::vector<Task>(8, {"task", "", "6", "text"}));
+  Store(L"General", L"Inet_ServerPort", L"0");
+  const RunningProgram program;
+  ASSERT_EQ(program.Tree().size(), 9u);
+  program.ClickTreeLine(8);
+  ASSERT_TRUE(WaitFor([&] { return IsWindowEnabled(program.Button(L"&Run Task")) != 0; }));
+  program.Press(L"&On");
+  const HWND tree = program.TreeWindow();
+  EXPECT_TRUE(WaitFor([&] { return TreeView_GetFirstVisible(tree) != TreeView_GetRoot(tree); }));
   Exit(program);
 }
 

@@ -120,11 +120,15 @@ class RemoteTest : public DesktopTest {
     });
   }
 
-  static void AnswerChatRequest(const RunningProgram& program, int answer) {
+  static void AnswerChatRequest(const RunningProgram& program, bool yes) {
     ASSERT_TRUE(WaitFor([&] { return program.Box() != nullptr; }));
     EXPECT_EQ(TextOf(program.Box()), L"Chat Request");
     EXPECT_EQ(TextOf(GetDlgItem(program.Box(), 0xFFFF)), L"Accept Chat Request?");
-    PostMessageW(program.Box(), WM_COMMAND, static_cast<WPARAM>(answer), 0);
+    EXPECT_TRUE(IsTopMost(program.Box())) << "as the main window is";
+    ASSERT_TRUE(WaitFor([&] { return GetForegroundWindow() == program.Box(); }));
+    // What is typed when it comes is no consent.
+    if (yes) PressKeys({VK_LEFT});
+    PressKeys({VK_RETURN});
   }
 
   u_short port_ = 0;
@@ -212,20 +216,22 @@ TEST_F(RemoteTest, AClientLogsInAndDoesEverythingWithATask) {
 }
 
 TEST_F(RemoteTest, TheChatWindowTalksWithTheClient) {
+  Store(L"General", L"OnTop", L"1");
   const RunningProgram program;
   ASSERT_NE(program.MainWindow(), nullptr);
   Client client(port_);
   client.Expect(kMenuEnd);
   client.Line("6", "Asking for Chat...\r\n");
-  AnswerChatRequest(program, IDNO);
+  AnswerChatRequest(program, false);
   client.Expect(kMenuEnd);
   client.Line("6", "Asking for Chat...\r\n");
-  AnswerChatRequest(program, IDYES);
+  AnswerChatRequest(program, true);
   client.Expect("Chat Request Accepted\r\n");
   client.Expect("Press '/' to Quit...\r\n\r\n");
 
   HWND chat = program.InFront(L"Chat");
   ASSERT_NE(chat, nullptr);
+  EXPECT_TRUE(IsTopMost(chat));
   HWND txtChat = nullptr;
   HWND txtSend = nullptr;
   for (const HWND text : RunningProgram::Children(chat, L"Edit")) {
@@ -235,8 +241,9 @@ TEST_F(RemoteTest, TheChatWindowTalksWithTheClient) {
   PressKeys({VK_RETURN});
   client.Expect("\r\nServer: Good evening\r\n");
   EXPECT_TRUE(WaitFor([&] { return TextOf(txtSend).empty(); }));
-  // The newest line is in sight, wherever the keyboard is.
+  // The newest line is in sight, wherever the keyboard is; a letter beside the box ends no chat.
   PressWith(VK_SHIFT, VK_TAB);
+  PressKeys({'Q'});
   std::wstring transcript = L"Server: Good evening\r\n";
   for (int i = 0; i < 12; ++i) {
     client.Line("Hi", "\r\n");
@@ -260,6 +267,7 @@ TEST_F(RemoteTest, TheChatWindowTalksWithTheClient) {
     client.Expect("Server Started Chat...\r\n");
     chat = program.InFront(L"Chat");
     ASSERT_NE(chat, nullptr);
+    EXPECT_NE(IsTopMost(chat), kick);
     if (kick) {
       program.Press(L"&Kick");
       EXPECT_TRUE(Shows(program, false));
@@ -269,6 +277,8 @@ TEST_F(RemoteTest, TheChatWindowTalksWithTheClient) {
       client.Expect(kMenuEnd);
     }
     EXPECT_TRUE(WaitFor([&] { return !IsWindow(chat); }));
+    EXPECT_TRUE(WaitFor([&] { return GetForegroundWindow() == program.MainWindow(); }));
+    if (!kick) program.ChooseMenu(L's', 1);
   }
   Exit(program);
 }

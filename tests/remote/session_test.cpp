@@ -204,6 +204,7 @@ TEST_F(SessionTest, ChatAskedForByTheClient) {
   const std::string asking = "\r\n\r\nAsking for Chat...\r\n";
   messageBoxes.expected = {{"Accept Chat Request?", Answer::No}};
   EXPECT_EQ(Line("6"), asking + kMenu);
+  EXPECT_EQ(messageBoxes.buttonsShown, Buttons::NoUnlessYes);
   EXPECT_FALSE(chat.Visible());
   messageBoxes.expected = {{"Accept Chat Request?", Answer::Yes}};
   EXPECT_EQ(Line("6"), asking +

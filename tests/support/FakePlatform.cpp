@@ -191,10 +191,12 @@ std::optional<std::string> FakeFileDialogs::ChooseFile(const std::string& title,
 
 Answer FakeMessageBoxes::Show(const std::string& text, const std::string&, Buttons buttons,
                               BoxIcon) {
+  buttonsShown = buttons;
   if (expected.empty()) {
     if (!answersAll) ADD_FAILURE() << "unexpected message box: " << text;
-    return buttons == Buttons::Ok ? Answer::Ok
-                                  : (buttons == Buttons::YesNo ? Answer::No : Answer::Cancel);
+    return buttons == Buttons::Ok         ? Answer::Ok
+           : buttons == Buttons::OkCancel ? Answer::Cancel
+                                          : Answer::No;
   }
   const Expected box = std::move(expected.front());
   expected.pop_front();

@@ -34,7 +34,8 @@ class FakeMessageBoxes : public MessageBoxes {
     std::function<void()> whileOpen = {};
   };
   std::deque<Expected> expected;
-  bool answersAll = false;  // the safe answer to every box that is not expected
+  Buttons buttonsShown = Buttons::Ok;  // of the last box
+  bool answersAll = false;             // the safe answer to every box that is not expected
 };
 
 // What the program did to the world, in the order of the doing and in words: "beep", "end 2".
