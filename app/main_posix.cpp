@@ -19,8 +19,7 @@
 #include "core/Convert.h"
 #include "core/ProgramTitle.h"
 #include "core/Sched.h"
-#include "platform/Text.h"
-#include "platform/forms.h"
+#include "platform/forms/forms.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/FileRegistry.h"
 #include "platform/posix/NoDesktop.h"
@@ -35,6 +34,8 @@
 #include "platform/posix/PosixSocket.h"
 #include "platform/posix/PosixSound.h"
 #include "platform/posix/TerminalMessageBoxes.h"
+#include "platform/text/Case.h"
+#include "platform/text/PrintableLine.h"
 
 namespace orvanto {
 namespace {

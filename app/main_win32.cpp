@@ -1,14 +1,70 @@
 // The entry point of the Windows program.
 #include <windows.h>
 
+#include <objbase.h>
+
 #include <string>
 
 #include "app/Program.h"
+#include "platform/Platform.h"
+#include "platform/win32/Services.h"
 #include "platform/win32/SingleInstance.h"
 #include "platform/win32/Text.h"
-#include "platform/win32/Win32Platform.h"
+#include "platform/win32/Win32Clipboard.h"
+#include "platform/win32/Win32Desktop.h"
+#include "platform/win32/Win32Files.h"
+#include "platform/win32/Win32Keyboard.h"
+#include "platform/win32/Win32Loop.h"
+#include "platform/win32/Win32Registry.h"
+#include "platform/win32/Win32Session.h"
+#include "platform/win32/Win32Socket.h"
+#include "platform/win32/Win32TrayIcon.h"
+#include "platform/win32/forms/Dialogs.h"
+#include "platform/win32/forms/Win32FormHost.h"
 
 namespace {
+
+namespace win32 = orvanto::win32;
+
+// The shell's extensions want COM on the thread that calls the shell.
+class Com {
+ public:
+  Com()
+      : begun_(
+            SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE))) {
+  }
+  ~Com() {
+    if (begun_) CoUninitialize();
+  }
+  Com(const Com&) = delete;
+  Com& operator=(const Com&) = delete;
+
+ private:
+  bool begun_;
+};
+
+// Services of this system, in the order in which they need each other.
+struct Win32Platform {
+  win32::Win32Loop loop;
+  win32::Win32Clock clock;
+  win32::Win32Registry registry;
+  win32::Win32Files files;
+  win32::Win32FormHost forms{loop};
+  win32::Win32Shell shell{loop, [this] { return forms.MainWindow(); }};
+  win32::Win32Session session;
+  win32::Win32Desktop desktop;
+  win32::Win32Keyboard keyboard;
+  win32::Win32Clipboard clipboard;
+  win32::Win32Sound sound;
+  win32::Win32MessageBoxes messageBoxes{loop, forms};
+  win32::Win32FileDialogs fileDialogs{loop, forms};
+  win32::Win32TrayIcon trayIcon{loop};
+  win32::Win32SocketHost sockets{loop};
+  Com com;
+  orvanto::Platform platform{loop,         clock,       registry, files,     shell,
+                             session,      desktop,     keyboard, clipboard, sound,
+                             messageBoxes, fileDialogs, trayIcon, sockets,   forms};
+};
 
 std::wstring ProgramFolder() {
   std::wstring path(MAX_PATH, L'\0');
@@ -34,15 +90,14 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR commandLine, int) {
   // Libraries come from the system only, never from the folder that a file was opened in.
   SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);
   try {
-    orvanto::win32::SingleInstance instance;
+    win32::SingleInstance instance;
     if (!instance.IsFirst()) {
       if (lstrcmpiW(commandLine, L"invisible") != 0) instance.ShowFirst();
       return 0;
     }
-    orvanto::win32::Win32Platform host;
-    orvanto::Platform services = host.Services();
-    orvanto::Program program(services, {.commandLine = orvanto::win32::ToUtf8(commandLine),
-                                        .programFolder = orvanto::win32::ToUtf8(ProgramFolder())});
+    Win32Platform host;
+    orvanto::Program program(host.platform, {.commandLine = win32::ToUtf8(commandLine),
+                                             .programFolder = win32::ToUtf8(ProgramFolder())});
     host.loop.onSessionEnd = [&program] { program.Quit(); };
     // Posted, so that it waits for the end of a message box.
     instance.onShow = [&] { host.loop.Post([&program] { program.BringToFront(); }); };
@@ -50,7 +105,7 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR commandLine, int) {
     host.loop.Run();
     return 0;
   } catch (...) {
-    orvanto::win32::ReportException("program");
+    win32::ReportException("program");
     return 1;
   }
 }

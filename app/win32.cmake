@@ -8,5 +8,5 @@ set_source_files_properties(resources/orvanto.rc PROPERTIES
 
 add_executable(orvanto WIN32 main_win32.cpp resources/orvanto.rc)
 target_include_directories(orvanto PRIVATE ${resources})
-target_link_libraries(orvanto PRIVATE orvanto_app orvanto_win32 orvanto_warnings)
+target_link_libraries(orvanto PRIVATE orvanto_app orvanto_win32_forms orvanto_warnings)
 target_link_options(orvanto PRIVATE -municode)

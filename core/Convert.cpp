@@ -1,14 +1,11 @@
 #include "core/Convert.h"
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
 
 namespace orvanto {
 namespace {
-
-char LowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 std::string_view Trim(std::string_view text, const char* what) {
   const auto first = text.find_first_not_of(what);
@@ -71,16 +68,5 @@ std::string TwoDigits(std::string_view text) {
 }
 
 std::string TwoDigits(int number) { return TwoDigits(std::to_string(number)); }
-
-std::string LowerCase(std::string_view text) {
-  std::string lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(), LowerAscii);
-  return lower;
-}
-
-bool EqualIgnoringCase(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return LowerAscii(x) == LowerAscii(y); });
-}
 
 }  // namespace orvanto

@@ -1,6 +1,6 @@
 #include "core/TextLog.h"
 
-#include "core/Convert.h"
+#include "platform/text/Lines.h"
 
 namespace orvanto {
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/Convert.h"
+#include "platform/text/Case.h"
 
 namespace orvanto {
 namespace {

@@ -4,8 +4,9 @@
 
 #include "core/Convert.h"
 #include "core/Sched.h"
-#include "platform/Text.h"
-#include "platform/Utf8.h"
+#include "platform/text/Case.h"
+#include "platform/text/PrintableLine.h"
+#include "platform/text/Utf8.h"
 
 namespace orvanto {
 namespace {

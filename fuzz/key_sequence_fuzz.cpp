@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <map>
 
-#include "core/Convert.h"
+#include "platform/text/Error.h"
 #include "script/KeySequence.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -2,13 +2,13 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "platform/posix/RegistryText.h"
+#include "platform/registry/RegistryText.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace orvanto;
   RegistryTree tree;
-  if (posix::ParseRegistry({reinterpret_cast<const char*>(data), size}, tree)) return 0;
+  if (ParseRegistry({reinterpret_cast<const char*>(data), size}, tree)) return 0;
   RegistryTree again;
-  if (posix::ParseRegistry(posix::FormatRegistry(tree), again) || !(again == tree)) std::abort();
+  if (ParseRegistry(FormatRegistry(tree), again) || !(again == tree)) std::abort();
   return 0;
 }

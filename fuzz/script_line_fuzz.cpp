@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "core/Convert.h"
 #include "core/modTaskOperations.h"
 #include "platform/Clipboard.h"
 #include "platform/Clock.h"
@@ -13,7 +12,8 @@
 #include "platform/MessageBoxes.h"
 #include "platform/Session.h"
 #include "platform/Sound.h"
-#include "platform/TreeRegistry.h"
+#include "platform/registry/TreeRegistry.h"
+#include "platform/text/Error.h"
 #include "script/Script_Interpreter.h"
 
 namespace orvanto {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "platform/text/Lines.h"
 #include "tests/remote/RemoteDesk.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

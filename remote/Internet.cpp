@@ -5,6 +5,7 @@
 #include "core/TextLog.h"
 #include "core/modRegistry.h"
 #include "core/modTaskOperations.h"
+#include "platform/text/Lines.h"
 
 namespace orvanto {
 namespace {

@@ -11,7 +11,7 @@
 #include <string>
 
 #include "core/ProgramSettings.h"
-#include "platform/TcpSocket.h"
+#include "platform/net/TcpSocket.h"
 #include "remote/Remote.h"
 #include "remote/TaskWizard.h"
 #include "remote/TelnetProtocol.h"

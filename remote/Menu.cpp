@@ -7,6 +7,7 @@
 #include "core/modTaskOperations.h"
 #include "platform/Files.h"
 #include "platform/MessageBoxes.h"
+#include "platform/text/Lines.h"
 #include "remote/Internet.h"
 
 namespace orvanto {

@@ -5,6 +5,7 @@
 #include "core/Convert.h"
 #include "core/Sched.h"
 #include "core/modTaskOperations.h"
+#include "platform/text/Lines.h"
 
 namespace orvanto {
 namespace {

@@ -1,6 +1,6 @@
 #include "remote/TelnetProtocol.h"
 
-#include "core/Convert.h"
+#include "platform/text/Lines.h"
 
 namespace orvanto {
 namespace {

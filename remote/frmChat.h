@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "platform/forms.h"
+#include "platform/forms/forms.h"
 
 namespace orvanto {
 

@@ -3,6 +3,7 @@
 #include "core/Convert.h"
 #include "core/modTaskOperations.h"
 #include "platform/Files.h"
+#include "platform/text/Case.h"
 
 namespace orvanto {
 namespace {

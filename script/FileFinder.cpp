@@ -2,7 +2,7 @@
 
 #include "platform/EventLoop.h"
 #include "platform/Files.h"
-#include "platform/RegistryTree.h"
+#include "platform/text/Case.h"
 
 namespace orvanto {
 
@@ -21,7 +21,7 @@ void FolderSearch::SearchOneFolder(const std::string& givenFolder, const std::st
                                    FileCode code) {
   const bool ended = !givenFolder.empty() && givenFolder.back() == '\\';
   const std::string folder = ended ? givenFolder : givenFolder + "\\";
-  const std::string wanted = RegistryTree::Fold(fileName);
+  const std::string wanted = FoldCase(fileName);
   files_.ListFolder(folder, [&](const std::string& name, Files::EntryKind kind) {
     loop_.DoEvents();
     if (loop_.QuitRequested()) return false;
@@ -31,7 +31,7 @@ void FolderSearch::SearchOneFolder(const std::string& givenFolder, const std::st
     }
     if (kind == Files::EntryKind::FolderLink) return true;
     // Names of another length in bytes are not worth a fold.
-    if (name.size() != fileName.size() || RegistryTree::Fold(name) != wanted) return true;
+    if (name.size() != fileName.size() || FoldCase(name) != wanted) return true;
     actions_.FileAction(folder + name, code, "1");
     return false;
   });

@@ -5,7 +5,8 @@
 #include <string_view>
 
 #include "core/Convert.h"
-#include "platform/Utf8.h"
+#include "platform/text/Case.h"
+#include "platform/text/Utf8.h"
 
 namespace orvanto {
 namespace {

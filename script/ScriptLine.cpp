@@ -1,6 +1,6 @@
 #include "script/ScriptLine.h"
 
-#include "core/Convert.h"
+#include "platform/text/Case.h"
 
 namespace orvanto {
 

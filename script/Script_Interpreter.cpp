@@ -8,7 +8,9 @@
 #include "core/Convert.h"
 #include "core/modTaskOperations.h"
 #include "platform/Files.h"
-#include "platform/Utf8.h"
+#include "platform/text/Case.h"
+#include "platform/text/Lines.h"
+#include "platform/text/Utf8.h"
 #include "script/ScriptLine.h"
 
 namespace orvanto {
@@ -21,24 +23,6 @@ void Increase(std::int16_t& counter) {
   if (counter == std::numeric_limits<std::int16_t>::max()) throw Error(kOverflow, "Overflow");
   ++counter;
 }
-
-// Cuts a text into lines that end in CR LF, LF, CR or with the text.
-class LineReader {
- public:
-  explicit LineReader(std::string_view text) : rest_(text) {}
-
-  std::optional<std::string_view> Next() {
-    if (rest_.empty()) return std::nullopt;
-    const std::size_t end = std::min(rest_.find_first_of(kCrLf), rest_.size());
-    const std::string_view line = rest_.substr(0, end);
-    rest_.remove_prefix(end);
-    rest_.remove_prefix(rest_.starts_with(kCrLf) ? 2 : rest_.empty() ? 0 : 1);
-    return line;
-  }
-
- private:
-  std::string_view rest_;
-};
 
 // The text of a script as UTF-8, by its byte order mark; without one, what is no UTF-8 is taken for
 // the system's code page.

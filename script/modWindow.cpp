@@ -2,12 +2,11 @@
 
 #include <algorithm>
 
-#include "core/Convert.h"
 #include "platform/Clipboard.h"
 #include "platform/Desktop.h"
 #include "platform/EventLoop.h"
-#include "platform/RegistryTree.h"
-#include "platform/Utf8.h"
+#include "platform/text/Case.h"
+#include "platform/text/Utf8.h"
 #include "script/KeySequence.h"
 
 namespace orvanto {
@@ -73,11 +72,11 @@ void WindowActions::WindowAction(std::string title, WindowCode code, const std::
       break;
   }
   const bool plain = TakeStarsOff(title);
-  const std::string wanted = RegistryTree::Fold(title);
+  const std::string wanted = FoldCase(title);
   // A list made beforehand: bringing a window to the top reorders the windows, and a walk along
   // them would meet some again for ever.
   for (const Desktop::Window window : desktop_.TopLevelWindows()) {
-    const std::string own = RegistryTree::Fold(desktop_.Title(window));
+    const std::string own = FoldCase(desktop_.Title(window));
     // Doubled stars end the whole operation at the first window that has a title.
     if (!own.empty() && !plain) return;
     for (std::size_t left = Places(own, wanted); left > 0; --left) Act(window, step);

@@ -5,6 +5,7 @@
 
 #include "core/Convert.h"
 #include "core/Sched.h"
+#include "platform/text/Case.h"
 
 namespace orvanto {
 namespace {

@@ -9,7 +9,8 @@
 #include "core/TaskExecution.h"
 #include "core/modRegistry.h"
 #include "core/modTaskOperations.h"
-#include "platform/Text.h"
+#include "platform/text/Case.h"
+#include "platform/text/PrintableLine.h"
 
 namespace orvanto {
 namespace {

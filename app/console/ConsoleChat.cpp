@@ -1,8 +1,8 @@
 #include "app/console/ConsoleChat.h"
 
 #include "app/Program.h"
-#include "core/Convert.h"
-#include "platform/Text.h"
+#include "platform/text/Lines.h"
+#include "platform/text/PrintableLine.h"
 #include "remote/Internet.h"
 #include "remote/frmChat.h"
 

@@ -1,7 +1,7 @@
 // What this program is, and the way to the system's own description of itself.
 #pragma once
 
-#include "platform/forms.h"
+#include "platform/forms/forms.h"
 
 namespace orvanto {
 

@@ -12,6 +12,7 @@
 #include "platform/FileDialogs.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Shell.h"
+#include "platform/text/Case.h"
 
 namespace orvanto {
 namespace {

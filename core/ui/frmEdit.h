@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "core/TaskRecord.h"
-#include "platform/forms.h"
+#include "platform/forms/forms.h"
 
 namespace orvanto {
 

@@ -16,6 +16,8 @@
 #include "platform/Files.h"
 #include "platform/MessageBoxes.h"
 #include "platform/TrayIcon.h"
+#include "platform/text/Case.h"
+#include "platform/text/Lines.h"
 
 namespace orvanto {
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "core/ProgramSettings.h"
-#include "platform/forms.h"
+#include "platform/forms/forms.h"
 
 namespace orvanto {
 

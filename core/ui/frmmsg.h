@@ -1,7 +1,7 @@
 // The popup message of scripts: a small window above all others that blocks nothing.
 #pragma once
 
-#include "platform/forms.h"
+#include "platform/forms/forms.h"
 
 namespace orvanto {
 

@@ -12,7 +12,7 @@
 #include <thread>
 #include <utility>
 
-#include "platform/posix/RegistryText.h"
+#include "platform/registry/RegistryText.h"
 
 namespace orvanto::posix {
 namespace {

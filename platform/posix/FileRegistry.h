@@ -7,8 +7,8 @@
 #include <functional>
 #include <string>
 
-#include "platform/TreeRegistry.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/registry/TreeRegistry.h"
 
 namespace orvanto::posix {
 

@@ -7,7 +7,8 @@
 #include <memory>
 #include <vector>
 
-#include "platform/RegistryTree.h"
+#include "platform/registry/RegistryTree.h"
+#include "platform/text/Case.h"
 
 namespace orvanto::posix {
 namespace {
@@ -23,9 +24,9 @@ std::vector<std::string> OtherSpellings(const std::string& directory, const std:
   const std::unique_ptr<DIR, int (*)(DIR*)> listing(
       ::opendir(directory.empty() ? "." : directory.c_str()), ::closedir);
   if (!listing) return found;
-  const std::string wanted = RegistryTree::Fold(name);
+  const std::string wanted = FoldCase(name);
   while (const dirent* entry = ::readdir(listing.get())) {
-    if (entry->d_name != name && RegistryTree::Fold(entry->d_name) == wanted) {
+    if (entry->d_name != name && FoldCase(entry->d_name) == wanted) {
       found.emplace_back(entry->d_name);
     }
   }

@@ -11,9 +11,9 @@
 #include <memory>
 #include <system_error>
 
-#include "platform/Utf8.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/Paths.h"
+#include "platform/text/Utf8.h"
 
 namespace orvanto::posix {
 namespace {

@@ -8,9 +8,10 @@
 #include <string_view>
 #include <system_error>
 
-#include "platform/RegistryTree.h"
 #include "platform/posix/Paths.h"
 #include "platform/posix/Process.h"
+#include "platform/registry/RegistryTree.h"
+#include "platform/text/Case.h"
 
 namespace orvanto::posix {
 namespace {
@@ -90,7 +91,7 @@ bool PosixShell::Execute(const ShellRequest& request) {
   std::error_code error;
   // A working folder that is none does not keep a program from starting.
   if (!std::filesystem::is_directory(directory, error)) directory.clear();
-  const std::string operation = RegistryTree::Fold(request.operation);
+  const std::string operation = FoldCase(request.operation);
   if (operation == "print") {
     std::string printer = FindProgram("lp");
     if (printer.empty()) printer = FindProgram("lpr");

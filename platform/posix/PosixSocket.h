@@ -1,7 +1,7 @@
 // TCP sockets of a POSIX host, driven by the loop.
 #pragma once
 
-#include "platform/BufferedSocket.h"
+#include "platform/net/BufferedSocket.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/PosixLoop.h"
 

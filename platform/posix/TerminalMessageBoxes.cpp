@@ -7,9 +7,10 @@
 #include <string>
 #include <string_view>
 
-#include "platform/RegistryTree.h"
-#include "platform/Text.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/registry/RegistryTree.h"
+#include "platform/text/Case.h"
+#include "platform/text/PrintableLine.h"
 
 namespace orvanto::posix {
 namespace {
@@ -39,7 +40,7 @@ const char* Prompt(Buttons buttons) {
 }
 
 std::optional<Answer> Understand(const std::string& line, Buttons buttons) {
-  const std::string word = RegistryTree::Fold(line);
+  const std::string word = FoldCase(line);
   switch (buttons) {
     case Buttons::OkCancel:
       if (word == "o" || word == "ok") return Answer::Ok;

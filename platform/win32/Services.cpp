@@ -1,6 +1,5 @@
 #include "platform/win32/Services.h"
 
-#include <commdlg.h>
 #include <mmsystem.h>
 #include <shellapi.h>
 
@@ -53,7 +52,7 @@ bool Win32Shell::Execute(const ShellRequest& request) {
   SHELLEXECUTEINFOW info = {};
   info.cbSize = sizeof info;
   info.fMask = SEE_MASK_FLAG_NO_UI;
-  info.hwnd = forms_.MainWindow();
+  info.hwnd = owner_();
   info.lpVerb = orNull(operation);
   info.lpFile = file.c_str();
   info.lpParameters = orNull(parameters);
@@ -81,54 +80,5 @@ bool Win32Sound::Play(const std::string& name) {
 }
 
 void Win32Sound::Beep() { MessageBeep(MB_OK); }
-
-Answer Win32MessageBoxes::Show(const std::string& text, const std::string& title, Buttons buttons,
-                               BoxIcon icon) {
-  const ModalScope modal(loop_, forms_);
-  // Without an owner, because none of our windows is in front: task-modal, so that all of them
-  // wait; top-most, so that it is not lost behind a main window that is.
-  UINT type = modal.Owner() != nullptr ? 0 : MB_TASKMODAL | MB_SETFOREGROUND | MB_TOPMOST;
-  if (buttons == Buttons::OkCancel) type |= MB_OKCANCEL;
-  if (buttons == Buttons::YesNo) type |= MB_YESNO;
-  if (buttons == Buttons::NoUnlessYes) type |= MB_YESNO | MB_DEFBUTTON2;
-  if (icon == BoxIcon::Question) type |= MB_ICONQUESTION;
-  switch (MessageBoxW(modal.Owner(), ToWide(text).c_str(), ToWide(title).c_str(), type)) {
-    case IDOK:
-      return Answer::Ok;
-    case IDYES:
-      return Answer::Yes;
-    case IDCANCEL:
-      return buttons == Buttons::OkCancel ? Answer::Cancel : Answer::Ok;
-    default:  // IDNO, or a box that could not be shown
-      return buttons == Buttons::Ok         ? Answer::Ok
-             : buttons == Buttons::OkCancel ? Answer::Cancel
-                                            : Answer::No;
-  }
-}
-
-std::optional<std::string> Win32FileDialogs::ChooseFile(const std::string& title,
-                                                        const std::vector<FileFilter>& filters,
-                                                        const std::string& folder) {
-  std::wstring filter;  // pairs of name and pattern, each ended by a NUL, and one more at the end
-  for (const FileFilter& each : filters) {
-    filter += ToWide(each.name) + L'\0' + ToWide(each.pattern) + L'\0';
-  }
-  const std::wstring caption = ToWide(title);
-  const std::wstring start = ToWide(folder);
-  wchar_t name[255] = L"";
-  const ModalScope modal(loop_, forms_);
-  OPENFILENAMEW dialog = {};
-  dialog.lStructSize = sizeof dialog;
-  dialog.hwndOwner = modal.Owner();
-  dialog.lpstrFilter = filter.empty() ? nullptr : filter.c_str();
-  dialog.nFilterIndex = 1;
-  dialog.lpstrFile = name;
-  dialog.nMaxFile = static_cast<DWORD>(std::size(name));
-  dialog.lpstrInitialDir = start.empty() ? nullptr : start.c_str();
-  dialog.lpstrTitle = caption.c_str();
-  dialog.Flags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR | OFN_HIDEREADONLY;
-  if (!GetOpenFileNameW(&dialog)) return std::nullopt;
-  return ToUtf8(name);
-}
 
 }  // namespace orvanto::win32

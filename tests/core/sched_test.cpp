@@ -1,4 +1,5 @@
 #include "core/Sched.h"
+#include "platform/text/Error.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 #include "core/Scheduler.h"
+#include "core/Convert.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 
 #include "platform/EventLoop.h"
 #include "platform/Registry.h"
-#include "platform/TcpSocket.h"
+#include "platform/net/TcpSocket.h"
 
 namespace orvanto {
 

@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "platform/text/Lines.h"
 #include "remote/Internet.h"
 #include "tests/support/CoreDesk.h"
 

@@ -1,6 +1,7 @@
 // Conversations byte for byte: connection, login, menu, lists, chat.
 #include <gtest/gtest.h>
 
+#include "platform/text/Lines.h"
 #include "tests/remote/RemoteDesk.h"
 
 namespace orvanto {

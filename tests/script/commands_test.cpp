@@ -1,4 +1,5 @@
 #include "script/Commands.h"
+#include "platform/text/Error.h"
 
 #include <gtest/gtest.h>
 

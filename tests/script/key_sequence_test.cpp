@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "core/Convert.h"
-
 namespace orvanto {
 namespace {
 

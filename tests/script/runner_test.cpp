@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "platform/text/Error.h"
 #include "script/ScriptLine.h"
 #include "tests/script/ScriptDesk.h"
 

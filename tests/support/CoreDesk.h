@@ -9,6 +9,7 @@
 #include "core/TaskExecution.h"
 #include "core/modRegistry.h"
 #include "core/modTaskOperations.h"
+#include "platform/text/Error.h"
 #include "tests/support/FakePlatform.h"
 
 namespace orvanto {

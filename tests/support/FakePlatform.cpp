@@ -5,7 +5,8 @@
 #include <algorithm>
 #include <chrono>
 
-#include "platform/Utf8.h"
+#include "platform/text/Case.h"
+#include "platform/text/Utf8.h"
 
 namespace orvanto {
 namespace {
@@ -120,9 +121,8 @@ void FakeLoop::Advance(std::int64_t milliseconds) {
 std::map<std::string, std::string>::const_iterator FakeFiles::Find(const std::string& path) const {
   const auto exact = contents.find(path);
   if (exact != contents.end()) return exact;
-  return std::find_if(contents.begin(), contents.end(), [&](const auto& file) {
-    return RegistryTree::Fold(file.first) == RegistryTree::Fold(path);
-  });
+  return std::find_if(contents.begin(), contents.end(),
+                      [&](const auto& file) { return FoldCase(file.first) == FoldCase(path); });
 }
 
 bool FakeFiles::Exists(const std::string& path) const { return Find(path) != contents.end(); }

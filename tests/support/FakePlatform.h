@@ -12,7 +12,7 @@
 #include "platform/Clock.h"
 #include "platform/EventLoop.h"
 #include "platform/Platform.h"
-#include "platform/forms.h"
+#include "platform/forms/forms.h"
 #include "tests/support/FakeServices.h"
 #include "tests/support/FakeSockets.h"
 #include "tests/support/MemoryRegistry.h"

@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/TcpSocket.h"
+#include "platform/net/TcpSocket.h"
 
 namespace orvanto {
 

@@ -4,7 +4,7 @@
 #include <cassert>
 #include <string>
 
-#include "platform/TreeRegistry.h"
+#include "platform/registry/TreeRegistry.h"
 
 namespace orvanto {
 

@@ -10,7 +10,7 @@
 #include <csignal>
 #include <thread>
 
-#include "platform/posix/RegistryText.h"
+#include "platform/registry/RegistryText.h"
 #include "tests/support/TemporaryDirectory.h"
 
 namespace orvanto::posix {

@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "platform/win32/Services.h"
-#include "platform/win32/Win32FormHost.h"
+#include "platform/win32/forms/Win32FormHost.h"
 #include "tests/platform/contracts.h"
 
 namespace orvanto::win32 {

@@ -8,7 +8,8 @@
 #include <unordered_map>
 
 #include "platform/Registry.h"
-#include "platform/RegistryTree.h"
+#include "platform/registry/RegistryTree.h"
+#include "platform/text/Case.h"
 
 namespace orvanto {
 
@@ -25,7 +26,7 @@ class TreeRegistry : public Registry {
   Status DeleteKey(Key parent, const std::string& subkey) final;
   Status CloseKey(Key key) final;
   bool IsSameKey(const std::string& one, const std::string& other) const final {
-    return RegistryTree::Fold(one) == RegistryTree::Fold(other);
+    return FoldCase(one) == FoldCase(other);
   }
 
   std::size_t OpenKeys() const { return open_.size(); }

@@ -1,6 +1,6 @@
-#include "platform/Text.h"
+#include "platform/text/PrintableLine.h"
 
-#include "platform/Utf8.h"
+#include "platform/text/Utf8.h"
 
 namespace orvanto {
 

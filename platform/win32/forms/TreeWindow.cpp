@@ -1,8 +1,8 @@
-#include "platform/win32/TreeWindow.h"
+#include "platform/win32/forms/TreeWindow.h"
 
 #include "platform/win32/HiddenWindow.h"
-#include "platform/win32/Scale.h"
 #include "platform/win32/Text.h"
+#include "platform/win32/forms/Scale.h"
 
 namespace orvanto::win32 {
 

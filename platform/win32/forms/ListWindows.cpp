@@ -1,4 +1,4 @@
-#include "platform/win32/ListWindows.h"
+#include "platform/win32/forms/ListWindows.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "platform/TreeRegistry.h"
+#include "platform/registry/TreeRegistry.h"
 
 #include <cstring>
 #include <utility>

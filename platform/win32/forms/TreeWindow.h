@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/win32/ControlWindow.h"
+#include "platform/win32/forms/ControlWindow.h"
 
 namespace orvanto::win32 {
 

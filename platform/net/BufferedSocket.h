@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "platform/EventLoop.h"
-#include "platform/TcpSocket.h"
+#include "platform/net/TcpSocket.h"
 
 namespace orvanto {
 

@@ -1,12 +1,12 @@
-#include "platform/win32/Win32FormHost.h"
+#include "platform/win32/forms/Win32FormHost.h"
 
 #include <commctrl.h>
 
 #include <algorithm>
 #include <utility>
 
-#include "platform/win32/Scale.h"
 #include "platform/win32/Text.h"
+#include "platform/win32/forms/Scale.h"
 
 namespace orvanto::win32 {
 
@@ -123,20 +123,6 @@ bool Win32FormHost::Navigate(MSG& message) const {
   const bool ours = std::any_of(windows_.begin(), windows_.end(),
                                 [&](const auto& each) { return each->Get() == root; });
   return ours && IsDialogMessageW(root, &message);
-}
-
-ModalScope::ModalScope(Win32Loop& loop, const Win32FormHost& forms)
-    : hold_(loop), owner_(forms.ActiveForm()) {
-  if (owner_ == nullptr) return;
-  for (const HWND window : forms.VisibleForms()) {
-    if (window == owner_ || !IsWindowEnabled(window)) continue;
-    EnableWindow(window, FALSE);
-    disabled_.push_back(window);
-  }
-}
-
-ModalScope::~ModalScope() {
-  for (const HWND window : disabled_) EnableWindow(window, TRUE);
 }
 
 }  // namespace orvanto::win32

@@ -1,7 +1,7 @@
 // The windows of the controls with a choice.
 #pragma once
 
-#include "platform/win32/ControlWindow.h"
+#include "platform/win32/forms/ControlWindow.h"
 
 namespace orvanto::win32 {
 

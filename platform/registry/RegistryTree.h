@@ -32,10 +32,6 @@ class RegistryTree {
 
   RegistryTree();
 
-  // Lower case for comparing. Knows ASCII and the simple pairs of Latin, Greek and Cyrillic up to
-  // U+052F; everything else, broken UTF-8 included, stands for itself.
-  static std::string Fold(std::string_view text);
-
   // The id of the key at `path`, whether it exists or not. kBadPathname for an empty component,
   // kInvalidParameter for one of more than 255 UTF-16 units; then `id` is left alone.
   static Status IdOf(RootKey root, std::string_view path, std::string& id);

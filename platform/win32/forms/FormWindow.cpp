@@ -1,4 +1,4 @@
-#include "platform/win32/FormWindow.h"
+#include "platform/win32/forms/FormWindow.h"
 
 #include <shellscalingapi.h>
 
@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "platform/win32/HiddenWindow.h"
-#include "platform/win32/Scale.h"
 #include "platform/win32/Text.h"
+#include "platform/win32/forms/Scale.h"
 
 namespace orvanto::win32 {
 

@@ -8,9 +8,9 @@
 #include <memory>
 #include <vector>
 
-#include "platform/forms.h"
-#include "platform/win32/ControlWindow.h"
+#include "platform/forms/forms.h"
 #include "platform/win32/Handle.h"
+#include "platform/win32/forms/ControlWindow.h"
 
 namespace orvanto::win32 {
 

@@ -1,12 +1,12 @@
-#include "platform/win32/ControlWindow.h"
+#include "platform/win32/forms/ControlWindow.h"
 
 #include <algorithm>
 #include <string>
 
 #include "platform/win32/HiddenWindow.h"
-#include "platform/win32/ListWindows.h"
 #include "platform/win32/Text.h"
-#include "platform/win32/TreeWindow.h"
+#include "platform/win32/forms/ListWindows.h"
+#include "platform/win32/forms/TreeWindow.h"
 
 namespace orvanto::win32 {
 

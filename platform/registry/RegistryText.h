@@ -17,9 +17,9 @@
 #include <string>
 #include <string_view>
 
-#include "platform/RegistryTree.h"
+#include "platform/registry/RegistryTree.h"
 
-namespace orvanto::posix {
+namespace orvanto {
 
 std::string FormatRegistry(const RegistryTree& tree);
 
@@ -32,4 +32,4 @@ struct RegistryTextError {
 // Fills `tree`, which must be fresh. On an error the tree holds what stood before it.
 std::optional<RegistryTextError> ParseRegistry(std::string_view text, RegistryTree& tree);
 
-}  // namespace orvanto::posix
+}  // namespace orvanto

@@ -8,7 +8,7 @@
 
 #include <memory>
 
-#include "platform/forms.h"
+#include "platform/forms/forms.h"
 #include "platform/win32/Handle.h"
 
 namespace orvanto::win32 {

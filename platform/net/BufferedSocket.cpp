@@ -1,4 +1,4 @@
-#include "platform/BufferedSocket.h"
+#include "platform/net/BufferedSocket.h"
 
 #include <array>
 

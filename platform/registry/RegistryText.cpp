@@ -1,4 +1,4 @@
-#include "platform/posix/RegistryText.h"
+#include "platform/registry/RegistryText.h"
 
 #include <algorithm>
 #include <array>
@@ -6,9 +6,10 @@
 #include <cstdint>
 #include <utility>
 
-#include "platform/Utf8.h"
+#include "platform/text/Case.h"
+#include "platform/text/Utf8.h"
 
-namespace orvanto::posix {
+namespace orvanto {
 namespace {
 
 constexpr std::string_view kFirstLine = "Orvanto registry 1";
@@ -108,7 +109,7 @@ std::string_view Trim(std::string_view text) {
 }
 
 bool EqualsWithoutCase(std::string_view a, std::string_view b) {
-  return RegistryTree::Fold(a) == RegistryTree::Fold(b);
+  return FoldCase(a) == FoldCase(b);
 }
 
 // All digits of `text`, at most `digits` of them, as a number of the base.
@@ -322,4 +323,4 @@ std::optional<RegistryTextError> ParseRegistry(std::string_view text, RegistryTr
   return Parser(tree).Parse(text);
 }
 
-}  // namespace orvanto::posix
+}  // namespace orvanto

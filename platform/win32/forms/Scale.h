@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-#include "platform/forms.h"
+#include "platform/forms/forms.h"
 #include "platform/win32/Handle.h"
 
 namespace orvanto::win32 {

@@ -6,10 +6,10 @@
 #include <memory>
 #include <vector>
 
-#include "platform/forms.h"
-#include "platform/win32/FormWindow.h"
+#include "platform/forms/forms.h"
 #include "platform/win32/HiddenWindow.h"
 #include "platform/win32/Win32Loop.h"
+#include "platform/win32/forms/FormWindow.h"
 
 namespace orvanto::win32 {
 
@@ -43,23 +43,6 @@ class Win32FormHost : public forms::FormHost {
   HiddenWindow owner_;
   HWND mainWindow_ = nullptr;
   std::vector<std::unique_ptr<FormWindow>> windows_;
-};
-
-// The scope of a modal dialog of the system: the loop is held, and no form takes input. The owner
-// itself is the dialog's business, and so is everything when there is none.
-class ModalScope {
- public:
-  ModalScope(Win32Loop& loop, const Win32FormHost& forms);
-  ~ModalScope();
-  ModalScope(const ModalScope&) = delete;
-  ModalScope& operator=(const ModalScope&) = delete;
-
-  HWND Owner() const { return owner_; }
-
- private:
-  EventLoop::Hold hold_;
-  HWND owner_;
-  std::vector<HWND> disabled_;
 };
 
 }  // namespace orvanto::win32
