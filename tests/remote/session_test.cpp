@@ -126,7 +126,7 @@ TEST_F(SessionTest, ListsAndQuestions) {
       {{"a"}, "a"},
       {{"a", "b"}, "a\r\n"},
       {{"a", "dir\\", "b", "c"}, "a\r\nc"},
-      {{"hidden*", ".a", "b", "c", "d"}, ".a\r\nc\r\n"}};
+      {{"hidden*", "b", "A", "_", "c"}, "A\r\nc\r\n"}};
   for (const auto& [names, text] : listings) {
     files.listings["C:\\Orvanto\\scripts\\"] = names;
     EXPECT_EQ(Line("5"), head + text + back);
