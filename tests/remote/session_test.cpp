@@ -188,6 +188,8 @@ TEST_F(SessionTest, ChatStartedHere) {
   EXPECT_EQ(socket.Sent(), "\r\nServer: hello\r\n\r\nServer: \r\n");
   EXPECT_EQ(chat.txtChat.Text(), "Client: hi\r\n\r\nServer: hello\r\n\r\nServer: \r\n");
   EXPECT_EQ(chat.txtSend.Text(), "");
+  server.StartChat();
+  EXPECT_EQ(chat.txtChat.Text(), "Client: hi\r\n\r\nServer: hello\r\n\r\nServer: \r\n");
   EXPECT_EQ(Line("/x"), "\r\n");
   ASSERT_TRUE(chat.Close());
   EXPECT_FALSE(chat.Visible());
