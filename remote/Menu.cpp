@@ -184,6 +184,7 @@ void TelnetServer::RunTask(const std::string& line) {
   const std::int16_t number = *slot;
   if (number <= store.NoTasks()) {
     const std::uint64_t connection = connection_;
+    Flush();
     services_.execution.RunTask(number);
     // A task may take long and let other events run; the client may be another one by now.
     if (connection != connection_) return;
@@ -205,13 +206,17 @@ void TelnetServer::EditTask(const std::string& line) {
   wizard_.EditStep("");
 }
 
-void TelnetServer::SendTilde() { Send("~"); }
+void TelnetServer::SendTilde() {
+  Send("~");
+  Flush();
+}
 
 void TelnetServer::StartChat() {
   if (!Connected()) return;
   state_ = SessionState::Chat;
   Log("Server Started Chat");
   SendAll({kCrLf, kCrLf, "Server Started Chat...\r\n", kCrLf, "Press '/' to Quit...\r\n", kCrLf});
+  Flush();
   services_.chat.Open();
 }
 
@@ -224,6 +229,7 @@ void TelnetServer::RequestChat() {
     Log("Client Requesting Chat");
     SendAll({kCrLf, kCrLf, "Asking for Chat...\r\n"});
     const std::uint64_t connection = connection_;
+    Flush();
     const Answer answer = services_.messageBoxes.Show("Accept Chat Request?", "Chat Request",
                                                       Buttons::YesNo, BoxIcon::Question);
     if (connection != connection_) return;
