@@ -73,6 +73,10 @@ TEST_F(SessionTest, ThreeWrongPasswordsOverTheLifeOfTheProgram) {
     EXPECT_EQ(Line("wrong"), "");
     EXPECT_TRUE(server.Listening());
   }
+  // A chat lets in without one.
+  Connect();
+  server.StartChat();
+  EXPECT_TRUE(Line("/").ends_with(kMenu));
 }
 
 TEST_F(SessionTest, ALineEndMustBeAChunkOfItsOwn) {
