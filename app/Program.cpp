@@ -53,8 +53,8 @@ struct Program::Parts {
                     platform.trayIcon, platform.messageBoxes, message}),
         remoteArea(mainWindow),
         chat(platform.forms),
-        telnet({platform.sockets, settings, store, execution, platform.clock, platform.files,
-                platform.messageBoxes, remoteArea, chat},
+        telnet({platform.loop, platform.sockets, settings, store, execution, platform.clock,
+                platform.files, platform.messageBoxes, remoteArea, chat},
                mainWindow.programSettings.remote) {}
 
   StartOptions options;

@@ -1,10 +1,13 @@
 // Connection, login and data; the menu is in Menu.cpp.
 #include "remote/Internet.h"
 
+#include <utility>
+
 #include "core/Convert.h"
 #include "core/TextLog.h"
 #include "core/modRegistry.h"
 #include "core/modTaskOperations.h"
+#include "platform/EventLoop.h"
 #include "platform/text/Lines.h"
 
 namespace orvanto {
@@ -23,19 +26,30 @@ TelnetServer::TelnetServer(const Services& services, const RemoteSettings& remot
       wizard_(*this, services.store, services.clock) {
   sck_->onConnectionRequest = [this](TcpSocket::RequestId request) {
     OnConnectionRequest(request);
+    Flush();
   };
-  sck_->onDataArrival = [this] { OnDataArrival(); };
+  sck_->onDataArrival = [this] {
+    FetchArrival();
+    HandleArrival();
+  };
   sck_->onClosed = [this] { Disconnect(); };
   sck_->onError = [this](int) { Disconnect(); };
   wizard_.repeatFirstQuestion = [this] { ChooseNewTask(); };
   wizard_.onFinished = [this] { services_.area.TaskListChanged(); };
-  services_.chat.onLine = [this](const std::string& line) { LocalChatLine(line); };
-  services_.chat.onQuit = [this] { EndChatLocally(); };
+  services_.chat.onLine = [this](const std::string& line) {
+    LocalChatLine(line);
+    Flush();
+  };
+  services_.chat.onQuit = [this] {
+    EndChatLocally();
+    Flush();
+  };
 }
 
 TelnetServer::~TelnetServer() = default;
 
 void TelnetServer::ServerOn() {
+  EndConnection();
   services_.area.ShowServer(true);
   // The longer text never stays long enough to be read.
   services_.area.SetCaption("Internet Server Status:" + sck_->LocalAddress());
@@ -46,19 +60,15 @@ void TelnetServer::ServerOn() {
 }
 
 void TelnetServer::ServerOff() {
-  ++connection_;
-  sck_->Close();
-  services_.chat.Unload();
+  EndConnection();
   if (onSwitched) onSwitched(false);
   services_.area.SetLamps(false, false);
-  services_.area.EnableClientCommands(false);
   services_.area.ShowServer(false);
 }
 
 void TelnetServer::RefreshCaption() { services_.area.SetCaption(sck_->LocalAddress()); }
 
 void TelnetServer::StartListening() {
-  sck_->Close();
   serverPort_ = ToInt32(services_.settings.ReadSetting(kGeneral, "Inet_ServerPort", "600"));
   ListenIfIdle();
 }
@@ -71,15 +81,22 @@ void TelnetServer::ListenIfIdle() {
   services_.area.SetLog("Port " + std::to_string(serverPort_) + " cannot be used.");
 }
 
-void TelnetServer::Disconnect() {
+void TelnetServer::EndConnection() {
   ++connection_;
+  Flush();
   sck_->Close();
-  Log("Connection Terminated.");
-  services_.area.SetLamps(false, true);
+  waiting_.clear();
+  lineOpen_ = false;
   clientAddress_ = kNoAddress;
   services_.area.SetClient(clientAddress_);
   services_.area.EnableClientCommands(false);
   services_.chat.Unload();
+}
+
+void TelnetServer::Disconnect() {
+  Log("Connection Terminated.");
+  EndConnection();
+  services_.area.SetLamps(false, true);
   ListenIfIdle();
 }
 
@@ -107,16 +124,23 @@ void TelnetServer::OnConnectionRequest(TcpSocket::RequestId request) {
   }
 }
 
-void TelnetServer::OnDataArrival() {
-  std::string answers;
-  const std::string chunk = protocol_.Receive(sck_->GetData(), answers);
-  if (!answers.empty()) sck_->Send(answers);
-  if (chunk.empty()) return;
-  try {
-    OnChunk(chunk);
-  } catch (const Error&) {
-    // Ends the handling of the chunk; the input line stays.
+void TelnetServer::FetchArrival() {
+  if (waiting_.size() == kMostWaiting) return;
+  if (std::string arrival = sck_->GetData(); !arrival.empty()) {
+    waiting_.push_back(std::move(arrival));
   }
+}
+
+// One at a time: the loop, and its end, come between two.
+void TelnetServer::HandleArrival() {
+  if (waiting_.empty() || lineOpen_ || openLines_ == kMostOpenLines) return;
+  const std::string arrival = std::move(waiting_.front());
+  waiting_.pop_front();
+  const std::string chunk = protocol_.Receive(arrival, outgoing_);
+  if (!chunk.empty()) OnChunk(chunk);
+  Flush();
+  FetchArrival();
+  if (!waiting_.empty()) services_.loop.Post([this] { HandleArrival(); });
 }
 
 void TelnetServer::OnChunk(const std::string& chunk) {
@@ -126,13 +150,30 @@ void TelnetServer::OnChunk(const std::string& chunk) {
     Echo(chunk);
     return;
   }
+  CarryOut(std::exchange(inputLine_, {}));
+}
+
+void TelnetServer::CarryOut(const std::string& line) {
+  struct Open {
+    explicit Open(TelnetServer& opened) : server(opened) {
+      server.lineOpen_ = true;
+      ++server.openLines_;
+    }
+    ~Open() {
+      // A client who has come meanwhile has none open: it would have ended first.
+      server.lineOpen_ = false;
+      --server.openLines_;
+    }
+    TelnetServer& server;
+  } const open(*this);
+  const std::uint64_t connection = connection_;
   try {
-    Dispatch(std::string(inputLine_));
+    Dispatch(line);
   } catch (const Error& error) {
-    // Text where a number belongs is skipped over.
-    if (error.Number() != kTypeMismatch) throw;
+    // Text where a number belongs is skipped over; behind any other error the line stays, if its
+    // client is still there.
+    if (error.Number() != kTypeMismatch && connection == connection_) inputLine_ = line;
   }
-  inputLine_.clear();
 }
 
 void TelnetServer::Echo(const std::string& chunk) {
@@ -162,7 +203,9 @@ void TelnetServer::Login(const std::string& line) {
   SendAll({kCrLf, kCrLf, kPasswordPrompt});
 }
 
-void TelnetServer::Send(const std::string& text) { sck_->Send(TelnetProtocol::Escape(text)); }
+void TelnetServer::Send(const std::string& text) { outgoing_ += TelnetProtocol::Escape(text); }
+
+void TelnetServer::Flush() { sck_->Send(std::exchange(outgoing_, {})); }
 
 void TelnetServer::SendAll(std::initializer_list<const char*> pieces) {
   for (const char* piece : pieces) Send(piece);

@@ -3,9 +3,13 @@
 //
 // One socket listens and then becomes the client's connection, so while a client is there nothing
 // listens. The session state, the input line and the count of wrong passwords outlive connections.
+//
+// While a line is carried out (a task may run long, and let other events in) what its client sends
+// meanwhile waits. What one event sends goes out in one piece.
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -19,6 +23,7 @@
 
 namespace orvanto {
 
+class EventLoop;
 class Files;
 class MessageBoxes;
 class Settings;
@@ -27,6 +32,7 @@ class TaskExecution;
 class TelnetServer : public Conversation {
  public:
   struct Services {
+    EventLoop& loop;
     SocketHost& sockets;
     Settings& settings;
     TaskStore& store;
@@ -66,13 +72,20 @@ class TelnetServer : public Conversation {
  private:
   // The input line is not kept longer than this; what comes behind is echoed and dropped.
   static constexpr std::size_t kLongestLine = 64 << 10;
+  // Arrivals that are kept apart while they wait; what comes behind waits in the socket.
+  static constexpr std::size_t kMostWaiting = 256;
+  // Lines that are carried out one inside the other, those of clients who have gone meanwhile.
+  static constexpr int kMostOpenLines = 8;
 
   void StartListening();
   void ListenIfIdle();
+  void EndConnection();
   void Disconnect();
   void OnConnectionRequest(TcpSocket::RequestId request);
-  void OnDataArrival();
+  void FetchArrival();
+  void HandleArrival();
   void OnChunk(const std::string& chunk);
+  void CarryOut(const std::string& line);
   void Echo(const std::string& chunk);
   void Dispatch(const std::string& line);
   void Login(const std::string& line);
@@ -89,6 +102,8 @@ class TelnetServer : public Conversation {
   void LocalChatLine(const std::string& line);
   void EndChatLocally();
   void SendAll(std::initializer_list<const char*> pieces);
+  // Hands what was sent to the socket: at the end of an event, and before what may take long.
+  void Flush();
   void Log(const std::string& message);
 
   Services services_;
@@ -99,9 +114,13 @@ class TelnetServer : public Conversation {
   std::string clientAddress_ = "0.0.0.0";
   std::int32_t serverPort_ = 0;
   std::string inputLine_;
+  std::string outgoing_;             // sent, and not flushed
+  std::deque<std::string> waiting_;  // what has arrived from the client, as it arrived
+  bool lineOpen_ = false;            // a line of the client is being carried out
+  int openLines_ = 0;                // with those of former clients
   std::int16_t failedAttempts_ = 0;  // over the life of the program
   SessionState state_ = SessionState::Start;
-  // Counts connections, so that what a message box let happen meanwhile is noticed.
+  // Counts connections, so that what a line let happen meanwhile is noticed.
   std::uint64_t connection_ = 0;
 };
 

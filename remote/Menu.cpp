@@ -1,12 +1,14 @@
 // The remote control's menu: what a complete line does in each state, and the chat.
 #include <array>
 #include <optional>
+#include <set>
 
 #include "core/Convert.h"
 #include "core/TaskExecution.h"
 #include "core/modTaskOperations.h"
 #include "platform/Files.h"
 #include "platform/MessageBoxes.h"
+#include "platform/text/Case.h"
 #include "platform/text/Lines.h"
 #include "remote/Internet.h"
 
@@ -25,6 +27,15 @@ std::optional<std::int16_t> SlotOf(const std::string& line) {
     if (error.Number() != kTypeMismatch) throw;
     return std::nullopt;
   }
+}
+
+// Names stand in the order of Windows' file system: by their capital letters, so "_" is behind "Z".
+std::string OrderOf(const std::string& name) {
+  std::string capitals = FoldCase(name);
+  for (char& c : capitals) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - ('a' - 'A'));
+  }
+  return capitals;
 }
 
 }  // namespace
@@ -137,22 +148,21 @@ void TelnetServer::SendTaskList() {
 
 void TelnetServer::SendScriptsList() {
   SendAll({kCrLf, kCrLf, "Scripts Folder", kCrLf, "--------------", kCrLf, kCrLf});
-  // Every second name is consumed by the look whether there is one more: kept as it is.
-  bool shown = true;
-  bool first = true;
+  std::set<std::pair<std::string, std::string>> names;
   services_.files.ListFolder(services_.store.AppDir + "scripts\\",
                              [&](const std::string& name, Files::EntryKind kind) {
-                               if (kind != Files::EntryKind::File) return true;
-                               if (shown) {
-                                 if (!first) Send(kCrLf);
-                                 first = false;
-                                 Send(name);
+                               if (kind == Files::EntryKind::File) {
+                                 names.emplace(OrderOf(name), name);
                                }
-                               shown = !shown;
                                return true;
                              });
-  // Behind an even number of files one more was begun.
-  if (!first && shown) Send(kCrLf);
+  // Every second name is consumed by the look whether there is one more, and where there is none
+  // then, an empty one is sent: kept as it is.
+  bool shown = true;
+  for (const auto& [order, name] : names) {
+    Send(shown ? name : kCrLf);
+    shown = !shown;
+  }
 }
 
 void TelnetServer::DeleteTask(const std::string& line) {
@@ -175,6 +185,7 @@ void TelnetServer::RunTask(const std::string& line) {
   const std::int16_t number = *slot;
   if (number <= store.NoTasks()) {
     const std::uint64_t connection = connection_;
+    Flush();
     services_.execution.RunTask(number);
     // A task may take long and let other events run; the client may be another one by now.
     if (connection != connection_) return;
@@ -196,13 +207,17 @@ void TelnetServer::EditTask(const std::string& line) {
   wizard_.EditStep("");
 }
 
-void TelnetServer::SendTilde() { Send("~"); }
+void TelnetServer::SendTilde() {
+  Send("~");
+  Flush();
+}
 
 void TelnetServer::StartChat() {
   if (!Connected()) return;
   state_ = SessionState::Chat;
   Log("Server Started Chat");
   SendAll({kCrLf, kCrLf, "Server Started Chat...\r\n", kCrLf, "Press '/' to Quit...\r\n", kCrLf});
+  Flush();
   services_.chat.Open();
 }
 
@@ -215,6 +230,7 @@ void TelnetServer::RequestChat() {
     Log("Client Requesting Chat");
     SendAll({kCrLf, kCrLf, "Asking for Chat...\r\n"});
     const std::uint64_t connection = connection_;
+    Flush();
     const Answer answer = services_.messageBoxes.Show("Accept Chat Request?", "Chat Request",
                                                       Buttons::NoUnlessYes, BoxIcon::Question);
     if (connection != connection_) return;

@@ -24,9 +24,11 @@ frmChat::frmChat(forms::FormHost& host)
 }
 
 void frmChat::Open() {
-  txtChat.SetText("");
-  txtSend.SetText("");
-  CentreOnScreen();
+  if (!Loaded()) {
+    txtChat.SetText("");
+    txtSend.SetText("");
+    CentreOnScreen();
+  }
   Activate();
   if (onOpened) onOpened();
 }

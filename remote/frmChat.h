@@ -12,7 +12,7 @@ class frmChat : public forms::Form {
  public:
   explicit frmChat(forms::FormHost& host);
 
-  void Open();  // empty and centred
+  void Open();  // empty and centred, unless a chat is open already
   // Behind the transcript, which never begins with an empty line.
   void Append(const std::string& text);
 

@@ -1,7 +1,5 @@
 #include "platform/net/BufferedSocket.h"
 
-#include <array>
-
 namespace orvanto {
 
 // From the loop, unless what is open now has been closed by then.
@@ -94,10 +92,8 @@ void BufferedSocket::Connected() {
 void BufferedSocket::Receive() {
   if (state_ != State::Connected || paused_) return;
   if (arrived_.size() == kMostPerArrival) return Pause();
-  std::array<char, kMostPerArrival> buffer;
-  const Moved moved = SystemReceive(buffer.data(), buffer.size() - arrived_.size());
+  const Moved moved = ReceiveSome();
   if (moved.count > 0) {
-    arrived_.append(buffer.data(), moved.count);
     if (finishing_) ReceiveLater();
     Raise(onDataArrival);
     return;
@@ -111,6 +107,15 @@ void BufferedSocket::Receive() {
     End();
     Raise(onClosed);
   }
+}
+
+// Not on the stack: the events of sockets may come one inside the other.
+BufferedSocket::Moved BufferedSocket::ReceiveSome() {
+  const std::size_t room = kMostPerArrival - arrived_.size();
+  const auto buffer = std::make_unique_for_overwrite<char[]>(room);
+  const Moved moved = SystemReceive(buffer.get(), room);
+  arrived_.append(buffer.get(), moved.count);
+  return moved;
 }
 
 void BufferedSocket::Finish(int error) {

@@ -70,6 +70,7 @@ class BufferedSocket : public TcpSocket {
   void ReceiveLater();
   void ReceiveAsPosted();
   void Pause();
+  Moved ReceiveSome();
   int SendUnsent();  // the system's error
   void SendCompleted();
   void FailFull() { Fail(tooMuch_); }

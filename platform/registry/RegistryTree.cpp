@@ -63,7 +63,7 @@ const RegistryTree::Value* RegistryTree::FindValue(std::string_view id,
                                                    std::string_view name) const {
   const Node* node = Find(id);
   if (node == nullptr) return nullptr;
-  const auto found = node->values.find(Fold(name));
+  const auto found = node->values.find(FoldCase(name));
   return found == node->values.end() ? nullptr : &found->second;
 }
 
@@ -107,7 +107,7 @@ Status RegistryTree::SetValue(std::string_view id, std::string_view name, ValueT
                               std::string data) {
   const auto found = nodes_.find(id);
   if (found == nodes_.end()) return kKeyDeleted;
-  const auto [entry, made] = found->second.values.try_emplace(Fold(name));
+  const auto [entry, made] = found->second.values.try_emplace(FoldCase(name));
   Value& value = entry->second;
   if (made) value.name = name;
   if (!made && value.type == type && value.data == data) return kSuccess;
@@ -120,7 +120,7 @@ Status RegistryTree::SetValue(std::string_view id, std::string_view name, ValueT
 Status RegistryTree::DeleteValue(std::string_view id, std::string_view name) {
   const auto found = nodes_.find(id);
   if (found == nodes_.end()) return kKeyDeleted;
-  if (found->second.values.erase(Fold(name)) == 0) return kFileNotFound;
+  if (found->second.values.erase(FoldCase(name)) == 0) return kFileNotFound;
   ++revision_;
   return kSuccess;
 }

@@ -275,6 +275,21 @@ TEST_F(SocketContract, WithoutGetDataReadingStopsAndTheRestIsThere) {
   EXPECT_EQ(atServer.seen, "DX");
 }
 
+TEST_F(SocketContract, ArrivalsInsideOneAnotherTakeLittleStack) {
+  ConnectEnds();
+  std::vector<std::uintptr_t> frames;
+  server->onDataArrival = [&] {
+    const std::string chunk = server->GetData();
+    frames.push_back(reinterpret_cast<std::uintptr_t>(&chunk));
+    if (frames.size() > 1) return;
+    client->Send("in");
+    EXPECT_TRUE(Until([&] { return frames.size() > 1; }));
+  };
+  client->Send("out");
+  ASSERT_TRUE(Until([&] { return frames.size() > 1; }));
+  EXPECT_LT(frames[0] - frames[1], TcpSocket::kMostPerArrival);
+}
+
 TEST_F(SocketContract, AHoldKeepsEverythingUntilItsEnd) {
   const auto second = NewSocket();
   const auto listener = NewSocket();

@@ -39,14 +39,16 @@ struct RemoteDesk : CoreDesk {
   RemoteSettings remote;
   FakeArea area;
   frmChat chat{forms};
-  TelnetServer server{{sockets, settings, store, execution, clock, files, messageBoxes, area, chat},
-                      remote};
+  TelnetServer server{
+      {loop, sockets, settings, store, execution, clock, files, messageBoxes, area, chat}, remote};
   FakeSocketHost::Socket& socket = *sockets.sockets.front();
 
   // Switches the server on and connects; what the client is sent at first.
   std::string Connect() {
     if (!server.Connected() && !server.Listening()) server.ServerOn();
+    socket.Sent();
     EXPECT_TRUE(socket.PeerConnects());
+    EXPECT_EQ(socket.pieces, 1);
     return socket.Sent();
   }
   // Types key by key and Enter; what the client is sent behind the echo of the keys.
@@ -54,6 +56,7 @@ struct RemoteDesk : CoreDesk {
     for (const char key : text) socket.PeerSends(std::string(1, key));
     socket.Sent();
     socket.PeerSends(kCrLf);
+    EXPECT_LE(socket.pieces, 1) << "of one event";
     return socket.Sent();
   }
   std::string Lines(const Texts& lines) {

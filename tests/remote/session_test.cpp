@@ -74,6 +74,10 @@ TEST_F(SessionTest, ThreeWrongPasswordsOverTheLifeOfTheProgram) {
     EXPECT_EQ(Line("wrong"), "");
     EXPECT_TRUE(server.Listening());
   }
+  // A chat lets in without one.
+  Connect();
+  server.StartChat();
+  EXPECT_TRUE(Line("/").ends_with(kMenu));
 }
 
 TEST_F(SessionTest, ALineEndMustBeAChunkOfItsOwn) {
@@ -127,7 +131,7 @@ TEST_F(SessionTest, ListsAndQuestions) {
       {{"a"}, "a"},
       {{"a", "b"}, "a\r\n"},
       {{"a", "dir\\", "b", "c"}, "a\r\nc"},
-      {{"hidden*", ".a", "b", "c", "d"}, ".a\r\nc\r\n"}};
+      {{"hidden*", "b", "A", "_", "c"}, "A\r\nc\r\n"}};
   for (const auto& [names, text] : listings) {
     files.listings["C:\\Orvanto\\scripts\\"] = names;
     EXPECT_EQ(Line("5"), head + text + back);
@@ -155,21 +159,100 @@ TEST_F(SessionTest, TasksAreDeletedAndRun) {
   Line("3");
   EXPECT_EQ(Line("-1"), "\r\nStarted Task: \r\n" + kMenu);
   EXPECT_TRUE(done.empty()) << "there is nothing to start";
-  // The client leaves while the box is open; the next one is told nothing of his task.
-  messageBoxes.expected = {{"One", Answer::Ok, [&] {
-                              socket.PeerCloses();
-                              socket.PeerConnects();
-                            }}};
-  Line("3");
-  EXPECT_EQ(Line("1"), kMenu);
-  // Switched off and on again meanwhile, nobody is there to be told.
-  messageBoxes.expected = {{"One", Answer::Ok, [&] {
-                              server.ServerOff();
-                              server.ServerOn();
-                            }}};
-  Line("3");
+}
+
+// A task that lets other events in while it runs, each time the next of `meanwhile`.
+class LongTaskTest : public SessionTest {
+ protected:
+  LongTaskTest() {
+    AddMessages({"One"});
+    Add("Fails", "08:05", [](TaskEntry& entry) {
+      entry.taskType = kRunScript;
+      entry.path = "bad";
+    });
+    AddMessages({"Two"});
+    messageBoxes.answersAll = true;
+    execution.onRun = [this](const TaskRecord& task) {
+      ran += task.name + " ";
+      if (meanwhile) std::exchange(meanwhile, {})();
+    };
+    Connect();
+    Line("3");
+  }
+  void Send(const Texts& chunks) {
+    for (const std::string& chunk : chunks) socket.PeerSends(chunk);
+  }
+  // Has all handled that has waited.
+  void Settle() {
+    for (int i = 0; i < 1000; ++i) loop.DoEvents();
+  }
+
+  std::function<void()> meanwhile;
+  std::string ran;
+};
+
+TEST_F(LongTaskTest, WhatItsClientSendsMeanwhileWaitsAsItArrived) {
+  meanwhile = [&] {
+    Send({"3", kCrLf, "3", kCrLf, "12"});
+    EXPECT_EQ(socket.Sent(), "1\xFF\xFB\x06") << "and nothing is kept back";
+  };
+  Send({"1", "\xFF\xFD\x06\r\n"});
+  EXPECT_EQ(socket.Sent(), "\r\nStarted Task: One\r\n" + kMenu);
+  Settle();
+  const std::string rest = socket.Sent();
+  EXPECT_TRUE(rest.starts_with("3\r\n\r\nTask List")) << rest;
+  EXPECT_TRUE(rest.ends_with("?3\r\nStarted Task: Two\r\n" + kMenu + "12")) << rest;
+  EXPECT_EQ(ran, "One Two ");
+
+  // However much that is, nothing of it is lost; but not all of it is kept apart.
+  Lines({"", "3"});
+  meanwhile = [&] { Send(Texts(1000, "xyz")); };
+  Line("1");
+  Settle();
+  EXPECT_LT(socket.pieces, 300);
+  EXPECT_EQ(socket.Sent().size(), 3000U);
+}
+
+TEST_F(LongTaskTest, TheNextClientIsToldNothingOfItAndKeepsHisLine) {
+  for (const char* task : {"1", "2"}) {
+    meanwhile = [&] {
+      Send({"7", kCrLf});
+      socket.PeerCloses();
+      Connect();
+      Send({"3"});
+    };
+    EXPECT_EQ(Line(task), "3");
+    EXPECT_TRUE(Line("").ends_with("Which task do you want to run?"));
+  }
+  // Nobody is there any more.
+  meanwhile = [&] { server.ServerOn(); };
   EXPECT_EQ(Line("1"), "");
   EXPECT_EQ(area.log, "Waiting for Connection...");
+}
+
+TEST_F(LongTaskTest, BehindAScriptThatFailsNothingIsSentAndTheLineStays) {
+  EXPECT_EQ(Lines({"2", ""}), "");
+  EXPECT_EQ(ran, "Fails Fails ") << "Enter alone is the same line again";
+  EXPECT_EQ(Line("q"), kMenu) << "2q is no task";
+}
+
+TEST_F(LongTaskTest, ClientsWhoComeAndGoMakeNoLongChainOfLines) {
+  int runs = 0;
+  int open = 0;
+  int most = 0;
+  execution.onRun = [&](const TaskRecord&) {
+    most = std::max(most, ++open);
+    if (++runs < 100) {
+      socket.PeerCloses();
+      Connect();
+      Lines({"3", "1"});
+    }
+    --open;
+  };
+  Line("1");
+  Settle();
+  EXPECT_EQ(runs, 100) << "every client's turn comes";
+  EXPECT_LE(most, 10);
 }
 
 TEST_F(SessionTest, ChatStartedHere) {
@@ -189,6 +272,8 @@ TEST_F(SessionTest, ChatStartedHere) {
   EXPECT_EQ(socket.Sent(), "\r\nServer: hello\r\n\r\nServer: \r\n");
   EXPECT_EQ(chat.txtChat.Text(), "Client: hi\r\n\r\nServer: hello\r\n\r\nServer: \r\n");
   EXPECT_EQ(chat.txtSend.Text(), "");
+  server.StartChat();
+  EXPECT_EQ(chat.txtChat.Text(), "Client: hi\r\n\r\nServer: hello\r\n\r\nServer: \r\n");
   EXPECT_EQ(Line("/x"), "\r\n");
   ASSERT_TRUE(chat.Close());
   EXPECT_FALSE(chat.Visible());
@@ -203,14 +288,15 @@ TEST_F(SessionTest, ChatStartedHere) {
 TEST_F(SessionTest, ChatAskedForByTheClient) {
   Connect();
   const std::string asking = "\r\n\r\nAsking for Chat...\r\n";
-  messageBoxes.expected = {{"Accept Chat Request?", Answer::No}};
-  EXPECT_EQ(Line("6"), asking + kMenu);
+  messageBoxes.expected = {
+      {"Accept Chat Request?", Answer::No, [&] { EXPECT_EQ(socket.Sent(), asking); }}};
+  EXPECT_EQ(Line("6"), kMenu);
   EXPECT_EQ(messageBoxes.buttonsShown, Buttons::NoUnlessYes);
   EXPECT_FALSE(chat.Visible());
-  messageBoxes.expected = {{"Accept Chat Request?", Answer::Yes}};
-  EXPECT_EQ(Line("6"), asking +
-                           "\r\n\r\nChat Request Accepted\r\n\r\n\r\nStarting Chat..."
-                           "\r\n\r\nPress '/' to Quit...\r\n\r\n");
+  messageBoxes.expected = {{"Accept Chat Request?", Answer::Yes, [&] { socket.Sent(); }}};
+  EXPECT_EQ(Line("6"),
+            "\r\n\r\nChat Request Accepted\r\n\r\n\r\nStarting Chat..."
+            "\r\n\r\nPress '/' to Quit...\r\n\r\n");
   EXPECT_TRUE(chat.Visible());
   ASSERT_TRUE(chat.cmdQuit.Press());
   EXPECT_EQ(socket.Sent(), "\r\nChat Ended by Server\r\n\r\n" + kMenu);
@@ -225,6 +311,14 @@ TEST_F(SessionTest, ChatAskedForByTheClient) {
   EXPECT_EQ(server.State(), SessionState::Chat);
   server.Kick();
   EXPECT_FALSE(chat.Visible());
+  // Nor does a switch that is turned leave anything of the client there.
+  for (const bool on : {true, false}) {
+    Connect();
+    server.StartChat();
+    on ? server.ServerOn() : server.ServerOff();
+    EXPECT_EQ(area.Text(), on ? "shown -N 0.0.0.0" : "hidden -- 0.0.0.0");
+    EXPECT_FALSE(chat.Visible());
+  }
 }
 
 TEST_F(SessionTest, WhatAClientSendsIsBoundedAndTelnetsByteDoubled) {

@@ -26,7 +26,9 @@ class FakeSocketHost : public SocketHost {
     bool Accept(RequestId) override;
     void Connect(const std::string&, std::uint16_t) override { state_ = State::Connecting; }
     void Send(std::string_view bytes) override {
-      if (state_ == State::Connected) sent += bytes;
+      if (state_ != State::Connected || bytes.empty()) return;
+      sent += bytes;
+      ++pieces;
     }
     std::string GetData() override { return std::exchange(arrived_, {}); }
     void Close() override { state_ = State::Closed; }
@@ -39,8 +41,12 @@ class FakeSocketHost : public SocketHost {
     bool PeerConnects();  // false where nothing listens
     void PeerSends(const std::string& chunk);
     void PeerCloses();
-    std::string Sent() { return std::exchange(sent, {}); }
+    std::string Sent() {
+      pieces = 0;
+      return std::exchange(sent, {});
+    }
     std::string sent;
+    int pieces = 0;  // in which that was sent
 
    private:
     FakeSocketHost& host_;
