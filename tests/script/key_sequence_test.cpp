@@ -2,12 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/text/Error.h"
+
 namespace orvanto {
 namespace {
 
 // The events in short: "S+" Shift held, "S-" released, "a" a character, "<9>" the key of that
-// number,
-// "*3" three times.
+// number, "*3" three times.
 std::string Short(const std::vector<KeyEvent>& events) {
   std::string text;
   for (const KeyEvent& event : events) {
