@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "platform/win32/Services.h"
+#include "platform/win32/forms/Dialogs.h"
 #include "platform/win32/forms/Win32FormHost.h"
 #include "tests/platform/contracts.h"
 
