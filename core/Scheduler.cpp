@@ -62,13 +62,22 @@ void Scheduler::Tick() {
   if (clock_.Now().second == 0 && LookAtThisMinute()) RunDueTasks();
 }
 
+std::int64_t Scheduler::Minute() const { return SecondOf(clock_) / kSecondsPerMinute; }
+
 // False when it has been looked at: by a tick that came late, or before the clock was set back. By
 // up to a minute, that leads to the last minute looked at or to the one before.
 bool Scheduler::LookAtThisMinute() {
-  const std::int64_t minute = SecondOf(clock_) / kSecondsPerMinute;
+  const std::int64_t minute = Minute();
+  std::erase_if(lateStarts_, [&](const LateStart& late) { return late.minute != minute; });
   if (std::find(lookedAt_.begin(), lookedAt_.end(), minute) != lookedAt_.end()) return false;
   lookedAt_ = {minute, lookedAt_[0]};
   return true;
+}
+
+bool Scheduler::HasStartedLate(const std::string& task) const {
+  return std::any_of(lateStarts_.begin(), lateStarts_.end(), [&](const LateStart& late) {
+    return late.task == task && late.minute == Minute();
+  });
 }
 
 void Scheduler::RunDueTasks() {
@@ -80,7 +89,9 @@ void Scheduler::RunDueTasks() {
     if (!tmrSched.Enabled() || lookedAt_[0] != minute) return;
     const auto slot = static_cast<std::int16_t>(i);
     store_.LoadTask(slot);
-    if (!sched_.IsDue(store_.CurrentTask)) continue;
+    const std::string name = store_.CurrentTask.name;
+    if (!sched_.IsDue(store_.CurrentTask) || HasStartedLate(name)) continue;
+    if (const std::int64_t now = Minute(); now != minute) lateStarts_.push_back({now, name});
     try {
       execution_.RunTask(slot);
     } catch (const std::exception&) {

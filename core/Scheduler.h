@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/Clock.h"
 #include "platform/EventLoop.h"
@@ -46,7 +47,7 @@ class Scheduler {
 
   // One tick. It may re-enter: a script that a task runs lets other events through, and the second
   // 00 of the next minute among them is looked at like any other. Each minute is looked at once,
-  // also when the clock is set back by up to a minute.
+  // also when the clock is set back by up to a minute, and no task is started twice in it.
   void Tick();
 
   // Raises onCaption now, for a window that is shown before the first tick.
@@ -60,7 +61,9 @@ class Scheduler {
   SecondTimer tmrSched;
 
  private:
+  std::int64_t Minute() const;
   bool LookAtThisMinute();
+  bool HasStartedLate(const std::string& task) const;
   void RunDueTasks();
 
   const Clock& clock_;
@@ -69,6 +72,12 @@ class Scheduler {
   TaskExecution& execution_;
   // The minutes that were looked at last, the latest first, counted from 1970.
   std::array<std::int64_t, 2> lookedAt_{};
+  // The tasks that a look at an earlier minute, coming late, has started in this one.
+  struct LateStart {
+    std::int64_t minute;
+    std::string task;
+  };
+  std::vector<LateStart> lateStarts_;
 };
 
 }  // namespace orvanto

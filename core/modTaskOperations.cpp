@@ -13,6 +13,7 @@ namespace {
 
 constexpr const char* kCount = "NoTasks";
 constexpr const char* kNameEnd = " | ";
+constexpr const char* kInvalidYear = "Invalid Year given for Date";
 
 std::string SlotName(int index) { return "Task" + std::to_string(index); }
 
@@ -80,10 +81,22 @@ std::int16_t TaskStore::NoTasks() {
   return count >= 0 ? count : NamesThere();
 }
 
+// Where settings are shared, the names of deleted tasks are among them: then none is counted.
 std::int16_t TaskStore::NamesThere() {
-  std::int16_t found = 0;
-  while (found < kMaxTasks && !TaskName(static_cast<std::int16_t>(found + 1)).empty()) ++found;
-  return found;
+  std::int16_t last = settings_.StorageMode() == 0 ? kMaxTasks : std::int16_t{0};
+  while (last > 0 && TaskName(last).empty()) --last;
+  return last;
+}
+
+// There are shared tasks, and nothing tells how many of them have been deleted.
+bool TaskStore::CountIsLost() {
+  return settings_.StorageMode() == 1 && !TaskName(1).empty() &&
+         ToInt16Or(settings_.ReadSetting(kGeneral, kCount, ""), -1) < 0;
+}
+
+std::int16_t TaskStore::LastSlot() {
+  const bool counted = !settings_.ReadSetting(kGeneral, kCount, "").empty();
+  return counted ? NoTasks() : NamesThere();
 }
 
 std::string TaskStore::TaskName(std::int16_t index) {
@@ -162,10 +175,8 @@ std::int16_t TaskStore::SlotToSave(const std::string& loadedName, std::int16_t l
     if (TaskName(loadedSlot) == loadedName) return loadedSlot;
     if (const std::int16_t slot = SlotOfName(loadedName); slot != 0) return slot;
   }
-  // Where no count can be read, a new task must not take the place of the first one.
-  const bool counted = !settings_.ReadSetting(kGeneral, kCount, "").empty();
   // No slot lies beyond a full list, however much a damaged count says.
-  return static_cast<std::int16_t>(std::min(counted ? NoTasks() : NamesThere(), kMaxTasks) + 1);
+  return static_cast<std::int16_t>(std::min(LastSlot(), kMaxTasks) + 1);
 }
 
 std::int16_t TaskStore::StoreEntry(TaskEntry entry, const std::string& loadedName, Check check) {
@@ -178,6 +189,8 @@ std::int16_t TaskStore::StoreEntry(TaskEntry entry, const std::string& loadedNam
   TaskValidationMessage.clear();
   if (entry.index > kMaxTasks) {
     TaskValidationMessage = kListFull;
+  } else if (CountIsLost()) {
+    TaskValidationMessage = kCountLost;
   } else if (check == Check::All) {
     ValidateTask(entry);
   } else {
@@ -190,6 +203,7 @@ std::int16_t TaskStore::StoreEntry(TaskEntry entry, const std::string& loadedNam
   for (std::string* number : {&entry.hour, &entry.minute, &entry.datePart1, &entry.datePart2}) {
     *number = TwoDigits(ToInt16Or(*number, 0));
   }
+  if (entry.year.size() > 4) entry.year = std::to_string(ToInt16Or(entry.year, 0));
   SaveTask(entry);
   // A storage mode that stores nothing reports no failure.
   if (change.Commit() == kSuccess && TaskName(entry.index) == entry.name) return entry.index;
@@ -225,7 +239,8 @@ void TaskStore::WriteWhen(const TaskEntry& entry) {
 
 void TaskStore::ClaimSlot(const TaskEntry& entry) {
   if (entry.index > NoTasks()) {
-    settings_.WriteSetting(kGeneral, kCount, std::to_string(entry.index));
+    const std::int16_t last = std::max(entry.index, LastSlot());
+    settings_.WriteSetting(kGeneral, kCount, std::to_string(last));
   } else if (const std::string count = settings_.ReadSetting(kGeneral, kCount, "0");
              entry.name != count) {
     // A section named like the count goes, a renamed task's old section stays: kept as it is.
@@ -283,7 +298,10 @@ void TaskStore::DeleteTask(std::int16_t index) {
     DeleteSection(TaskName(index), index);
     settings_.DeleteUserSetting(kGeneral, SlotName(index));
     for (int j = index + 1; j <= count; ++j) {
-      settings_.WriteSetting(kGeneral, SlotName(j - 1), TaskName(static_cast<std::int16_t>(j)));
+      const std::string name = TaskName(static_cast<std::int16_t>(j));
+      // A damaged count may be far beyond the last name.
+      if (name.empty() && TaskName(static_cast<std::int16_t>(j - 1)).empty()) continue;
+      settings_.WriteSetting(kGeneral, SlotName(j - 1), name);
       settings_.DeleteUserSetting(kGeneral, SlotName(j));
     }
     settings_.WriteSetting(kGeneral, kCount, std::to_string(count - 1));
@@ -296,7 +314,10 @@ void TaskStore::FindTaskIndex(const std::string& nodeText, std::int16_t& index) 
   if (end == std::string::npos) return;
   const std::string name = nodeText.substr(0, end);
   const std::int16_t type = ToInt16Or(settings_.ReadSetting(name, "TaskType", "2"), 0);
-  if (!nodeText.starts_with(name + TaskTypeSeparator(type))) return;
+  const std::string head = name + TaskTypeSeparator(type);
+  // What follows holds no separator, unless it is still the name.
+  if (!nodeText.starts_with(head) || nodeText.find(kNameEnd, head.size()) != std::string::npos)
+    return;
   if (const std::int16_t slot = SlotOfName(name); slot != 0) index = slot;
 }
 
@@ -313,7 +334,7 @@ void TaskStore::ValidateTask(const TaskEntry& entry) {
   TaskValidationMessage.clear();
   ValidateTaskName(entry.name, entry.index);
   ValidateWhen(entry);
-  CheckTaskFile(entry.taskType, LowerCase(entry.path));
+  CheckTaskFile(entry.taskType, entry.path);
 }
 
 void TaskStore::ValidateWhen(const TaskEntry& entry) {
@@ -321,6 +342,9 @@ void TaskStore::ValidateWhen(const TaskEntry& entry) {
     const bool monthFirst = DateOrderMonthFirst != 0;
     ValidateDate(monthFirst ? entry.datePart2 : entry.datePart1,
                  monthFirst ? entry.datePart1 : entry.datePart2, entry.year);
+    if (TaskValidationMessage.empty() && Digits(entry.year) < 0) {
+      TaskValidationMessage = kInvalidYear;
+    }
   }
   if (entry.timeType == kTimeDayNumber && (entry.dayNo < 1 || entry.dayNo > 31)) {
     TaskValidationMessage = "Invlaid Day of Month Given";
@@ -358,7 +382,8 @@ void TaskStore::ValidateTaskName(const std::string& name, std::int16_t ownIndex)
 // terminal would obey a control character. A task that has such a name already may keep it.
 bool TaskStore::MayBeGiven(const std::string& name, std::int16_t ownIndex) {
   const bool separates = (name + kNameEnd).find(kNameEnd) < name.size();
-  return (!separates && PrintableLine(name) == name) || TaskName(ownIndex) == name;
+  if (!separates && PrintableLine(name) == name) return true;
+  return ownIndex <= NoTasks() && TaskName(ownIndex) == name;
 }
 
 void TaskStore::ValidateDate(const std::string& dayText, const std::string& monthText,
@@ -370,7 +395,7 @@ void TaskStore::ValidateDate(const std::string& dayText, const std::string& mont
     const std::int16_t year = ToInt16(yearText);
     const char* message = !DayFitsMonth(day, month, year) ? kInvalidDay
                           : month < 1 || month > 12       ? "Invalid Month given for Date"
-                          : yearText.size() < 4           ? "Invalid Year given for Date"
+                          : yearText.size() < 4           ? kInvalidYear
                           : day < 1 || day > 31           ? kInvalidDay
                                                           : nullptr;
     if (message != nullptr) TaskValidationMessage = message;
@@ -399,7 +424,7 @@ void TaskStore::CheckTaskFile(std::int16_t taskType, const std::string& path) {
   }
   // A NUL would end the path for the system, and another file be looked at.
   const bool named = std::none_of(path.begin(), path.end(), IsControl);
-  if (!named || !finder_.FindFile(LowerCase(TaskFile(path)))) {
+  if (!named || !finder_.FindFile(TaskFile(path))) {
     TaskValidationMessage = "File does not exist";
   }
 }

@@ -38,7 +38,7 @@ class TaskStore {
   void SetProgramFolder(const std::string& folder);
 
   // The number of slots, 0 where none is stored. A count that does not convert is made good from
-  // the names that are there.
+  // the names that are there, but not where tasks are shared: names of deleted ones are among them.
   std::int16_t NoTasks();
   std::string TaskName(std::int16_t index);
 
@@ -64,7 +64,9 @@ class TaskStore {
   static constexpr const char* kListFull =
       "The task list is full: it holds 100 tasks. Delete one first.";
   static constexpr const char* kSameSection =
-      "Another task has that name in other upper and lower case. Please use a different one.";
+      "Another task keeps its settings under that name. Please use a different one.";
+  static constexpr const char* kCountLost =
+      "The number of shared tasks cannot be read. Set NoTasks in the settings first.";
   static constexpr const char* kNotWritten =
       "The task could not be saved: the settings cannot be written.";
 
@@ -96,6 +98,8 @@ class TaskStore {
   bool BelongsToAnother(const std::string& section, std::int16_t ownSlot);
   void ForgetOldTexts(const std::string& section);
   std::int16_t NamesThere();
+  std::int16_t LastSlot();
+  bool CountIsLost();
   std::int16_t SlotToSave(const std::string& loadedName, std::int16_t loadedSlot);
   void ValidateWhen(const TaskEntry& entry);
   bool MayBeGiven(const std::string& name, std::int16_t ownIndex);

@@ -34,8 +34,9 @@ std::vector<std::string> OtherSpellings(const std::string& directory, const std:
   return found;
 }
 
-// Looks a path up without regard to case. Directories may differ in case alone, so it goes into
-// each that fits until the whole path is found.
+// Looks a path up without regard to case, where it does not exist as it is written. Directories may
+// differ in case alone: one that is spelt as written is the one meant; where none is, it goes into
+// each until the whole path is found.
 class Lookup {
  public:
   explicit Lookup(const std::string& path) : path_(path), best_(path) { Descend("", 0); }
@@ -60,7 +61,7 @@ class Lookup {
       return Descend(found + entry + slash, end + 1);
     };
     if (name.empty()) return enter(name);
-    if (Exists(found + name) && enter(name)) return true;
+    if (Exists(found + name + slash)) return enter(name);
     const std::vector<std::string> others = OtherSpellings(found, name);
     return std::any_of(others.begin(), others.end(), enter);
   }

@@ -145,6 +145,16 @@ TEST_F(SchedulerTest, APopupLeftOpenHoldsBackTheTasksBehindIt) {
   EXPECT_EQ(fired, (Texts{"Popup 21 14:05", "Of a later minute 21 14:07"}));
 }
 
+TEST_F(SchedulerTest, ATaskStartedLateInAMinuteIsNotStartedAgainByItsTick) {
+  Add("Popup", "14:05");
+  AddSilent("Next", "14:06");
+  AddSilent("Other", "14:06");
+  // Answered within second 00 of the next minute, whose tick is overdue then.
+  messageBoxes.expected = {{"Popup", Answer::Ok, [this] { loop.Block(kMinute + 300); }}};
+  Run(95 * kSecond);
+  EXPECT_EQ(fired, (Texts{"Popup 21 14:05", "Next 21 14:06", "Other 21 14:06"}));
+}
+
 TEST_F(SchedulerTest, ADamagedTaskStopsNoOther) {
   for (const char* name : {"Before", "Damaged", "After"}) AddSilent(name, "14:05");
   for (const char* value : {"TimeType", "TimeHour", "Every", "TaskType"}) {

@@ -76,6 +76,10 @@ TEST_F(TaskStoreTest, DeletingClosesTheGap) {
   EXPECT_EQ(Names(), (Texts{"Two"}));
   EXPECT_TRUE(HasSection("One", RootKey::LocalMachine)) << "what is shared is only hidden";
   EXPECT_EQ(Stored(kGeneral, "Task2"), "Two");
+  settings.WriteSetting(kGeneral, "NoTasks", "x");
+  EXPECT_EQ(store.NoTasks(), 0) << "the deleted one does not come back";
+  EXPECT_EQ(store.StoreEntry(Entry("Three", "08:05"), ""), 0);
+  EXPECT_EQ(store.TaskValidationMessage, TaskStore::kCountLost);
 }
 
 TEST_F(TaskStoreTest, SavingAnExistingSlotKeepsTheCountAndTheOldNamesSection) {
@@ -142,12 +146,16 @@ TEST_F(TaskStoreTest, TimesAreStoredAsDigitsHoweverTyped) {
     entry.timeType = kTimeOnce;
     entry.datePart1 = " 5";
     entry.datePart2 = "+1";
-    entry.year = "2027";
+    entry.year = "20e2";
+    EXPECT_EQ(store.StoreEntry(entry, ""), 0);
+    entry.year = "02027";
     const std::int16_t slot = store.StoreEntry(entry, "");
     EXPECT_EQ(slot != 0, *expected != '\0') << hour << ":" << minute;
     if (slot == 0) continue;
     EXPECT_EQ(Stored(entry.name, "TimeHour") + ":" + Stored(entry.name, "TimeMinute"), expected);
-    EXPECT_EQ(Stored(entry.name, "DateDay") + Stored(entry.name, "DateMonth"), "0501");
+    EXPECT_EQ(Stored(entry.name, "DateDay") + Stored(entry.name, "DateMonth") +
+                  Stored(entry.name, "DateYear"),
+              "05012027");
   }
 }
 
@@ -173,6 +181,13 @@ TEST_F(TaskStoreTest, ADamagedCountCostsNoTask) {
     EXPECT_EQ(store.StoreEntry(Entry("New " + std::to_string(slot), "08:05"), ""), slot);
   }
   EXPECT_EQ(Names(), (Texts{"One", "Two", "New 3", "New 4"}));
+  // Also behind a gap, and while one of them is being edited.
+  settings.WriteSetting(kGeneral, "NoTasks", "");
+  settings.DeleteUserSetting(kGeneral, "Task2");
+  settings.DeleteUserSetting(kGeneral, "NoTasks");
+  EXPECT_EQ(store.StoreEntry(Entry("One", "09:05"), "One"), 1);
+  EXPECT_EQ(store.NoTasks(), 4);
+  settings.WriteSetting(kGeneral, "Task2", "Two");
   store.DeleteTask(4);
   store.DeleteTask(3);
   for (const char* damaged : {"two", "-1", "99999", ""}) {
@@ -207,6 +222,7 @@ TEST_F(TaskStoreTest, FindsTheTaskOfATreeLine) {
       {"BACKUP | Run", 77},
       {"Odd | Name | Run", 77},
       {"Backup | 2 | Popup Message | 08:05", 77},  // a task of another name
+      {"Backup | Popup Message | 2 | Popup Message | 08:05", 77},
       {"", 77}};
   for (const auto& [line, expected] : lines) {
     std::int16_t index = 77;
@@ -312,11 +328,11 @@ TEST_F(TaskStoreTest, LooksForFilesInTheScriptsFolderUnlessThePathIsWhole) {
     const char* asked;
     const char* message;
   };
-  for (const Case& c : {Case{kRunScript, "BACKUP.txt", "c:\\orvanto\\scripts\\backup.txt", ""},
-                        {kRunProgram, "D:\\X.txt", "d:\\x.txt", ""},
-                        {kPrintFile, "D:\\y.txt", "d:\\y.txt", kNone},
-                        {kPlaySound, "", "c:\\orvanto\\scripts\\", kNone},
-                        {kRunProgram, "D:x.txt", "c:\\orvanto\\scripts\\d:x.txt", kNone},
+  for (const Case& c : {Case{kRunScript, "BACKUP.txt", "C:\\Orvanto\\scripts\\BACKUP.txt", ""},
+                        {kRunProgram, "D:\\X.txt", "D:\\X.txt", ""},
+                        {kPrintFile, "D:\\y.txt", "D:\\y.txt", kNone},
+                        {kPlaySound, "", "C:\\Orvanto\\scripts\\", kNone},
+                        {kRunProgram, "D:x.txt", "C:\\Orvanto\\scripts\\D:x.txt", kNone},
                         {kRunProgram, "D:\\x.txt\n", "", kNone},
                         {kPopupMessage, "D:\\y.txt", "", ""},
                         {kResetComputer, "", "", ""}}) {

@@ -121,16 +121,17 @@ TEST(Paths, FindTheBranchInWhichTheWholePathExists) {
   fs::create_symlink("nothing", directory / "d/FOOL");
   fs::permissions(directory / "d/hidden", fs::perms::owner_exec);
   const std::pair<const char*, const char*> cases[] = {
-      {"d/foo/bin/RUN.SH", "d/Foo/Bin/run.sh"},
-      {"D/FOO/bin/run.sh", "d/Foo/Bin/run.sh"},
-      {"d/foo/same.txt", "d/FOO/same.txt"},
+      {"d/fOO/bin/RUN.SH", "d/Foo/Bin/run.sh"},
+      {"d/fOO/same.txt", "d/FOO/same.txt"},
       {"d/Foo/SAME.txt", "d/Foo/same.txt"},
-      {"d/foo/new.txt", "d/foo/new.txt"},
-      {"d/foo/SUB/New.txt", "d/FOO/sub/New.txt"},
+      // One that is spelt as given is meant, whatever the others hold.
+      {"d/foo/same.txt", "d/foo/same.txt"},
+      {"D/FOO/bin/run.sh", "D/foo/bin/run.sh"},
+      {"d/fOO/SUB/New.txt", "d/FOO/sub/New.txt"},
       {"D/Foo/", "D/foo/"},
       {"d/fool", "d/Fool"},
       {"d/FOOL", "d/FOOL"},
-      {"D/hidden/Dir", "d/hidden/Dir"},
+      {"d/HIDDEN/Dir", "d/hidden/Dir"},
       {"none/Foo", "none/Foo"},
   };
   for (const auto& [asked, found] : cases) {
