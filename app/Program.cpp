@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "app/RemoteArea.h"
+#include "core/ProgramFolder.h"
 #include "core/Sched.h"
 #include "core/Scheduler.h"
 #include "core/TaskExecution.h"
@@ -21,20 +22,19 @@
 #include "script/modWindow.h"
 
 namespace orvanto {
-// In the order of construction: each sees what stands above it, but for the task store's finder,
-// which is bound before it is made.
+// In the order of construction: each sees what stands above it.
 struct Program::Parts {
   Parts(const Program& program, Platform& platform, StartOptions startOptions)
       : options(std::move(startOptions)),
         loop(platform.loop),
-        settings(platform.registry),
-        store(settings, platform.clock, search),
-        sched(store, platform.clock),
-        fileActions(platform.files, platform.shell, store),
+        fileActions(platform.files, platform.shell, folder),
         search(platform.loop, platform.files, fileActions),
+        settings(platform.registry),
+        store(settings, platform.clock, search, folder),
+        sched(store, platform.clock),
         windowActions(platform.loop, platform.desktop, platform.keyboard, platform.clipboard),
         message(platform.forms),
-        scripts(platform.loop, platform.files, store,
+        scripts(platform.loop, platform.files, folder,
                 {platform.shell, platform.session, platform.sound, platform.messageBoxes,
                  fileActions, search, windowActions,
                  [this, &program](const std::string& text) {
@@ -49,8 +49,8 @@ struct Program::Parts {
                                 platform.fileDialogs}),
         about(platform.forms, platform.shell),
         mainWindow(platform.forms,
-                   {settings, store, sched, scheduler, execution, platform.clock, platform.files,
-                    platform.trayIcon, platform.messageBoxes, message}),
+                   {settings, folder, store, sched, scheduler, execution, platform.clock,
+                    platform.files, platform.trayIcon, platform.messageBoxes, message}),
         remoteArea(mainWindow),
         chat(platform.forms),
         telnet({platform.loop, platform.sockets, settings, store, execution, platform.clock,
@@ -59,11 +59,12 @@ struct Program::Parts {
 
   StartOptions options;
   EventLoop& loop;
+  ProgramFolder folder;
+  FileActions fileActions;
+  FolderSearch search;
   Settings settings;
   TaskStore store;
   Sched sched;
-  FileActions fileActions;
-  FolderSearch search;
   WindowActions windowActions;
   frmmsg message;
   ScriptInterpreter scripts;
@@ -132,7 +133,7 @@ void Program::Start() {
 
 void Program::Prepare() {
   parts_->store.ReadDateOrder();
-  parts_->store.SetProgramFolder(parts_->options.programFolder);
+  parts_->folder.Set(parts_->options.programFolder);
   parts_->settings.ReadStorageMode();
 }
 

@@ -9,7 +9,7 @@
 #include <chrono>
 #include <iostream>
 
-#include "core/modTaskOperations.h"
+#include "core/ProgramFolder.h"
 #include "platform/posix/FileRegistry.h"
 #include "platform/posix/Paths.h"
 #include "platform/posix/PosixClock.h"
@@ -26,18 +26,13 @@ int main(int argc, char** argv) {
   posix::PosixClock clock;
   posix::Notices notices;
   posix::PosixShell shell(loop, notices);
-  posix::FileRegistry registry("/nonexistent/registry.txt", [](const std::string&) {});
-  Settings settings(registry);
   const auto timer = loop.NewTimer([] {});
   timer->Start(std::chrono::milliseconds(20));
   int ends[2];
   if (::pipe(ends) != 0) return 1;
   const auto watch = loop.WatchFd(ends[0], POLLIN, [](short) {});
-  struct Never : FileLookup {
-    bool FindFile(const std::string&) override { return false; }
-  } never;
-  TaskStore store(settings, clock, never);
-  FileActions actions(files, shell, store);
+  const ProgramFolder folder;
+  FileActions actions(files, shell, folder);
   FolderSearch search(loop, files, actions);
   double best = 1e9;
   for (int round = 0; round < 5; ++round) {

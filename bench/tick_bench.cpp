@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <iostream>
 
+#include "core/ProgramFolder.h"
 #include "core/Sched.h"
 #include "core/Scheduler.h"
 #include "core/TaskExecution.h"
@@ -74,7 +75,8 @@ void FullTick(benchmark::State& state) {
     Settings settings(registry);
     NoFinder finder;
     NoWay nothing;
-    TaskStore store(settings, clock, finder);
+    const ProgramFolder folder;
+    TaskStore store(settings, clock, finder, folder);
     Sched sched(store, clock);
     TaskExecution execution(store, nothing, nothing, nothing, nothing, nullptr);
     Scheduler scheduler(loop, clock, store, sched, execution);

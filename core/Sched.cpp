@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/Convert.h"
+#include "core/TaskFacts.h"
 #include "core/modTaskOperations.h"
 
 namespace orvanto {
@@ -19,30 +20,10 @@ constexpr std::array<const char*, kInCodes> kIn{
     "Every Month", "January", "February",  "March",   "April",    "May",     "June",
     "July",        "August",  "September", "October", "November", "December"};
 
-struct TaskTypeTexts {
-  const char* name;
-  const char* separator;
-};
-constexpr std::array<TaskTypeTexts, kTaskTypes> kTypes{{
-    {"Run Automation Script", " | Run Script | "},
-    {"Run Program/Shortcut", " | Run | "},
-    {"Print File", " | Print File | "},
-    {"Reset Computer", " | Reset Computer | "},
-    {"Shutdown Computer", " | Shutdown Computer | "},
-    {"Popup Message", " | Popup Message | "},
-    {"Play Sound", " | Play Sound | "},
-}};
-
-template <typename Table>
-auto At(const Table& table, int code) -> const typename Table::value_type* {
-  if (code < 1 || code > static_cast<int>(table.size())) return nullptr;
-  return &table[static_cast<std::size_t>(code - 1)];
-}
-
 template <typename Table>
 std::string TextAt(const Table& table, int code) {
-  const auto* text = At(table, code);
-  return text != nullptr ? *text : "";
+  if (code < 1 || code > static_cast<int>(table.size())) return "";
+  return table[static_cast<std::size_t>(code - 1)];
 }
 
 // A stored number against the clock; one that does not convert equals nothing.
@@ -73,13 +54,13 @@ std::string EveryName(int code) {
 std::string InName(int code) { return TextAt(kIn, code); }
 
 std::string TaskTypeName(int code) {
-  const auto* type = At(kTypes, code);
-  return type != nullptr ? type->name : "";
+  const TaskTypeFacts* facts = FactsOfTaskType(code);
+  return facts != nullptr ? facts->name : "";
 }
 
 std::string TaskTypeSeparator(int code) {
-  const auto* type = At(kTypes, code);
-  return type != nullptr ? type->separator : " | Unknown Type | ";
+  const TaskTypeFacts* facts = FactsOfTaskType(code);
+  return facts != nullptr ? facts->separator : " | Unknown Type | ";
 }
 
 std::string FormatTaskDate(const TaskRecord& task, int dateOrderMonthFirst, const Clock& clock) {
@@ -140,7 +121,7 @@ std::string Sched::DescribeTask(std::int16_t index) {
   store_.LoadTask(index);
   const TaskRecord& task = store_.CurrentTask;
   described_[slot] = {task.timeHour, task.timeMinute};
-  return At(kTypes, task.taskType) != nullptr ? LineOf(task) : "";
+  return FactsOfTaskType(task.taskType) != nullptr ? LineOf(task) : "";
 }
 
 std::string Sched::TreeLine(std::int16_t index) {

@@ -82,12 +82,10 @@ bool Scheduler::HasStartedLate(const std::string& task) const {
 
 void Scheduler::RunDueTasks() {
   const std::int64_t minute = lookedAt_[0];
-  const std::int16_t count = store_.NoTasks();
-  for (int i = 1; i <= count; ++i) {
+  for (const std::int16_t slot : store_.Slots()) {
     // A task may take long (a message box left open, a script). The program may be told to end
     // meanwhile, or a tick of the next minute, let in by the task, have run what is due by now.
     if (!tmrSched.Enabled() || lookedAt_[0] != minute) return;
-    const auto slot = static_cast<std::int16_t>(i);
     store_.LoadTask(slot);
     const std::string name = store_.CurrentTask.name;
     if (!sched_.IsDue(store_.CurrentTask) || HasStartedLate(name)) continue;

@@ -1,7 +1,7 @@
 #include "core/TaskExecution.h"
 #include "core/ProgramTitle.h"
 
-#include "core/Sched.h"
+#include "core/TaskFacts.h"
 #include "core/modTaskOperations.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Session.h"
@@ -9,27 +9,11 @@
 
 namespace orvanto {
 
-ShowCommand ShowCommandOfWinStyle(int winStyle) {
-  switch (winStyle) {
-    case 1:
-      return ShowCommand::Normal;
-    case 2:
-    case 3:  // "Maximized" starts minimized: kept as it is.
-      return ShowCommand::Minimized;
-    case 4:
-      return ShowCommand::NoActivate;
-    case 5:
-      return ShowCommand::MinimizedNoActivate;
-    default:
-      return ShowCommand::Hide;
-  }
-}
-
 void TaskExecution::RunTask(std::int16_t index) {
   store_.LoadTask(index);
   // A copy: a message box or a script may load other tasks before this call is done.
   const TaskRecord task = store_.CurrentTask;
-  if (onRun && !TaskTypeName(task.taskType).empty()) onRun(task);
+  if (onRun && FactsOfTaskType(task.taskType) != nullptr) onRun(task);
   switch (task.taskType) {
     case kRunScript:
       if (scripts_ != nullptr) scripts_->RunScript(task.path);
@@ -64,7 +48,8 @@ void TaskExecution::Execute(const TaskRecord& task, const char* operation) {
   request.operation = operation;
   // The command line travels inside the file argument.
   request.file = task.cmdLine.empty() ? task.path : task.path + " " + task.cmdLine;
-  request.show = ShowCommandOfWinStyle(task.winStyle);
+  const WindowStyleFacts* style = FactsOfWindowStyle(task.winStyle);
+  request.show = style != nullptr ? style->ofTasks : ShowCommand::Hide;
   shell_.Execute(request);
 }
 

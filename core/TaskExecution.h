@@ -23,9 +23,6 @@ class ScriptRunner {
   virtual void RunScript(const std::string& path) = 0;
 };
 
-// The show command of a window-style code, 1-6; Hide for any other.
-ShowCommand ShowCommandOfWinStyle(int winStyle);
-
 class TaskExecution {
  public:
   // Without a script runner, script tasks do nothing.

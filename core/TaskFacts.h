@@ -8,6 +8,9 @@
 
 namespace orvanto {
 
+// Ends the name in a task's line.
+inline constexpr const char* kNameEnd = " | ";
+
 // Positions are codes less one.
 struct TaskTypeFacts {
   const char* name;

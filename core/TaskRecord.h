@@ -9,6 +9,26 @@ namespace orvanto {
 // Slots 1 to 100 can be described and shown; the list holds no more.
 inline constexpr std::int16_t kMaxTasks = 100;
 
+// The slots from 1 to the last, to walk along.
+class SlotRange {
+ public:
+  struct Iterator {
+    int slot;
+    std::int16_t operator*() const { return static_cast<std::int16_t>(slot); }
+    Iterator& operator++() {
+      ++slot;
+      return *this;
+    }
+    bool operator==(const Iterator&) const = default;
+  };
+  explicit SlotRange(std::int16_t last) : last_(last) {}
+  Iterator begin() const { return {1}; }
+  Iterator end() const { return {last_ > 0 ? last_ + 1 : 1}; }
+
+ private:
+  int last_;
+};
+
 enum TimeType : std::int16_t { kTimeOnce = 1, kTimeRecurring = 2, kTimeDayNumber = 3 };
 
 enum TaskType : std::int16_t {

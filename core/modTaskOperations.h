@@ -13,6 +13,8 @@
 
 namespace orvanto {
 
+class ProgramFolder;
+
 // What validation needs to know of the file system.
 class FileLookup {
  public:
@@ -23,8 +25,10 @@ class FileLookup {
 
 class TaskStore {
  public:
-  TaskStore(Settings& settings, const Clock& clock, FileLookup& finder)
-      : settings_(settings), clock_(clock), finder_(finder) {}
+  TaskStore(Settings& settings, const Clock& clock, FileLookup& finder, const ProgramFolder& folder)
+      : settings_(settings), clock_(clock), finder_(finder), folder_(folder) {}
+
+  const ProgramFolder& Folder() const { return folder_; }
 
   TaskRecord CurrentTask;
   std::string TaskValidationMessage;  // empty: valid
@@ -33,20 +37,15 @@ class TaskStore {
   int DateOrderMonthFirst = 0;
   void ReadDateOrder();
 
-  // The program's folder with a backslash at its end.
-  std::string AppDir;
-  void SetProgramFolder(const std::string& folder);
-
   // The number of slots, 0 where none is stored. A count that does not convert is made good from
   // the names that are there, but not where tasks are shared: names of deleted ones are among them.
   std::int16_t NoTasks();
   std::string TaskName(std::int16_t index);
+  // The slots that are there now, from 1 on.
+  SlotRange Slots() { return SlotRange(NoTasks()); }
 
   // The first slot of that name, compared with regard to case; 0 for none.
   std::int16_t SlotOfName(const std::string& name);
-
-  // The full path of a task's file: relative ones belong to the scripts folder.
-  std::string TaskFile(const std::string& path) const;
 
   // Fills CurrentTask. Numbers that do not convert load as 0; a slot without a name loads defaults.
   void LoadTask(std::int16_t index);
@@ -102,11 +101,13 @@ class TaskStore {
   bool CountIsLost();
   std::int16_t SlotToSave(const std::string& loadedName, std::int16_t loadedSlot);
   void ValidateWhen(const TaskEntry& entry);
+  static bool IsOwnSection(const std::string& name);
   bool MayBeGiven(const std::string& name, std::int16_t ownIndex);
 
   Settings& settings_;
   const Clock& clock_;
   FileLookup& finder_;
+  const ProgramFolder& folder_;
 };
 
 }  // namespace orvanto

@@ -103,19 +103,16 @@ struct Nothing : Shell, Session, Sound, MessageBoxes, Desktop, Keyboard, Clipboa
 };
 
 struct Desk {
-  NoRegistry registry;
   NoLoop loop;
-  NoClock clock;
   OneFile files;
   Nothing nothing;
-  Settings settings{registry};
-  TaskStore store{settings, clock, search};
-  FileActions actions{files, nothing, store};
+  ProgramFolder folder;
+  FileActions actions{files, nothing, folder};
   FolderSearch search{loop, files, actions};
   WindowActions windows{loop, nothing, nothing, nothing};
   ScriptInterpreter scripts{loop,
                             files,
-                            store,
+                            folder,
                             {nothing, nothing, nothing, nothing, actions, search, windows,
                              [](const std::string&) {}, nullptr}};
 };

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "core/Convert.h"
+#include "core/ProgramFolder.h"
 #include "core/TaskExecution.h"
 #include "core/modTaskOperations.h"
 #include "platform/Files.h"
@@ -149,7 +150,7 @@ void TelnetServer::SendTaskList() {
 void TelnetServer::SendScriptsList() {
   SendAll({kCrLf, kCrLf, "Scripts Folder", kCrLf, "--------------", kCrLf, kCrLf});
   std::set<std::pair<std::string, std::string>> names;
-  services_.files.ListFolder(services_.store.AppDir + "scripts\\",
+  services_.files.ListFolder(services_.store.Folder().Scripts(),
                              [&](const std::string& name, Files::EntryKind kind) {
                                if (kind == Files::EntryKind::File) {
                                  names.emplace(OrderOf(name), name);

@@ -1,7 +1,8 @@
 #include "script/FileAction.h"
 
 #include "core/Convert.h"
-#include "core/modTaskOperations.h"
+#include "core/ProgramFolder.h"
+#include "core/TaskFacts.h"
 #include "platform/Files.h"
 #include "platform/text/Case.h"
 
@@ -22,23 +23,9 @@ std::string Quoted(const std::string& path) {
 }  // namespace
 
 std::optional<ShowCommand> ShowStyleFromCode(std::int16_t style) {
-  switch (style) {
-    case 0:
-    case 1:
-      return ShowCommand::Normal;
-    case 2:
-      return ShowCommand::Minimized;
-    case 3:
-      return ShowCommand::Maximized;
-    case 4:
-      return ShowCommand::NoActivate;
-    case 5:
-      return ShowCommand::MinimizedNoActivate;
-    case 6:
-      return ShowCommand::Hide;
-    default:
-      return std::nullopt;
-  }
+  const WindowStyleFacts* facts = FactsOfWindowStyle(style == 0 ? 1 : style);
+  if (facts == nullptr) return std::nullopt;
+  return facts->ofScripts;
 }
 
 std::int16_t FileActions::FileAction(const std::string& givenPath, FileCode code,
@@ -76,7 +63,7 @@ std::int16_t FileActions::FileAction(const std::string& givenPath, FileCode code
 
 bool FileActions::CopyInto(const std::string& path, const std::string& name,
                            const std::string& folder) {
-  const std::string start = (folder.empty() ? store_.AppDir : folder) + "\\";
+  const std::string start = (folder.empty() ? folder_.AppDir : folder) + "\\";
   // Where it replaces a file, that of its own spelling first.
   const std::string target = start + (files_.Exists(start + name) ? name : LowerCase(name));
   const std::string reason = files_.Copy(path, target);

@@ -11,7 +11,7 @@
 namespace orvanto {
 
 class Files;
-class TaskStore;
+class ProgramFolder;
 
 enum class FileCode {
   Open,       // "SO"
@@ -28,8 +28,8 @@ std::optional<ShowCommand> ShowStyleFromCode(std::int16_t style);
 
 class FileActions {
  public:
-  FileActions(Files& files, Shell& shell, const TaskStore& store)
-      : files_(files), shell_(shell), store_(store) {}
+  FileActions(Files& files, Shell& shell, const ProgramFolder& folder)
+      : files_(files), shell_(shell), folder_(folder) {}
 
   // 1 for CheckOnly on an existing file, otherwise 0. A missing file, and a path without a folder,
   // are passed over in silence. The path is lower-cased where case means nothing. `extra` is a show
@@ -49,7 +49,7 @@ class FileActions {
 
   Files& files_;
   Shell& shell_;
-  const TaskStore& store_;
+  const ProgramFolder& folder_;
 };
 
 }  // namespace orvanto

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "core/Convert.h"
-#include "core/modTaskOperations.h"
+#include "core/ProgramFolder.h"
 #include "platform/Files.h"
 #include "platform/text/Case.h"
 #include "platform/text/Lines.h"
@@ -70,11 +70,11 @@ struct ScriptInterpreter::AtWork {
   const Call* const outer_;
 };
 
-ScriptInterpreter::ScriptInterpreter(EventLoop& loop, Files& files, const TaskStore& store,
+ScriptInterpreter::ScriptInterpreter(EventLoop& loop, Files& files, const ProgramFolder& folder,
                                      const ScriptServices& services)
     : loop_(loop),
       files_(files),
-      store_(store),
+      folder_(folder),
       commands_(services),
       tmrDelay_(loop.NewTimer([this] { DelayTick(); })) {
   const auto log = [this](const std::string& message) {
@@ -131,7 +131,7 @@ void ScriptInterpreter::OpenFile(Call& call) {
   // After a failed line the file is still open, and opening it again is the next failure.
   if (call.fileOpen) throw Error(kFileAlreadyOpen, "File already open");
   const std::string& path = call.slot.path;
-  const std::string file = store_.TaskFile(files_.TellsCaseApart() ? path : LowerCase(path));
+  const std::string file = folder_.TaskFile(files_.TellsCaseApart() ? path : LowerCase(path));
   if (!files_.Read(file, call.text)) throw Error(kFileNotFoundError, "File not found");
   call.fileOpen = true;
   call.line = 0;
@@ -220,7 +220,7 @@ void ScriptInterpreter::DelayTick() {
 }
 
 void ScriptInterpreter::WriteScriptLog(const std::string& message) {
-  files_.Append(store_.AppDir + kLogName, "\"" + message + "\"" + kCrLf);
+  files_.Append(folder_.AppDir + kLogName, "\"" + message + "\"" + kCrLf);
 }
 
 }  // namespace orvanto

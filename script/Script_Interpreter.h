@@ -19,7 +19,7 @@
 namespace orvanto {
 
 class Files;
-class TaskStore;
+class ProgramFolder;
 
 struct ScriptSlot {
   bool inUse = false;
@@ -36,7 +36,7 @@ class ScriptInterpreter : public ScriptRunner {
   static constexpr int kSlots = 100;
   static constexpr const char* kLogName = "ORVSCRPT.LOG";
 
-  ScriptInterpreter(EventLoop& loop, Files& files, const TaskStore& store,
+  ScriptInterpreter(EventLoop& loop, Files& files, const ProgramFolder& folder,
                     const ScriptServices& services);
 
   // Returns when the script has ended, waits for a delay, or was ended by a message box or by the
@@ -79,7 +79,7 @@ class ScriptInterpreter : public ScriptRunner {
 
   const EventLoop& loop_;
   Files& files_;
-  const TaskStore& store_;
+  const ProgramFolder& folder_;
   ScriptCommands commands_;
   std::array<ScriptSlot, kSlots> slots_;
   std::unique_ptr<Timer> tmrDelay_;

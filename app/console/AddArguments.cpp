@@ -5,6 +5,7 @@
 
 #include "core/Convert.h"
 #include "core/Sched.h"
+#include "core/TaskFacts.h"
 #include "platform/text/Case.h"
 
 namespace orvanto {
@@ -133,9 +134,6 @@ void ReadWhen(const Options& options, bool monthFirst, TaskEntry& entry) {
   }
 }
 
-bool HoldsFile(std::int16_t taskType) { return taskType != kPopupMessage; }
-bool HasWindow(std::int16_t taskType) { return taskType == kRunProgram || taskType == kPrintFile; }
-
 void ReadWhat(const Options& options, const TaskPath& taskPath, TaskEntry& entry) {
   for (const auto& [option, value] : options) {
     const std::int16_t type = kOptions.at(option).type;
@@ -143,7 +141,7 @@ void ReadWhat(const Options& options, const TaskPath& taskPath, TaskEntry& entry
     if (entry.taskType != 0) throw UsageError("A task does one thing: " + option + " is too much.");
     entry.taskType = type;
     if (!kOptions.at(option).takesValue) continue;
-    entry.path = HoldsFile(type) ? taskPath(value, type) : value;
+    entry.path = FactsOfTaskType(type)->namesFile ? taskPath(value, type) : value;
   }
   if (entry.taskType == 0) {
     throw UsageError(
@@ -152,7 +150,7 @@ void ReadWhat(const Options& options, const TaskPath& taskPath, TaskEntry& entry
   }
   entry.winStyle = 1;
   for (const char* option : {"--params", "--window"}) {
-    if (options.count(option) != 0 && !HasWindow(entry.taskType)) {
+    if (options.count(option) != 0 && !FactsOfTaskType(entry.taskType)->startsProgram) {
       throw UsageError(std::string("The option ") + option + " goes with --program or --print.");
     }
   }
@@ -161,7 +159,7 @@ void ReadWhat(const Options& options, const TaskPath& taskPath, TaskEntry& entry
   }
   if (const auto window = options.find("--window"); window != options.end()) {
     entry.winStyle = NumberOrInvalid(window->second);
-    if (entry.winStyle < 1 || entry.winStyle > 6) {
+    if (FactsOfWindowStyle(entry.winStyle) == nullptr) {
       throw UsageError("A window style is a number from 1 to 6.");
     }
   }

@@ -63,13 +63,11 @@ int Set(const Words& words, const CommandContext& context) {
 
 int List(const Words&, const CommandContext& context) {
   TaskStore& store = context.program.Store();
-  const std::int16_t count = store.NoTasks();
-  for (int i = 1; i <= count; ++i) {
-    const auto slot = static_cast<std::int16_t>(i);
-    // A line that cannot be described still has its number and its name.
-    std::string line = i <= kMaxTasks ? context.program.GetSched().DescribeTask(slot) : "";
+  for (const std::int16_t slot : store.Slots()) {
+    // What cannot be described still has its number and its name.
+    std::string line = slot <= kMaxTasks ? context.program.GetSched().DescribeTask(slot) : "";
     if (line.empty()) line = store.TaskName(slot);
-    context.out << i << ") " << PrintableLine(line) << "\n";
+    context.out << slot << ") " << PrintableLine(line) << "\n";
   }
   return 0;
 }

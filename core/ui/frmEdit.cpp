@@ -5,8 +5,10 @@
 #include <utility>
 
 #include "core/Convert.h"
+#include "core/ProgramFolder.h"
 #include "core/ProgramTitle.h"
 #include "core/Sched.h"
+#include "core/TaskFacts.h"
 #include "core/modTaskOperations.h"
 #include "platform/Clock.h"
 #include "platform/FileDialogs.h"
@@ -18,10 +20,6 @@ namespace orvanto {
 namespace {
 
 constexpr const char* kDefaultGroup = "General";
-
-constexpr std::array<const char*, kTaskTypes> kTypeCaptions{
-    "Run &Automation Script", "Run &Program/Shortcut", "&Print File", "&Reset Computer",
-    "S&hutdown Computer",     "Popup &Message",        "P&lay Sound"};
 
 // What a change of the task type does to a control. Kept is deliberate: what one type has hidden
 // stays hidden under a type that does not touch it.
@@ -88,7 +86,7 @@ constexpr int kLine = 345;  // from one option to the next
 forms::OptionButton TypeOption(frmEdit& form, const forms::Frame& frame, int index) {
   return {form,
           &frame,
-          kTypeCaptions[static_cast<std::size_t>(index)],
+          kTaskTypeFacts[static_cast<std::size_t>(index)].caption,
           {180, kTypeTop + index * kLine, 3060, 270}};
 }
 
@@ -200,8 +198,9 @@ void frmEdit::Fill(const TaskRecord& task) {
 void frmEdit::FillLists(const TaskRecord& task) {
   cmbGroup.SetItems(Groups());
   cmbGroup.SetText(task.group);
-  cmbWindow.SetItems({"Normal, with Focus", "Minimized, with Focus", "Maximized, with Focus",
-                      "Normal, without Focus", "Minimized, without Focus", "Hidden"});
+  std::vector<std::string> styles;
+  for (const WindowStyleFacts& style : kWindowStyleFacts) styles.emplace_back(style.name);
+  cmbWindow.SetItems(std::move(styles));
   cmbWindow.Select(task.winStyle - 1);
   // The rules that fire; one that never does is offered only to the task that has it.
   std::vector<std::string> rules = Texts(EveryName, kEveryCodesThatFire);
@@ -239,9 +238,8 @@ void frmEdit::FillWhen(const TaskRecord& task) {
 
 std::vector<std::string> frmEdit::Groups() {
   std::vector<std::string> groups{kDefaultGroup};
-  const std::int16_t count = services_.store.NoTasks();
-  for (int i = 1; i <= count; ++i) {
-    services_.store.LoadTask(static_cast<std::int16_t>(i));
+  for (const std::int16_t slot : services_.store.Slots()) {
+    services_.store.LoadTask(slot);
     const std::string& group = services_.store.CurrentTask.group;
     if (std::find(groups.begin(), groups.end(), group) == groups.end()) groups.push_back(group);
   }
@@ -296,7 +294,7 @@ void frmEdit::Browse() {
   switch (ChosenTaskType()) {
     case kRunScript:
       filters.push_back({"Text Files (*.txt)", "*.txt"});
-      folder = services_.store.AppDir + "scripts\\";
+      folder = services_.store.Folder().Scripts();
       break;
     case kRunProgram:
       filters.push_back({"Executables (*.exe)", "*.exe"});
@@ -315,7 +313,7 @@ void frmEdit::Browse() {
 
 void frmEdit::EditScript() {
   if (txt1.Text().empty()) return;  // the scripts folder is no script
-  services_.shell.Start("notepad.exe " + services_.store.TaskFile(txt1.Text()),
+  services_.shell.Start("notepad.exe " + services_.store.Folder().TaskFile(txt1.Text()),
                         ShowCommand::Normal);
 }
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "core/Convert.h"
+#include "core/ProgramFolder.h"
 #include "core/ProgramTitle.h"
 #include "core/Sched.h"
 #include "core/Scheduler.h"
@@ -304,7 +305,7 @@ void frmScriptcfg::Start(const std::string& commandLine, const std::string& prog
   });
   Step([&] { store.ReadDateOrder(); });
   Step([&] { CentreOnScreen(); });
-  Step([&] { store.SetProgramFolder(programFolder); });
+  Step([&] { services_.folder.Set(programFolder); });
   Step([&] {
     BuildTaskTree();
     if (store.NoTasks() > kMaxTasks) throw Error(kSubscriptOutOfRange, "Subscript out of range");
@@ -347,8 +348,8 @@ void frmScriptcfg::BuildTaskTree(std::optional<std::int16_t> slotToSelect) {
   // Not disabled in between, where the selection stays: the keyboard would leave the button.
   if (selected.empty()) EnableTaskCommands(false);
   treTasks.Clear();
-  const std::int16_t count = std::min(store.NoTasks(), kMaxTasks);
-  for (std::int16_t slot = 1; slot <= count; ++slot) {
+  for (const std::int16_t slot : store.Slots()) {
+    if (slot > kMaxTasks) break;
     const std::string description = services_.sched.TreeLine(slot);
     const std::string group = store.CurrentTask.group;
     // Any node of that text will do, in the order of their making.

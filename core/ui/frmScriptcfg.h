@@ -15,6 +15,7 @@ namespace orvanto {
 class Clock;
 class Files;
 class MessageBoxes;
+class ProgramFolder;
 class Sched;
 class Scheduler;
 class Settings;
@@ -27,6 +28,7 @@ class frmScriptcfg : public forms::Form {
  public:
   struct Services {
     Settings& settings;
+    ProgramFolder& folder;
     TaskStore& store;
     Sched& sched;
     Scheduler& scheduler;

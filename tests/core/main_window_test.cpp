@@ -41,7 +41,7 @@ class MainWindowTest : public testing::Test, public CoreDesk {
 
   frmmsg message{forms};
   frmScriptcfg window{forms,
-                      {settings, store, sched, scheduler, execution, clock, files, trayIcon,
+                      {settings, folder, store, sched, scheduler, execution, clock, files, trayIcon,
                        messageBoxes, message}};
 };
 
@@ -197,7 +197,7 @@ TEST_F(MainWindowTest, AFailedStepIsLoggedAndTheNextOnesFollow) {
   EXPECT_EQ(files.contents["ORVTASK.LOG"],
             "\"Error Code:53\"\r\n\"Error Code:13\"\r\n\"Error Code:6\"\r\n\"Error Code:9\"\r\n");
   EXPECT_EQ(store.DateOrderMonthFirst, 1);
-  EXPECT_EQ(store.AppDir, "C:\\Orvanto\\");
+  EXPECT_EQ(folder.AppDir, "C:\\Orvanto\\");
   EXPECT_TRUE(window.Visible());
   EXPECT_TRUE(scheduler.tmrSched.Enabled());
   // The first hundred are shown all the same: their one group and themselves.

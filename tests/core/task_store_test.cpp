@@ -343,8 +343,8 @@ TEST_F(TaskStoreTest, LooksForFilesInTheScriptsFolderUnlessThePathIsWhole) {
     EXPECT_EQ(Validate(entry), c.message) << c.path;
     EXPECT_EQ(finder.asked, c.asked);
   }
-  store.SetProgramFolder("C:\\");
-  EXPECT_EQ(store.AppDir, "C:\\");
+  folder.Set("C:\\");
+  EXPECT_EQ(folder.AppDir, "C:\\");
 }
 
 }  // namespace

@@ -13,14 +13,14 @@ struct ScriptDesk : CoreDesk {
     scripts.onFailure = [this](const std::string& message) { failures.push_back(message); };
   }
 
-  FileActions fileActions{files, shell, store};
+  FileActions fileActions{files, shell, folder};
   FolderSearch search{loop, files, fileActions};
   WindowActions windows{loop, desktop, keyboard, clipboard};
   Texts popups;
   Texts failures;
   ScriptInterpreter scripts{loop,
                             files,
-                            store,
+                            folder,
                             {shell, session, sound, messageBoxes, fileActions, search, windows,
                              [this](const std::string& text) { popups.push_back(text); }, nullptr}};
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/Convert.h"
+#include "core/ProgramFolder.h"
 #include "core/Sched.h"
 #include "core/Scheduler.h"
 #include "core/TaskExecution.h"
@@ -49,12 +50,13 @@ class FakeScripts : public ScriptRunner {
 };
 
 struct CoreDesk : FakePlatform {
-  CoreDesk() { store.SetProgramFolder("C:\\Orvanto"); }
+  CoreDesk() { folder.Set("C:\\Orvanto"); }
 
   Settings settings{registry};
   FakeFinder finder{files};
   FakeScripts scripts;
-  TaskStore store{settings, clock, finder};
+  ProgramFolder folder;
+  TaskStore store{settings, clock, finder, folder};
   Sched sched{store, clock};
   TaskExecution execution{store, shell, session, sound, messageBoxes, &scripts};
   Scheduler scheduler{loop, clock, store, sched, execution};
