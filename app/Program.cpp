@@ -4,6 +4,7 @@
 
 #include "app/RemoteArea.h"
 #include "core/ProgramFolder.h"
+#include "core/ProgramSettings.h"
 #include "core/Sched.h"
 #include "core/Scheduler.h"
 #include "core/TaskExecution.h"
@@ -22,138 +23,195 @@
 #include "script/modWindow.h"
 
 namespace orvanto {
-// In the order of construction: each sees what stands above it.
-struct Program::Parts {
-  Parts(const Program& program, Platform& platform, StartOptions startOptions)
-      : options(std::move(startOptions)),
-        loop(platform.loop),
-        fileActions(platform.files, platform.shell, folder),
+namespace {
+
+// In each of these the members stand in the order of construction: each sees what stands above it.
+
+// The tasks, their schedule, and what carries them out.
+struct Automation {
+  Automation(Platform& platform, std::function<void(const std::string&)> showPopup)
+      : fileActions(platform.files, platform.shell, folder),
         search(platform.loop, platform.files, fileActions),
         settings(platform.registry),
         store(settings, platform.clock, search, folder),
         sched(store, platform.clock),
         windowActions(platform.loop, platform.desktop, platform.keyboard, platform.clipboard),
-        message(platform.forms),
         scripts(platform.loop, platform.files, folder,
-                {platform.shell, platform.session, platform.sound, platform.messageBoxes,
-                 fileActions, search, windowActions,
-                 [this, &program](const std::string& text) {
-                   message.ShowText(text);
-                   if (program.onPopup) program.onPopup(text);
-                 },
-                 nullptr}),
+                {.shell = platform.shell,
+                 .session = platform.session,
+                 .sound = platform.sound,
+                 .messageBoxes = platform.messageBoxes,
+                 .files = fileActions,
+                 .search = search,
+                 .windows = windowActions,
+                 .showPopup = std::move(showPopup),
+                 .download = nullptr}),
         execution(store, platform.shell, platform.session, platform.sound, platform.messageBoxes,
                   &scripts),
-        scheduler(platform.loop, platform.clock, store, sched, execution),
-        editor(platform.forms, {store, platform.clock, platform.shell, platform.messageBoxes,
-                                platform.fileDialogs}),
-        about(platform.forms, platform.shell),
-        mainWindow(platform.forms,
-                   {settings, folder, store, sched, scheduler, execution, platform.clock,
-                    platform.files, platform.trayIcon, platform.messageBoxes, message}),
-        remoteArea(mainWindow),
-        chat(platform.forms),
-        telnet({platform.loop, platform.sockets, settings, store, execution, platform.clock,
-                platform.files, platform.messageBoxes, remoteArea, chat},
-               mainWindow.programSettings.remote) {}
+        scheduler(platform.loop, platform.clock, store, sched, execution) {}
 
-  StartOptions options;
-  EventLoop& loop;
   ProgramFolder folder;
+  ProgramSettings programSettings;
   FileActions fileActions;
   FolderSearch search;
   Settings settings;
   TaskStore store;
   Sched sched;
   WindowActions windowActions;
-  frmmsg message;
   ScriptInterpreter scripts;
   TaskExecution execution;
   Scheduler scheduler;
+};
+
+// The windows of the core, which stand in for each other.
+struct Windows {
+  Windows(Platform& platform, Automation& automation, frmmsg& message)
+      : editor(platform.forms, {.store = automation.store,
+                                .clock = platform.clock,
+                                .shell = platform.shell,
+                                .messageBoxes = platform.messageBoxes,
+                                .fileDialogs = platform.fileDialogs}),
+        about(platform.forms, platform.shell),
+        main(platform.forms, {.settings = automation.settings,
+                              .programSettings = automation.programSettings,
+                              .folder = automation.folder,
+                              .store = automation.store,
+                              .sched = automation.sched,
+                              .scheduler = automation.scheduler,
+                              .execution = automation.execution,
+                              .clock = platform.clock,
+                              .files = platform.files,
+                              .trayIcon = platform.trayIcon,
+                              .messageBoxes = platform.messageBoxes,
+                              .message = message}) {
+    main.showEditor = [this](std::optional<std::int16_t> slot) { editor.Open(slot); };
+    main.showAbout = [this] { about.Open(); };
+    editor.onSaved = [this](std::int16_t slot) { main.SelectTask(slot); };
+    editor.onClosed = [this] { main.Return(); };
+    about.onClosed = [this] { main.Return(); };
+  }
+
   frmEdit editor;
   frmAbout about;
-  frmScriptcfg mainWindow;
-  RemoteArea remoteArea;
+  frmScriptcfg main;
+};
+
+// The telnet server with its area on the main window and its chat.
+struct RemoteControl : RemoteCommands {
+  RemoteControl(Platform& platform, Automation& automation, frmScriptcfg& window)
+      : area(window),
+        chat(platform.forms),
+        telnet({.loop = platform.loop,
+                .sockets = platform.sockets,
+                .settings = automation.settings,
+                .store = automation.store,
+                .execution = automation.execution,
+                .clock = platform.clock,
+                .files = platform.files,
+                .messageBoxes = platform.messageBoxes,
+                .area = area,
+                .chat = chat},
+               automation.programSettings) {
+    chat.formBehind = &window;
+    window.remoteCommands = this;
+    ticks = automation.scheduler.secondPassed.Subscribe([this, &window] {
+      if (window.fraServer.ShownToUser()) telnet.RefreshCaption();
+    });
+  }
+
+  void SwitchServer(bool on) override { on ? telnet.ServerOn() : telnet.ServerOff(); }
+  void StartChat() override { telnet.StartChat(); }
+  void Kick() override { telnet.Kick(); }
+  void SendTilde() override { telnet.SendTilde(); }
+
+  RemoteArea area;
   frmChat chat;
   TelnetServer telnet;
+  Subscription ticks;
+};
+
+}  // namespace
+
+struct Program::Parts {
+  Parts(const Program& program, Platform& platform, StartOptions startOptions)
+      : options(std::move(startOptions)),
+        loop(platform.loop),
+        message(platform.forms),
+        automation(platform,
+                   [this, &program](const std::string& text) {
+                     message.ShowText(text);
+                     if (program.onPopup) program.onPopup(text);
+                   }),
+        windows(platform, automation, message),
+        remote(platform, automation, windows.main) {}
+
+  StartOptions options;
+  EventLoop& loop;
+  frmmsg message;
+  Automation automation;
+  Windows windows;
+  RemoteControl remote;
 };
 
 Program::Program(Platform& platform, StartOptions options)
     : parts_(std::make_unique<Parts>(*this, platform, std::move(options))) {
-  parts_->execution.onRun = [this](const TaskRecord& task) {
+  parts_->automation.execution.onRun = [this](const TaskRecord& task) {
     if (onTaskRun) onTaskRun(task);
   };
-  parts_->scripts.onFailure = [this](const std::string& message) {
+  parts_->automation.scripts.onFailure = [this](const std::string& message) {
     if (onScriptFailure) onScriptFailure(message);
   };
-  WireWindows();
-}
-
-Program::~Program() = default;
-
-void Program::WireWindows() {
-  frmScriptcfg& window = parts_->mainWindow;
-  window.showEditor = [this](std::optional<std::int16_t> slot) { parts_->editor.Open(slot); };
-  window.showAbout = [this] { parts_->about.Open(); };
-  window.onOnTop = [this](bool on) {
+  parts_->windows.main.onOnTop = [this](bool on) {
     // The popup message is above all others anyway.
     for (forms::Form* form :
-         std::initializer_list<forms::Form*>{&parts_->editor, &parts_->about, &parts_->chat}) {
+         std::initializer_list<forms::Form*>{&Editor(), &parts_->windows.about, &ChatWindow()}) {
       form->SetTopMost(on);
     }
   };
-  parts_->chat.formBehind = &window;
-  parts_->editor.onSaved = [&window](std::int16_t slot) { window.BuildTaskTree(slot); };
-  parts_->editor.onClosed = [&window] { window.Return(); };
-  parts_->about.onClosed = [&window] { window.Return(); };
-  TelnetServer& telnet = parts_->telnet;
-  window.switchServer = [&telnet](bool on) { on ? telnet.ServerOn() : telnet.ServerOff(); };
-  window.startChat = [&telnet] { telnet.StartChat(); };
-  window.kickClient = [&telnet] { telnet.Kick(); };
-  window.sendTilde = [&telnet] { telnet.SendTilde(); };
-  window.refreshServerCaption = [&telnet] { telnet.RefreshCaption(); };
-  window.onEnded = [this] {
-    parts_->telnet.ServerOff();
-    parts_->editor.Unload();
-    parts_->about.Unload();
+  parts_->windows.main.onEnded = [this] {
+    Telnet().ServerOff();
+    Editor().Unload();
+    parts_->windows.about.Unload();
     parts_->loop.Quit();
   };
 }
 
+Program::~Program() = default;
+
 void Program::BringToFront() {
-  for (forms::Form* form : std::initializer_list<forms::Form*>{&parts_->editor, &parts_->about}) {
+  for (forms::Form* form : std::initializer_list<forms::Form*>{&Editor(), &parts_->windows.about}) {
     if (form->Visible()) return form->Activate();
   }
-  parts_->mainWindow.Return();
+  MainWindow().Return();
 }
 
 void Program::Start() {
-  parts_->mainWindow.Start(parts_->options.commandLine, parts_->options.programFolder);
+  MainWindow().Start(parts_->options.commandLine, parts_->options.programFolder);
 }
 
 void Program::Prepare() {
-  parts_->store.ReadDateOrder();
-  parts_->folder.Set(parts_->options.programFolder);
-  parts_->settings.ReadStorageMode();
+  Store().ReadDateOrder();
+  parts_->automation.folder.Set(parts_->options.programFolder);
+  GetSettings().ReadStorageMode();
 }
 
-Settings& Program::GetSettings() { return parts_->settings; }
-TaskStore& Program::Store() { return parts_->store; }
-Sched& Program::GetSched() { return parts_->sched; }
-TaskExecution& Program::Execution() { return parts_->execution; }
-frmScriptcfg& Program::MainWindow() { return parts_->mainWindow; }
-frmEdit& Program::Editor() { return parts_->editor; }
-frmChat& Program::ChatWindow() { return parts_->chat; }
-TelnetServer& Program::Telnet() { return parts_->telnet; }
+Settings& Program::GetSettings() { return parts_->automation.settings; }
+TaskStore& Program::Store() { return parts_->automation.store; }
+Sched& Program::GetSched() { return parts_->automation.sched; }
+TaskExecution& Program::Execution() { return parts_->automation.execution; }
+frmScriptcfg& Program::MainWindow() { return parts_->windows.main; }
+frmEdit& Program::Editor() { return parts_->windows.editor; }
+frmChat& Program::ChatWindow() { return parts_->remote.chat; }
+TelnetServer& Program::Telnet() { return parts_->remote.telnet; }
 
-std::string Program::ScriptCommand() const { return parts_->scripts.CommandAtWork(); }
+std::string Program::ScriptCommand() const { return parts_->automation.scripts.CommandAtWork(); }
 
 void Program::RunUntilIdle() {
-  if (!parts_->scripts.Waiting()) return;
-  parts_->scripts.onIdle = [this] { parts_->loop.Quit(); };
+  if (!parts_->automation.scripts.Waiting()) return;
+  parts_->automation.scripts.onIdle = [this] { parts_->loop.Quit(); };
   parts_->loop.Run();
 }
 
-void Program::Quit() { parts_->mainWindow.Unload(); }
+void Program::Quit() { MainWindow().Unload(); }
 
 }  // namespace orvanto

@@ -70,8 +70,6 @@ class Program {
   std::string ScriptCommand() const;
 
  private:
-  void WireWindows();
-
   struct Parts;
   std::unique_ptr<Parts> parts_;
 };

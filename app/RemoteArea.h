@@ -10,14 +10,13 @@ class RemoteArea : public ServerArea {
  public:
   explicit RemoteArea(frmScriptcfg& window) : window_(window) {}
 
-  void ShowServer(bool on) override;
+  void ShowServer(bool on) override { window_.ShowServerArea(on); }
   void SetCaption(const std::string& caption) override { window_.fraServer.SetText(caption); }
   void SetLamps(bool connected, bool waiting) override;
   void SetClient(const std::string& address) override { window_.lblIpclient.SetText(address); }
   void EnableClientCommands(bool enabled) override;
   void SetLog(const std::string& text) override { window_.txtServer.SetText(text); }
   std::string Log() const override { return window_.txtServer.Text(); }
-  void TaskListChanged() override;
 
  private:
   frmScriptcfg& window_;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/Convert.h"
+#include "core/ProgramTitle.h"
 #include "core/Sched.h"
 #include "core/TaskExecution.h"
 #include "core/modTaskOperations.h"
@@ -51,14 +52,13 @@ Scheduler::Scheduler(EventLoop& loop, const Clock& clock, TaskStore& store, Sche
       sched_(sched),
       execution_(execution) {}
 
-void Scheduler::RefreshCaption() {
+std::string Scheduler::Caption() const {
   const DateTime now = clock_.Now();
-  if (onCaption) onCaption("Orvanto - " + TwoDigits(now.hour) + ":" + TwoDigits(now.minute));
+  return std::string(kProgramTitle) + " - " + TwoDigits(now.hour) + ":" + TwoDigits(now.minute);
 }
 
 void Scheduler::Tick() {
-  RefreshCaption();
-  if (onSecond) onSecond();
+  secondPassed.Raise();
   if (clock_.Now().second == 0 && LookAtThisMinute()) RunDueTasks();
 }
 

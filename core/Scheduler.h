@@ -1,4 +1,4 @@
-// The scheduler's second: refreshes the caption clock, and at second 00 runs what is due. There is
+// The scheduler's second: tells that it has passed, and at second 00 runs what is due. There is
 // no queue and no catch-up: the tick at second 00 is the only look at its minute.
 #pragma once
 
@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/Clock.h"
+#include "platform/Event.h"
 #include "platform/EventLoop.h"
 
 namespace orvanto {
@@ -50,13 +51,11 @@ class Scheduler {
   // also when the clock is set back by up to a minute, and no task is started twice in it.
   void Tick();
 
-  // Raises onCaption now, for a window that is shown before the first tick.
-  void RefreshCaption();
+  // For the main window: "Orvanto - 14:05".
+  std::string Caption() const;
 
-  // The caption for the main window, on every tick: "Orvanto - 14:05".
-  std::function<void(const std::string& caption)> onCaption;
-  // On every tick, after the caption.
-  std::function<void()> onSecond;
+  // On every tick, before the minute is looked at.
+  Event<> secondPassed;
 
   SecondTimer tmrSched;
 

@@ -102,6 +102,11 @@ void TaskStore::ReadWhen(const Settings::Section& section, TaskRecord& task) {
 }
 
 void TaskStore::SaveTask(const TaskEntry& entry) {
+  Write(entry);
+  listChanged.Raise();
+}
+
+void TaskStore::Write(const TaskEntry& entry) {
   RegistryChange change(settings_.Store());
   if (constexpr std::int16_t kNone = 0; !BelongsToAnother(entry.name, kNone)) {
     ForgetOldTexts(entry.name);
@@ -154,11 +159,14 @@ std::int16_t TaskStore::StoreEntry(TaskEntry entry, const std::string& loadedNam
     *number = TwoDigits(ToInt16Or(*number, 0));
   }
   if (entry.year.size() > 4) entry.year = std::to_string(ToInt16Or(entry.year, 0));
-  SaveTask(entry);
+  Write(entry);
   // A storage mode that stores nothing reports no failure.
-  if (change.Commit() == kSuccess && TaskName(entry.index) == entry.name) return entry.index;
-  TaskValidationMessage = kNotWritten;
-  return 0;
+  if (change.Commit() != kSuccess || TaskName(entry.index) != entry.name) {
+    TaskValidationMessage = kNotWritten;
+    return 0;
+  }
+  listChanged.Raise();
+  return entry.index;
 }
 
 void TaskStore::WriteWhen(const TaskEntry& entry) {
@@ -240,7 +248,7 @@ void TaskStore::DeleteTask(std::int16_t index) {
     }
     settings_.WriteSetting(kGeneral, kCount, std::to_string(count - 1));
   }
-  if (onListChanged) onListChanged();
+  listChanged.Raise();
 }
 
 void TaskStore::FindTaskIndex(const std::string& nodeText, std::int16_t& index) {

@@ -4,12 +4,12 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 
 #include "core/TaskRecord.h"
 #include "core/modRegistry.h"
 #include "platform/Clock.h"
+#include "platform/Event.h"
 
 namespace orvanto {
 
@@ -69,10 +69,12 @@ class TaskStore {
   static constexpr const char* kNotWritten =
       "The task could not be saved: the settings cannot be written.";
 
-  // Removes a slot and closes the gap, as one change; then raises onListChanged. In shared mode the
-  // machine-wide section stays and is only hidden. A slot that is not there changes nothing.
+  // Removes a slot and closes the gap, as one change. In shared mode the machine-wide section stays
+  // and is only hidden. A slot that is not there changes nothing.
   void DeleteTask(std::int16_t index);
-  std::function<void()> onListChanged;
+
+  // Raised after every operation that has changed the list or a task in it.
+  Event<> listChanged;
 
   // The slot whose name stands before the first " | " of a tree line; `index` stays as it is when
   // there is none, or when the line goes on otherwise than the line of that slot (a name that holds
@@ -89,6 +91,7 @@ class TaskStore {
   void CheckTaskFile(std::int16_t taskType, const std::string& path);
 
  private:
+  void Write(const TaskEntry& entry);
   void ReadWhen(const Settings::Section& section, TaskRecord& task);
   void WriteWhen(const TaskEntry& entry);
   void WriteWhat(const TaskEntry& entry);

@@ -35,7 +35,7 @@ TelnetServer::TelnetServer(const Services& services, const RemoteSettings& remot
   sck_->onClosed = [this] { Disconnect(); };
   sck_->onError = [this](int) { Disconnect(); };
   wizard_.repeatFirstQuestion = [this] { ChooseNewTask(); };
-  wizard_.onFinished = [this] { services_.area.TaskListChanged(); };
+  wizard_.onFinished = [this] { services_.store.listChanged.Raise(); };
   services_.chat.onLine = [this](const std::string& line) {
     LocalChatLine(line);
     Flush();

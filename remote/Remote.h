@@ -42,7 +42,6 @@ class ServerArea {
   virtual void EnableClientCommands(bool enabled) = 0;  // Chat and Kick
   virtual void SetLog(const std::string& text) = 0;
   virtual std::string Log() const = 0;
-  virtual void TaskListChanged() = 0;
 };
 
 }  // namespace orvanto

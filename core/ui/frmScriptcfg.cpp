@@ -25,6 +25,10 @@ namespace {
 
 constexpr const char* kStartupLog = "ORVTASK.LOG";
 
+// Heights of the task tree, in twips: above the server's area, and alone.
+constexpr int kTreeAboveServer = 1425;
+constexpr int kTreeAlone = 3375;
+
 // The column of the command buttons, in twips.
 forms::Bounds CommandBounds(int row) { return {7260, 120 + row * 465, 1560, 375}; }
 
@@ -44,7 +48,7 @@ class TreeUpdate {
 
 frmScriptcfg::frmScriptcfg(forms::FormHost& host, const Services& services)
     : Form(host, kProgramTitle, {8940, 4350}),
-      treTasks(*this, nullptr, {120, 120, 7020, 3375}),
+      treTasks(*this, nullptr, {120, 120, 7020, kTreeAlone}),
       cmdNew(*this, nullptr, "&New Task", CommandBounds(0)),
       cmdDelete(*this, nullptr, "&Delete Task", CommandBounds(1)),
       cmdEdit(*this, nullptr, "&Edit Task", CommandBounds(2)),
@@ -116,10 +120,11 @@ void frmScriptcfg::WireCommands() {
     if (mouseMessage != kLeftDoubleClick) return;
     Return();
   };
-  services_.scheduler.onCaption = [this](const std::string& caption) { SetCaption(caption); };
-  services_.store.onListChanged = [this] {
+  ticks_ = services_.scheduler.secondPassed.Subscribe(
+      [this] { SetCaption(services_.scheduler.Caption()); });
+  listChanges_ = services_.store.listChanged.Subscribe([this] {
     if (Loaded()) BuildTaskTree();
-  };
+  });
   onUnload = [this] { OnUnload(); };
 }
 
@@ -185,7 +190,7 @@ void frmScriptcfg::Return() {
 }
 
 void frmScriptcfg::WireRemoteControl() {
-  const bool there = switchServer != nullptr;
+  const bool there = remoteCommands != nullptr;
   optIneton.SetEnabled(there);
   optInetoff.SetEnabled(there);
   mnuInternet.SetEnabled(there);
@@ -195,15 +200,12 @@ void frmScriptcfg::WireRemoteControl() {
   // There is nothing behind it.
   mnuInetsendfile.SetEnabled(false);
   if (!there) return;
-  optIneton.onClick = mnuServeron.onClick = [this] { switchServer(true); };
-  optInetoff.onClick = mnuServeroff.onClick = [this] { switchServer(false); };
+  optIneton.onClick = mnuServeron.onClick = [this] { remoteCommands->SwitchServer(true); };
+  optInetoff.onClick = mnuServeroff.onClick = [this] { remoteCommands->SwitchServer(false); };
   mnuServersetup.onClick = [this] { showSettings(); };
-  mnuInetchat.onClick = sendTilde;
-  cmdChat.onClick = startChat;
-  cmdKick.onClick = kickClient;
-  services_.scheduler.onSecond = [this] {
-    if (fraServer.ShownToUser()) refreshServerCaption();
-  };
+  mnuInetchat.onClick = [this] { remoteCommands->SendTilde(); };
+  cmdChat.onClick = [this] { remoteCommands->StartChat(); };
+  cmdKick.onClick = [this] { remoteCommands->Kick(); };
 }
 
 std::int16_t frmScriptcfg::SelectedSlot() {
@@ -273,8 +275,8 @@ void frmScriptcfg::Step(const std::function<void()>& step) {
 }
 
 void frmScriptcfg::Start(const std::string& commandLine, const std::string& programFolder) {
-  Settings& settings = services_.settings;
   TaskStore& store = services_.store;
+  ProgramSettings& values = services_.programSettings;
   const bool invisible = LowerCase(commandLine) == "invisible";
 
   Step([&] { Load(); });
@@ -283,26 +285,23 @@ void frmScriptcfg::Start(const std::string& commandLine, const std::string& prog
     services_.message.SetTopMost(true);
   });
   // Read before the storage mode is known, so always from the user's own settings.
-  Step([&] {
-    fraInet.SetVisible(true);
-    ReadRemoteSettings();
-  });
+  Step([&] { fraInet.SetVisible(true); });
+  for (const Setting& setting : kRemoteSettings) LoadSetting(setting);
   WireRemoteControl();
   Step([&] {
-    if (switchServer) switchServer(programSettings.remote.serverOn);
+    if (remoteCommands != nullptr) remoteCommands->SwitchServer(values.serverOn);
   });
-  Step([&] { settings.ReadStorageMode(); });
+  Step([&] { services_.settings.ReadStorageMode(); });
+  LoadSetting(kOnTop);
   Step([&] {
-    if (settings.ReadSetting(kGeneral, "OnTop", "0") != "1") return;
-    mnuOnTop.SetChecked(true);
-    SetOnTop(true);
+    mnuOnTop.SetChecked(values.onTop);
+    if (values.onTop) SetOnTop(true);
   });
-  ReadProxySettings();
-  Step([&] {
-    std::string text = "0";
-    settings.ReadSetting(kGeneral, "Check_Auto_Update", "0", text);
-    programSettings.checkAutoUpdate = ToInt16(text);
-  });
+  LoadSetting(kProxyHost);
+  for (const Setting& setting : kProxySettings) {
+    if (!values.proxyHost.empty()) LoadSetting(setting);
+  }
+  LoadSetting(kCheckAutoUpdate);
   Step([&] { store.ReadDateOrder(); });
   Step([&] { CentreOnScreen(); });
   Step([&] { services_.folder.Set(programFolder); });
@@ -310,7 +309,7 @@ void frmScriptcfg::Start(const std::string& commandLine, const std::string& prog
     BuildTaskTree();
     if (store.NoTasks() > kMaxTasks) throw Error(kSubscriptOutOfRange, "Subscript out of range");
   });
-  services_.scheduler.RefreshCaption();
+  SetCaption(services_.scheduler.Caption());
 
   const bool canEdit = showEditor != nullptr;
   cmdNew.SetEnabled(canEdit);
@@ -322,32 +321,31 @@ void frmScriptcfg::Start(const std::string& commandLine, const std::string& prog
   if (!invisible) Show();
 }
 
-void frmScriptcfg::ReadRemoteSettings() {
-  Settings& settings = services_.settings;
-  RemoteSettings& remote = programSettings.remote;
-  settings.ReadSetting(kGeneral, "Inet_Passwd", "", remote.password);
-  remote.passwordRequired = settings.ReadSetting(kGeneral, "Inet_Passwd_Required", "") == "1";
-  remote.chatAutoAccept = settings.ReadSetting(kGeneral, "Inet_Chat_Auto", "") == "1";
-  settings.ReadSetting(kGeneral, "Inet_ServerPort", "", remote.serverPort);
-  remote.serverOn = settings.ReadSetting(kGeneral, "Inet_ServerOn", "") == "1";
+void frmScriptcfg::LoadSetting(const Setting& setting) {
+  Step([&] { setting.Load(services_.settings, services_.programSettings); });
 }
 
-void frmScriptcfg::ReadProxySettings() {
-  Settings& settings = services_.settings;
-  ProxySettings& proxy = programSettings.proxy;
-  Step([&] { settings.ReadSetting(kGeneral, "Proxy", "0", proxy.host); });
-  if (proxy.host.empty()) return;
-  Step([&] { proxy.port = ToInt16(settings.ReadSetting(kGeneral, "ProxyPort", "0")); });
-  Step([&] { proxy.ftpThroughProxy = ToInt16(settings.ReadSetting(kInternet, "Proxy FTP", "0")); });
+void frmScriptcfg::SelectTask(std::int16_t slot) {
+  const auto position = static_cast<std::size_t>(slot - 1);
+  if (position < nodeOfSlot_.size()) treTasks.Select(nodeOfSlot_[position]);
+  EnableTaskCommands(treTasks.Selected().has_value());
 }
 
-void frmScriptcfg::BuildTaskTree(std::optional<std::int16_t> slotToSelect) {
+void frmScriptcfg::ShowServerArea(bool on) {
+  (on ? optIneton : optInetoff).SetValue(true);
+  treTasks.SetHeight(on ? kTreeAboveServer : kTreeAlone);
+  fraServer.SetVisible(on);
+}
+
+// Keeps the line selected that was, as long as there is the same. As far as the hundredth task.
+void frmScriptcfg::BuildTaskTree() {
   TaskStore& store = services_.store;
-  const std::string selected = slotToSelect ? "" : SelectedKey();
+  const std::string selected = SelectedKey();
   TreeUpdate update(treTasks);
   // Not disabled in between, where the selection stays: the keyboard would leave the button.
   if (selected.empty()) EnableTaskCommands(false);
   treTasks.Clear();
+  nodeOfSlot_.clear();
   for (const std::int16_t slot : store.Slots()) {
     if (slot > kMaxTasks) break;
     const std::string description = services_.sched.TreeLine(slot);
@@ -370,7 +368,7 @@ void frmScriptcfg::BuildTaskTree(std::optional<std::int16_t> slotToSelect) {
                                     .image = "TASK",
                                     .selectedImage = "TASK_SELECTED"});
     treTasks.EnsureVisible(node);
-    if (slot == slotToSelect) treTasks.Select(node);
+    nodeOfSlot_.push_back(node);
   }
   SelectKey(selected);
   EnableTaskCommands(treTasks.Selected().has_value());
@@ -380,7 +378,8 @@ void frmScriptcfg::OnUnload() {
   services_.scheduler.tmrSched.Stop();
   services_.trayIcon.Remove();
   services_.message.Unload();
-  services_.settings.WriteSetting(kGeneral, "OnTop", mnuOnTop.Checked() ? "1" : "0");
+  services_.programSettings.onTop = mnuOnTop.Checked();
+  kOnTop.Save(services_.settings, services_.programSettings);
   if (onEnded) onEnded();
 }
 

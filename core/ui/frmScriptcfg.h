@@ -6,8 +6,10 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/ProgramSettings.h"
+#include "platform/Event.h"
 #include "platform/forms/forms.h"
 
 namespace orvanto {
@@ -24,10 +26,21 @@ class TaskStore;
 class TrayIcon;
 class frmmsg;
 
+// What the main window has for the remote control.
+class RemoteCommands {
+ public:
+  virtual ~RemoteCommands() = default;
+  virtual void SwitchServer(bool on) = 0;
+  virtual void StartChat() = 0;
+  virtual void Kick() = 0;
+  virtual void SendTilde() = 0;
+};
+
 class frmScriptcfg : public forms::Form {
  public:
   struct Services {
     Settings& settings;
+    ProgramSettings& programSettings;
     ProgramFolder& folder;
     TaskStore& store;
     Sched& sched;
@@ -51,9 +64,8 @@ class frmScriptcfg : public forms::Form {
   // "Always on Top", as it was stored and whenever it is switched: for the windows beside this one.
   std::function<void(bool on)> onOnTop;
 
-  // The remote control; without it its commands are disabled. Set before Start.
-  std::function<void(bool on)> switchServer;
-  std::function<void()> startChat, kickClient, sendTilde, refreshServerCaption;
+  // Without it the commands of the remote control are disabled. Set before Start.
+  RemoteCommands* remoteCommands = nullptr;
 
   // The window has been unloaded: the program ends.
   std::function<void()> onEnded;
@@ -67,11 +79,11 @@ class frmScriptcfg : public forms::Form {
   // nothing when it has been unloaded.
   void Return();
 
-  // Reads the store anew and selects that slot's task; without a slot, the line that was selected
-  // as long as there is the same. As far as the hundredth task.
-  void BuildTaskTree(std::optional<std::int16_t> slotToSelect = std::nullopt);
+  // Selects a slot's task and brings it into sight.
+  void SelectTask(std::int16_t slot);
 
-  ProgramSettings programSettings;
+  // The area of the remote control, below a smaller tree; and the option buttons for it.
+  void ShowServerArea(bool on);
 
   forms::TreeView treTasks;
   // Created column by column: the order is the tab order.
@@ -99,9 +111,9 @@ class frmScriptcfg : public forms::Form {
   void DeleteSelectedTask();
   void SetOnTop(bool on);
   void OnUnload();
-  void ReadRemoteSettings();
-  void ReadProxySettings();
+  void LoadSetting(const Setting& setting);
   void Step(const std::function<void()>& step);
+  void BuildTaskTree();
   void EnableTaskCommands(bool selected);
   std::int16_t SelectedSlot();
   std::string SelectedKey() const;
@@ -109,6 +121,9 @@ class frmScriptcfg : public forms::Form {
   void SelectKey(const std::string& key);
 
   Services services_;
+  std::vector<forms::TreeView::NodeId> nodeOfSlot_;  // from slot 1 on
+  Subscription ticks_;
+  Subscription listChanges_;
 };
 
 }  // namespace orvanto

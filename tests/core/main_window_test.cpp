@@ -39,10 +39,11 @@ class MainWindowTest : public testing::Test, public CoreDesk {
     return selected ? Lines()[*selected] : "";
   }
 
+  ProgramSettings programSettings;
   frmmsg message{forms};
   frmScriptcfg window{forms,
-                      {settings, folder, store, sched, scheduler, execution, clock, files, trayIcon,
-                       messageBoxes, message}};
+                      {settings, programSettings, folder, store, sched, scheduler, execution, clock,
+                       files, trayIcon, messageBoxes, message}};
 };
 
 TEST_F(MainWindowTest, GroupsStandInOrderOfTheirFirstTask) {
@@ -108,13 +109,13 @@ TEST_F(MainWindowTest, TheSelectionStaysOrGoesToTheNeighbour) {
   }
   InGroup("First", "A");
   InGroup("Second", "A");
-  window.BuildTaskTree(2);
+  window.SelectTask(2);
   EXPECT_EQ(Selected(), "A/Second") << "as the editor saved it";
   store.DeleteTask(1);
   EXPECT_EQ(Selected(), "A/Second");
   store.DeleteTask(1);
   InGroup("Third", "A");
-  window.BuildTaskTree();
+  store.DeleteTask(2);
   EXPECT_EQ(Selected(), "") << "others have deleted it";
 }
 
@@ -177,14 +178,14 @@ TEST_F(MainWindowTest, RemoteSettingsAreReadBeforeTheStorageMode) {
   settings.WriteSetting(kGeneral, "Inet_Chat_Auto", "yes");
   settings.WriteMachineSetting(kGeneral, "Users_Share", "1");
   Start();
-  EXPECT_EQ(window.programSettings.remote.password, "user");
-  EXPECT_EQ(window.programSettings.remote.passwordRequired, 1);
-  EXPECT_EQ(window.programSettings.remote.chatAutoAccept, 0);
-  EXPECT_EQ(window.programSettings.remote.serverPort, "");
+  EXPECT_EQ(programSettings.password, "user");
+  EXPECT_TRUE(programSettings.passwordRequired);
+  EXPECT_FALSE(programSettings.chatAutoAccept);
+  EXPECT_EQ(programSettings.serverPort, "");
   EXPECT_TRUE(window.TopMost());
   EXPECT_TRUE(message.TopMost());
-  EXPECT_EQ(window.programSettings.proxy.host, "0");
-  EXPECT_EQ(window.programSettings.proxy.port, 0);
+  EXPECT_EQ(programSettings.proxyHost, "0");
+  EXPECT_EQ(programSettings.proxyPort, 0);
 }
 
 TEST_F(MainWindowTest, AFailedStepIsLoggedAndTheNextOnesFollow) {

@@ -18,7 +18,7 @@ constexpr std::int64_t kDay = 24 * 60 * kMinute;
 class SchedulerTest : public testing::Test, public CoreDesk {
  protected:
   SchedulerTest() {
-    scheduler.onCaption = [this](const std::string& caption) { captions.push_back(caption); };
+    ticks = scheduler.secondPassed.Subscribe([this] { captions.push_back(scheduler.Caption()); });
     execution.onRun = [this](const TaskRecord& task) {
       const DateTime now = clock.Now();
       fired.push_back(task.name + " " + std::to_string(now.day) + " " + TwoDigits(now.hour) + ":" +
@@ -37,6 +37,7 @@ class SchedulerTest : public testing::Test, public CoreDesk {
 
   Texts captions;
   Texts fired;
+  Subscription ticks;
 };
 
 TEST_F(SchedulerTest, DueTasksRunOnceInSlotOrderAtSecondZero) {
@@ -62,9 +63,9 @@ TEST_F(SchedulerTest, DueTasksRunOnceInSlotOrderAtSecondZero) {
 
 TEST_F(SchedulerTest, ATickThatLastsIntoTheNextMinuteRunsItsTasksAndTheNextTickDoesNot) {
   AddSilent("First", "14:05");
-  scheduler.onSecond = [this] {
+  const Subscription busy = scheduler.secondPassed.Subscribe([this] {
     if (clock.Now().second == 59) loop.Block(kSecond + kSecond / 2);
-  };
+  });
   Run(40 * kSecond);
   EXPECT_EQ(fired, (Texts{"First 21 14:05"}));
 }
@@ -170,7 +171,7 @@ TEST_F(SchedulerTest, ASecondLookedAtByALateTickIsNotLookedAtAgain) {
   clock.Set(2026, 11, 21, 14, 4, 58, 1);
   loop.lateness = [] { return 999; };
   // The tick of second 59 comes at its very end, and second 00 has begun when it looks.
-  scheduler.onSecond = [this] { loop.Block(2); };
+  const Subscription busy = scheduler.secondPassed.Subscribe([this] { loop.Block(2); });
   Run(5 * kSecond);
   EXPECT_EQ(fired, (Texts{"Task 21 14:05"}));
 }

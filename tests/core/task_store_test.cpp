@@ -55,14 +55,15 @@ TEST_F(TaskStoreTest, WhatIsMissingLoadsAsTheDefaults) {
 
 TEST_F(TaskStoreTest, DeletingClosesTheGap) {
   int changes = 0;
-  store.onListChanged = [&] { ++changes; };
+  const Subscription listens = store.listChanged.Subscribe([&] { ++changes; });
   Fill({"One", "Two", "Three", "Four"});
+  EXPECT_EQ(changes, 4);
   store.DeleteTask(2);
   EXPECT_EQ(Names(), (Texts{"One", "Three", "Four"}));
   EXPECT_FALSE(HasSection("Two"));
   EXPECT_EQ(Stored(kGeneral, "Task4"), "(missing)");
   store.DeleteTask(3);
-  EXPECT_EQ(changes, 2);
+  EXPECT_EQ(changes, 6);
   for (const std::int16_t nothing : std::initializer_list<std::int16_t>{0, -1, 3, 100})
     store.DeleteTask(nothing);
   EXPECT_EQ(Names(), (Texts{"One", "Three"}));

@@ -22,7 +22,6 @@ class FakeArea : public ServerArea {
   void EnableClientCommands(bool on) override { commands = on; }
   void SetLog(const std::string& text) override { log = text; }
   std::string Log() const override { return log; }
-  void TaskListChanged() override { ++listChanges; }
 
   // All of it in short: whether it is shown, the lamps, the client, whether it can be acted on.
   std::string Text() const {
@@ -32,7 +31,6 @@ class FakeArea : public ServerArea {
   bool shown = false;
   std::string caption, lamps, client = "0.0.0.0", log;
   bool commands = false;
-  int listChanges = 0;
 };
 
 struct RemoteDesk : CoreDesk {
