@@ -5,6 +5,7 @@
 
 #include "core/Convert.h"
 #include "core/ProgramFolder.h"
+#include "core/ProgramTitle.h"
 #include "core/TaskExecution.h"
 #include "core/modTaskOperations.h"
 #include "platform/Files.h"
@@ -16,6 +17,7 @@
 namespace orvanto {
 namespace {
 
+const std::string kTitle = std::string(kProgramTitle) + " " + kProgramVersion;
 constexpr int kMenuItems = 7;
 constexpr std::array<const char*, kMenuItems> kMenuTexts{
     "New Task", "Delete Task", "Run Task", "Edit Task", "View Scripts Folder", "Chat", "Logout"};
@@ -57,7 +59,7 @@ void TelnetServer::MenuItem(int count, int number, const std::string& text,
 void TelnetServer::ShowMainMenu() {
   for (int number = 1; number <= kMenuItems; ++number) {
     MenuItem(kMenuItems, number, kMenuTexts[static_cast<std::size_t>(number - 1)],
-             number == 1 ? "Orvanto 1.3" : "");
+             number == 1 ? kTitle : "");
   }
   Log("Main Menu");
   state_ = SessionState::MainMenu;

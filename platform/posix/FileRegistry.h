@@ -1,13 +1,12 @@
-// The registry of a host that has none: a text file, see RegistryText.h.
+// The registry of a host that has none: a text file, see RegistryText.h. How that is read and
+// replaced is RegistryFile's; here is what it means, and what the user is told.
 #pragma once
-
-#include <sys/stat.h>
 
 #include <chrono>
 #include <functional>
 #include <string>
 
-#include "platform/posix/Descriptor.h"
+#include "platform/posix/RegistryFile.h"
 #include "platform/registry/TreeRegistry.h"
 
 namespace orvanto::posix {
@@ -48,46 +47,26 @@ class FileRegistry : public TreeRegistry {
   Status Write(const WriteStep& step) override;
 
  private:
-  // Tells one state of the file from another. That of a missing file is an error of its own.
-  struct Stamp {
-    int error = 0;
-    dev_t device = 0;
-    ino_t inode = 0;
-    off_t size = 0;
-    long long modified = 0;  // ns
-    long long changed = 0;   // ns
-    bool operator==(const Stamp&) const = default;
-
-    static Stamp Of(const std::string& path);
-    static Stamp Of(int fd);
-    static Stamp From(const struct stat& status);
-  };
-
   void Load();
-  void ReadFrom(Descriptor file);
+  void BeEmpty();
+  void Parse(const std::string& text);
   void Look();
   void SayUnreadable(const std::string& reason);
   void SetAsideAtStart();
-  bool SetAside(std::string& name);
-  bool Lock();
   Status Store();
-  bool Replace(const std::string& text);
   void Say(const std::string& message);
   void SayFailure(const std::string& reason);
 
-  const std::string path_;
+  RegistryFile file_;
   const Report report_;
   const OnDamage onDamage_;
   std::chrono::steady_clock::time_point lastLook_;
-  Stamp stamp_;      // of the file as it was last read or written
-  Descriptor file_;  // keeps that file's inode number from being given to another
   bool starting_ = true;
-  std::string damage_;       // what is wrong with the file that stamp_ tells of
+  std::string damage_;       // what is wrong with the file as it was last seen
   bool unreadable_ = false;  // it is there but cannot be read
   std::string lastUnreadable_;
 
   int depth_ = 0;
-  Descriptor lock_;
   Status changeStatus_ = kSuccess;  // why the current change can write nothing
   RegistryTree before_;             // what the current change began with
   std::string lastFailure_;

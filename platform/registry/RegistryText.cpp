@@ -229,16 +229,14 @@ class Parser {
   }
 
   void Bytes(const std::string& name, std::string_view line) {
-    const std::size_t colon = line.find(':');
-    std::string_view kind = line.substr(0, colon);
+    const std::size_t colon = std::min(line.find(':'), line.size());
+    const std::string_view kind = line.substr(0, colon);
     std::optional<std::uint32_t> type;
-    if (colon == std::string_view::npos) {
-    } else if (kind == "hex") {
-      type = static_cast<std::uint32_t>(ValueType::Binary);
-    } else if (kind.starts_with("hex(") && kind.ends_with(')')) {
+    if (kind == "hex") type = static_cast<std::uint32_t>(ValueType::Binary);
+    if (kind.starts_with("hex(") && kind.ends_with(')')) {
       type = Number(kind.substr(4, kind.size() - 5), 10, 10);
     }
-    if (!type)
+    if (!type || colon == line.size())
       return Fail("a value must be a \"text\" in quotes, dword: or hex: and what follows them");
     std::string data;
     for (std::string_view rest = line.substr(colon + 1); !rest.empty();) {
