@@ -20,7 +20,7 @@ class frmScriptcfg;
 struct TaskRecord;
 
 struct StartOptions {
-  std::string commandLine;    // what stands behind the program's name
+  std::string commandLine;    // what follows the program's name
   std::string programFolder;  // where the program is installed, as a Windows path
 };
 

@@ -93,7 +93,7 @@ void Scheduler::RunDueTasks() {
     try {
       execution_.RunTask(slot);
     } catch (const std::exception&) {
-      // A task that fails is its own loss: those behind it are still due.
+      // A task that fails is its own loss: those after it are still due.
     }
   }
 }

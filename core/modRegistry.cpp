@@ -51,7 +51,7 @@ void ReadString(Registry& registry, Registry::Key key, const std::string& name, 
     if (status == kSuccess) text.resize(size);
   }
   if (status != kSuccess || type != ValueType::String) return;
-  // To the terminating NUL; whatever another program has written behind it is no text.
+  // To the terminating NUL; whatever another program has written after it is no text.
   out = text.substr(0, text.find('\0'));
 }
 

@@ -12,7 +12,7 @@ namespace orvanto {
 class EventLoop;
 class Files;
 
-// The finder behind the find commands, and behind the file check of validation.
+// The finder of the find commands and of validation's file check.
 class FolderSearch : public FileLookup {
  public:
   FolderSearch(EventLoop& loop, Files& files, FileActions& actions)

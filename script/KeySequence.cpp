@@ -74,7 +74,7 @@ class Parser {
     }
     Modifiers modifiers = HoldModifiers();
     if (AtEnd() || text_[at_] == ')') {
-      // A modifier with nothing behind it is tapped.
+      // A modifier with nothing after it is tapped.
       Release(modifiers);
     } else if (text_[at_] == '(') {
       ++at_;
@@ -185,7 +185,7 @@ class Parser {
     if (count > 0) events_.push_back({KeyEvent::Action::Press, key, character, count});
   }
 
-  // The character that begins at `at`, which moves behind it.
+  // The character that begins at `at`, which moves past it.
   static char32_t Character(std::string_view text, std::size_t& at) {
     char32_t character = 0;
     const std::size_t length = DecodeUtf8(text, at, character);

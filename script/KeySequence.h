@@ -1,5 +1,5 @@
 // The key-sending notation: plain characters; `+ ^ %` for Shift, Ctrl and Alt on the unit or the
-// parenthesised group behind them; `~` for Enter; `{NAME}`, `{NAME 10}` for named keys and for
+// parenthesised group after them; `~` for Enter; `{NAME}`, `{NAME 10}` for named keys and for
 // single characters that would otherwise mean something, with a repeat count.
 #pragma once
 

@@ -180,7 +180,7 @@ ScriptInterpreter::Outcome ScriptInterpreter::RunLine(Call& call, std::string_vi
 }
 
 void ScriptInterpreter::StartDelay(ScriptSlot& slot, std::string_view line) {
-  // From the line itself, whatever the arguments are: behind "delay(", before the last character.
+  // From the line itself, whatever the arguments are: after "delay(", up to the last character.
   constexpr std::size_t kBehindWord = 6;
   std::string_view seconds = line.size() > kBehindWord ? line.substr(kBehindWord) : "";
   if (!seconds.empty()) seconds.remove_suffix(1);

@@ -2,7 +2,7 @@
 //
 // All runs share a table of 100 slots and one timer for their delays. Every call of RunScript takes
 // a fresh slot, a resume too: a script that delays starts again from its first line, in one slot
-// more each time, until the table is full. This, the one text of the log, and what happens behind a
+// more each time, until the table is full. This, the one text of the log, and what happens after a
 // bad line are relied upon; do not mend them.
 #pragma once
 
@@ -41,7 +41,7 @@ class ScriptInterpreter : public ScriptRunner {
 
   // Returns when the script has ended, waits for a delay, or was ended by a message box or by the
   // end of the program. A path without a drive belongs to the scripts folder. Throws Error: 9 when
-  // no slot is free; 53, 55, 13 and the like for a failure behind a failure, with the slot left in
+  // no slot is free; 53, 55, 13 and the like for a failure that follows a failure, with the slot left in
   // use. It re-enters: a command that lets other events run may start a script.
   void RunScript(const std::string& path) override;
 

@@ -31,7 +31,7 @@ bool TakeStarsOff(std::string& title) {
 }
 
 // How often a title holds the text: overlapping places count, and an empty text is at every
-// character and behind the last. A window without a title holds nothing.
+// character and after the last. A window without a title holds nothing.
 std::size_t Places(const std::string& title, const std::string& wanted) {
   if (title.empty()) return 0;
   if (wanted.empty()) {

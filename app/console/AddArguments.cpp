@@ -104,7 +104,7 @@ void ReadDate(const std::vector<std::string>& fields, bool monthFirst, TaskEntry
   const bool yearFirst = fields[0].size() == 4;
   const std::string& one = fields[yearFirst ? 1 : 0];
   const std::string& two = fields[yearFirst ? 2 : 1];
-  // Behind a year the month comes first.
+  // After a year the month comes first.
   const bool swapped = yearFirst && !monthFirst;
   entry.datePart1 = Part(swapped ? two : one);
   entry.datePart2 = Part(swapped ? one : two);

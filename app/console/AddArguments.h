@@ -20,7 +20,7 @@ class UsageError : public std::runtime_error {
 // A file as the user names it on this system, as a task of that type stores it.
 using TaskPath = std::function<std::string(const std::string& file, std::int16_t taskType)>;
 
-// From the words behind `add`: the name and the options. Fills in all but the slot. What is only
+// From the words after `add`: the name and the options. Fills in all but the slot. What is only
 // invalid (a 31 April, a 25th hour) is left to the validation of tasks. Throws UsageError.
 TaskEntry ParseAddArguments(const std::vector<std::string>& words, bool monthFirst,
                             const TaskPath& taskPath);

@@ -162,7 +162,7 @@ void frmEdit::WireControls() {
 }
 
 void frmEdit::Open(std::optional<std::int16_t> slot) {
-  // Not the slot behind the last: shared settings keep the name of a deleted task there.
+  // Not the slot after the last: shared settings keep the name of a deleted task there.
   constexpr std::int16_t kNoSlot = 0;
   services_.store.LoadTask(slot.value_or(kNoSlot));
   loaded_ = services_.store.CurrentTask;
@@ -340,7 +340,7 @@ TaskEntry frmEdit::Entered() const {
   entry.datePart1 = TwoDigits(txtdte[0].Text());
   entry.datePart2 = TwoDigits(txtdte[1].Text());
   entry.year = txtdte[2].Text();
-  // Behind the rules that fire stands the task's own.
+  // The task's own comes after the rules that fire.
   entry.every = CodeOf(cmbRecur, loaded_.every);
   if (entry.every > kEveryCodesThatFire) entry.every = loaded_.every;
   entry.in = CodeOf(cmbMonth, loaded_.in);

@@ -32,7 +32,7 @@ constexpr int kTreeAlone = 3375;
 // The column of the command buttons, in twips.
 forms::Bounds CommandBounds(int row) { return {7260, 120 + row * 465, 1560, 375}; }
 
-// Redraws once, behind all changes of the tree.
+// Redraws once, after all changes of the tree.
 class TreeUpdate {
  public:
   explicit TreeUpdate(forms::TreeView& tree) : tree_(tree) { tree_.BeginUpdate(); }
@@ -197,7 +197,7 @@ void frmScriptcfg::WireRemoteControl() {
   cmdChat.SetEnabled(false);
   cmdKick.SetEnabled(false);
   mnuServersetup.SetEnabled(showSettings != nullptr);
-  // There is nothing behind it.
+  // It has no function yet.
   mnuInetsendfile.SetEnabled(false);
   if (!there) return;
   optIneton.onClick = mnuServeron.onClick = [this] { remoteCommands->SwitchServer(true); };

@@ -63,7 +63,7 @@ void BufferedSocket::SendCompleted() {
 std::string BufferedSocket::GetData() {
   if (std::exchange(paused_, false) && state_ == State::Connected) {
     WantsChanged();
-    // Systems that report an arrival only once have done so.
+    // Where reports are edge-triggered (one for each arrival), this one has come already.
     ReceiveLater();
   }
   return std::exchange(arrived_, {});
@@ -89,17 +89,19 @@ void BufferedSocket::Connected() {
   Raise(onConnected);
 }
 
+// One read for each call, so that a flood on one connection leaves room for the others.
 void BufferedSocket::Receive() {
   if (state_ != State::Connected || paused_) return;
   if (arrived_.size() == kMostPerArrival) return Pause();
   const Moved moved = ReceiveSome();
   if (moved.count > 0) {
+    // The system reports nothing more of a connection that is finishing: it reads on by itself.
     if (finishing_) ReceiveLater();
     Raise(onDataArrival);
     return;
   }
-  // Finishing, nothing is left to read: the connection ends with what ended its sending, if
-  // anything.
+  // Nothing is left to read. A failed read ends the connection; one that is finishing ends with the
+  // error that ended its sending, unless the peer has closed in good order.
   const int error = moved.error != 0 ? moved.error : finishing_ && !moved.end ? lastError_ : 0;
   if (error != 0) {
     Fail(error);
@@ -109,7 +111,7 @@ void BufferedSocket::Receive() {
   }
 }
 
-// Not on the stack: the events of sockets may come one inside the other.
+// The buffer is not on the stack, because the events of sockets may nest.
 BufferedSocket::Moved BufferedSocket::ReceiveSome() {
   const std::size_t room = kMostPerArrival - arrived_.size();
   const auto buffer = std::make_unique_for_overwrite<char[]>(room);

@@ -38,8 +38,8 @@ class BufferedSocket : public TcpSocket {
   virtual Moved SystemSend(const char* bytes, std::size_t size) = 0;
   virtual Moved SystemReceive(char* bytes, std::size_t size) = 0;
   virtual void SystemClose() = 0;
-  // What a connection waits for has changed; for systems that report all there is until told not
-  // to.
+  // What a connection waits for has changed: for systems whose reports are level-triggered, that
+  // is, come again and again as long as there is something to do.
   virtual void WantsChanged() {}
   bool WantsToReceive() const { return !paused_; }
   bool WantsToSend() const { return unsent_.size() > sent_; }
@@ -49,7 +49,8 @@ class BufferedSocket : public TcpSocket {
   void Connected();
   void Receive();   // there may be something to read
   void SendMore();  // there may be room
-  // Nothing more can be sent, or will come: what has arrived is announced, then comes the end.
+  // Nothing more can be sent: the peer has closed, or a send has failed with `error`. What can
+  // still be read is announced first, then onClosed or onError is raised.
   void Finish(int error);
   void Fail(int error);       // at once
   void FailLater(int error);  // before there is a connection: from the loop
@@ -96,7 +97,7 @@ class BufferedSocket : public TcpSocket {
 template <typename Owner>
 class ConnectionRequests {
  public:
-  // Calls announce(id) and drops the connection behind it, unless it was taken.
+  // Calls announce(id), then drops the connection unless it was taken.
   template <typename Announce>
   void Offer(Owner connection, const Announce& announce) {
     const TcpSocket::RequestId id = ++last_;

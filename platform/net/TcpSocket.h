@@ -39,7 +39,7 @@ class TcpSocket {
   virtual std::uint16_t LocalPort() const = 0;  // 0 when closed
 
   // Takes a connection that onConnectionRequest of this or another socket of the host has
-  // announced. Only inside that event: a request that nobody has taken is turned away behind it.
+  // announced. Only inside that event: a request that nobody has taken is turned away after it.
   // Closes first what was open, the listener itself too. False when the client has gone.
   virtual bool Accept(RequestId request) = 0;
 
@@ -49,7 +49,7 @@ class TcpSocket {
   // Queues the bytes; never blocks. Nothing happens without a connection.
   virtual void Send(std::string_view bytes) = 0;
 
-  // What has arrived since the last call; in onClosed and behind it too. While kMostPerArrival wait
+  // What has arrived since the last call; in onClosed and after it too. While kMostPerArrival wait
   // to be fetched, nothing more is read.
   virtual std::string GetData() = 0;
 

@@ -169,8 +169,9 @@ std::shared_ptr<PosixLoop::TimerEntry> PosixLoop::Earliest() const {
   return earliest != nullptr ? *earliest : nullptr;
 }
 
-// The alarm rings when the next timer is due. Set only when that changes, it costs a busy loop less
-// than a limit to each wait, and it is on time where such a limit is let pass by a thousandth.
+// The alarm is a timer descriptor that becomes readable when the next timer is due. It is set only
+// when that time changes, which costs a busy loop less than a time-out for each poll, and it has no
+// slack: poll rounds its time-outs up to the next millisecond.
 void PosixLoop::SetAlarm() {
   const auto earliest = Earliest();
   const auto due = earliest ? earliest->due : Clock::time_point();
@@ -211,7 +212,7 @@ void PosixLoop::Poll(bool wait) {
 
 void PosixLoop::RunDueTimers() {
   if (timers_.empty()) return;
-  // Each timer comes once in a round: its next time lies behind this moment.
+  // Each timer comes once in a round: its next time lies after this moment.
   const Clock::time_point begin = Clock::now();
   for (auto entry = Earliest(); entry && entry->due <= begin; entry = Earliest()) {
     // Missed periods collapse, and the timer keeps its rhythm.
