@@ -41,8 +41,8 @@ class ScriptInterpreter : public ScriptRunner {
 
   // Returns when the script has ended, waits for a delay, or was ended by a message box or by the
   // end of the program. A path without a drive belongs to the scripts folder. Throws Error: 9 when
-  // no slot is free; 53, 55, 13 and the like for a failure that follows a failure, with the slot left in
-  // use. It re-enters: a command that lets other events run may start a script.
+  // no slot is free; 53, 55, 13 and the like for a failure that follows a failure, with the slot
+  // left in use. It re-enters: a command that lets other events run may start a script.
   void RunScript(const std::string& path) override;
 
   // Told of the failure that ends a script: its path, the number of the line, the reason. The log
