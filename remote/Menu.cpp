@@ -204,7 +204,6 @@ void TelnetServer::EditTask(const std::string& line) {
   store.LoadTask(number);
   state_ = SessionState::EditTask;
   wizard_.BeginEdit();
-  wizard_.EditStep("");
 }
 
 void TelnetServer::SendTilde() {

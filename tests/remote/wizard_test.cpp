@@ -82,7 +82,7 @@ TEST_F(WizardTest, MakesATaskOfEveryKind) {
     const char* path;
   } types[] = {
       {{{"1", kScript}, {"night.TXT", kKeep}}, "night.TXT"},
-      {{{"2", kProgram}, {"C:\\X.exe", kParameters}, {"", kStyle}, {"6", kKeep}}, "C:\\X.exe"},
+      {{{"2", kProgram}, {"C:\\X.exe", kParameters}, {"-a", kStyle}, {"6", kKeep}}, "C:\\X.exe"},
       {{{"3", kFile}, {"c:\\x.exe", kKeep}}, "c:\\x.exe"},
       {{{"4", kKeep}}, "Reset Computer"},
       {{{"5", kKeep}}, "Shutdown Computer"},
@@ -106,6 +106,7 @@ TEST_F(WizardTest, MakesATaskOfEveryKind) {
       EXPECT_EQ(task.taskType, &type - types + 1);
       EXPECT_EQ(DescribeWhen(task, 0, clock), time.when);
       EXPECT_EQ(task.path, type.path);
+      EXPECT_EQ(task.cmdLine, task.taskType == kRunProgram ? "-a" : "") << name;
       EXPECT_EQ(task.winStyle, task.taskType == kRunProgram ? 6 : 1);
     }
   }
