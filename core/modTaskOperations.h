@@ -45,6 +45,10 @@ class TaskStore {
   // The first slot of that name, compared with regard to case; 0 for none.
   std::int16_t SlotOfName(const std::string& name);
 
+  // Whether a slot other than the given one keeps its fields in that section: its name differs at
+  // most in upper and lower case.
+  bool BelongsToAnother(const std::string& section, std::int16_t ownSlot);
+
   // The full path of a task's file: relative ones belong to the scripts folder.
   std::string TaskFile(const std::string& path) const;
 
@@ -93,7 +97,6 @@ class TaskStore {
   void WriteWhat(const TaskEntry& entry);
   void ClaimSlot(const TaskEntry& entry);
   void DeleteSection(const std::string& name, std::int16_t ownSlot);
-  bool BelongsToAnother(const std::string& section, std::int16_t ownSlot);
   void ForgetOldTexts(const std::string& section);
   std::int16_t NamesThere();
   std::int16_t SlotToSave(const std::string& loadedName, std::int16_t loadedSlot);

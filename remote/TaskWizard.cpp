@@ -296,6 +296,7 @@ std::string TaskWizard::TakeName(const std::string& line) {
       editing_ ? loaded_.index : static_cast<std::int16_t>(store_.NoTasks() + 1);
   store_.ValidateTaskName(line, slot);
   if (!store_.TaskValidationMessage.empty()) return store_.TaskValidationMessage;
+  if (store_.BelongsToAnother(line, slot)) return TaskStore::kSameSection;
   task_.name = line;
   return "";
 }

@@ -130,6 +130,7 @@ TEST_F(WizardTest, RejectsAndAsksAgain) {
         {"", no("No task name given", kName)},
         {"Taken", no(inUse, kName)},
         {"general", no(inUse, kName)},
+        {"TAKEN", no(TaskStore::kSameSection, kName)},
         {"Fine", kTime},
         {"9:30", no("Invalid Time", kTime)},
         {"09.30", no("Invalid Time", kTime)},
