@@ -106,6 +106,7 @@ void Program::WireWindows() {
   parts_->editor.onClosed = [&window] { window.Return(); };
   parts_->about.onClosed = [&window] { window.Return(); };
   TelnetServer& telnet = parts_->telnet;
+  parts_->remoteArea.ShowLog(telnet.ServerLog());
   window.switchServer = [&telnet](bool on) { on ? telnet.ServerOn() : telnet.ServerOff(); };
   window.startChat = [&telnet] { telnet.StartChat(); };
   window.kickClient = [&telnet] { telnet.Kick(); };

@@ -25,6 +25,10 @@ void RemoteArea::EnableClientCommands(bool enabled) {
   window_.cmdKick.SetEnabled(enabled);
 }
 
+void RemoteArea::ShowLog(TextLog& log) {
+  logChanged_ = log.changed.Subscribe([this, &log] { window_.txtServer.SetText(log.Text()); });
+}
+
 void RemoteArea::TaskListChanged() {
   if (window_.Loaded()) window_.BuildTaskTree();
 }

@@ -13,25 +13,19 @@ namespace orvanto {
 
 class FakeArea : public ServerArea {
  public:
-  void ShowServer(bool on) override { shown = on; }
+  void ShowServer(bool on) override { shown = on ? "shown " : "hidden "; }
   void SetCaption(const std::string& text) override { caption = text; }
   void SetLamps(bool yes, bool no) override {
-    lamps = std::string(yes ? "Y" : "-") + (no ? "N" : "-");
+    lamps = std::string(yes ? "Y" : "-") + (no ? "N " : "- ");
   }
   void SetClient(const std::string& address) override { client = address; }
-  void EnableClientCommands(bool on) override { commands = on; }
-  void SetLog(const std::string& text) override { log = text; }
-  std::string Log() const override { return log; }
+  void EnableClientCommands(bool on) override { commands = on ? " commands" : ""; }
   void TaskListChanged() override { ++listChanges; }
 
   // All of it in short: whether it is shown, the lamps, the client, whether it can be acted on.
-  std::string Text() const {
-    return (shown ? "shown " : "hidden ") + lamps + " " + client + (commands ? " commands" : "");
-  }
+  std::string Text() const { return shown + lamps + client + commands; }
 
-  bool shown = false;
-  std::string caption, lamps, client = "0.0.0.0", log;
-  bool commands = false;
+  std::string shown, caption, lamps, client, commands;
   int listChanges = 0;
 };
 
@@ -43,6 +37,7 @@ struct RemoteDesk : CoreDesk {
       {loop, sockets, settings, store, execution, clock, files, messageBoxes, area, chat}, remote};
   FakeSocketHost::Socket& socket = *sockets.sockets.front();
 
+  const std::string& Log() { return server.ServerLog().Text(); }
   // Switches the server on and connects; what the client is sent at first.
   std::string Connect() {
     if (!server.Connected() && !server.Listening()) server.ServerOn();
@@ -51,13 +46,17 @@ struct RemoteDesk : CoreDesk {
     EXPECT_EQ(socket.pieces, 1);
     return socket.Sent();
   }
-  // Types key by key and Enter; what the client is sent behind the echo of the keys.
-  std::string Line(const std::string& text) {
-    for (const char key : text) socket.PeerSends(std::string(1, key));
+  // One arrival; what the client is sent.
+  std::string Send(const std::string& chunk) {
     socket.Sent();
-    socket.PeerSends(kCrLf);
+    socket.PeerSends(chunk);
     EXPECT_LE(socket.pieces, 1) << "of one event";
     return socket.Sent();
+  }
+  // Types key by key and Enter; what the client is sent after the echo of the keys.
+  std::string Line(const std::string& text) {
+    for (const char key : text) Send(std::string(1, key));
+    return Send(kCrLf);
   }
   std::string Lines(const Texts& lines) {
     std::string last;
