@@ -14,7 +14,7 @@ namespace orvanto {
 class FakeArea : public ServerArea {
  public:
   void ShowServer(bool on) override { shown = on ? "shown " : "hidden "; }
-  void SetCaption(const std::string& text) override { caption = text; }
+  void SetCaption(const std::string& text) override { caption = text + " "; }
   void SetLamps(bool yes, bool no) override {
     lamps = std::string(yes ? "Y" : "-") + (no ? "N " : "- ");
   }
@@ -22,8 +22,8 @@ class FakeArea : public ServerArea {
   void EnableClientCommands(bool on) override { commands = on ? " commands" : ""; }
   void TaskListChanged() override { ++listChanges; }
 
-  // All of it in short: whether it is shown, the lamps, the client, whether it can be acted on.
-  std::string Text() const { return shown + lamps + client + commands; }
+  // All of it in short.
+  std::string Text() const { return shown + caption + lamps + client + commands; }
 
   std::string shown, caption, lamps, client, commands;
   int listChanges = 0;
@@ -63,14 +63,9 @@ struct RemoteDesk : CoreDesk {
     for (const std::string& line : lines) last = Line(line);
     return last;
   }
-  // Popup messages for every Monday in January.
   void AddMessages(const Texts& names) {
     for (const std::string& name : names) {
-      Add(name, "08:05", [](TaskEntry& entry) {
-        entry.group = "G";
-        entry.every = 3;
-        entry.in = 2;
-      });
+      Add(name, "08:05", [](TaskEntry& entry) { entry.group = "G"; });
     }
   }
 };
