@@ -58,10 +58,11 @@ struct RemoteDesk : CoreDesk {
     for (const char key : text) Send(std::string(1, key));
     return Send(kCrLf);
   }
-  std::string Lines(const Texts& lines) {
-    std::string last;
-    for (const std::string& line : lines) last = Line(line);
-    return last;
+  // Lines with '|' between them; what the last one brings.
+  std::string Lines(const std::string& lines) {
+    const std::size_t last = lines.rfind('|');
+    if (last != std::string::npos) Lines(lines.substr(0, last));
+    return Line(lines.substr(last + 1));
   }
   void AddMessages(const Texts& names) {
     for (const std::string& name : names) {

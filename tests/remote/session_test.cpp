@@ -137,13 +137,11 @@ TEST_F(SessionTest, TasksAreDeletedAndRun) {
   AddMessages({"One", "Two", "Three"});
   Connect();
   messageBoxes.expected = {{"Three"}};
-  const std::tuple<const char*, const char*, std::string> cases[] = {
-      {"2", "2", "\r\nDeleted Task: Two\r\n"},   {"2", "3", ""},
-      {"2", "0", "\r\nDeleted Task: \r\n"},      {"3", "3", ""},
-      {"3", "2", "\r\nStarted Task: Three\r\n"}, {"3", "-1", "\r\nStarted Task: \r\n"}};
-  for (const auto& [choice, number, text] : cases) {
-    EXPECT_EQ(Lines({choice, number}), text + kMenu);
-  }
+  const std::pair<const char*, std::string> cases[] = {
+      {"2|2", "\r\nDeleted Task: Two\r\n"},   {"2|3", ""},
+      {"2|0", "\r\nDeleted Task: \r\n"},      {"3|3", ""},
+      {"3|2", "\r\nStarted Task: Three\r\n"}, {"3|-1", "\r\nStarted Task: \r\n"}};
+  for (const auto& [lines, text] : cases) EXPECT_EQ(Lines(lines), text + kMenu);
   EXPECT_EQ(Names(), (Texts{"One", "Three"}));
 }
 
@@ -208,7 +206,7 @@ TEST_F(LongTaskTest, TheNextClientIsToldNothingOfItAndKeepsHisLine) {
 }
 
 TEST_F(LongTaskTest, AfterAScriptThatFailsNothingIsSentAndTheLineStays) {
-  EXPECT_EQ(Lines({"2", ""}), "");
+  EXPECT_EQ(Lines("2|"), "");
   EXPECT_EQ(ran, "Fails Fails ") << "Enter alone is the same line again";
   EXPECT_EQ(Line("q"), kMenu) << "2q is no task";
 }
@@ -220,7 +218,7 @@ TEST_F(LongTaskTest, ClientsWhoComeAndGoMakeNoLongChainOfLines) {
     if (++runs < 100) {
       socket.PeerCloses();
       Connect();
-      Lines({"3", "1"});
+      Lines("3|1");
     }
     --open;
   };

@@ -23,11 +23,9 @@ class WizardTest : public testing::Test, public RemoteDesk {
     files.contents = {{"C:\\Orvanto\\scripts\\Night.txt", ""}, {"C:\\x.exe", ""}};
     Connect();
   }
-  // Lines with '|' between them; what the last one brings, after the step's beginning.
+  // What the last of the lines brings, after the step's beginning.
   std::string Talk(const std::string& lines) {
-    const std::size_t last = lines.rfind('|');
-    if (last != std::string::npos) Talk(lines.substr(0, last));
-    const std::string reply = Line(lines.substr(last + 1));
+    const std::string reply = Lines(lines);
     return reply.starts_with(kStep) ? reply.substr(kStep.size()) : "no step: " + reply;
   }
 };
@@ -99,8 +97,7 @@ TEST_F(WizardTest, AsksAndRejectsAndAsksAgain) {
       {"y|A|00:00|3|1|5|n", kMenu, "", ""},
       {"n", kMenu, "", ""}};
   for (const auto& c : cases) {
-    Line("1");
-    EXPECT_EQ(Talk(c.answers), c.question);
+    EXPECT_EQ(Talk("1|" + c.answers), c.question);
     if (!c.message.empty()) {
       EXPECT_EQ(Talk(c.refused), "\r\n" + c.message + "\r\n" + c.question) << c.refused;
     }
@@ -121,8 +118,7 @@ TEST_F(WizardTest, MakesATaskOfEveryKind) {
   for (const auto& time : times) {
     for (const auto& type : types) {
       const std::string name = "Task " + std::to_string(++slot);
-      Line("1");
-      EXPECT_EQ(Talk("y|" + name + "|09:30|" + time.first + "|" + type.first + "|y"), kMenu);
+      EXPECT_EQ(Talk("1|y|" + name + "|09:30|" + time.first + "|" + type.first + "|y"), kMenu);
       store.LoadTask(slot);
       const TaskRecord& task = store.CurrentTask;
       EXPECT_EQ(task.name + task.group + task.timeHour + task.timeMinute, name + "General0930");
@@ -138,15 +134,13 @@ TEST_F(WizardTest, MakesATaskOfEveryKind) {
 
 TEST_F(WizardTest, AnEditThatChangesNothingStoresTheSame) {
   AddMessages({"Old"});
-  for (const char* task : {"y|Date|23:59|1|31/12/2026|2|c:\\x.exe|-a|2|y", "y|N|08:05|3|7|5|y"}) {
-    Line("1");
-    EXPECT_EQ(Talk(task), kMenu);
-  }
+  EXPECT_EQ(Talk("1|y|Date|23:59|1|31/12/2026|2|c:\\x.exe|-a|2|y"), kMenu);
+  EXPECT_EQ(Talk("1|y|N|08:05|3|7|5|y"), kMenu);
   const RegistryTree before = registry.Tree();
   const std::string days = "\r\nCurrent Option for on what days this Task should occur:\r\n\r\n";
   const std::string name = "\r\nCurrent Task Name: ";
   const std::pair<const char*, std::string> talk[] = {
-      {"1", name + "Old" + kChanged},
+      {"4|1", name + "Old" + kChanged},
       {"maybe", name + "Old" + kChanged},
       {"n", "\r\nCurrent Time for Task: 08:05" + kChanged},
       {"n", days + "Every Day In Every Month" + kChanged},
@@ -154,25 +148,20 @@ TEST_F(WizardTest, AnEditThatChangesNothingStoresTheSame) {
       {"n", "Keep these changes(y/n)?"},
       {"what", kStep + "Keep these changes(y/n)?"},
       {"y", kStep + kMenu}};
-  Line("4");
   for (const auto& [answer, reply] : talk) EXPECT_EQ(Talk(answer), reply) << answer;
-  Line("4");
-  EXPECT_EQ(Talk("2|n|n"), days + "Occurs only on this day: 31-12-2026" + kChanged);
+  EXPECT_EQ(Talk("4|2|n|n"), days + "Occurs only on this day: 31-12-2026" + kChanged);
   EXPECT_EQ(Talk("n|n|y"), kStep + kMenu);
-  Line("4");
-  EXPECT_EQ(Talk("3|n|n"), days + "Occurs this day in every Month: 7" + kChanged);
+  EXPECT_EQ(Talk("4|3|n|n"), days + "Occurs this day in every Month: 7" + kChanged);
   EXPECT_EQ(Talk("n|n|y"), kStep + kMenu);
   // A slot that is none is edited as well, and cannot be kept.
-  Line("4");
-  EXPECT_EQ(Talk("9"), name + kChanged);
+  EXPECT_EQ(Talk("4|9"), name + kChanged);
   EXPECT_EQ(Talk("n|n|n|n|y"), kStep + "No task name given\r\n" + kMenu);
   EXPECT_TRUE(registry.Tree() == before);
 }
 
 TEST_F(WizardTest, AnEditChangesWhatItIsToldTo) {
   AddMessages({"Old"});
-  Line("4");
-  EXPECT_EQ(Talk("1|y"), "\r\nEnter Name for New Task: ");
+  EXPECT_EQ(Talk("4|1|y"), "\r\nEnter Name for New Task: ");
   const std::string time = "\r\nCurrent Time for Task: 08:05" + kChanged;
   EXPECT_EQ(Talk("Old"), kStep + time);
   EXPECT_EQ(Talk("y|25:00"), kStep + "\r\nInvalid Hour selected for execution time\r\n" + time);
@@ -181,22 +170,19 @@ TEST_F(WizardTest, AnEditChangesWhatItIsToldTo) {
   EXPECT_EQ(sched.DescribeTask(1), "Old | Popup Message | 08:05 on Day Number: 15");
   EXPECT_EQ(store.CurrentTask.path + store.CurrentTask.group, "New textG");
   // A new task has nothing to do with it.
-  Line("1");
-  EXPECT_EQ(Talk("y|New|00:00|3|1|5|y"), kMenu);
+  EXPECT_EQ(Talk("1|y|New|00:00|3|1|5|y"), kMenu);
   EXPECT_EQ(Names(), (Texts{"Old", "New"}));
 }
 
 TEST_F(WizardTest, AMessageWithoutEndIsCutAndAFullListStaysAsItIs) {
-  Line("1");
-  Talk("y|Long|00:00|3|1|6");
+  Talk("1|y|Long|00:00|3|1|6");
   const std::string chunk(30000, 'x');
   for (int i = 0; i < 3; ++i) EXPECT_EQ(Send(chunk), chunk);
   Talk("|y");
   store.LoadTask(1);
   EXPECT_EQ(store.CurrentTask.path.size(), 64U << 10);
   settings.WriteSetting(kGeneral, "NoTasks", "100");
-  Line("1");
-  EXPECT_EQ(Talk("y|Too many|00:00|3|1|5|y"), TaskStore::kListFull + ("\r\n" + kMenu));
+  EXPECT_EQ(Talk("1|y|Too many|00:00|3|1|5|y"), TaskStore::kListFull + ("\r\n" + kMenu));
   EXPECT_EQ(store.NoTasks(), kMaxTasks);
 }
 
