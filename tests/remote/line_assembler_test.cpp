@@ -45,7 +45,8 @@ TEST(LineAssembler, WholeLinesMayBeCutAnywhere) {
       "one\r\ntwo\n\nthree\r" + std::string(1, '\0') + "\r\rlonger than 8\r\nx";
   for (std::size_t at = 0; at <= stream.size(); ++at) {
     LineAssembler lines(Policy::Lines, kLongest);
-    EXPECT_EQ(Pieces(lines, stream.substr(0, at)) + Pieces(lines, stream.substr(at)),
+    const std::string first = Pieces(lines, stream.substr(0, at));
+    EXPECT_EQ(first + Pieces(lines, stream.substr(at)),
               "one<one>two<two><>three<three><><>longer than 8<longer t>x")
         << at;
   }
