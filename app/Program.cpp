@@ -112,6 +112,7 @@ struct RemoteControl : RemoteCommands {
                 .area = area,
                 .chat = chat},
                automation.programSettings) {
+    area.ShowLog(telnet.ServerLog());
     chat.formBehind = &window;
     window.remoteCommands = this;
     ticks = automation.scheduler.secondPassed.Subscribe([this, &window] {

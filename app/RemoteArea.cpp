@@ -11,4 +11,8 @@ void RemoteArea::EnableClientCommands(bool enabled) {
   window_.cmdKick.SetEnabled(enabled);
 }
 
+void RemoteArea::ShowLog(TextLog& log) {
+  logChanged_ = log.changed.Subscribe([this, &log] { window_.txtServer.SetText(log.Text()); });
+}
+
 }  // namespace orvanto

@@ -1,6 +1,7 @@
 // The remote control's area on the main window.
 #pragma once
 
+#include "core/TextLog.h"
 #include "core/ui/frmScriptcfg.h"
 #include "remote/Remote.h"
 
@@ -15,11 +16,13 @@ class RemoteArea : public ServerArea {
   void SetLamps(bool connected, bool waiting) override;
   void SetClient(const std::string& address) override { window_.lblIpclient.SetText(address); }
   void EnableClientCommands(bool enabled) override;
-  void SetLog(const std::string& text) override { window_.txtServer.SetText(text); }
-  std::string Log() const override { return window_.txtServer.Text(); }
+
+  // Shows the log, which must outlive this or never change again, from its next change on.
+  void ShowLog(TextLog& log);
 
  private:
   frmScriptcfg& window_;
+  Subscription logChanged_;
 };
 
 }  // namespace orvanto

@@ -82,4 +82,7 @@ struct TaskEntry {
   std::string cmdLine;
 };
 
+// What a user would have to enter for a loaded task. Times and dates that are no numbers are 0.
+TaskEntry EntryOf(const TaskRecord& task, int dateOrderMonthFirst);
+
 }  // namespace orvanto

@@ -4,14 +4,19 @@
 
 namespace orvanto {
 
-std::string AppendToLog(const std::string& log, const std::string& text) {
-  std::string all = log + text;
-  if (all.size() > kMostLogged) {
-    const std::size_t line = all.find(kCrLf, all.size() - kMostLogged);
-    all.erase(0, line == std::string::npos ? all.size() - kMostLogged : line);
+void TextLog::Append(std::string_view text) {
+  text_ += text;
+  if (text_.size() > kMost) {
+    const std::size_t line = text_.find(kCrLf, text_.size() - kMost);
+    text_.erase(0, line == std::string::npos ? text_.size() - kMost : line);
   }
-  if (all.starts_with(kCrLf)) all.erase(0, 2);
-  return all;
+  if (text_.starts_with(kCrLf)) text_.erase(0, 2);
+  changed.Raise();
+}
+
+void TextLog::Begin(std::string_view text) {
+  text_.clear();
+  Append(text);
 }
 
 }  // namespace orvanto

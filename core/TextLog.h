@@ -1,14 +1,31 @@
-// Texts that only ever grow at their end.
+// A text that grows at its end: a log, or what is said in a chat. Windows show it.
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <string_view>
+
+#include "platform/Event.h"
 
 namespace orvanto {
 
-// The most that is kept; the oldest lines go first.
-inline constexpr std::size_t kMostLogged = 64 << 10;
+class TextLog {
+ public:
+  // The most that is kept; the oldest lines go first.
+  static constexpr std::size_t kMost = 64 << 10;
 
-// The log with the text behind it: without an empty first line, and not longer than kMostLogged.
-std::string AppendToLog(const std::string& log, const std::string& text);
+  const std::string& Text() const { return text_; }
+
+  // Puts the text at the end. The log never begins with an empty line.
+  void Append(std::string_view text);
+  // Forgets what there was before.
+  void Begin(std::string_view text);
+
+  // The text is another one.
+  Event<> changed;
+
+ private:
+  std::string text_;
+};
 
 }  // namespace orvanto

@@ -222,7 +222,6 @@ void TaskStore::DeleteSection(const std::string& name, std::int16_t ownSlot) {
   if (!IsOwnSection(name) && !BelongsToAnother(name, ownSlot)) settings_.DeleteUserKey(name);
 }
 
-// Whether a slot other than the given one keeps its fields in that section.
 bool TaskStore::BelongsToAnother(const std::string& section, std::int16_t ownSlot) {
   const int last = std::max<int>(NoTasks(), ownSlot - 1);
   for (int j = 1; j <= last; ++j) {

@@ -47,6 +47,10 @@ class TaskStore {
   // The first slot of that name, compared with regard to case; 0 for none.
   std::int16_t SlotOfName(const std::string& name);
 
+  // Whether a slot other than the given one keeps its fields in that section: its name differs at
+  // most in upper and lower case.
+  bool BelongsToAnother(const std::string& section, std::int16_t ownSlot);
+
   // Fills CurrentTask. Numbers that do not convert load as 0; a slot without a name loads defaults.
   void LoadTask(std::int16_t index);
 
@@ -97,7 +101,6 @@ class TaskStore {
   void WriteWhat(const TaskEntry& entry);
   void ClaimSlot(const TaskEntry& entry);
   void DeleteSection(const std::string& name, std::int16_t ownSlot);
-  bool BelongsToAnother(const std::string& section, std::int16_t ownSlot);
   void ForgetOldTexts(const std::string& section);
   std::int16_t NamesThere();
   std::int16_t LastSlot();

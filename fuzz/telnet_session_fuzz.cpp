@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     desk->socket.PeerSends({reinterpret_cast<const char*>(data + at), taken});
     at += taken;
   }
-  if (desk->area.log.size() > (64U << 10) || desk->socket.Sent().size() > (1U << 24)) std::abort();
+  if (desk->Log().size() > (64U << 10) || desk->socket.Sent().size() > (1U << 24)) std::abort();
   if (desk->server.Connected()) desk->socket.PeerCloses();
   return 0;
 }

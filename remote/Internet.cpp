@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "core/Convert.h"
-#include "core/TextLog.h"
 #include "core/modRegistry.h"
 #include "core/modTaskOperations.h"
 #include "platform/EventLoop.h"
@@ -35,7 +34,6 @@ TelnetServer::TelnetServer(const Services& services, const RemoteSettings& remot
   sck_->onClosed = [this] { Disconnect(); };
   sck_->onError = [this](int) { Disconnect(); };
   wizard_.repeatFirstQuestion = [this] { ChooseNewTask(); };
-  wizard_.onFinished = [this] { services_.store.listChanged.Raise(); };
   services_.chat.onLine = [this](const std::string& line) {
     LocalChatLine(line);
     Flush();
@@ -75,10 +73,10 @@ void TelnetServer::StartListening() {
 
 void TelnetServer::ListenIfIdle() {
   if (sck_->GetState() != TcpSocket::State::Closed) return;
-  services_.area.SetLog("Waiting for Connection...");
+  log_.Begin("Waiting for Connection...");
   const bool port = serverPort_ > 0 && serverPort_ <= 65535;
   if (port && sck_->Listen(static_cast<std::uint16_t>(serverPort_))) return;
-  services_.area.SetLog("Port " + std::to_string(serverPort_) + " cannot be used.");
+  log_.Begin("Port " + std::to_string(serverPort_) + " cannot be used.");
 }
 
 void TelnetServer::EndConnection() {
@@ -108,6 +106,7 @@ void TelnetServer::OnConnectionRequest(TcpSocket::RequestId request) {
   }
   ++connection_;
   protocol_.Reset();
+  input_.Restart();
   clientAddress_ = sck_->RemoteAddress();
   services_.area.SetLamps(true, false);
   services_.area.SetClient(clientAddress_);
@@ -136,21 +135,13 @@ void TelnetServer::HandleArrival() {
   if (waiting_.empty() || lineOpen_ || openLines_ == kMostOpenLines) return;
   const std::string arrival = std::move(waiting_.front());
   waiting_.pop_front();
-  const std::string chunk = protocol_.Receive(arrival, outgoing_);
-  if (!chunk.empty()) OnChunk(chunk);
+  input_.Feed(protocol_.Receive(arrival, outgoing_));
+  if (const auto piece = input_.Next()) {
+    piece->complete ? CarryOut(piece->text) : Echo(piece->text);
+  }
   Flush();
   FetchArrival();
   if (!waiting_.empty()) services_.loop.Post([this] { HandleArrival(); });
-}
-
-void TelnetServer::OnChunk(const std::string& chunk) {
-  if (inputLine_ == kCrLf) inputLine_.clear();
-  if (chunk != kCrLf) {
-    if (inputLine_.size() + chunk.size() <= kLongestLine) inputLine_ += chunk;
-    Echo(chunk);
-    return;
-  }
-  CarryOut(std::exchange(inputLine_, {}));
 }
 
 void TelnetServer::CarryOut(const std::string& line) {
@@ -170,16 +161,16 @@ void TelnetServer::CarryOut(const std::string& line) {
   try {
     Dispatch(line);
   } catch (const Error& error) {
-    // Text where a number belongs is skipped over; behind any other error the line stays, if its
+    // Text where a number belongs is skipped over; after any other error the line stays, if its
     // client is still there.
-    if (error.Number() != kTypeMismatch && connection == connection_) inputLine_ = line;
+    if (error.Number() != kTypeMismatch && connection == connection_) input_.SetLine(line);
   }
 }
 
 void TelnetServer::Echo(const std::string& chunk) {
   if (state_ == SessionState::Password) {
     Send("*");
-  } else if (state_ == SessionState::Chat && inputLine_.size() == 1) {
+  } else if (state_ == SessionState::Chat && input_.Line().size() == 1) {
     // The first character of a line.
     Send(std::string(kCrLf) + "Client: " + chunk);
   } else {
@@ -212,7 +203,7 @@ void TelnetServer::SendAll(std::initializer_list<const char*> pieces) {
 }
 
 void TelnetServer::Log(const std::string& message) {
-  services_.area.SetLog(AppendToLog(services_.area.Log(), kCrLf + clientAddress_ + ": " + message));
+  log_.Append(kCrLf + clientAddress_ + ": " + message);
 }
 
 }  // namespace orvanto

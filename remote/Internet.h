@@ -15,6 +15,8 @@
 #include <string>
 
 #include "core/ProgramSettings.h"
+#include "core/TextLog.h"
+#include "platform/net/LineAssembler.h"
 #include "platform/net/TcpSocket.h"
 #include "remote/Remote.h"
 #include "remote/TaskWizard.h"
@@ -53,6 +55,7 @@ class TelnetServer : public Conversation {
   bool Connected() const { return sck_->GetState() == TcpSocket::State::Connected; }
   std::uint16_t Port() const { return sck_->LocalPort(); }
   SessionState State() const { return state_; }
+  TextLog& ServerLog() { return log_; }
 
   // The commands of the main window.
   void Kick() { Disconnect(); }
@@ -70,7 +73,7 @@ class TelnetServer : public Conversation {
   void MenuItem(int count, int number, const std::string& text, const std::string& title) override;
 
  private:
-  // The input line is not kept longer than this; what comes behind is echoed and dropped.
+  // The input line is not kept longer than this; what comes after that is echoed and dropped.
   static constexpr std::size_t kLongestLine = 64 << 10;
   // Arrivals that are kept apart while they wait; what comes behind waits in the socket.
   static constexpr std::size_t kMostWaiting = 256;
@@ -84,7 +87,6 @@ class TelnetServer : public Conversation {
   void OnConnectionRequest(TcpSocket::RequestId request);
   void FetchArrival();
   void HandleArrival();
-  void OnChunk(const std::string& chunk);
   void CarryOut(const std::string& line);
   void Echo(const std::string& chunk);
   void Dispatch(const std::string& line);
@@ -92,9 +94,11 @@ class TelnetServer : public Conversation {
   void MainMenuChoice(const std::string& line);
   void OpenTaskList(const char* question, const char* log, SessionState state);
   void ChooseNewTask();
-  void DeleteTask(const std::string& line);
-  void RunTask(const std::string& line);
-  void EditTask(const std::string& line);
+  // Acts on the slot of that number; shows the menu for what is none.
+  void OnSlot(const std::string& line, void (TelnetServer::*act)(std::int16_t slot));
+  void DeleteTask(std::int16_t slot);
+  void RunTask(std::int16_t slot);
+  void EditTask(std::int16_t slot);
   void SendTaskList();
   void SendScriptsList();
   void RequestChat();
@@ -104,16 +108,17 @@ class TelnetServer : public Conversation {
   void SendAll(std::initializer_list<const char*> pieces);
   // Hands what was sent to the socket: at the end of an event, and before what may take long.
   void Flush();
-  void Log(const std::string& message);
+  void Log(const std::string& message);  // of the client
 
   Services services_;
   const RemoteSettings& remote_;
   std::unique_ptr<TcpSocket> sck_;
+  TextLog log_;
   TelnetProtocol protocol_;
   TaskWizard wizard_;
   std::string clientAddress_ = "0.0.0.0";
   std::int32_t serverPort_ = 0;
-  std::string inputLine_;
+  LineAssembler input_{LineAssembler::Policy::Keys, kLongestLine};
   std::string outgoing_;             // sent, and not flushed
   std::deque<std::string> waiting_;  // what has arrived from the client, as it arrived
   bool lineOpen_ = false;            // a line of the client is being carried out

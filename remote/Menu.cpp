@@ -1,6 +1,5 @@
 // The remote control's menu: what a complete line does in each state, and the chat.
 #include <array>
-#include <optional>
 #include <set>
 
 #include "core/Convert.h"
@@ -22,17 +21,7 @@ constexpr int kMenuItems = 7;
 constexpr std::array<const char*, kMenuItems> kMenuTexts{
     "New Task", "Delete Task", "Run Task", "Edit Task", "View Scripts Folder", "Chat", "Logout"};
 
-// The number in a line; nothing for what is none. Throws what is wrong with a number otherwise.
-std::optional<std::int16_t> SlotOf(const std::string& line) {
-  try {
-    return ToInt16(line);
-  } catch (const Error& error) {
-    if (error.Number() != kTypeMismatch) throw;
-    return std::nullopt;
-  }
-}
-
-// Names stand in the order of Windows' file system: by their capital letters, so "_" is behind "Z".
+// Names stand in the order of Windows' file system: by their capital letters, so "_" is after "Z".
 std::string OrderOf(const std::string& name) {
   std::string capitals = FoldCase(name);
   for (char& c : capitals) {
@@ -77,11 +66,11 @@ void TelnetServer::Dispatch(const std::string& line) {
     case SessionState::NewTask:
       return back ? ShowMainMenu() : wizard_.WizardStep(line);
     case SessionState::DeleteTask:
-      return back ? ShowMainMenu() : DeleteTask(line);
+      return back ? ShowMainMenu() : OnSlot(line, &TelnetServer::DeleteTask);
     case SessionState::RunTask:
-      return back ? ShowMainMenu() : RunTask(line);
+      return back ? ShowMainMenu() : OnSlot(line, &TelnetServer::RunTask);
     case SessionState::EditTaskStart:
-      return back ? ShowMainMenu() : EditTask(line);
+      return back ? ShowMainMenu() : OnSlot(line, &TelnetServer::EditTask);
     case SessionState::EditTask:
       return back ? ShowMainMenu() : wizard_.EditStep(line);
     case SessionState::ListScripts:
@@ -141,11 +130,10 @@ void TelnetServer::OpenTaskList(const char* question, const char* log, SessionSt
 
 void TelnetServer::SendTaskList() {
   TaskStore& store = services_.store;
-  const std::int16_t count = store.NoTasks();
-  if (count == 0) return;
+  if (store.NoTasks() == 0) return;
   SendAll({kCrLf, kCrLf, "Task List", kCrLf, "---------", kCrLf, kCrLf});
-  for (int i = 1; i <= count; ++i) {
-    Send(std::to_string(i) + ") " + store.TaskName(static_cast<std::int16_t>(i)) + kCrLf);
+  for (const std::int16_t slot : store.Slots()) {
+    Send(std::to_string(slot) + ") " + store.TaskName(slot) + kCrLf);
   }
 }
 
@@ -168,46 +156,47 @@ void TelnetServer::SendScriptsList() {
   }
 }
 
-void TelnetServer::DeleteTask(const std::string& line) {
+void TelnetServer::OnSlot(const std::string& line, void (TelnetServer::*act)(std::int16_t slot)) {
+  std::int16_t slot = 0;
+  try {
+    slot = ToInt16(line);
+  } catch (const Error& error) {
+    if (error.Number() != kTypeMismatch) throw;
+    return ShowMainMenu();
+  }
+  (this->*act)(slot);
+}
+
+void TelnetServer::DeleteTask(std::int16_t slot) {
   TaskStore& store = services_.store;
-  const auto slot = SlotOf(line);
-  if (!slot) return ShowMainMenu();
-  const std::int16_t number = *slot;
-  if (number <= store.NoTasks()) {
-    store.LoadTask(number);
+  if (slot <= store.NoTasks()) {
+    store.LoadTask(slot);
     Send(kCrLf + ("Deleted Task: " + store.CurrentTask.name) + kCrLf);
-    store.DeleteTask(number);
+    store.DeleteTask(slot);
   }
   ShowMainMenu();
 }
 
-void TelnetServer::RunTask(const std::string& line) {
+void TelnetServer::RunTask(std::int16_t slot) {
   TaskStore& store = services_.store;
-  const auto slot = SlotOf(line);
-  if (!slot) return ShowMainMenu();
-  const std::int16_t number = *slot;
-  if (number <= store.NoTasks()) {
+  if (slot <= store.NoTasks()) {
     const std::uint64_t connection = connection_;
     Flush();
-    services_.execution.RunTask(number);
+    services_.execution.RunTask(slot);
     // A task may take long and let other events run; the client may be another one by now.
     if (connection != connection_) return;
-    store.LoadTask(number);
+    store.LoadTask(slot);
     Send(kCrLf + ("Started Task: " + store.CurrentTask.name) + kCrLf);
   }
   ShowMainMenu();
 }
 
-void TelnetServer::EditTask(const std::string& line) {
+void TelnetServer::EditTask(std::int16_t slot) {
   TaskStore& store = services_.store;
-  const auto slot = SlotOf(line);
-  if (!slot) return ShowMainMenu();
-  const std::int16_t number = *slot;
-  // Every number is let through, one behind the last task too: kept as it is.
-  store.LoadTask(number);
+  // Every number is let through, one after the last task too: kept as it is.
+  store.LoadTask(slot);
   state_ = SessionState::EditTask;
   wizard_.BeginEdit();
-  wizard_.EditStep("");
 }
 
 void TelnetServer::SendTilde() {

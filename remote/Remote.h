@@ -40,8 +40,6 @@ class ServerArea {
   virtual void SetLamps(bool connected, bool waiting) = 0;
   virtual void SetClient(const std::string& address) = 0;
   virtual void EnableClientCommands(bool enabled) = 0;  // Chat and Kick
-  virtual void SetLog(const std::string& text) = 0;
-  virtual std::string Log() const = 0;
 };
 
 }  // namespace orvanto

@@ -1,6 +1,8 @@
 #include "remote/TaskWizard.h"
 
+#include <algorithm>
 #include <array>
+#include <iterator>
 
 #include "core/Convert.h"
 #include "core/Sched.h"
@@ -10,15 +12,13 @@
 namespace orvanto {
 namespace {
 
-template <std::size_t N>
-std::string TextOf(const std::array<const char*, N>& texts, int number) {
-  return texts[static_cast<std::size_t>(number - 1)];
-}
+constexpr const char* kInvalidOption = "Invalid Option";
+constexpr const char* kInvalidSelection = "Invalid Option Selected";
 
 std::string TimeTypeText(int number) {
   constexpr std::array<const char*, 3> kTexts{"Once, on a certain date", "Recurring",
                                               "One day in every month"};
-  return TextOf(kTexts, number);
+  return kTexts.at(static_cast<std::size_t>(number - 1));
 }
 
 std::string TaskTypeText(int number) {
@@ -29,7 +29,30 @@ std::string WinStyleText(int number) {
   constexpr std::array<const char*, 6> kTexts{
       "Normal", "Minimized", "Maximized", "Normal, Without Focus", "Minimized, Without Focus",
       "Hidden"};
-  return TextOf(kTexts, number);
+  return kTexts.at(static_cast<std::size_t>(number - 1));
+}
+
+std::string PathText(int taskType) {
+  switch (taskType) {
+    case kRunScript:
+      return "Enter the filename of the script(if the script file is not in the home directory, it "
+             "must be preceeded by a path)";
+    case kRunProgram:
+      return "Enter the path for the program, shortcut or file you want to open";
+    case kPrintFile:
+      return "Enter the path for the file you want to print";
+    default:
+      return "Enter the filename(if the sound file is not in the home directory, it must be "
+             "preceeded by a path)";
+  }
+}
+
+std::string DaysText(const TaskRecord& task, int dateOrderMonthFirst, const Clock& clock) {
+  if (task.timeType == kTimeDayNumber) {
+    return "Occurs this day in every Month: " + std::to_string(task.dayNo);
+  }
+  const std::string when = DescribeWhen(task, dateOrderMonthFirst, clock);
+  return task.timeType == kTimeOnce ? "Occurs only on this day: " + when : when;
 }
 
 // Takes a number of a menu, to the letter; false leaves what was stored.
@@ -42,29 +65,150 @@ bool Choice(const std::string& line, int most, std::int16_t& stored) {
   return false;
 }
 
-std::string TwoDigitsOf(const std::string& text) { return TwoDigits(ToInt16Or(text, 0)); }
-
-constexpr int kTimeTypes = 3;
-constexpr int kWinStyles = 6;
-
-const char* PathQuestion(int taskType) {
-  switch (taskType) {
-    case kRunScript:
-      return "Enter the filename of the script(if the script file is not in the home directory, it "
-             "must be preceeded by a path)";
-    case kRunProgram:
-      return "Enter the path for the program, shortcut or file you want to open";
-    case kPrintFile:
-      return "Enter the path for the file you want to print";
-    case kPlaySound:
-      return "Enter the filename(if the sound file is not in the home directory, it must be "
-             "preceeded by a path)";
-    default:
-      return nullptr;
-  }
-}
-
 }  // namespace
+
+struct TaskWizard::Question {
+  SubState state;
+
+  // What is sent: a text, one that depends on the task, or the title of a menu of `most` items.
+  const char* text = "";
+  std::string (*textOf)(const TaskWizard&) = nullptr;
+  std::string (*item)(int number) = nullptr;
+
+  // How the answer is taken: as a number up to `most`, or by a function; two answers are a step of
+  // their own.
+  int most = 0;
+  std::int16_t TaskEntry::*choice = nullptr;
+  const char* refusal = nullptr;  // of another number
+  std::string (TaskWizard::*take)(const std::string& line) = nullptr;
+  void (TaskWizard::*step)(const std::string& line) = nullptr;
+
+  // What comes next, in general or for the task as it is now.
+  SubState next = SubState::Confirm;
+  SubState (*nextOf)(const TaskEntry&) = nullptr;
+
+  // Where an edit asks first whether to change it: what it tells of the task as it was loaded, and
+  // what comes next when it is to stay.
+  std::string (*current)(const TaskWizard&) = nullptr;
+  SubState kept = SubState::Confirm;
+};
+
+constinit const TaskWizard::Question TaskWizard::kQuestions[] = {
+    {.state = SubState::Start, .step = &TaskWizard::StepStart},
+    {.state = SubState::TaskName,
+     .text = "\r\nEnter Name for New Task: ",
+     .take = &TaskWizard::TakeName,
+     .next = SubState::Time,
+     .current = [](const TaskWizard& w) { return "Current Task Name: " + w.loaded_.name; },
+     .kept = SubState::Time},
+    {.state = SubState::Time,
+     .text = "At what time would you like this task to occur?\r\n\r\n"
+             "Enter in 24-hour format with a colon separating hours and minutes(xx:xx)\r\n>",
+     .take = &TaskWizard::TakeTime,
+     .next = SubState::TimeType,
+     .current =
+         [](const TaskWizard& w) {
+           return "Current Time for Task: " + w.loaded_.timeHour + ":" + w.loaded_.timeMinute;
+         },
+     .kept = SubState::TimeType},
+    {.state = SubState::TimeType,
+     .text = "On which day(s) should this task occur?",
+     .item = TimeTypeText,
+     .most = 3,
+     .choice = &TaskEntry::timeType,
+     .refusal = kInvalidSelection,
+     .nextOf =
+         [](const TaskEntry& task) {
+           return task.timeType == kTimeOnce        ? SubState::Date
+                  : task.timeType == kTimeRecurring ? SubState::EveryDayOption
+                                                    : SubState::DayNo;
+         },
+     .current =
+         [](const TaskWizard& w) {
+           return "Current Option for on what days this Task should occur:\r\n\r\n" +
+                  DaysText(w.loaded_, w.store_.DateOrderMonthFirst, w.clock_);
+         },
+     .kept = SubState::TaskType},
+    {.state = SubState::Date,
+     .textOf =
+         [](const TaskWizard& w) {
+           return "\r\nOn which date should the task occur(" +
+                  std::string(w.store_.DateOrderMonthFirst != 0 ? "mm/dd" : "dd/mm") + "/yyyy)?";
+         },
+     .take = &TaskWizard::TakeDate,
+     .next = SubState::TaskType},
+    {.state = SubState::EveryDayOption,
+     .text = "In terms of days, when should this task recur?",
+     .item = EveryName,
+     .most = kEveryCodesThatFire,
+     .choice = &TaskEntry::every,
+     .refusal = kInvalidOption,
+     .next = SubState::InMonthOption},
+    {.state = SubState::InMonthOption,
+     .text = "In terms of months, when should this task recur?",
+     .item = InName,
+     .most = kInCodes,
+     .choice = &TaskEntry::in,
+     .refusal = kInvalidOption,
+     .next = SubState::TaskType},
+    {.state = SubState::DayNo,
+     .text = "\r\n\r\nOn which day of the month should the task occur(1-31)?",
+     .most = 31,
+     .choice = &TaskEntry::dayNo,
+     .refusal = kInvalidOption,
+     .next = SubState::TaskType},
+    {.state = SubState::TaskType,
+     .text = "What type of task will this be?",
+     .item = TaskTypeText,
+     .most = kTaskTypes,
+     .choice = &TaskEntry::taskType,
+     .refusal = kInvalidSelection,
+     .nextOf =
+         [](const TaskEntry& task) {
+           const bool plain = task.taskType == kResetComputer || task.taskType == kShutdownComputer;
+           return plain                            ? SubState::Confirm
+                  : task.taskType == kPopupMessage ? SubState::Cmdline
+                                                   : SubState::PathString;
+         },
+     .current =
+         [](const TaskWizard& w) {
+           return "Current Task Type: " + TaskTypeName(w.loaded_.taskType);
+         },
+     .kept = SubState::Confirm},
+    {.state = SubState::PathString,
+     .textOf = [](const TaskWizard& w) { return PathText(w.task_.taskType) + "\r\n\r\n>"; },
+     .take = &TaskWizard::TakePath,
+     .nextOf =
+         [](const TaskEntry& task) {
+           return task.taskType == kRunProgram ? SubState::Cmdline : SubState::Confirm;
+         }},
+    {.state = SubState::Cmdline,
+     .textOf =
+         [](const TaskWizard& w) {
+           return std::string(w.task_.taskType == kPopupMessage
+                                  ? "Enter the message you want to popup"
+                                  : "Enter any optional command line parameters(press Enter for "
+                                    "none)") +
+                  "\r\n\r\n>";
+         },
+     .take = &TaskWizard::TakeCmdline,
+     .nextOf =
+         [](const TaskEntry& task) {
+           return task.taskType == kPopupMessage ? SubState::Confirm : SubState::WinStyle;
+         }},
+    {.state = SubState::WinStyle,
+     .text = "Select the Window Style",
+     .item = WinStyleText,
+     .most = 6,
+     .choice = &TaskEntry::winStyle,
+     .refusal = kInvalidSelection},
+    {.state = SubState::Confirm,
+     .textOf =
+         [](const TaskWizard& w) {
+           return std::string(w.editing_ ? "Keep these changes(y/n)?" : "Keep this task(y/n)?");
+         },
+     .step = &TaskWizard::StepConfirm},
+};
 
 void TaskWizard::BeginNew() {
   editing_ = false;
@@ -78,174 +222,67 @@ void TaskWizard::BeginNew() {
 void TaskWizard::BeginEdit() {
   editing_ = true;
   loaded_ = store_.CurrentTask;
-  subState_ = SubState::Start;
+  task_ = EntryOf(loaded_, store_.DateOrderMonthFirst);
+  conversation_.Send("\r\n\r\n");
+  Ask(SubState::TaskName);
 }
 
-void TaskWizard::PromptMenu(const std::string& title, int count, std::string (*textOf)(int)) {
-  for (int number = 1; number <= count; ++number) {
-    conversation_.MenuItem(count, number, textOf(number), title);
-  }
-}
-
-void TaskWizard::Prompt(SubState question) {
-  const auto send = [&](std::initializer_list<const char*> pieces) {
-    for (const char* piece : pieces) conversation_.Send(piece);
-  };
-  mode_ = question == SubState::Confirm ? mode_ : AnswerMode::Plain;
-  switch (question) {
-    case SubState::Start:
-      break;
-    case SubState::TaskName:
-      send({kCrLf, "Enter Name for New Task: "});
-      break;
-    case SubState::Time:
-      send({"At what time would you like this task to occur?", kCrLf, kCrLf,
-            "Enter in 24-hour format with a colon separating hours and minutes(xx:xx)", kCrLf,
-            ">"});
-      break;
-    case SubState::TimeType:
-      PromptMenu("On which day(s) should this task occur?", kTimeTypes, TimeTypeText);
-      break;
-    case SubState::Date:
-      send({kCrLf, store_.DateOrderMonthFirst != 0
-                       ? "On which date should the task occur(mm/dd/yyyy)?"
-                       : "On which date should the task occur(dd/mm/yyyy)?"});
-      break;
-    case SubState::EveryDayOption:
-      PromptMenu("In terms of days, when should this task recur?", kEveryCodesThatFire, EveryName);
-      break;
-    case SubState::InMonthOption:
-      PromptMenu("In terms of months, when should this task recur?", kInCodes, InName);
-      break;
-    case SubState::DayNo:
-      send({kCrLf, kCrLf, "On which day of the month should the task occur(1-31)?"});
-      break;
-    case SubState::TaskType:
-      PromptMenu("What type of task will this be?", kTaskTypes, TaskTypeText);
-      break;
-    case SubState::PathString:
-      if (const char* text = PathQuestion(task_.taskType)) send({text, kCrLf, kCrLf, ">"});
-      break;
-    case SubState::Cmdline:
-      send({task_.taskType == kPopupMessage
-                ? "Enter the message you want to popup"
-                : "Enter any optional command line parameters(press Enter for none)",
-            kCrLf, kCrLf, ">"});
-      break;
-    case SubState::WinStyle:
-      PromptMenu("Select the Window Style", kWinStyles, WinStyleText);
-      break;
-    case SubState::Confirm:
-      send({"Keep this task(y/n)?"});
-      break;
-  }
-}
-
-void TaskWizard::PromptChange(SubState question) {
-  const auto send = [&](std::initializer_list<std::string> pieces) {
-    for (const std::string& piece : pieces) conversation_.Send(piece);
-  };
-  switch (question) {
-    case SubState::TaskName:
-      send({kCrLf, "Current Task Name: " + loaded_.name, kCrLf});
-      break;
-    case SubState::Time:
-      send({kCrLf, "Current Time for Task: " + loaded_.timeHour + ":" + loaded_.timeMinute, kCrLf});
-      break;
-    case SubState::TimeType: {
-      const std::string when = DescribeWhen(loaded_, store_.DateOrderMonthFirst, clock_);
-      const std::string line =
-          loaded_.timeType == kTimeOnce ? "Occurs only on this day: " + when
-          : loaded_.timeType == kTimeDayNumber
-              ? "Occurs this day in every Month: " + std::to_string(loaded_.dayNo)
-              : when;
-      send({kCrLf, "Current Option for on what days this Task should occur:", kCrLf, kCrLf, line,
-            kCrLf});
-      break;
-    }
-    case SubState::TaskType:
-      send({kCrLf, "Current Task Type: ", TaskTypeName(loaded_.taskType), kCrLf});
-      break;
-    default:
-      send({"Keep these changes(y/n)?"});
-      return;
-  }
-  send({kCrLf, "Do you want this option changed(y/n)?"});
-  mode_ = AnswerMode::AskedWhetherChanged;
+const TaskWizard::Question& TaskWizard::Asked() const {
+  return *std::find_if(std::begin(kQuestions), std::end(kQuestions),
+                       [this](const Question& each) { return each.state == subState_; });
 }
 
 void TaskWizard::Ask(SubState next) {
   subState_ = next;
-  const bool firstLevel = next == SubState::TaskName || next == SubState::Time ||
-                          next == SubState::TimeType || next == SubState::TaskType ||
-                          next == SubState::Confirm;
-  if (editing_ && firstLevel) {
-    PromptChange(next);
-  } else {
-    Prompt(next);
+  changing_ = false;
+  const Question& question = Asked();
+  if (!editing_ || question.current == nullptr) return Prompt(question);
+  conversation_.Send(kCrLf + question.current(*this) +
+                     "\r\n\r\nDo you want this option changed(y/n)?");
+}
+
+void TaskWizard::Prompt(const Question& question) {
+  if (question.item == nullptr) {
+    conversation_.Send(question.textOf != nullptr ? question.textOf(*this) : question.text);
+    return;
   }
-}
-
-void TaskWizard::Reject(const std::string& message) {
-  conversation_.Send(kCrLf);
-  conversation_.Send(message);
-  conversation_.Send(kCrLf);
-  Ask(subState_);
-}
-
-void TaskWizard::StepChoice(const std::string& line, int most, std::int16_t& stored, SubState next,
-                            const char* message) {
-  if (Choice(line, most, stored)) {
-    Ask(next);
-  } else {
-    Reject(message);
+  for (int number = 1; number <= question.most; ++number) {
+    conversation_.MenuItem(question.most, number, question.item(number), question.text);
   }
 }
 
 void TaskWizard::WizardStep(const std::string& line) {
-  conversation_.Send(kCrLf);
-  conversation_.Send(kCrLf);
+  conversation_.Send("\r\n\r\n");
   store_.TaskValidationMessage.clear();
-  constexpr const char* kInvalidOption = "Invalid Option";
-  switch (subState_) {
-    case SubState::Start:
-      return StepStart(line);
-    case SubState::TaskName:
-      return StepName(line);
-    case SubState::Time:
-      return StepTime(line);
-    case SubState::TimeType:
-      return StepTimeType(line);
-    case SubState::Date:
-      return StepDate(line);
-    case SubState::EveryDayOption:
-      return StepChoice(line, kEveryCodesThatFire, task_.every, SubState::InMonthOption,
-                        kInvalidOption);
-    case SubState::InMonthOption:
-      return StepChoice(line, kInCodes, task_.in, SubState::TaskType, kInvalidOption);
-    case SubState::DayNo:
-      return StepChoice(line, 31, task_.dayNo, SubState::TaskType, kInvalidOption);
-    case SubState::TaskType:
-      return StepTaskType(line);
-    case SubState::PathString:
-      return StepPath(line);
-    case SubState::Cmdline:
-      // A popup message is its task's path.
-      (task_.taskType == kPopupMessage ? task_.path : task_.cmdLine) = line;
-      return Ask(task_.taskType == kPopupMessage ? SubState::Confirm : SubState::WinStyle);
-    case SubState::WinStyle:
-      return StepChoice(line, kWinStyles, task_.winStyle, SubState::Confirm,
-                        "Invalid Option Selected");
-    case SubState::Confirm:
-      return StepConfirm(line);
+  const Question& question = Asked();
+  if (question.step != nullptr) return (this->*question.step)(line);
+  std::string refusal;
+  if (question.take != nullptr) {
+    refusal = (this->*question.take)(line);
+  } else if (!Choice(line, question.most, task_.*(question.choice))) {
+    refusal = question.refusal;
+  }
+  if (!refusal.empty()) {
+    conversation_.Send(kCrLf + refusal + kCrLf);
+    return Ask(subState_);
+  }
+  Ask(question.nextOf != nullptr ? question.nextOf(task_) : question.next);
+}
+
+void TaskWizard::EditStep(const std::string& line) {
+  conversation_.Send("\r\n\r\n");
+  const Question& question = Asked();
+  if (question.current == nullptr || changing_) return WizardStep(line);
+  if (line == "y") {
+    changing_ = true;
+    Prompt(question);
+  } else {
+    Ask(line == "n" ? question.kept : subState_);
   }
 }
 
 void TaskWizard::StepStart(const std::string& line) {
   if (line == "y") {
-    task_.name.clear();
-    task_.path.clear();
-    task_.cmdLine.clear();
     Ask(SubState::TaskName);
   } else if (line == "n") {
     conversation_.ShowMainMenu();
@@ -254,139 +291,64 @@ void TaskWizard::StepStart(const std::string& line) {
   }
 }
 
-void TaskWizard::StepName(const std::string& line) {
+std::string TaskWizard::TakeName(const std::string& line) {
   const std::int16_t slot =
       editing_ ? loaded_.index : static_cast<std::int16_t>(store_.NoTasks() + 1);
   store_.ValidateTaskName(line, slot);
-  if (!store_.TaskValidationMessage.empty()) return Reject(store_.TaskValidationMessage);
+  if (!store_.TaskValidationMessage.empty()) return store_.TaskValidationMessage;
+  if (store_.BelongsToAnother(line, slot)) return TaskStore::kSameSection;
   task_.name = line;
-  task_.index = slot;
-  Ask(SubState::Time);
+  return "";
 }
 
-void TaskWizard::StepTime(const std::string& line) {
-  if (line.size() != 5 || line[2] != ':') return Reject("Invalid Time");
+std::string TaskWizard::TakeTime(const std::string& line) {
+  if (line.size() != 5 || line[2] != ':') return "Invalid Time";
   const std::string hour = line.substr(0, 2);
   const std::string minute = line.substr(3);
   store_.ValidateTime(hour, minute);
-  if (!store_.TaskValidationMessage.empty()) return Reject(store_.TaskValidationMessage);
-  task_.hour = TwoDigitsOf(hour);
-  task_.minute = TwoDigitsOf(minute);
-  Ask(SubState::TimeType);
+  if (!store_.TaskValidationMessage.empty()) return store_.TaskValidationMessage;
+  task_.hour = hour;
+  task_.minute = minute;
+  return "";
 }
 
-void TaskWizard::StepTimeType(const std::string& line) {
-  if (!Choice(line, kTimeTypes, task_.timeType)) return Reject("Invalid Option Selected");
-  Ask(task_.timeType == kTimeOnce        ? SubState::Date
-      : task_.timeType == kTimeRecurring ? SubState::EveryDayOption
-                                         : SubState::DayNo);
-}
-
-void TaskWizard::StepDate(const std::string& line) {
-  if (line.size() != 10) return Reject("Invalid Date");
-  const bool monthFirst = store_.DateOrderMonthFirst != 0;
-  const std::string day = line.substr(monthFirst ? 3 : 0, 2);
-  const std::string month = line.substr(monthFirst ? 0 : 3, 2);
+std::string TaskWizard::TakeDate(const std::string& line) {
+  if (line.size() != 10) return "Invalid Date";
+  const std::string part1 = line.substr(0, 2);
+  const std::string part2 = line.substr(3, 2);
   const std::string year = line.substr(6);
-  store_.ValidateDate(day, month, year);
-  if (!store_.TaskValidationMessage.empty()) return Reject(store_.TaskValidationMessage);
-  SetDate(day, month, year);
-  Ask(SubState::TaskType);
+  const bool monthFirst = store_.DateOrderMonthFirst != 0;
+  store_.ValidateDate(monthFirst ? part2 : part1, monthFirst ? part1 : part2, year);
+  if (!store_.TaskValidationMessage.empty()) return store_.TaskValidationMessage;
+  task_.datePart1 = part1;
+  task_.datePart2 = part2;
+  task_.year = std::to_string(ToInt16Or(year, 0));
+  return "";
 }
 
-void TaskWizard::StepTaskType(const std::string& line) {
-  if (!Choice(line, kTaskTypes, task_.taskType)) return Reject("Invalid Option Selected");
-  switch (task_.taskType) {
-    case kResetComputer:
-    case kShutdownComputer:
-      return Ask(SubState::Confirm);
-    case kPopupMessage:
-      return Ask(SubState::Cmdline);
-    default:
-      return Ask(SubState::PathString);
-  }
-}
-
-void TaskWizard::StepPath(const std::string& line) {
+// A path that is refused stays stored, too.
+std::string TaskWizard::TakePath(const std::string& line) {
   task_.path = line;
   store_.CheckTaskFile(task_.taskType, line);
-  if (!store_.TaskValidationMessage.empty()) return Reject(store_.TaskValidationMessage);
-  Ask(task_.taskType == kRunProgram ? SubState::Cmdline : SubState::Confirm);
+  return store_.TaskValidationMessage;
+}
+
+std::string TaskWizard::TakeCmdline(const std::string& line) {
+  // A popup message is its task's path.
+  (task_.taskType == kPopupMessage ? task_.path : task_.cmdLine) = line;
+  return "";
 }
 
 void TaskWizard::StepConfirm(const std::string& line) {
   if (line != "y" && line != "n") return Ask(SubState::Confirm);
-  if (line == "y" && store_.StoreEntry(task_, loaded_.name, TaskStore::Check::NameOnly) == 0) {
+  if (line == "n") {
+    // The tree is built anew in either case.
+    store_.listChanged.Raise();
+  } else if (store_.StoreEntry(task_, loaded_.name, TaskStore::Check::NameOnly) == 0) {
     conversation_.Send(store_.TaskValidationMessage);
     conversation_.Send(kCrLf);
   }
-  if (onFinished) onFinished();
   conversation_.ShowMainMenu();
-}
-
-void TaskWizard::SetDate(const std::string& day, const std::string& month,
-                         const std::string& year) {
-  const bool monthFirst = store_.DateOrderMonthFirst != 0;
-  task_.datePart1 = TwoDigitsOf(monthFirst ? month : day);
-  task_.datePart2 = TwoDigitsOf(monthFirst ? day : month);
-  task_.year = std::to_string(ToInt16Or(year, 0));
-}
-
-void TaskWizard::TakeLoaded() {
-  task_.name = loaded_.name;
-  task_.index = loaded_.index;
-  task_.group = loaded_.group;
-  task_.timeType = loaded_.timeType;
-  task_.hour = TwoDigitsOf(loaded_.timeHour);
-  task_.minute = TwoDigitsOf(loaded_.timeMinute);
-  SetDate(loaded_.dateDay, loaded_.dateMonth, loaded_.dateYear);
-  task_.every = loaded_.every;
-  task_.in = loaded_.in;
-  task_.dayNo = loaded_.dayNo;
-  task_.taskType = loaded_.taskType;
-  task_.winStyle = loaded_.winStyle;
-  task_.path = loaded_.path;
-  task_.cmdLine = loaded_.cmdLine;
-}
-
-void TaskWizard::EditStep(const std::string& line) {
-  conversation_.Send(kCrLf);
-  conversation_.Send(kCrLf);
-  switch (subState_) {
-    case SubState::Start:
-      TakeLoaded();
-      subState_ = SubState::TaskName;
-      return PromptChange(subState_);
-    case SubState::TaskName:
-    case SubState::Time:
-    case SubState::TimeType:
-    case SubState::TaskType:
-      break;
-    default:
-      return WizardStep(line);
-  }
-  if (mode_ == AnswerMode::AnsweringChange) return WizardStep(line);
-  if (mode_ == AnswerMode::AskedWhetherChanged && line == "y") {
-    Prompt(subState_);
-    mode_ = AnswerMode::AnsweringChange;
-  } else if (mode_ == AnswerMode::AskedWhetherChanged && line == "n") {
-    KeepField();
-  } else {
-    PromptChange(subState_);
-  }
-}
-
-void TaskWizard::KeepField() {
-  switch (subState_) {
-    case SubState::TaskName:
-      return Ask(SubState::Time);
-    case SubState::Time:
-      return Ask(SubState::TimeType);
-    case SubState::TimeType:
-      return Ask(SubState::TaskType);
-    default:
-      return Ask(SubState::Confirm);
-  }
 }
 
 }  // namespace orvanto

@@ -1,7 +1,6 @@
 // Making and changing a task by question and answer.
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -15,6 +14,22 @@ class TaskStore;
 
 class TaskWizard {
  public:
+  TaskWizard(Conversation& conversation, TaskStore& store, const Clock& clock)
+      : conversation_(conversation), store_(store), clock_(clock) {}
+
+  // A new task; its first question has been asked by the menu.
+  void BeginNew();
+  // The store's CurrentTask, which is loaded; asks the first question.
+  void BeginEdit();
+
+  // A complete line in the state NewTask, and in EditTask.
+  void WizardStep(const std::string& line);
+  void EditStep(const std::string& line);
+
+  // The list of tasks and the first question, again.
+  std::function<void()> repeatFirstQuestion;
+
+ private:
   enum class SubState {
     Start,
     TaskName,
@@ -30,53 +45,29 @@ class TaskWizard {
     WinStyle,
     Confirm,
   };
+  struct Question;
+  static const Question kQuestions[];
 
-  TaskWizard(Conversation& conversation, TaskStore& store, const Clock& clock)
-      : conversation_(conversation), store_(store), clock_(clock) {}
-
-  // Sets the sub-state to Start; the questions come with the first step.
-  void BeginNew();
-  void BeginEdit();
-
-  // A complete line in the state NewTask, and in EditTask; EditStep is also called once, with an
-  // empty line, when an edit begins: CurrentTask of the store is loaded then.
-  void WizardStep(const std::string& line);
-  void EditStep(const std::string& line);
-
-  // The list of tasks and the first question, again.
-  std::function<void()> repeatFirstQuestion;
-  // The list has changed, or may have.
-  std::function<void()> onFinished;
-
- private:
-  enum class AnswerMode { Plain, AskedWhetherChanged, AnsweringChange };
-
-  void Prompt(SubState question);
-  void PromptChange(SubState question);
-  void PromptMenu(const std::string& title, int count, std::string (*textOf)(int));
+  const Question& Asked() const;  // of the present sub-state
   void Ask(SubState next);
-  void Reject(const std::string& message);
+  void Prompt(const Question& question);
 
+  // Put the answer into the task and return nothing, or why it is refused.
+  std::string TakeName(const std::string& line);
+  std::string TakeTime(const std::string& line);
+  std::string TakeDate(const std::string& line);
+  std::string TakePath(const std::string& line);
+  std::string TakeCmdline(const std::string& line);
+  // The first answer and the last one.
   void StepStart(const std::string& line);
-  void StepName(const std::string& line);
-  void StepTime(const std::string& line);
-  void StepTimeType(const std::string& line);
-  void StepDate(const std::string& line);
-  void StepTaskType(const std::string& line);
-  void StepPath(const std::string& line);
   void StepConfirm(const std::string& line);
-  void StepChoice(const std::string& line, int most, std::int16_t& stored, SubState next,
-                  const char* message);
-  void KeepField();
-  void SetDate(const std::string& day, const std::string& month, const std::string& year);
-  void TakeLoaded();
 
   Conversation& conversation_;
   TaskStore& store_;
   const Clock& clock_;
   SubState subState_ = SubState::Start;
-  AnswerMode mode_ = AnswerMode::Plain;
   bool editing_ = false;
+  bool changing_ = false;  // an edit's client wants another value, and is asked for it
 
   TaskEntry task_;     // the working task, filled field by field
   TaskRecord loaded_;  // of an edit; empty for a new task

@@ -1,7 +1,5 @@
 #include "remote/TelnetProtocol.h"
 
-#include "platform/text/Lines.h"
-
 namespace orvanto {
 namespace {
 
@@ -31,7 +29,7 @@ std::string TelnetProtocol::Receive(std::string_view chunk, std::string& answers
   for (const char c : chunk) {
     if (Take(static_cast<std::uint8_t>(c), answers)) text += c;
   }
-  return text.empty() ? text : LineEnds(text);
+  return text;
 }
 
 bool TelnetProtocol::Take(std::uint8_t byte, std::string& answers) {
@@ -97,24 +95,6 @@ void TelnetProtocol::Negotiate(std::uint8_t option, std::string& answers) {
     default:
       break;
   }
-}
-
-std::string TelnetProtocol::LineEnds(const std::string& text) {
-  std::string_view rest = text;
-  if (afterCr_ && (rest[0] == '\n' || rest[0] == '\0')) rest.remove_prefix(1);
-  afterCr_ = false;
-  if (rest.empty()) return "";
-  if (rest == "\r" || rest == "\n") {
-    afterCr_ = rest == "\r";
-    return kCrLf;
-  }
-  std::string lines;
-  lines.reserve(rest.size());
-  for (std::size_t i = 0; i < rest.size(); ++i) {
-    const bool nulBehindCr = rest[i] == '\0' && i > 0 && rest[i - 1] == '\r';
-    lines += nulBehindCr ? '\n' : rest[i];
-  }
-  return lines;
 }
 
 std::string TelnetProtocol::Escape(std::string_view text) {

@@ -19,9 +19,7 @@ class TelnetProtocol {
   void Reset() { *this = TelnetProtocol(); }
 
   // One chunk as it arrived. Returns the text in it, and appends to `answers` what is to be sent at
-  // once, as bytes. Commands may be split over chunks anywhere. Text without telnet bytes comes
-  // back as it is, but for line ends: CR NUL is CR LF, and a CR or LF that comes as a chunk of its
-  // own is CR LF, too (what belongs to that line end in the next chunk is swallowed).
+  // once, as bytes. Commands may be split over chunks anywhere.
   std::string Receive(std::string_view chunk, std::string& answers);
 
   // Text for the client: the byte 255 is doubled.
@@ -33,11 +31,9 @@ class TelnetProtocol {
   // True when the byte is text.
   bool Take(std::uint8_t byte, std::string& answers);
   void Negotiate(std::uint8_t option, std::string& answers);
-  std::string LineEnds(const std::string& text);
 
   State state_ = State::Text;
   std::uint8_t verb_ = 0;
-  bool afterCr_ = false;
   std::array<bool, 256> ours_{};    // options that we do
   std::array<bool, 256> theirs_{};  // options that the client does
 };

@@ -1,7 +1,5 @@
 #include "remote/frmChat.h"
 
-#include "core/TextLog.h"
-
 namespace orvanto {
 
 frmChat::frmChat(forms::FormHost& host)
@@ -19,13 +17,15 @@ frmChat::frmChat(forms::FormHost& host)
   cmdQuit.onClick = [this] {
     if (onQuit) onQuit();
   };
+  conversationChanged_ =
+      conversation_.changed.Subscribe([this] { txtChat.SetText(conversation_.Text()); });
   // The client is not told: the chat goes on until he or the local user ends it.
   onClose = [this] { Hide(); };
 }
 
 void frmChat::Open() {
   if (!Loaded()) {
-    txtChat.SetText("");
+    conversation_.Begin("");
     txtSend.SetText("");
     CentreOnScreen();
   }
@@ -34,7 +34,7 @@ void frmChat::Open() {
 }
 
 void frmChat::Append(const std::string& text) {
-  txtChat.SetText(AppendToLog(txtChat.Text(), text));
+  conversation_.Append(text);
   if (onAppended) onAppended(text);
 }
 

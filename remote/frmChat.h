@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "core/TextLog.h"
 #include "platform/forms/forms.h"
 
 namespace orvanto {
@@ -13,7 +14,7 @@ class frmChat : public forms::Form {
   explicit frmChat(forms::FormHost& host);
 
   void Open();  // empty and centred, unless a chat is open already
-  // Behind the transcript, which never begins with an empty line.
+  // Puts the text at the end of the conversation.
   void Append(const std::string& text);
 
   std::function<void(const std::string& line)> onLine;  // a line to be sent
@@ -27,6 +28,10 @@ class frmChat : public forms::Form {
   forms::TextBox txtSend;
   forms::Button cmdQuit;
   forms::TextBox txtChat;
+
+ private:
+  TextLog conversation_;
+  Subscription conversationChanged_;
 };
 
 }  // namespace orvanto

@@ -13,24 +13,18 @@ namespace orvanto {
 
 class FakeArea : public ServerArea {
  public:
-  void ShowServer(bool on) override { shown = on; }
-  void SetCaption(const std::string& text) override { caption = text; }
+  void ShowServer(bool on) override { shown = on ? "shown " : "hidden "; }
+  void SetCaption(const std::string& text) override { caption = text + " "; }
   void SetLamps(bool yes, bool no) override {
-    lamps = std::string(yes ? "Y" : "-") + (no ? "N" : "-");
+    lamps = std::string(yes ? "Y" : "-") + (no ? "N " : "- ");
   }
   void SetClient(const std::string& address) override { client = address; }
-  void EnableClientCommands(bool on) override { commands = on; }
-  void SetLog(const std::string& text) override { log = text; }
-  std::string Log() const override { return log; }
+  void EnableClientCommands(bool on) override { commands = on ? " commands" : ""; }
 
-  // All of it in short: whether it is shown, the lamps, the client, whether it can be acted on.
-  std::string Text() const {
-    return (shown ? "shown " : "hidden ") + lamps + " " + client + (commands ? " commands" : "");
-  }
+  // All of it in short.
+  std::string Text() const { return shown + caption + lamps + client + commands; }
 
-  bool shown = false;
-  std::string caption, lamps, client = "0.0.0.0", log;
-  bool commands = false;
+  std::string shown, caption, lamps, client, commands;
 };
 
 struct RemoteDesk : CoreDesk {
@@ -41,6 +35,7 @@ struct RemoteDesk : CoreDesk {
       {loop, sockets, settings, store, execution, clock, files, messageBoxes, area, chat}, remote};
   FakeSocketHost::Socket& socket = *sockets.sockets.front();
 
+  const std::string& Log() { return server.ServerLog().Text(); }
   // Switches the server on and connects; what the client is sent at first.
   std::string Connect() {
     if (!server.Connected() && !server.Listening()) server.ServerOn();
@@ -49,27 +44,27 @@ struct RemoteDesk : CoreDesk {
     EXPECT_EQ(socket.pieces, 1);
     return socket.Sent();
   }
-  // Types key by key and Enter; what the client is sent behind the echo of the keys.
-  std::string Line(const std::string& text) {
-    for (const char key : text) socket.PeerSends(std::string(1, key));
+  // One arrival; what the client is sent.
+  std::string Send(const std::string& chunk) {
     socket.Sent();
-    socket.PeerSends(kCrLf);
+    socket.PeerSends(chunk);
     EXPECT_LE(socket.pieces, 1) << "of one event";
     return socket.Sent();
   }
-  std::string Lines(const Texts& lines) {
-    std::string last;
-    for (const std::string& line : lines) last = Line(line);
-    return last;
+  // Types key by key and Enter; what the client is sent after the echo of the keys.
+  std::string Line(const std::string& text) {
+    for (const char key : text) Send(std::string(1, key));
+    return Send(kCrLf);
   }
-  // Popup messages for every Monday in January.
+  // Lines with '|' between them; what the last one brings.
+  std::string Lines(const std::string& lines) {
+    const std::size_t last = lines.rfind('|');
+    if (last != std::string::npos) Lines(lines.substr(0, last));
+    return Line(lines.substr(last + 1));
+  }
   void AddMessages(const Texts& names) {
     for (const std::string& name : names) {
-      Add(name, "08:05", [](TaskEntry& entry) {
-        entry.group = "G";
-        entry.every = 3;
-        entry.in = 2;
-      });
+      Add(name, "08:05", [](TaskEntry& entry) { entry.group = "G"; });
     }
   }
 };

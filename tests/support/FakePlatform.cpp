@@ -220,8 +220,8 @@ bool FakeSocketHost::Socket::Listen(std::uint16_t port) {
 }
 
 bool FakeSocketHost::Socket::Accept(RequestId) {
-  state_ = State::Connected;
-  return true;
+  state_ = host_.clientsGo ? State::Closed : State::Connected;
+  return state_ == State::Connected;
 }
 
 bool FakeSocketHost::Socket::PeerConnects() {

@@ -58,6 +58,7 @@ class FakeSocketHost : public SocketHost {
   std::unique_ptr<TcpSocket> NewSocket() override;
   std::list<Socket*> sockets;     // in the order of their making
   std::set<std::uint16_t> taken;  // ports on which nobody can listen
+  bool clientsGo = false;         // before they are accepted
 };
 
 }  // namespace orvanto

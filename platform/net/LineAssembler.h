@@ -1,0 +1,60 @@
+// Lines out of what arrives from the network.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace orvanto {
+
+class LineAssembler {
+ public:
+  enum class Policy {
+    // A client that sends key by key: CR LF, CR NUL, CR or LF ends the line when it arrives alone,
+    // and is text otherwise (CR NUL as CR LF).
+    Keys,
+    // A client that sends lines, in pieces or several at a time: the same ends count wherever they
+    // stand, and it does not matter where the arrivals are cut.
+    Lines,
+    // Each arrival is one command, without the CR LFs in it.
+    Commands,
+  };
+
+  // What of a line is longer than `longest` bytes is dropped.
+  LineAssembler(Policy policy, std::size_t longest) : policy_(policy), longest_(longest) {}
+
+  struct Piece {
+    bool complete = false;
+    std::string text;  // what was typed, all of it; or the complete line
+  };
+
+  // An arrival; what of the last one has not been taken by Next is dropped.
+  void Feed(std::string arrival);
+  // The next piece of the arrival; nothing when all of it is taken.
+  std::optional<Piece> Next();
+
+  // What has been typed since the last complete line. It may be put back.
+  const std::string& Line() const { return line_; }
+  void SetLine(std::string line) { line_ = std::move(line); }
+
+  // For another connection: drops the arrival, and half a line end. The line stays.
+  void Restart();
+
+ private:
+  Piece Key(std::string_view chunk);
+  Piece PartOfLine(std::string_view rest);
+  Piece Command(std::string_view arrival);
+  Piece Typed(std::string text);
+  Piece Complete() { return {true, std::exchange(line_, {})}; }
+
+  const Policy policy_;
+  const std::size_t longest_;
+  std::string arrival_;
+  std::size_t taken_ = 0;  // of arrival_
+  bool afterCr_ = false;   // a LF or NUL that comes now belongs to the line end before it
+  std::string line_;
+};
+
+}  // namespace orvanto

@@ -1,0 +1,66 @@
+#include "platform/net/LineAssembler.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace orvanto {
+namespace {
+
+using Policy = LineAssembler::Policy;
+constexpr std::size_t kLongest = 8;
+
+// The pieces of an arrival: "typed" and "<line>", behind each other.
+std::string Pieces(LineAssembler& lines, const std::string& arrival) {
+  std::string all;
+  lines.Feed(arrival);
+  while (const auto piece = lines.Next()) {
+    all += piece->complete ? "<" + piece->text + ">" : piece->text;
+  }
+  return all;
+}
+
+TEST(LineAssembler, EachPolicyHasItsLines) {
+  const std::string nul(1, '\0');
+  const std::tuple<Policy, std::vector<std::string>, std::string> cases[] = {
+      {Policy::Keys, {"ab", "c", "\r\n", "\r\n", "d"}, "abc<abc><>d, d"},
+      {Policy::Keys, {"\r", "\n", "\r", nul, "\r" + nul, "\n", "\n"}, "<><><><><>, "},
+      {Policy::Keys, {"\r", "", "a", "\n", "\r", "\nb"}, "<>a<a><>b, b"},
+      {Policy::Keys, {"a\r\nb", "\r" + nul + "c\r"}, "a\r\nb\r\nc\r, a\r\nb\r\nc\r"},
+      {Policy::Keys, {"123456789", "x", "\n", "y"}, "123456789x<12345678>y, y"},
+      // What arrives is a command, however it is cut.
+      {Policy::Commands, {"USER a b\r\n", "QU", "IT", ""}, "<USER a b><QU><IT>, "},
+      {Policy::Commands, {"A\r\nB\r\n", "\r\n", "C\r", "\nD"}, "<AB><><C\r><\nD>, "},
+      {Policy::Commands, {"STOR 56\r\n789"}, "<STOR 567>, "}};
+  for (const auto& [policy, arrivals, expected] : cases) {
+    LineAssembler lines(policy, kLongest);
+    std::string pieces;
+    for (const std::string& arrival : arrivals) pieces += Pieces(lines, arrival);
+    EXPECT_EQ(pieces + ", " + lines.Line(), expected);
+  }
+}
+
+TEST(LineAssembler, WholeLinesMayBeCutAnywhere) {
+  const std::string stream =
+      "one\r\ntwo\n\nthree\r" + std::string(1, '\0') + "\r\rlonger than 8\r\nx";
+  for (std::size_t at = 0; at <= stream.size(); ++at) {
+    LineAssembler lines(Policy::Lines, kLongest);
+    const std::string first = Pieces(lines, stream.substr(0, at));
+    EXPECT_EQ(first + Pieces(lines, stream.substr(at)),
+              "one<one>two<two><>three<three><><>longer than 8<longer t>x")
+        << at;
+  }
+}
+
+TEST(LineAssembler, AnotherConnectionKeepsTheLineOnly) {
+  LineAssembler lines(Policy::Lines, kLongest);
+  lines.Feed("ab\rcd");
+  lines.Next();
+  lines.Next();
+  lines.SetLine("put back");
+  lines.Restart();
+  EXPECT_EQ(Pieces(lines, "\n"), "<put back>");
+}
+
+}  // namespace
+}  // namespace orvanto
