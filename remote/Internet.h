@@ -75,7 +75,7 @@ class TelnetServer : public Conversation {
  private:
   // The input line is not kept longer than this; what comes after that is echoed and dropped.
   static constexpr std::size_t kLongestLine = 64 << 10;
-  // Arrivals that are kept apart while they wait; what comes behind waits in the socket.
+  // Arrivals that are kept apart while they wait; what comes after those waits in the socket.
   static constexpr std::size_t kMostWaiting = 256;
   // Lines that are carried out one inside the other, those of clients who have gone meanwhile.
   static constexpr int kMostOpenLines = 8;

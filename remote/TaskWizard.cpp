@@ -69,28 +69,27 @@ bool Choice(const std::string& line, int most, std::int16_t& stored) {
 
 struct TaskWizard::Question {
   SubState state;
+  int most = 0;  // the largest number that is an answer
 
-  // What is sent: a text, one that depends on the task, or the title of a menu of `most` items.
+  // What is sent: a text, one that depends on the task, or the title of a menu.
   const char* text = "";
   std::string (*textOf)(const TaskWizard&) = nullptr;
   std::string (*item)(int number) = nullptr;
 
-  // How the answer is taken: as a number up to `most`, or by a function; two answers are a step of
-  // their own.
-  int most = 0;
+  // How the answer is taken: as a number, or by a function; two answers are a step of their own.
   std::int16_t TaskEntry::*choice = nullptr;
   const char* refusal = nullptr;  // of another number
   std::string (TaskWizard::*take)(const std::string& line) = nullptr;
   void (TaskWizard::*step)(const std::string& line) = nullptr;
 
-  // What comes next, in general or for the task as it is now.
+  // What comes next: in general, when an edit keeps what there is, or for the task as it is now.
   SubState next = SubState::Confirm;
+  SubState kept = SubState::Confirm;
   SubState (*nextOf)(const TaskEntry&) = nullptr;
 
-  // Where an edit asks first whether to change it: what it tells of the task as it was loaded, and
-  // what comes next when it is to stay.
+  // What an edit tells of the task as it was loaded; where it does, it asks first whether to change
+  // that.
   std::string (*current)(const TaskWizard&) = nullptr;
-  SubState kept = SubState::Confirm;
 };
 
 constinit const TaskWizard::Question TaskWizard::kQuestions[] = {
@@ -99,24 +98,25 @@ constinit const TaskWizard::Question TaskWizard::kQuestions[] = {
      .text = "\r\nEnter Name for New Task: ",
      .take = &TaskWizard::TakeName,
      .next = SubState::Time,
-     .current = [](const TaskWizard& w) { return "Current Task Name: " + w.loaded_.name; },
-     .kept = SubState::Time},
+     .kept = SubState::Time,
+     .current = [](const TaskWizard& w) { return "Current Task Name: " + w.loaded_.name; }},
     {.state = SubState::Time,
      .text = "At what time would you like this task to occur?\r\n\r\n"
              "Enter in 24-hour format with a colon separating hours and minutes(xx:xx)\r\n>",
      .take = &TaskWizard::TakeTime,
      .next = SubState::TimeType,
+     .kept = SubState::TimeType,
      .current =
          [](const TaskWizard& w) {
            return "Current Time for Task: " + w.loaded_.timeHour + ":" + w.loaded_.timeMinute;
-         },
-     .kept = SubState::TimeType},
+         }},
     {.state = SubState::TimeType,
+     .most = 3,
      .text = "On which day(s) should this task occur?",
      .item = TimeTypeText,
-     .most = 3,
      .choice = &TaskEntry::timeType,
      .refusal = kInvalidSelection,
+     .kept = SubState::TaskType,
      .nextOf =
          [](const TaskEntry& task) {
            return task.timeType == kTimeOnce        ? SubState::Date
@@ -127,8 +127,7 @@ constinit const TaskWizard::Question TaskWizard::kQuestions[] = {
          [](const TaskWizard& w) {
            return "Current Option for on what days this Task should occur:\r\n\r\n" +
                   DaysText(w.loaded_, w.store_.DateOrderMonthFirst, w.clock_);
-         },
-     .kept = SubState::TaskType},
+         }},
     {.state = SubState::Date,
      .textOf =
          [](const TaskWizard& w) {
@@ -138,31 +137,32 @@ constinit const TaskWizard::Question TaskWizard::kQuestions[] = {
      .take = &TaskWizard::TakeDate,
      .next = SubState::TaskType},
     {.state = SubState::EveryDayOption,
+     .most = kEveryCodesThatFire,
      .text = "In terms of days, when should this task recur?",
      .item = EveryName,
-     .most = kEveryCodesThatFire,
      .choice = &TaskEntry::every,
      .refusal = kInvalidOption,
      .next = SubState::InMonthOption},
     {.state = SubState::InMonthOption,
+     .most = kInCodes,
      .text = "In terms of months, when should this task recur?",
      .item = InName,
-     .most = kInCodes,
      .choice = &TaskEntry::in,
      .refusal = kInvalidOption,
      .next = SubState::TaskType},
     {.state = SubState::DayNo,
-     .text = "\r\n\r\nOn which day of the month should the task occur(1-31)?",
      .most = 31,
+     .text = "\r\n\r\nOn which day of the month should the task occur(1-31)?",
      .choice = &TaskEntry::dayNo,
      .refusal = kInvalidOption,
      .next = SubState::TaskType},
     {.state = SubState::TaskType,
+     .most = kTaskTypes,
      .text = "What type of task will this be?",
      .item = TaskTypeText,
-     .most = kTaskTypes,
      .choice = &TaskEntry::taskType,
      .refusal = kInvalidSelection,
+     .kept = SubState::Confirm,
      .nextOf =
          [](const TaskEntry& task) {
            const bool plain = task.taskType == kResetComputer || task.taskType == kShutdownComputer;
@@ -173,8 +173,7 @@ constinit const TaskWizard::Question TaskWizard::kQuestions[] = {
      .current =
          [](const TaskWizard& w) {
            return "Current Task Type: " + TaskTypeName(w.loaded_.taskType);
-         },
-     .kept = SubState::Confirm},
+         }},
     {.state = SubState::PathString,
      .textOf = [](const TaskWizard& w) { return PathText(w.task_.taskType) + "\r\n\r\n>"; },
      .take = &TaskWizard::TakePath,
@@ -197,9 +196,9 @@ constinit const TaskWizard::Question TaskWizard::kQuestions[] = {
            return task.taskType == kPopupMessage ? SubState::Confirm : SubState::WinStyle;
          }},
     {.state = SubState::WinStyle,
+     .most = 6,
      .text = "Select the Window Style",
      .item = WinStyleText,
-     .most = 6,
      .choice = &TaskEntry::winStyle,
      .refusal = kInvalidSelection},
     {.state = SubState::Confirm,

@@ -10,7 +10,7 @@ namespace {
 using Policy = LineAssembler::Policy;
 constexpr std::size_t kLongest = 8;
 
-// The pieces of an arrival: "typed" and "<line>", behind each other.
+// The pieces of an arrival: "typed" and "<line>", one after the other.
 std::string Pieces(LineAssembler& lines, const std::string& arrival) {
   std::string all;
   lines.Feed(arrival);
