@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/forms/Control.h"
+#include "platform/forms/ControlVisitor.h"
 #include "platform/forms/TextBox.h"
 
 namespace orvanto::forms {
@@ -20,7 +21,8 @@ class ComboBox : public Control {
   static constexpr int kNone = -1;
 
   ComboBox(Form& form, const Control* container, Style style, Bounds bounds)
-      : Control(form, container, Kind::ComboBox, {}, bounds), style_(style) {}
+      : Control(form, container, {}, bounds), style_(style) {}
+  void Accept(ControlVisitor& visitor) override { visitor.Visit(*this); }
 
   const Style& GetStyle() const { return style_; }
   const std::vector<std::string>& Items() const { return items_; }
@@ -46,10 +48,8 @@ class ComboBox : public Control {
 class UpDown : public Control {
  public:
   UpDown(Form& form, const Control* container, TextBox& buddy, int least, int most, Bounds bounds)
-      : Control(form, container, Kind::UpDown, {}, bounds),
-        buddy_(buddy),
-        least_(least),
-        most_(most) {}
+      : Control(form, container, {}, bounds), buddy_(buddy), least_(least), most_(most) {}
+  void Accept(ControlVisitor& visitor) override { visitor.Visit(*this); }
 
   TextBox& Buddy() const { return buddy_; }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/forms/Control.h"
+#include "platform/forms/ControlVisitor.h"
 
 namespace orvanto::forms {
 
@@ -17,7 +18,8 @@ class TextBox : public Control {
     int maxLength = 0;  // in characters; 0: as long as one likes
   };
   TextBox(Form& form, const Control* container, Style style, Bounds bounds)
-      : Control(form, container, Kind::TextBox, {}, bounds), style_(style) {}
+      : Control(form, container, {}, bounds), style_(style) {}
+  void Accept(ControlVisitor& visitor) override { visitor.Visit(*this); }
 
   const Style& GetStyle() const { return style_; }
 

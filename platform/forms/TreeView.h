@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/forms/Control.h"
+#include "platform/forms/ControlVisitor.h"
 
 namespace orvanto::forms {
 
@@ -24,7 +25,8 @@ class TreeView : public Control {
   };
 
   TreeView(Form& form, const Control* container, Bounds bounds)
-      : Control(form, container, Kind::TreeView, {}, bounds) {}
+      : Control(form, container, {}, bounds) {}
+  void Accept(ControlVisitor& visitor) override { visitor.Visit(*this); }
 
   const std::vector<Node>& Nodes() const { return nodes_; }
   void Clear();                     // also clears the selection

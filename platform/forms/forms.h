@@ -1,8 +1,10 @@
 // The retained forms: everything a form needs in one include.
 #pragma once
 
+#include "platform/forms/Buttons.h"
 #include "platform/forms/Control.h"
 #include "platform/forms/Form.h"
+#include "platform/forms/Labels.h"
 #include "platform/forms/Lists.h"
 #include "platform/forms/Menu.h"
 #include "platform/forms/TextBox.h"

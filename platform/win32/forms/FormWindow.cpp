@@ -13,7 +13,6 @@
 namespace orvanto::win32 {
 
 using forms::FormProperty;
-using forms::Kind;
 using forms::Property;
 
 namespace {
@@ -126,7 +125,7 @@ void FormWindow::MakeControls() {
       CreateWindowExW(0, WC_STATICW, ToWide(control->spokenName).c_str(), WS_CHILD, 0, 0, 0, 0,
                       window_, nullptr, ThisModule(), nullptr);
     }
-    const bool isOption = control->GetKind() == Kind::OptionButton;
+    const bool isOption = control->AsOption() != nullptr;
     controls_.push_back(
         MakeControlWindow(*control, window_, static_cast<int>(kFirstControl + controls_.size())));
     // The arrow keys walk through the options of one container.
@@ -144,13 +143,11 @@ void FormWindow::MirrorOptionStops() const {
   std::map<const forms::Control*, HWND> stops;
   std::vector<std::pair<HWND, const forms::Control*>> options;
   for (const auto& window : controls_) {
-    const forms::Control& control = window->GetControl();
-    if (control.GetKind() != Kind::OptionButton) continue;
-    options.emplace_back(window->Get(), control.Container());
-    stops.try_emplace(control.Container(), window->Get());
-    if (static_cast<const forms::OptionButton&>(control).Value()) {
-      stops[control.Container()] = window->Get();
-    }
+    const forms::OptionButton* option = window->GetControl().AsOption();
+    if (option == nullptr) continue;
+    options.emplace_back(window->Get(), option->Container());
+    stops.try_emplace(option->Container(), window->Get());
+    if (option->Value()) stops[option->Container()] = window->Get();
   }
   for (const auto& [window, container] : options) {
     SetStyle(window, WS_TABSTOP, stops[container] == window);
@@ -260,7 +257,7 @@ void FormWindow::ControlChanged(const forms::Control& control, Property property
     if (place) Place(*window);
     if (state) MirrorState(*window);
   }
-  if (property == Property::Value && control.GetKind() == Kind::OptionButton) MirrorOptionStops();
+  if (property == Property::Value) MirrorOptionStops();
   if (place || state) InvalidateRect(window_, nullptr, TRUE);
 }
 
@@ -424,10 +421,10 @@ LRESULT FormWindow::OnSystemChange(UINT message, WPARAM wParam, LPARAM lParam) {
 
 LRESULT FormWindow::OnStaticColour(HDC context, HWND control) {
   const ControlWindow* window = Find(static_cast<UINT>(GetDlgCtrlID(control)));
-  const bool isText = window != nullptr && window->GetControl().GetKind() == Kind::TextBox;
+  const bool isField = window != nullptr && window->IsField();
   const bool enabled = IsWindowEnabled(control) != 0;
-  const int background = isText && enabled ? COLOR_WINDOW : COLOR_BTNFACE;
-  const int text = !enabled ? COLOR_GRAYTEXT : isText ? COLOR_WINDOWTEXT : COLOR_BTNTEXT;
+  const int background = isField && enabled ? COLOR_WINDOW : COLOR_BTNFACE;
+  const int text = !enabled ? COLOR_GRAYTEXT : isField ? COLOR_WINDOWTEXT : COLOR_BTNTEXT;
   SetTextColor(context, GetSysColor(text));
   SetBkColor(context, GetSysColor(background));
   return reinterpret_cast<LRESULT>(GetSysColorBrush(background));
@@ -480,10 +477,8 @@ void FormWindow::MoveFocus(HWND to) {
   if ((code & DLGC_HASSETSEL) != 0) SendMessageW(to, EM_SETSEL, 0, -1);
   const bool toButton = (code & (DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON)) != 0;
   for (const auto& window : controls_) {
-    const forms::Control& control = window->GetControl();
-    if (control.GetKind() != Kind::Button) continue;
-    const bool takesEnter = toButton ? window->Get() == to : &control == form_->defaultButton;
-    SendMessageW(window->Get(), BM_SETSTYLE, takesEnter ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON, TRUE);
+    window->ShowAsDefault(toButton ? window->Get() == to
+                                   : &window->GetControl() == form_->defaultButton);
   }
   if (GetActiveWindow() == window_) SetFocus(to);
 }

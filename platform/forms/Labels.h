@@ -1,0 +1,47 @@
+// What is only looked at.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+#include "platform/forms/Control.h"
+#include "platform/forms/ControlVisitor.h"
+
+namespace orvanto::forms {
+
+class Label : public Control {
+ public:
+  Label(Form& form, const Control* container, std::string caption, Bounds bounds)
+      : Control(form, container, std::move(caption), bounds) {}
+  void Accept(ControlVisitor& visitor) override { visitor.Visit(*this); }
+
+  // For a text of any length: a word that is longer than a line goes on in the next one. To be set
+  // before the form loads.
+  bool breaksWords = false;
+};
+
+class Frame : public Control {
+ public:
+  Frame(Form& form, const Control* container, std::string caption, Bounds bounds)
+      : Control(form, container, std::move(caption), bounds) {}
+  void Accept(ControlVisitor& visitor) override { visitor.Visit(*this); }
+};
+
+// A round status lamp.
+class Lamp : public Control {
+ public:
+  Lamp(Form& form, const Control* container, Bounds bounds)
+      : Control(form, container, {}, bounds) {}
+  void Accept(ControlVisitor& visitor) override { visitor.Visit(*this); }
+
+  static constexpr std::uint32_t kLit = 0x00FF00;  // red, green, blue from the high byte down
+  static constexpr std::uint32_t kDark = 0xC0C0C0;
+  std::uint32_t Colour() const { return colour_; }
+  void SetLit(bool lit);
+
+ private:
+  std::uint32_t colour_ = kDark;
+};
+
+}  // namespace orvanto::forms
