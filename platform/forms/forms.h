@@ -5,6 +5,7 @@
 #include "platform/forms/Control.h"
 #include "platform/forms/Form.h"
 #include "platform/forms/Labels.h"
+#include "platform/forms/Layout.h"
 #include "platform/forms/Lists.h"
 #include "platform/forms/Menu.h"
 #include "platform/forms/TextBox.h"
