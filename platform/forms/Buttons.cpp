@@ -1,8 +1,20 @@
 #include "platform/forms/Buttons.h"
 
+#include "platform/forms/ControlVisitor.h"
 #include "platform/forms/Form.h"
 
 namespace orvanto::forms {
+
+Button::Button(Form& form, const Control* container, std::string_view caption, Bounds bounds)
+    : Control(form, container, caption, bounds) {}
+
+void Button::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+
+OptionButton::OptionButton(Form& form, const Control* container, std::string_view caption,
+                           Bounds bounds)
+    : Control(form, container, caption, bounds) {}
+
+void OptionButton::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
 
 bool Button::Press() {
   if (!Usable()) return false;

@@ -2,19 +2,16 @@
 #pragma once
 
 #include <functional>
-#include <string>
-#include <utility>
+#include <string_view>
 
 #include "platform/forms/Control.h"
-#include "platform/forms/ControlVisitor.h"
 
 namespace orvanto::forms {
 
 class Button : public Control {
  public:
-  Button(Form& form, const Control* container, std::string caption, Bounds bounds)
-      : Control(form, container, std::move(caption), bounds) {}
-  void Accept(ControlVisitor& visitor) override { visitor.Visit(*this); }
+  Button(Form& form, const Control* container, std::string_view caption, Bounds bounds);
+  void Accept(ControlVisitor& visitor) override;
 
   std::function<void()> onClick;
 
@@ -25,9 +22,8 @@ class Button : public Control {
 // Option buttons in one container exclude each other.
 class OptionButton : public Control {
  public:
-  OptionButton(Form& form, const Control* container, std::string caption, Bounds bounds)
-      : Control(form, container, std::move(caption), bounds) {}
-  void Accept(ControlVisitor& visitor) override { visitor.Visit(*this); }
+  OptionButton(Form& form, const Control* container, std::string_view caption, Bounds bounds);
+  void Accept(ControlVisitor& visitor) override;
   OptionButton* AsOption() override { return this; }
 
   bool Value() const { return value_; }

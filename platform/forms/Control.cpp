@@ -1,15 +1,15 @@
 #include "platform/forms/Control.h"
 
-#include <utility>
-
 #include "platform/forms/Form.h"
 
 namespace orvanto::forms {
 
-Control::Control(Form& form, const Control* container, std::string text, Bounds bounds)
-    : text_(std::move(text)), form_(form), container_(container), bounds_(bounds) {
+Control::Control(Form& form, const Control* container, std::string_view text, Bounds bounds)
+    : text_(text), form_(form), container_(container), bounds_(bounds) {
   form.controls_.push_back(this);
 }
+
+Control::~Control() = default;
 
 void Control::Changed(Property property) {
   if (form_.peer_) form_.peer_->ControlChanged(*this, property);

@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace orvanto::forms {
 
@@ -33,7 +34,7 @@ class Control {
  public:
   Control(const Control&) = delete;
   Control& operator=(const Control&) = delete;
-  virtual ~Control() = default;
+  virtual ~Control();
 
   // Tells the visitor which kind it is, by the one call that takes that kind.
   virtual void Accept(ControlVisitor& visitor) = 0;
@@ -68,7 +69,7 @@ class Control {
   bool Usable() const;       // shown and enabled with all its containers
 
  protected:
-  Control(Form& form, const Control* container, std::string text, Bounds bounds);
+  Control(Form& form, const Control* container, std::string_view text, Bounds bounds);
   void Changed(Property property);
   void Raise(const std::function<void()>& event) const;
 

@@ -4,7 +4,20 @@
 #include <charconv>
 #include <utility>
 
+#include "platform/forms/ControlVisitor.h"
+
 namespace orvanto::forms {
+
+ComboBox::ComboBox(Form& form, const Control* container, Style style, Bounds bounds)
+    : Control(form, container, {}, bounds), style_(style) {}
+
+void ComboBox::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+
+UpDown::UpDown(Form& form, const Control* container, TextBox& buddy, int least, int most,
+               Bounds bounds)
+    : Control(form, container, {}, bounds), buddy_(buddy), least_(least), most_(most) {}
+
+void UpDown::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
 
 void ComboBox::SetItems(std::vector<std::string> items) {
   items_ = std::move(items);

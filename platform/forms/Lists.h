@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "platform/forms/Control.h"
-#include "platform/forms/ControlVisitor.h"
 #include "platform/forms/TextBox.h"
 
 namespace orvanto::forms {
@@ -20,9 +19,8 @@ class ComboBox : public Control {
   };
   static constexpr int kNone = -1;
 
-  ComboBox(Form& form, const Control* container, Style style, Bounds bounds)
-      : Control(form, container, {}, bounds), style_(style) {}
-  void Accept(ControlVisitor& visitor) override { visitor.Visit(*this); }
+  ComboBox(Form& form, const Control* container, Style style, Bounds bounds);
+  void Accept(ControlVisitor& visitor) override;
 
   const Style& GetStyle() const { return style_; }
   const std::vector<std::string>& Items() const { return items_; }
@@ -47,9 +45,8 @@ class ComboBox : public Control {
 // Two arrows that count the number in a text box up and down between two bounds.
 class UpDown : public Control {
  public:
-  UpDown(Form& form, const Control* container, TextBox& buddy, int least, int most, Bounds bounds)
-      : Control(form, container, {}, bounds), buddy_(buddy), least_(least), most_(most) {}
-  void Accept(ControlVisitor& visitor) override { visitor.Visit(*this); }
+  UpDown(Form& form, const Control* container, TextBox& buddy, int least, int most, Bounds bounds);
+  void Accept(ControlVisitor& visitor) override;
 
   TextBox& Buddy() const { return buddy_; }
 

@@ -1,6 +1,13 @@
 #include "platform/forms/TextBox.h"
 
+#include "platform/forms/ControlVisitor.h"
+
 namespace orvanto::forms {
+
+TextBox::TextBox(Form& form, const Control* container, Style style, Bounds bounds)
+    : Control(form, container, {}, bounds), style_(style) {}
+
+void TextBox::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
 
 bool TextBox::Type(const std::string& text) {
   if (!Usable() || style_.readOnly) return false;

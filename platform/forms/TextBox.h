@@ -5,7 +5,6 @@
 #include <string>
 
 #include "platform/forms/Control.h"
-#include "platform/forms/ControlVisitor.h"
 
 namespace orvanto::forms {
 
@@ -17,9 +16,8 @@ class TextBox : public Control {
     bool readOnly = false;
     int maxLength = 0;  // in characters; 0: as long as one likes
   };
-  TextBox(Form& form, const Control* container, Style style, Bounds bounds)
-      : Control(form, container, {}, bounds), style_(style) {}
-  void Accept(ControlVisitor& visitor) override { visitor.Visit(*this); }
+  TextBox(Form& form, const Control* container, Style style, Bounds bounds);
+  void Accept(ControlVisitor& visitor) override;
 
   const Style& GetStyle() const { return style_; }
 

@@ -2,7 +2,14 @@
 
 #include <utility>
 
+#include "platform/forms/ControlVisitor.h"
+
 namespace orvanto::forms {
+
+TreeView::TreeView(Form& form, const Control* container, Bounds bounds)
+    : Control(form, container, {}, bounds) {}
+
+void TreeView::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
 
 void TreeView::Clear() {
   nodes_.clear();

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "platform/forms/Control.h"
-#include "platform/forms/ControlVisitor.h"
 
 namespace orvanto::forms {
 
@@ -24,9 +23,8 @@ class TreeView : public Control {
     bool expanded = false;
   };
 
-  TreeView(Form& form, const Control* container, Bounds bounds)
-      : Control(form, container, {}, bounds) {}
-  void Accept(ControlVisitor& visitor) override { visitor.Visit(*this); }
+  TreeView(Form& form, const Control* container, Bounds bounds);
+  void Accept(ControlVisitor& visitor) override;
 
   const std::vector<Node>& Nodes() const { return nodes_; }
   void Clear();                     // also clears the selection

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/forms/ControlVisitor.h"
 #include "platform/win32/HiddenWindow.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/forms/ControlKinds.h"
