@@ -20,7 +20,18 @@ class ControlVisitor;
 class Form;
 class OptionButton;
 
-enum class Property { Text, Visible, Enabled, Bounds, Value, Items, Nodes, Selection };
+enum class Property {
+  Text,
+  Visible,
+  Enabled,
+  Bounds,
+  Value,
+  Items,
+  LastItem,
+  Nodes,
+  Selection,
+  Drawing
+};
 
 struct Bounds {
   int left = 0;

@@ -22,4 +22,11 @@ bool TextBox::PressEnter() {
   return true;
 }
 
+bool TextBox::Drop(const std::string& text) {
+  if (!Usable() || !onDrop) return false;
+  const auto handler = onDrop;  // which may assign it anew
+  handler(text);
+  return true;
+}
+
 }  // namespace orvanto::forms

@@ -48,11 +48,16 @@ class Maker : public forms::ControlVisitor {
   Maker(HWND parent, int id) : parent_(parent), id_(id) {}
 
   void Visit(forms::Button& button) override { made = MakeWindow(button, parent_, id_); }
+  void Visit(forms::CheckBox& check) override { made = MakeWindow(check, parent_, id_); }
   void Visit(forms::ComboBox& combo) override { made = MakeWindow(combo, parent_, id_); }
   void Visit(forms::Frame& frame) override { made = MakeWindow(frame, parent_, id_); }
   void Visit(forms::Label& label) override { made = MakeWindow(label, parent_, id_); }
   void Visit(forms::Lamp& lamp) override { made = MakeWindow(lamp, parent_, id_); }
+  void Visit(forms::ListBox& list) override { made = MakeWindow(list, parent_, id_); }
   void Visit(forms::OptionButton& option) override { made = MakeWindow(option, parent_, id_); }
+  void Visit(forms::PictureBox& picture) override { made = MakeWindow(picture, parent_, id_); }
+  void Visit(forms::TabPage& page) override { made = MakeWindow(page, parent_, id_); }
+  void Visit(forms::TabStrip& tabs) override { made = MakeWindow(tabs, parent_, id_); }
   void Visit(forms::TextBox& box) override { made = MakeWindow(box, parent_, id_); }
   void Visit(forms::TreeView& tree) override { made = MakeWindow(tree, parent_, id_); }
   void Visit(forms::UpDown& upDown) override { made = MakeWindow(upDown, parent_, id_); }

@@ -50,6 +50,13 @@ class ControlWindow {
 
   // Enter in it is its own, reported as BN_CLICKED, and not the default button's.
   virtual bool TakesEnter() const { return false; }
+  // What lies behind the controls that stand in it, in pixels on the form; without a brush, what
+  // lies behind itself.
+  struct Ground {
+    RECT place;
+    HBRUSH brush = nullptr;
+  };
+  virtual Ground GetGround() const { return {}; }
   // Its text stands on the colour of what can be written on, not on that of the form.
   virtual bool IsField() const { return false; }
 

@@ -2,6 +2,7 @@
 
 #include <shellscalingapi.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <utility>
@@ -97,6 +98,7 @@ FormWindow::FormWindow(forms::Form& form, HWND owner, std::function<void(FormWin
 FormWindow::~FormWindow() {
   form_ = nullptr;
   gone_ = nullptr;
+  controls_.clear();
   if (window_ != nullptr) DestroyWindow(window_);
 }
 
@@ -304,9 +306,7 @@ void FormWindow::FormChanged(FormProperty property) {
       SetForegroundWindow(window_);
       break;
     case FormProperty::Focus:
-      for (const auto& window : controls_) {
-        if (&window->GetControl() == form_->Focus()) MoveFocus(window->Get());
-      }
+      if (const ControlWindow* window = Find(form_->Focus())) MoveFocus(window->Get());
       break;
   }
 }
@@ -369,6 +369,11 @@ LRESULT FormWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     }
     case WM_CTLCOLORSTATIC:
       return OnStaticColour(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
+    case WM_ERASEBKGND: {
+      const LRESULT erased = DefWindowProcW(window_, message, wParam, lParam);
+      PaintGrounds(reinterpret_cast<HDC>(wParam));
+      return erased;
+    }
     case WM_ACTIVATE:
       OnActivate(LOWORD(wParam) != WA_INACTIVE);
       break;
@@ -381,8 +386,7 @@ LRESULT FormWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
           const ControlWindow* window = Find(static_cast<UINT>(focus))) {
         if (window->TakesEnter()) return MAKELRESULT(focus, DC_HASDEFID);
       }
-      for (const auto& window : controls_) {
-        if (&window->GetControl() != form_->defaultButton) continue;
+      if (const ControlWindow* window = Find(form_->defaultButton)) {
         return MAKELRESULT(GetDlgCtrlID(window->Get()), DC_HASDEFID);
       }
       return 0;
@@ -408,9 +412,13 @@ LRESULT FormWindow::OnSystemChange(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_SETTINGCHANGE:
       if (wParam == SPI_SETNONCLIENTMETRICS) Rescale();
       break;
+    case WM_THEMECHANGED:
+      Rescale();
+      break;
     case WM_SYSCOLORCHANGE:
       // The common controls are told by nobody else.
       for (const auto& window : controls_) SendMessageW(window->Get(), message, wParam, lParam);
+      Rescale();
       break;
     default:
       break;
@@ -423,16 +431,43 @@ LRESULT FormWindow::OnStaticColour(HDC context, HWND control) {
   const ControlWindow* window = Find(static_cast<UINT>(GetDlgCtrlID(control)));
   const bool isField = window != nullptr && window->IsField();
   const bool enabled = IsWindowEnabled(control) != 0;
-  const int background = isField && enabled ? COLOR_WINDOW : COLOR_BTNFACE;
   const int text = !enabled ? COLOR_GRAYTEXT : isField ? COLOR_WINDOWTEXT : COLOR_BTNTEXT;
+  const HBRUSH background = isField && enabled             ? GetSysColorBrush(COLOR_WINDOW)
+                            : isField || window == nullptr ? GetSysColorBrush(COLOR_BTNFACE)
+                                                           : GroundOf(*window);
+  LOGBRUSH brush = {};
+  GetObjectW(background, sizeof brush, &brush);
   SetTextColor(context, GetSysColor(text));
-  SetBkColor(context, GetSysColor(background));
-  return reinterpret_cast<LRESULT>(GetSysColorBrush(background));
+  SetBkColor(context, brush.lbColor);
+  return reinterpret_cast<LRESULT>(background);
+}
+
+HBRUSH FormWindow::GroundOf(const ControlWindow& window) const {
+  const forms::Control* container = window.GetControl().Container();
+  for (; container != nullptr; container = container->Container()) {
+    if (const HBRUSH brush = Find(container)->GetGround().brush) return brush;
+  }
+  return GetSysColorBrush(COLOR_BTNFACE);
+}
+
+void FormWindow::PaintGrounds(HDC context) const {
+  for (const auto& window : controls_) {
+    const ControlWindow::Ground ground = window->GetGround();
+    const bool shown = (GetWindowLongPtrW(window->Get(), GWL_STYLE) & WS_VISIBLE) != 0;
+    if (shown && ground.brush != nullptr) FillRect(context, &ground.place, ground.brush);
+  }
 }
 
 ControlWindow* FormWindow::Find(UINT id) const {
   if (id < kFirstControl || id - kFirstControl >= controls_.size()) return nullptr;
   return controls_[id - kFirstControl].get();
+}
+
+ControlWindow* FormWindow::Find(const forms::Control* control) const {
+  const auto found = std::find_if(controls_.begin(), controls_.end(), [&](const auto& window) {
+    return &window->GetControl() == control;
+  });
+  return found != controls_.end() ? found->get() : nullptr;
 }
 
 // After the call of a handler nothing of the form is touched: it may be gone.

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "platform/win32/forms/ControlKinds.h"
+#include "platform/win32/forms/Painting.h"
 
 namespace orvanto::win32 {
 
@@ -45,12 +46,9 @@ class LampWindow : public ControlWindow {
     const int height = draw.rcItem.bottom - draw.rcItem.top;
     const int side = std::min(width, height) * kLarger;
     const RECT all = {0, 0, width * kLarger, height * kLarger};
-    const Handle<HDC, DeleteDC> memory(CreateCompatibleDC(draw.hDC));
-    const Handle<HBITMAP, DeleteObject> bitmap(
-        CreateCompatibleBitmap(draw.hDC, all.right, all.bottom));
+    const Canvas memory(draw.hDC, all.right, all.bottom);
     const Handle<HBRUSH, DeleteObject> fill(CreateSolidBrush(SystemColour()));
     const Handle<HPEN, DeleteObject> edge(CreatePen(PS_INSIDEFRAME, kLarger, EdgeColour()));
-    const HGDIOBJ oldBitmap = SelectObject(memory.Get(), bitmap.Get());
     const HGDIOBJ oldBrush = SelectObject(memory.Get(), fill.Get());
     const HGDIOBJ oldPen = SelectObject(memory.Get(), edge.Get());
     FillRect(memory.Get(), &all, GetSysColorBrush(COLOR_BTNFACE));
@@ -63,28 +61,18 @@ class LampWindow : public ControlWindow {
                all.right, all.bottom, SRCCOPY);
     SelectObject(memory.Get(), oldPen);
     SelectObject(memory.Get(), oldBrush);
-    SelectObject(memory.Get(), oldBitmap);
   }
 
  private:
-  static bool HighContrast() {
-    HIGHCONTRASTW contrast = {};
-    contrast.cbSize = sizeof contrast;
-    return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof contrast, &contrast, 0) &&
-           (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
-  }
-
   static COLORREF EdgeColour() {
     return GetSysColor(HighContrast() ? COLOR_BTNTEXT : COLOR_BTNSHADOW);
   }
 
-  // The system spells a colour with red in the low byte.
   COLORREF SystemColour() const {
     if (HighContrast()) {
       return GetSysColor(lamp_.Colour() == forms::Lamp::kLit ? COLOR_HIGHLIGHT : COLOR_BTNFACE);
     }
-    const std::uint32_t colour = lamp_.Colour();
-    return RGB((colour >> 16) & 0xFF, (colour >> 8) & 0xFF, colour & 0xFF);
+    return ToColour(lamp_.Colour());
   }
 
   forms::Lamp& lamp_;

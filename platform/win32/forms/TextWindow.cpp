@@ -1,4 +1,5 @@
 #include "platform/win32/forms/ControlKinds.h"
+#include "platform/win32/forms/TextDrop.h"
 
 namespace orvanto::win32 {
 
@@ -24,6 +25,7 @@ class TextWindow : public ControlWindow {
     if (box.GetStyle().multiLine && box.GetStyle().readOnly) {
       SetWindowSubclass(window_, ReadOnlyTextProcedure, 0, 0);
     }
+    if (box.onDrop) drop_ = std::make_unique<TextDrop>(window_);
     ScrollToEnd();
   }
 
@@ -37,6 +39,7 @@ class TextWindow : public ControlWindow {
   void OnCommand(WORD code) override {
     if (code == EN_CHANGE) box_.Type(WindowText(window_));
     if (code == BN_CLICKED) box_.PressEnter();
+    if (code == TextDrop::kDropped) box_.Drop(drop_->Take());
   }
 
   bool TakesEnter() const override { return box_.onEnter != nullptr; }
@@ -47,6 +50,7 @@ class TextWindow : public ControlWindow {
     DWORD style = box.GetStyle().multiLine ? ES_MULTILINE | ES_AUTOVSCROLL | WS_VSCROLL
                                            : DWORD{ES_AUTOHSCROLL};
     if (box.GetStyle().readOnly) style |= ES_READONLY;
+    if (box.GetStyle().password) style |= ES_PASSWORD;
     return style;
   }
 
@@ -58,6 +62,7 @@ class TextWindow : public ControlWindow {
   }
 
   forms::TextBox& box_;
+  std::unique_ptr<TextDrop> drop_;
 };
 
 }  // namespace
