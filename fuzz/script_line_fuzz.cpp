@@ -100,6 +100,7 @@ struct Nothing : Shell, Session, Sound, MessageBoxes, Desktop, Keyboard, Clipboa
   void Send(Window, std::uint32_t, std::uintptr_t, std::intptr_t) override {}
   void Type(const std::vector<KeyEvent>&) override {}
   bool SetText(const std::string&) override { return false; }
+  std::string Text() override { return ""; }
 };
 
 struct Desk {

@@ -80,14 +80,15 @@ DateTime NextMinute(DateTime time) {
   return time;
 }
 
-constexpr int kTypeTop = 300;
-constexpr int kLine = 345;  // from one option to the next
+constexpr forms::Column kTypes{{180, 300, 3060, 270}, 345};
+// What the type asks for, each under its caption.
+constexpr forms::Column kFieldCaptions{{3780, 765, 4200, 240}, 1035};
+constexpr forms::Column kFields{{3780, 1035, 4200, 345}, 1035};
+// The three rules in their frame, with the fields of each beside it.
+constexpr forms::Column kRules{{180, 345, 3360, 270}, 480};
 
 forms::OptionButton TypeOption(frmEdit& form, const forms::Frame& frame, int index) {
-  return {form,
-          &frame,
-          kTaskTypeFacts[static_cast<std::size_t>(index)].caption,
-          {180, kTypeTop + index * kLine, 3060, 270}};
+  return {form, &frame, kTaskTypeFacts[static_cast<std::size_t>(index)].caption, kTypes[index]};
 }
 
 }  // namespace
@@ -103,23 +104,23 @@ frmEdit::frmEdit(forms::FormHost& host, const Services& services)
                   TypeOption(*this, fraTaskType, 2), TypeOption(*this, fraTaskType, 3),
                   TypeOption(*this, fraTaskType, 4), TypeOption(*this, fraTaskType, 5),
                   TypeOption(*this, fraTaskType, 6)},
-      lbl1(*this, nullptr, "Program or Shortcut:", {3780, 765, 4200, 240}),
-      txt1(*this, nullptr, {}, {3780, 1035, 4200, 345}),
+      lbl1(*this, nullptr, "Program or Shortcut:", kFieldCaptions[0]),
+      txt1(*this, nullptr, {}, kFields[0]),
       cmdBrowse(*this, nullptr, "&Browse", {8130, 1035, 1290, 345}),
       cmdEdit(*this, nullptr, "E&dit Script", {8130, 1470, 1290, 345}),
-      lbl2(*this, nullptr, "Parameters:", {3780, 1800, 4200, 240}),
-      txt2(*this, nullptr, {}, {3780, 2070, 4200, 345}),
-      lblWindow(*this, nullptr, "Window style:", {3780, 2835, 4200, 240}),
-      cmbWindow(*this, nullptr, {}, {3780, 3105, 4200, 345}),
+      lbl2(*this, nullptr, "Parameters:", kFieldCaptions[1]),
+      txt2(*this, nullptr, {}, kFields[1]),
+      lblWindow(*this, nullptr, "Window style:", kFieldCaptions[2]),
+      cmbWindow(*this, nullptr, {}, kFields[2]),
       lblTime(*this, nullptr, "At this time:", {180, 3735, 1500, 240}),
       txtHour(*this, nullptr, {.maxLength = 2}, {1740, 3690, 480, 345}),
       lblColon(*this, nullptr, ":", {2280, 3735, 90, 240}),
       txtMinute(*this, nullptr, {.maxLength = 2}, {2400, 3690, 480, 345}),
       cmdNow(*this, nullptr, "&Now", {3780, 3690, 1290, 345}),
       fraWhen(*this, nullptr, "When this task will occur:", {180, 4185, 9240, 1845}),
-      optOnce(*this, &fraWhen, "&Once, on this day:", {180, 345, 3360, 270}),
-      optRecurring(*this, &fraWhen, "&Recurring", {180, 825, 3360, 270}),
-      optMonthly(*this, &fraWhen, "&Every month, on this day number:", {180, 1305, 3360, 270}),
+      optOnce(*this, &fraWhen, "&Once, on this day:", kRules[0]),
+      optRecurring(*this, &fraWhen, "&Recurring", kRules[1]),
+      optMonthly(*this, &fraWhen, "&Every month, on this day number:", kRules[2]),
       txtdte{forms::TextBox(*this, &fraWhen, {.maxLength = 2}, {3600, 300, 480, 345}),
              forms::TextBox(*this, &fraWhen, {.maxLength = 2}, {4320, 300, 480, 345}),
              forms::TextBox(*this, &fraWhen, {.maxLength = 4}, {5040, 300, 720, 345})},

@@ -29,8 +29,7 @@ constexpr const char* kStartupLog = "ORVTASK.LOG";
 constexpr int kTreeAboveServer = 1425;
 constexpr int kTreeAlone = 3375;
 
-// The column of the command buttons, in twips.
-forms::Bounds CommandBounds(int row) { return {7260, 120 + row * 465, 1560, 375}; }
+constexpr forms::Column kCommands{{7260, 120, 1560, 375}, 465};
 
 // Redraws once, after all changes of the tree.
 class TreeUpdate {
@@ -49,13 +48,13 @@ class TreeUpdate {
 frmScriptcfg::frmScriptcfg(forms::FormHost& host, const Services& services)
     : Form(host, kProgramTitle, {8940, 4350}),
       treTasks(*this, nullptr, {120, 120, 7020, kTreeAlone}),
-      cmdNew(*this, nullptr, "&New Task", CommandBounds(0)),
-      cmdDelete(*this, nullptr, "&Delete Task", CommandBounds(1)),
-      cmdEdit(*this, nullptr, "&Edit Task", CommandBounds(2)),
-      cmdRun(*this, nullptr, "&Run Task", CommandBounds(3)),
-      cmdSystemTray(*this, nullptr, "&System Tray", CommandBounds(4)),
-      cmdAbout(*this, nullptr, "&About", CommandBounds(5)),
-      cmdExit(*this, nullptr, "E&xit", CommandBounds(6)),
+      cmdNew(*this, nullptr, "&New Task", kCommands[0]),
+      cmdDelete(*this, nullptr, "&Delete Task", kCommands[1]),
+      cmdEdit(*this, nullptr, "&Edit Task", kCommands[2]),
+      cmdRun(*this, nullptr, "&Run Task", kCommands[3]),
+      cmdSystemTray(*this, nullptr, "&System Tray", kCommands[4]),
+      cmdAbout(*this, nullptr, "&About", kCommands[5]),
+      cmdExit(*this, nullptr, "E&xit", kCommands[6]),
       fraInet(*this, nullptr, "Internet Server:", {120, 3600, 7020, 630}),
       optIneton(*this, &fraInet, "&On", {180, 270, 1200, 270}),
       optInetoff(*this, &fraInet, "O&ff", {1560, 270, 1200, 270}),

@@ -10,16 +10,28 @@
 // nothing where a person could not do it, and raise the event otherwise.
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace orvanto::forms {
 
+class ControlVisitor;
 class Form;
+class OptionButton;
 
-enum class Kind { Label, Button, OptionButton, TextBox, ComboBox, UpDown, Frame, Lamp, TreeView };
-enum class Property { Text, Visible, Enabled, Bounds, Value, Items, Nodes, Selection };
+enum class Property {
+  Text,
+  Visible,
+  Enabled,
+  Bounds,
+  Value,
+  Items,
+  LastItem,
+  Nodes,
+  Selection,
+  Drawing
+};
 
 struct Bounds {
   int left = 0;
@@ -33,9 +45,13 @@ class Control {
  public:
   Control(const Control&) = delete;
   Control& operator=(const Control&) = delete;
-  virtual ~Control() = default;
+  virtual ~Control();
 
-  Kind GetKind() const { return kind_; }
+  // Tells the visitor which kind it is, by the one call that takes that kind.
+  virtual void Accept(ControlVisitor& visitor) = 0;
+  // Itself, if it is one; null otherwise.
+  virtual OptionButton* AsOption() { return nullptr; }
+
   Form& Owner() const { return form_; }
   // The frame around it, or null when it stands on the form itself.
   const Control* Container() const { return container_; }
@@ -64,7 +80,7 @@ class Control {
   bool Usable() const;       // shown and enabled with all its containers
 
  protected:
-  Control(Form& form, const Control* container, Kind kind, std::string text, Bounds bounds);
+  Control(Form& form, const Control* container, std::string_view text, Bounds bounds);
   void Changed(Property property);
   void Raise(const std::function<void()>& event) const;
 
@@ -73,70 +89,9 @@ class Control {
  private:
   Form& form_;
   const Control* container_;
-  Kind kind_;
   Bounds bounds_;
   bool visible_ = true;
   bool enabled_ = true;
-};
-
-class Label : public Control {
- public:
-  Label(Form& form, const Control* container, std::string caption, Bounds bounds)
-      : Control(form, container, Kind::Label, std::move(caption), bounds) {}
-
-  // For a text of any length: a word that is longer than a line goes on in the next one. To be set
-  // before the form loads.
-  bool breaksWords = false;
-};
-
-class Frame : public Control {
- public:
-  Frame(Form& form, const Control* container, std::string caption, Bounds bounds)
-      : Control(form, container, Kind::Frame, std::move(caption), bounds) {}
-};
-
-class Button : public Control {
- public:
-  Button(Form& form, const Control* container, std::string caption, Bounds bounds)
-      : Control(form, container, Kind::Button, std::move(caption), bounds) {}
-
-  std::function<void()> onClick;
-
-  // user
-  bool Press();
-};
-
-// Option buttons in one container exclude each other.
-class OptionButton : public Control {
- public:
-  OptionButton(Form& form, const Control* container, std::string caption, Bounds bounds)
-      : Control(form, container, Kind::OptionButton, std::move(caption), bounds) {}
-
-  bool Value() const { return value_; }
-  void SetValue(bool value);  // true clears the others of the container
-
-  std::function<void()> onClick;
-
-  // user
-  bool Choose();
-
- private:
-  bool value_ = false;
-};
-
-// A round status lamp.
-class Lamp : public Control {
- public:
-  Lamp(Form& form, const Control* container, Bounds bounds)
-      : Control(form, container, Kind::Lamp, {}, bounds) {}
-
-  static constexpr std::uint32_t kLit = 0x00FF00;  // red, green, blue from the high byte down
-  static constexpr std::uint32_t kDark = 0xC0C0C0;
-  std::uint32_t Colour() const { return colour_; }
-  void SetLit(bool lit);
-
- private:
-  std::uint32_t colour_ = kDark;
 };
 
 }  // namespace orvanto::forms

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/forms/Buttons.h"
 #include "platform/forms/Control.h"
 #include "platform/forms/Menu.h"
 
@@ -97,7 +98,6 @@ class Form {
  private:
   friend class Control;
   friend class MenuItem;
-  friend class OptionButton;
   void Changed(FormProperty property);
 
   FormHost& host_;

@@ -19,8 +19,8 @@ class ComboBox : public Control {
   };
   static constexpr int kNone = -1;
 
-  ComboBox(Form& form, const Control* container, Style style, Bounds bounds)
-      : Control(form, container, Kind::ComboBox, {}, bounds), style_(style) {}
+  ComboBox(Form& form, const Control* container, Style style, Bounds bounds);
+  void Accept(ControlVisitor& visitor) override;
 
   const Style& GetStyle() const { return style_; }
   const std::vector<std::string>& Items() const { return items_; }
@@ -45,11 +45,8 @@ class ComboBox : public Control {
 // Two arrows that count the number in a text box up and down between two bounds.
 class UpDown : public Control {
  public:
-  UpDown(Form& form, const Control* container, TextBox& buddy, int least, int most, Bounds bounds)
-      : Control(form, container, Kind::UpDown, {}, bounds),
-        buddy_(buddy),
-        least_(least),
-        most_(most) {}
+  UpDown(Form& form, const Control* container, TextBox& buddy, int least, int most, Bounds bounds);
+  void Accept(ControlVisitor& visitor) override;
 
   TextBox& Buddy() const { return buddy_; }
 

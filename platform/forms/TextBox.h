@@ -14,10 +14,11 @@ class TextBox : public Control {
     bool multiLine = false;  // lines end in CR LF; scrolls by itself to its end on SetText
     bool fromTop = false;    // no: it shows its beginning then
     bool readOnly = false;
-    int maxLength = 0;  // in characters; 0: as long as one likes
+    bool password = false;  // of one line; shows a mark for each character
+    int maxLength = 0;      // in characters; 0: as long as one likes
   };
-  TextBox(Form& form, const Control* container, Style style, Bounds bounds)
-      : Control(form, container, Kind::TextBox, {}, bounds), style_(style) {}
+  TextBox(Form& form, const Control* container, Style style, Bounds bounds);
+  void Accept(ControlVisitor& visitor) override;
 
   const Style& GetStyle() const { return style_; }
 
@@ -26,9 +27,14 @@ class TextBox : public Control {
   // The Enter key in a box of one line. Without it, Enter presses the form's default button.
   std::function<void()> onEnter;
 
+  // Text is dropped here that was dragged from anywhere; what becomes of it is the handler's
+  // affair. To be set before the form loads: without it nothing can be dropped.
+  std::function<void(const std::string& text)> onDrop;
+
   // user: replaces the contents
   bool Type(const std::string& text);
   bool PressEnter();
+  bool Drop(const std::string& text);
 
  private:
   Style style_;

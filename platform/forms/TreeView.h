@@ -23,8 +23,8 @@ class TreeView : public Control {
     bool expanded = false;
   };
 
-  TreeView(Form& form, const Control* container, Bounds bounds)
-      : Control(form, container, Kind::TreeView, {}, bounds) {}
+  TreeView(Form& form, const Control* container, Bounds bounds);
+  void Accept(ControlVisitor& visitor) override;
 
   const std::vector<Node>& Nodes() const { return nodes_; }
   void Clear();                     // also clears the selection

@@ -32,6 +32,7 @@ class NoKeyboard : public Keyboard {
 class NoClipboard : public Clipboard {
  public:
   bool SetText(const std::string&) override { return false; }
+  std::string Text() override { return ""; }
 };
 
 }  // namespace orvanto::posix

@@ -23,4 +23,14 @@ std::string ToUtf8(std::wstring_view text) {
   return utf8;
 }
 
+std::string TextIn(void* globalMemory) {
+  const auto* text = static_cast<const wchar_t*>(GlobalLock(globalMemory));
+  if (text == nullptr) return {};
+  std::wstring_view whole(text, GlobalSize(globalMemory) / sizeof(wchar_t));
+  whole = whole.substr(0, whole.find(L'\0'));
+  std::string utf8 = ToUtf8(whole);
+  GlobalUnlock(globalMemory);
+  return utf8;
+}
+
 }  // namespace orvanto::win32

@@ -10,4 +10,7 @@ namespace orvanto::win32 {
 std::wstring ToWide(std::string_view text);
 std::string ToUtf8(std::wstring_view text);
 
+// What programs hand each other: as far as the first NUL, or the end of the block of memory.
+std::string TextIn(void* globalMemory);
+
 }  // namespace orvanto::win32

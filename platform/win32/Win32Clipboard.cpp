@@ -51,4 +51,10 @@ bool Win32Clipboard::SetText(const std::string& text) {
   return true;
 }
 
+std::string Win32Clipboard::Text() {
+  const OpenedClipboard clipboard(owner_.Get());
+  const HANDLE memory = clipboard ? GetClipboardData(CF_UNICODETEXT) : nullptr;
+  return memory != nullptr ? TextIn(memory) : "";
+}
+
 }  // namespace orvanto::win32

@@ -13,6 +13,7 @@ class Win32Clipboard : public Clipboard {
  public:
   Win32Clipboard();
   bool SetText(const std::string& text) override;
+  std::string Text() override;
 
  private:
   HiddenWindow owner_;

@@ -114,6 +114,7 @@ class FakeClipboard : public Clipboard {
     if (!taken) text = newText;
     return !taken;
   }
+  std::string Text() override { return taken ? "" : text; }
   bool taken = false;  // by another program
   std::string text;
 };

@@ -1,5 +1,5 @@
-// The windows of the controls. Each kind is a class of its own; MakeControlWindow is the one place
-// that lists them.
+// The windows of the controls. Each kind is a class of its own, in a file that only
+// MakeControlWindow knows of.
 #pragma once
 
 #include <windows.h>
@@ -7,6 +7,7 @@
 #include <commctrl.h>
 
 #include <memory>
+#include <string>
 
 #include "platform/forms/forms.h"
 #include "platform/win32/Handle.h"
@@ -37,15 +38,27 @@ class ControlWindow {
   virtual void Place(const RECT& place);
   // Once after creation, and again when font, images and scale have changed.
   virtual void Rescale(UINT /*dpi*/) {}
+  // Whether Enter presses it, as the form has decided; for what can be pressed.
+  virtual void ShowAsDefault(bool /*isDefault*/) {}
 
   // From the user to the control; may unload the form or run the loop.
   virtual void OnCommand(WORD /*code*/) {}
-  // Enter in it is its own, reported as BN_CLICKED, and not the default button's.
-  virtual bool TakesEnter() const { return false; }
   // `person` is false while the report is only the echo of a change of our own.
   virtual LRESULT OnNotify(const NMHDR& /*header*/, bool /*person*/) { return 0; }
 
   virtual void OnDraw(const DRAWITEMSTRUCT& /*draw*/) const {}
+
+  // Enter in it is its own, reported as BN_CLICKED, and not the default button's.
+  virtual bool TakesEnter() const { return false; }
+  // What lies behind the controls that stand in it, in pixels on the form; without a brush, what
+  // lies behind itself.
+  struct Ground {
+    RECT place;
+    HBRUSH brush = nullptr;
+  };
+  virtual Ground GetGround() const { return {}; }
+  // Its text stands on the colour of what can be written on, not on that of the form.
+  virtual bool IsField() const { return false; }
 
  protected:
   // Setting an equal text would move the caret of the person who has just typed it.

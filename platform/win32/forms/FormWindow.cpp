@@ -2,6 +2,7 @@
 
 #include <shellscalingapi.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <utility>
@@ -13,7 +14,6 @@
 namespace orvanto::win32 {
 
 using forms::FormProperty;
-using forms::Kind;
 using forms::Property;
 
 namespace {
@@ -98,6 +98,7 @@ FormWindow::FormWindow(forms::Form& form, HWND owner, std::function<void(FormWin
 FormWindow::~FormWindow() {
   form_ = nullptr;
   gone_ = nullptr;
+  controls_.clear();
   if (window_ != nullptr) DestroyWindow(window_);
 }
 
@@ -126,7 +127,7 @@ void FormWindow::MakeControls() {
       CreateWindowExW(0, WC_STATICW, ToWide(control->spokenName).c_str(), WS_CHILD, 0, 0, 0, 0,
                       window_, nullptr, ThisModule(), nullptr);
     }
-    const bool isOption = control->GetKind() == Kind::OptionButton;
+    const bool isOption = control->AsOption() != nullptr;
     controls_.push_back(
         MakeControlWindow(*control, window_, static_cast<int>(kFirstControl + controls_.size())));
     // The arrow keys walk through the options of one container.
@@ -144,13 +145,11 @@ void FormWindow::MirrorOptionStops() const {
   std::map<const forms::Control*, HWND> stops;
   std::vector<std::pair<HWND, const forms::Control*>> options;
   for (const auto& window : controls_) {
-    const forms::Control& control = window->GetControl();
-    if (control.GetKind() != Kind::OptionButton) continue;
-    options.emplace_back(window->Get(), control.Container());
-    stops.try_emplace(control.Container(), window->Get());
-    if (static_cast<const forms::OptionButton&>(control).Value()) {
-      stops[control.Container()] = window->Get();
-    }
+    const forms::OptionButton* option = window->GetControl().AsOption();
+    if (option == nullptr) continue;
+    options.emplace_back(window->Get(), option->Container());
+    stops.try_emplace(option->Container(), window->Get());
+    if (option->Value()) stops[option->Container()] = window->Get();
   }
   for (const auto& [window, container] : options) {
     SetStyle(window, WS_TABSTOP, stops[container] == window);
@@ -260,7 +259,7 @@ void FormWindow::ControlChanged(const forms::Control& control, Property property
     if (place) Place(*window);
     if (state) MirrorState(*window);
   }
-  if (property == Property::Value && control.GetKind() == Kind::OptionButton) MirrorOptionStops();
+  if (property == Property::Value) MirrorOptionStops();
   if (place || state) InvalidateRect(window_, nullptr, TRUE);
 }
 
@@ -307,9 +306,7 @@ void FormWindow::FormChanged(FormProperty property) {
       SetForegroundWindow(window_);
       break;
     case FormProperty::Focus:
-      for (const auto& window : controls_) {
-        if (&window->GetControl() == form_->Focus()) MoveFocus(window->Get());
-      }
+      if (const ControlWindow* window = Find(form_->Focus())) MoveFocus(window->Get());
       break;
   }
 }
@@ -372,6 +369,11 @@ LRESULT FormWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     }
     case WM_CTLCOLORSTATIC:
       return OnStaticColour(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
+    case WM_ERASEBKGND: {
+      const LRESULT erased = DefWindowProcW(window_, message, wParam, lParam);
+      PaintGrounds(reinterpret_cast<HDC>(wParam));
+      return erased;
+    }
     case WM_ACTIVATE:
       OnActivate(LOWORD(wParam) != WA_INACTIVE);
       break;
@@ -384,8 +386,7 @@ LRESULT FormWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
           const ControlWindow* window = Find(static_cast<UINT>(focus))) {
         if (window->TakesEnter()) return MAKELRESULT(focus, DC_HASDEFID);
       }
-      for (const auto& window : controls_) {
-        if (&window->GetControl() != form_->defaultButton) continue;
+      if (const ControlWindow* window = Find(form_->defaultButton)) {
         return MAKELRESULT(GetDlgCtrlID(window->Get()), DC_HASDEFID);
       }
       return 0;
@@ -411,9 +412,13 @@ LRESULT FormWindow::OnSystemChange(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_SETTINGCHANGE:
       if (wParam == SPI_SETNONCLIENTMETRICS) Rescale();
       break;
+    case WM_THEMECHANGED:
+      Rescale();
+      break;
     case WM_SYSCOLORCHANGE:
       // The common controls are told by nobody else.
       for (const auto& window : controls_) SendMessageW(window->Get(), message, wParam, lParam);
+      Rescale();
       break;
     default:
       break;
@@ -424,18 +429,45 @@ LRESULT FormWindow::OnSystemChange(UINT message, WPARAM wParam, LPARAM lParam) {
 
 LRESULT FormWindow::OnStaticColour(HDC context, HWND control) {
   const ControlWindow* window = Find(static_cast<UINT>(GetDlgCtrlID(control)));
-  const bool isText = window != nullptr && window->GetControl().GetKind() == Kind::TextBox;
+  const bool isField = window != nullptr && window->IsField();
   const bool enabled = IsWindowEnabled(control) != 0;
-  const int background = isText && enabled ? COLOR_WINDOW : COLOR_BTNFACE;
-  const int text = !enabled ? COLOR_GRAYTEXT : isText ? COLOR_WINDOWTEXT : COLOR_BTNTEXT;
+  const int text = !enabled ? COLOR_GRAYTEXT : isField ? COLOR_WINDOWTEXT : COLOR_BTNTEXT;
+  const HBRUSH background = isField && enabled             ? GetSysColorBrush(COLOR_WINDOW)
+                            : isField || window == nullptr ? GetSysColorBrush(COLOR_BTNFACE)
+                                                           : GroundOf(*window);
+  LOGBRUSH brush = {};
+  GetObjectW(background, sizeof brush, &brush);
   SetTextColor(context, GetSysColor(text));
-  SetBkColor(context, GetSysColor(background));
-  return reinterpret_cast<LRESULT>(GetSysColorBrush(background));
+  SetBkColor(context, brush.lbColor);
+  return reinterpret_cast<LRESULT>(background);
+}
+
+HBRUSH FormWindow::GroundOf(const ControlWindow& window) const {
+  const forms::Control* container = window.GetControl().Container();
+  for (; container != nullptr; container = container->Container()) {
+    if (const HBRUSH brush = Find(container)->GetGround().brush) return brush;
+  }
+  return GetSysColorBrush(COLOR_BTNFACE);
+}
+
+void FormWindow::PaintGrounds(HDC context) const {
+  for (const auto& window : controls_) {
+    const ControlWindow::Ground ground = window->GetGround();
+    const bool shown = (GetWindowLongPtrW(window->Get(), GWL_STYLE) & WS_VISIBLE) != 0;
+    if (shown && ground.brush != nullptr) FillRect(context, &ground.place, ground.brush);
+  }
 }
 
 ControlWindow* FormWindow::Find(UINT id) const {
   if (id < kFirstControl || id - kFirstControl >= controls_.size()) return nullptr;
   return controls_[id - kFirstControl].get();
+}
+
+ControlWindow* FormWindow::Find(const forms::Control* control) const {
+  const auto found = std::find_if(controls_.begin(), controls_.end(), [&](const auto& window) {
+    return &window->GetControl() == control;
+  });
+  return found != controls_.end() ? found->get() : nullptr;
 }
 
 // After the call of a handler nothing of the form is touched: it may be gone.
@@ -480,10 +512,8 @@ void FormWindow::MoveFocus(HWND to) {
   if ((code & DLGC_HASSETSEL) != 0) SendMessageW(to, EM_SETSEL, 0, -1);
   const bool toButton = (code & (DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON)) != 0;
   for (const auto& window : controls_) {
-    const forms::Control& control = window->GetControl();
-    if (control.GetKind() != Kind::Button) continue;
-    const bool takesEnter = toButton ? window->Get() == to : &control == form_->defaultButton;
-    SendMessageW(window->Get(), BM_SETSTYLE, takesEnter ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON, TRUE);
+    window->ShowAsDefault(toButton ? window->Get() == to
+                                   : &window->GetControl() == form_->defaultButton);
   }
   if (GetActiveWindow() == window_) SetFocus(to);
 }

@@ -62,6 +62,9 @@ class FormWindow {
   void MirrorOptionStops() const;
   void MoveToPosition() const;
   ControlWindow* Find(UINT id) const;
+  ControlWindow* Find(const forms::Control* control) const;
+  HBRUSH GroundOf(const ControlWindow& window) const;
+  void PaintGrounds(HDC context) const;
 
   forms::Form* form_;  // null when detached
   std::function<void(FormWindow&)> gone_;

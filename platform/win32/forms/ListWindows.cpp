@@ -1,8 +1,7 @@
-#include "platform/win32/forms/ListWindows.h"
-
 #include <algorithm>
 
 #include "platform/win32/Text.h"
+#include "platform/win32/forms/ControlKinds.h"
 
 namespace orvanto::win32 {
 
@@ -31,7 +30,31 @@ HWND BuddyOf(const forms::UpDown& upDown, HWND parent, int id) {
   return GetDlgItem(parent, id - static_cast<int>(self - buddy));
 }
 
-}  // namespace
+class ComboWindow : public ControlWindow {
+ public:
+  ComboWindow(forms::ComboBox& combo, HWND parent, int id);
+
+  void Mirror(forms::Property property) override;
+  void Place(const RECT& place) override;
+  void OnCommand(WORD code) override;
+
+ private:
+  void Fill() const;
+  void MirrorSelection() const;
+  int WindowSelection() const;
+
+  forms::ComboBox& combo_;
+};
+
+class UpDownWindow : public ControlWindow {
+ public:
+  UpDownWindow(forms::UpDown& upDown, HWND parent, int id);
+
+  LRESULT OnNotify(const NMHDR& header, bool person) override;
+
+ private:
+  forms::UpDown& upDown_;
+};
 
 ComboWindow::ComboWindow(forms::ComboBox& combo, HWND parent, int id)
     : ControlWindow(combo, {WC_COMBOBOXW, StyleOf(combo)}, parent, id), combo_(combo) {
@@ -112,6 +135,16 @@ LRESULT UpDownWindow::OnNotify(const NMHDR& header, bool person) {
   const auto& change = reinterpret_cast<const NMUPDOWN&>(header);
   if (change.iDelta != 0) upDown_.Step(change.iDelta > 0 ? 1 : -1);
   return TRUE;  // the position stays
+}
+
+}  // namespace
+
+NewControlWindow MakeWindow(forms::ComboBox& combo, HWND parent, int id) {
+  return std::make_unique<ComboWindow>(combo, parent, id);
+}
+
+NewControlWindow MakeWindow(forms::UpDown& upDown, HWND parent, int id) {
+  return std::make_unique<UpDownWindow>(upDown, parent, id);
 }
 
 }  // namespace orvanto::win32

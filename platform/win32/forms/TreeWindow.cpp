@@ -2,6 +2,7 @@
 
 #include "platform/win32/HiddenWindow.h"
 #include "platform/win32/Text.h"
+#include "platform/win32/forms/ControlKinds.h"
 #include "platform/win32/forms/Scale.h"
 
 namespace orvanto::win32 {
@@ -184,6 +185,10 @@ LRESULT TreeWindow::OnNotify(const NMHDR& header, bool person) {
       break;
   }
   return 0;
+}
+
+NewControlWindow MakeWindow(forms::TreeView& tree, HWND parent, int id) {
+  return std::make_unique<TreeWindow>(tree, parent, id);
 }
 
 }  // namespace orvanto::win32

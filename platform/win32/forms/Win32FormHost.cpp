@@ -31,8 +31,9 @@ class Win32FormHost::Peer : public forms::FormPeer {
 
 Win32FormHost::Win32FormHost(Win32Loop& loop)
     : loop_(loop), owner_(L"OrvantoOwner", [](UINT, WPARAM, LPARAM) { return std::nullopt; }) {
-  const INITCOMMONCONTROLSEX classes = {
-      sizeof classes, ICC_STANDARD_CLASSES | ICC_TREEVIEW_CLASSES | ICC_UPDOWN_CLASS};
+  const INITCOMMONCONTROLSEX classes = {sizeof classes, ICC_STANDARD_CLASSES |
+                                                            ICC_TREEVIEW_CLASSES |
+                                                            ICC_UPDOWN_CLASS | ICC_TAB_CLASSES};
   InitCommonControlsEx(&classes);
   loop_.preTranslate = [this](MSG& message) { return Navigate(message); };
 }

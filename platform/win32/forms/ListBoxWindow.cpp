@@ -1,0 +1,80 @@
+#include <algorithm>
+
+#include "platform/win32/Text.h"
+#include "platform/win32/forms/ControlKinds.h"
+
+namespace orvanto::win32 {
+
+using forms::Property;
+
+namespace {
+
+class ListBoxWindow : public ControlWindow {
+ public:
+  ListBoxWindow(forms::ListBox& list, HWND parent, int id)
+      : ControlWindow(list, {WC_LISTBOXW, kStyle, WS_EX_CLIENTEDGE}, parent, id), list_(list) {}
+
+  void Mirror(Property property) override {
+    if (property == Property::Items) Fill();
+    if (property == Property::LastItem) Add(list_.Items().back());
+    if (property == Property::Selection) MirrorSelection();
+  }
+
+  void Rescale(UINT) override { Fill(); }
+
+  void OnCommand(WORD code) override {
+    if (code == LBN_SELCHANGE) list_.Choose(WindowSelection());
+  }
+
+ private:
+  static constexpr DWORD kStyle =
+      WS_TABSTOP | WS_VSCROLL | WS_HSCROLL | LBS_NOTIFY | LBS_HASSTRINGS | LBS_NOINTEGRALHEIGHT;
+
+  void Fill() {
+    SendMessageW(window_, WM_SETREDRAW, FALSE, 0);
+    SendMessageW(window_, LB_RESETCONTENT, 0, 0);
+    widest_ = 0;
+    for (const std::string& item : list_.Items()) Add(item);
+    MirrorSelection();
+    SendMessageW(window_, WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(window_, nullptr, TRUE);
+  }
+
+  // The window does not see by itself how far there is to scroll sideways.
+  void Add(const std::string& item) {
+    const std::wstring text = ToWide(item);
+    SendMessageW(window_, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    const HDC context = GetDC(window_);
+    const HGDIOBJ old =
+        SelectObject(context, reinterpret_cast<HFONT>(SendMessageW(window_, WM_GETFONT, 0, 0)));
+    SIZE size = {};
+    GetTextExtentPoint32W(context, text.c_str(), static_cast<int>(text.size()), &size);
+    SelectObject(context, old);
+    ReleaseDC(window_, context);
+    const int margin = GetSystemMetrics(SM_CXEDGE) * 4;
+    widest_ = std::max(widest_, static_cast<int>(size.cx) + margin);
+    SendMessageW(window_, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest_), 0);
+  }
+
+  void MirrorSelection() const {
+    const int index = list_.SelectedIndex();
+    if (index != WindowSelection()) {
+      SendMessageW(window_, LB_SETCURSEL, static_cast<WPARAM>(index), 0);
+    }
+  }
+
+  int WindowSelection() const {
+    return static_cast<int>(SendMessageW(window_, LB_GETCURSEL, 0, 0));
+  }
+
+  forms::ListBox& list_;
+  int widest_ = 0;  // in pixels
+};
+
+}  // namespace
+
+NewControlWindow MakeWindow(forms::ListBox& list, HWND parent, int id) {
+  return std::make_unique<ListBoxWindow>(list, parent, id);
+}
+
+}  // namespace orvanto::win32

@@ -1,0 +1,101 @@
+#include "platform/win32/Text.h"
+#include "platform/win32/forms/ControlKinds.h"
+#include "platform/win32/forms/Painting.h"
+#include "platform/win32/forms/Scale.h"
+
+namespace orvanto::win32 {
+
+using forms::PictureBox;
+using forms::Property;
+
+namespace {
+
+class PictureWindow : public ControlWindow {
+ public:
+  PictureWindow(PictureBox& picture, HWND parent, int id)
+      : ControlWindow(picture, {WC_STATICW, SS_OWNERDRAW, WS_EX_STATICEDGE}, parent, id),
+        picture_(picture) {
+    Mirror(Property::Drawing);
+  }
+
+  void Mirror(Property property) override {
+    if (property != Property::Drawing) return;
+    std::string spoken;
+    for (const auto& drawing : picture_.Drawings()) {
+      if (!spoken.empty() && !drawing.text.empty()) spoken += ' ';
+      spoken += drawing.text;
+    }
+    // Never drawn: this is what a screen reader says.
+    SetWindowTextIfOther(spoken);
+    InvalidateRect(window_, nullptr, FALSE);
+  }
+
+  void Rescale(UINT dpi) override { dpi_ = dpi; }
+
+  // First in memory, so that nothing flickers.
+  void OnDraw(const DRAWITEMSTRUCT& draw) const override {
+    const RECT& all = draw.rcItem;
+    const Canvas canvas(draw.hDC, all.right, all.bottom);
+    const HDC context = canvas.Get();
+    const HGDIOBJ oldFont =
+        SelectObject(context, reinterpret_cast<HFONT>(SendMessageW(window_, WM_GETFONT, 0, 0)));
+    SetBkMode(context, TRANSPARENT);
+    FillRect(context, &all, GetSysColorBrush(COLOR_WINDOW));
+    const bool few = HighContrast();
+    std::vector<RECT> bars;
+    for (const auto& drawing : picture_.Drawings()) {
+      const RECT place = ToPixels(drawing.place);
+      if (drawing.text.empty()) {
+        bars.push_back(place);
+        const COLORREF colour = few ? GetSysColor(COLOR_HIGHLIGHT) : ToColour(drawing.colour);
+        const Handle<HBRUSH, DeleteObject> brush(CreateSolidBrush(colour));
+        FillRect(context, &place, brush.Get());
+        continue;
+      }
+      DrawLine(context, drawing, place,
+               few ? GetSysColor(COLOR_WINDOWTEXT) : ToColour(drawing.colour));
+      if (few) DrawOnBars(context, drawing, place, bars);
+    }
+    BitBlt(draw.hDC, 0, 0, all.right, all.bottom, context, 0, 0, SRCCOPY);
+    SelectObject(context, oldFont);
+  }
+
+ private:
+  RECT ToPixels(const forms::Bounds& place) const {
+    return {win32::ToPixels(place.left, dpi_), win32::ToPixels(place.top, dpi_),
+            win32::ToPixels(place.left + place.width, dpi_),
+            win32::ToPixels(place.top + place.height, dpi_)};
+  }
+
+  static void DrawLine(HDC context, const PictureBox::Drawing& drawing, RECT place,
+                       COLORREF colour) {
+    constexpr UINT kAlign[] = {DT_LEFT, DT_CENTER, DT_RIGHT};
+    SetTextColor(context, colour);
+    const std::wstring text = ToWide(drawing.text);
+    DrawTextW(context, text.c_str(), static_cast<int>(text.size()), &place,
+              kAlign[static_cast<int>(drawing.align)] | DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
+  }
+
+  // The part of the text that lies on a bar, in the colour that goes with the bar's.
+  static void DrawOnBars(HDC context, const PictureBox::Drawing& drawing, const RECT& place,
+                         const std::vector<RECT>& bars) {
+    for (const RECT& bar : bars) {
+      SaveDC(context);
+      IntersectClipRect(context, bar.left, bar.top, bar.right, bar.bottom);
+      FillRect(context, &bar, GetSysColorBrush(COLOR_HIGHLIGHT));
+      DrawLine(context, drawing, place, GetSysColor(COLOR_HIGHLIGHTTEXT));
+      RestoreDC(context, -1);
+    }
+  }
+
+  PictureBox& picture_;
+  UINT dpi_ = USER_DEFAULT_SCREEN_DPI;
+};
+
+}  // namespace
+
+NewControlWindow MakeWindow(PictureBox& picture, HWND parent, int id) {
+  return std::make_unique<PictureWindow>(picture, parent, id);
+}
+
+}  // namespace orvanto::win32

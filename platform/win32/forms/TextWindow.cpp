@@ -1,0 +1,74 @@
+#include "platform/win32/forms/ControlKinds.h"
+#include "platform/win32/forms/TextDrop.h"
+
+namespace orvanto::win32 {
+
+using forms::Property;
+
+namespace {
+
+// A multi-line edit window wants every key for itself, and takes Esc for the end of a dialog: here
+// Tab, Enter and Esc stay with the form when nothing can be typed.
+LRESULT CALLBACK ReadOnlyTextProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                       UINT_PTR id, DWORD_PTR) {
+  if (message == WM_GETDLGCODE) return DLGC_WANTARROWS;
+  if (message == WM_NCDESTROY) RemoveWindowSubclass(window, ReadOnlyTextProcedure, id);
+  return DefSubclassProc(window, message, wParam, lParam);
+}
+
+class TextWindow : public ControlWindow {
+ public:
+  TextWindow(forms::TextBox& box, HWND parent, int id)
+      : ControlWindow(box, {WC_EDITW, WS_TABSTOP | Style(box), WS_EX_CLIENTEDGE}, parent, id),
+        box_(box) {
+    SendMessageW(window_, EM_SETLIMITTEXT, static_cast<WPARAM>(box.GetStyle().maxLength), 0);
+    if (box.GetStyle().multiLine && box.GetStyle().readOnly) {
+      SetWindowSubclass(window_, ReadOnlyTextProcedure, 0, 0);
+    }
+    if (box.onDrop) drop_ = std::make_unique<TextDrop>(window_);
+    ScrollToEnd();
+  }
+
+  void Mirror(Property property) override {
+    ControlWindow::Mirror(property);
+    if (property == Property::Text) ScrollToEnd();
+  }
+
+  void Rescale(UINT) override { ScrollToEnd(); }
+
+  void OnCommand(WORD code) override {
+    if (code == EN_CHANGE) box_.Type(WindowText(window_));
+    if (code == BN_CLICKED) box_.PressEnter();
+    if (code == TextDrop::kDropped) box_.Drop(drop_->Take());
+  }
+
+  bool TakesEnter() const override { return box_.onEnter != nullptr; }
+  bool IsField() const override { return true; }
+
+ private:
+  static DWORD Style(const forms::TextBox& box) {
+    DWORD style = box.GetStyle().multiLine ? ES_MULTILINE | ES_AUTOVSCROLL | WS_VSCROLL
+                                           : DWORD{ES_AUTOHSCROLL};
+    if (box.GetStyle().readOnly) style |= ES_READONLY;
+    if (box.GetStyle().password) style |= ES_PASSWORD;
+    return style;
+  }
+
+  void ScrollToEnd() const {
+    if (!box_.GetStyle().multiLine || box_.GetStyle().fromTop) return;
+    const auto end = static_cast<WPARAM>(GetWindowTextLengthW(window_));
+    SendMessageW(window_, EM_SETSEL, end, static_cast<LPARAM>(end));
+    SendMessageW(window_, EM_SCROLLCARET, 0, 0);
+  }
+
+  forms::TextBox& box_;
+  std::unique_ptr<TextDrop> drop_;
+};
+
+}  // namespace
+
+NewControlWindow MakeWindow(forms::TextBox& box, HWND parent, int id) {
+  return std::make_unique<TextWindow>(box, parent, id);
+}
+
+}  // namespace orvanto::win32

@@ -1,0 +1,146 @@
+#include <gtest/gtest.h>
+#include <ole2.h>
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include "platform/win32/Win32Clipboard.h"
+#include "platform/win32/forms/Win32FormHost.h"
+
+namespace orvanto::win32 {
+namespace {
+
+using forms::PictureBox;
+
+// One of each kind that the forms of settings and downloads are made of.
+struct Panel : forms::Form {
+  explicit Panel(forms::FormHost& host) : Form(host, "Controls", {6000, 4200}) {
+    check.SetValue(true);
+    option.SetValue(true);
+    dead.SetEnabled(false);
+    deadBox.SetEnabled(false);
+    deadBox.SetText("disabled");
+    secret.SetText("secret");
+    secret.spokenName = "Password";
+    box.onDrop = [this](const std::string& text) { box.SetText(text); };
+    list.SetItems({"first", "second", "a third line that is far too long to be seen as a whole"});
+    list.Select(0);
+    picture.AddBar({0, 0, 2000, 300}, 0x3399FF);
+    picture.AddText("37%", {0, 0, 5400, 300}, 0x000000, PictureBox::Align::Centre);
+    picture.AddText("left", {60, 300, 5280, 300}, 0x800000, PictureBox::Align::Left);
+    picture.AddText("right", {60, 300, 5280, 300}, 0x008000, PictureBox::Align::Right);
+    defaultButton = &save;
+  }
+  forms::TabStrip tabs{*this, nullptr, {120, 120, 5760, 3360}};
+  forms::TabPage first{*this, tabs, "First page"}, second{*this, tabs, "Second page"};
+  forms::CheckBox check{*this, &first, "&Checked", {180, 180, 2400, 270}};
+  forms::CheckBox dead{*this, &first, "Disabled", {2700, 180, 2400, 270}};
+  forms::Label label{*this, &first, "Label:", {180, 630, 1200, 240}};
+  forms::TextBox box{*this, &first, {}, {1440, 585, 2100, 345}};
+  forms::TextBox deadBox{*this, &first, {}, {3600, 585, 1980, 345}};
+  forms::TextBox secret{*this, &first, {.password = true}, {1440, 1050, 2100, 345}};
+  forms::Frame frame{*this, &first, "Frame", {180, 1560, 5400, 1260}};
+  forms::OptionButton option{*this, &frame, "&One", {180, 300, 1200, 270}};
+  forms::OptionButton other{*this, &frame, "&Other", {180, 720, 1200, 270}};
+  forms::Button inside{*this, &frame, "&Inside", {3900, 720, 1290, 375}};
+  forms::ListBox list{*this, &second, {180, 180, 5400, 1500}};
+  forms::PictureBox picture{*this, &second, {180, 1860, 5400, 660}};
+  forms::Button save{*this, nullptr, "&Save", {4590, 3660, 1290, 375}};
+};
+
+// Drops at once, wherever the mouse is.
+struct DropNow final : IDropSource {
+  STDMETHODIMP QueryInterface(REFIID, void** object) override {
+    *object = this;
+    return S_OK;
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return 1; }
+  STDMETHODIMP_(ULONG) Release() override { return 1; }
+  STDMETHODIMP QueryContinueDrag(BOOL, DWORD) override { return DRAGDROP_S_DROP; }
+  STDMETHODIMP GiveFeedback(DWORD) override { return DRAGDROP_S_USEDEFAULTCURSORS; }
+};
+
+class Win32Controls : public testing::Test {
+ protected:
+  Win32Controls() { panel_.Show(); }
+
+  HWND Child(const wchar_t* windowClass, const wchar_t* text = nullptr) const {
+    return FindWindowExW(host_.MainWindow(), nullptr, windowClass, text);
+  }
+  bool Press(HWND window, UINT message, WPARAM key, LPARAM flags = 1) {
+    MSG pressed = {window, message, key, flags, 0, {}};
+    return loop_.preTranslate(pressed);
+  }
+  void RunPosted() {
+    loop_.Post([this] { loop_.Quit(); });
+    loop_.Run();
+  }
+
+  Win32Loop loop_;
+  Win32FormHost host_{loop_};
+  Panel panel_{host_};
+};
+
+TEST_F(Win32Controls, ShowWhatTheFormHoldsAndTellWhatAPersonDoes) {
+  const HWND check = Child(WC_BUTTONW, L"&Checked");
+  EXPECT_EQ(SendMessageW(check, BM_GETCHECK, 0, 0), BST_CHECKED);
+  SendMessageW(check, BM_CLICK, 0, 0);
+  EXPECT_FALSE(panel_.check.Value());
+  EXPECT_EQ(SendMessageW(check, BM_GETCHECK, 0, 0), BST_UNCHECKED);
+  Press(check, WM_SYSCHAR, 'c', 1 << 29);
+  EXPECT_TRUE(panel_.check.Value());
+
+  const HWND tabs = Child(WC_TABCONTROLW);
+  const HWND list = Child(WC_LISTBOXW);
+  SetFocus(tabs);
+  Press(tabs, WM_KEYDOWN, VK_TAB);
+  EXPECT_EQ(GetFocus(), check);
+  EXPECT_FALSE(IsWindowVisible(list));
+  TabCtrl_SetCurFocus(tabs, 1);
+  EXPECT_EQ(panel_.tabs.Selected(), 1);
+  EXPECT_TRUE(IsWindowVisible(list) && !IsWindowVisible(check));
+
+  EXPECT_EQ(SendMessageW(list, LB_GETCURSEL, 0, 0), 0);
+  const auto item = static_cast<int>(SendMessageW(list, LB_GETITEMHEIGHT, 0, 0));
+  SendMessageW(list, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, item + item / 2));
+  SendMessageW(list, WM_LBUTTONUP, 0, MAKELPARAM(5, item + item / 2));
+  EXPECT_EQ(panel_.list.SelectedIndex(), 1);
+  panel_.list.Add("last");
+  EXPECT_EQ(SendMessageW(list, LB_GETCOUNT, 0, 0), 4);
+
+  const HWND picture = Child(WC_STATICW, L"37% left right");
+  UpdateWindow(picture);
+  const HDC shown = GetDC(picture);
+  EXPECT_EQ(GetPixel(shown, 5, 5), RGB(0x33, 0x99, 0xFF));
+  ReleaseDC(picture, shown);
+
+  panel_.tabs.Select(0);
+  EXPECT_EQ(TabCtrl_GetCurSel(tabs), 0);
+  EXPECT_NE(SendMessageW(Child(WC_EDITW, L"secret"), EM_GETPASSWORDCHAR, 0, 0), 0);
+}
+
+TEST_F(Win32Controls, TakeTextThatIsDropped) {
+  Win32Clipboard clipboard;
+  ASSERT_TRUE(clipboard.SetText("http://caf\u00e9/"));
+  EXPECT_EQ(clipboard.Text(), "http://caf\u00e9/");
+  IDataObject* data = nullptr;
+  ASSERT_EQ(OleGetClipboard(&data), S_OK);
+  const HWND box = GetNextDlgTabItem(host_.MainWindow(), Child(WC_BUTTONW, L"&Checked"), FALSE);
+  for (const bool open : {false, true}) {  // a message box disables the form
+    EnableWindow(host_.MainWindow(), open);
+    RECT place = {};
+    GetWindowRect(box, &place);
+    SetCursorPos(place.left + 5, place.top + 5);
+    PostMessageW(box, WM_MOUSEMOVE, 0, 0);
+    DropNow source;
+    DWORD effect = 0;
+    DoDragDrop(data, &source, DROPEFFECT_COPY, &effect);
+    EXPECT_EQ(panel_.box.Text(), "");  // not while the other program waits
+    RunPosted();
+    EXPECT_EQ(panel_.box.Text(), open ? "http://caf\u00e9/" : "");
+  }
+  data->Release();
+}
+
+}  // namespace
+}  // namespace orvanto::win32
