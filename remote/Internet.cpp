@@ -53,13 +53,13 @@ void TelnetServer::ServerOn() {
   services_.area.SetCaption("Internet Server Status:" + sck_->LocalAddress());
   RefreshCaption();
   services_.area.SetLamps(false, true);
-  if (onSwitched) onSwitched(true);
+  switched.Raise(true);
   StartListening();
 }
 
 void TelnetServer::ServerOff() {
   EndConnection();
-  if (onSwitched) onSwitched(false);
+  switched.Raise(false);
   services_.area.SetLamps(false, false);
   services_.area.ShowServer(false);
 }

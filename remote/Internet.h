@@ -10,12 +10,12 @@
 
 #include <cstdint>
 #include <deque>
-#include <functional>
 #include <memory>
 #include <string>
 
 #include "core/ProgramSettings.h"
 #include "core/TextLog.h"
+#include "platform/Event.h"
 #include "platform/net/LineAssembler.h"
 #include "platform/net/TcpSocket.h"
 #include "remote/Remote.h"
@@ -65,7 +65,7 @@ class TelnetServer : public Conversation {
   void RefreshCaption();
 
   // What is switched on and off together with this server.
-  std::function<void(bool on)> onSwitched;
+  Event<bool> switched;
 
   // Conversation
   void Send(const std::string& text) override;

@@ -13,7 +13,8 @@ class SessionTest : public testing::Test, public RemoteDesk {};
 
 TEST_F(SessionTest, SwitchedOnItWaitsWhereItCan) {
   std::string switched;
-  server.onSwitched = [&](bool on) { switched += on ? "1" : "0"; };
+  const Subscription listens =
+      server.switched.Subscribe([&](bool on) { switched += on ? "1" : "0"; });
   server.ServerOn();
   EXPECT_EQ(server.Port(), 600);
   EXPECT_EQ(area.Text(), kIdle);
