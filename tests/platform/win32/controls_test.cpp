@@ -23,7 +23,7 @@ struct Panel : forms::Form {
     secret.SetText("secret");
     secret.spokenName = "Password";
     box.onDrop = [this](const std::string& text) { box.SetText(text); };
-    list.SetItems({"first", "second", "a third line that is far too long to be seen as a whole"});
+    list.SetItems({"first", "second", "third, " + std::string(99, 'x')});
     list.Select(0);
     picture.AddBar({0, 0, 2000, 300}, 0x3399FF);
     picture.AddText("37%", {0, 0, 5400, 300}, 0x000000, PictureBox::Align::Centre);
