@@ -64,10 +64,6 @@ class LampWindow : public ControlWindow {
   }
 
  private:
-  static COLORREF EdgeColour() {
-    return GetSysColor(HighContrast() ? COLOR_BTNTEXT : COLOR_BTNSHADOW);
-  }
-
   COLORREF SystemColour() const {
     if (HighContrast()) {
       return GetSysColor(lamp_.Colour() == forms::Lamp::kLit ? COLOR_HIGHLIGHT : COLOR_BTNFACE);

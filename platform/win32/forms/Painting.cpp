@@ -9,6 +9,8 @@ bool HighContrast() {
          (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
 }
 
+COLORREF EdgeColour() { return GetSysColor(HighContrast() ? COLOR_BTNTEXT : COLOR_BTNSHADOW); }
+
 // The system has red in the low byte.
 COLORREF ToColour(std::uint32_t colour) {
   return RGB((colour >> 16) & 0xFF, (colour >> 8) & 0xFF, colour & 0xFF);

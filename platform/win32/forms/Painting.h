@@ -12,6 +12,9 @@ namespace orvanto::win32 {
 // The user wants few colours, far apart: the system's own and no others.
 bool HighContrast();
 
+// Of the line around what is painted.
+COLORREF EdgeColour();
+
 // From red, green, blue from the high byte down.
 COLORREF ToColour(std::uint32_t colour);
 

@@ -13,8 +13,7 @@ namespace {
 class PictureWindow : public ControlWindow {
  public:
   PictureWindow(PictureBox& picture, HWND parent, int id)
-      : ControlWindow(picture, {WC_STATICW, SS_OWNERDRAW, WS_EX_STATICEDGE}, parent, id),
-        picture_(picture) {
+      : ControlWindow(picture, {WC_STATICW, SS_OWNERDRAW}, parent, id), picture_(picture) {
     Mirror(Property::Drawing);
   }
 
@@ -56,6 +55,8 @@ class PictureWindow : public ControlWindow {
                few ? GetSysColor(COLOR_WINDOWTEXT) : ToColour(drawing.colour));
       if (few) DrawOnBars(context, drawing, place, bars);
     }
+    const Handle<HBRUSH, DeleteObject> edge(CreateSolidBrush(EdgeColour()));
+    FrameRect(context, &all, edge.Get());
     BitBlt(draw.hDC, 0, 0, all.right, all.bottom, context, 0, 0, SRCCOPY);
     SelectObject(context, oldFont);
   }

@@ -59,6 +59,9 @@ class TabWindow : public ControlWindow {
 
   void Rescale(UINT dpi) override {
     TabCtrl_SetPadding(window_, ToPixels(90, dpi), ToPixels(45, dpi));
+    // Only a font makes it lay its tabs out anew.
+    SendMessageW(window_, WM_SETFONT, static_cast<WPARAM>(SendMessageW(window_, WM_GETFONT, 0, 0)),
+                 0);
     brush_.Reset(CreateSolidBrush(PageColour(window_)));
     CutHole();
   }

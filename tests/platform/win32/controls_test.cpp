@@ -23,7 +23,7 @@ struct Panel : forms::Form {
     secret.SetText("secret");
     secret.spokenName = "Password";
     box.onDrop = [this](const std::string& text) { box.SetText(text); };
-    list.SetItems({"first", "second", "a third line that is far too long to be seen as a whole"});
+    list.SetItems({"first", "second", "third, " + std::string(99, 'x')});
     list.Select(0);
     picture.AddBar({0, 0, 2000, 300}, 0x3399FF);
     picture.AddText("37%", {0, 0, 5400, 300}, 0x000000, PictureBox::Align::Centre);
@@ -48,7 +48,7 @@ struct Panel : forms::Form {
   forms::Button save{*this, nullptr, "&Save", {4590, 3660, 1290, 375}};
 };
 
-// Drops at once, wherever the mouse is.
+// Moves the mouse a little, and drops.
 struct DropNow final : IDropSource {
   STDMETHODIMP QueryInterface(REFIID, void** object) override {
     *object = this;
@@ -56,8 +56,13 @@ struct DropNow final : IDropSource {
   }
   STDMETHODIMP_(ULONG) AddRef() override { return 1; }
   STDMETHODIMP_(ULONG) Release() override { return 1; }
-  STDMETHODIMP QueryContinueDrag(BOOL, DWORD) override { return DRAGDROP_S_DROP; }
+  STDMETHODIMP QueryContinueDrag(BOOL, DWORD) override {
+    if (std::exchange(moved, true)) return DRAGDROP_S_DROP;
+    mouse_event(MOUSEEVENTF_MOVE, 1, 1, 0, 0);
+    return S_OK;
+  }
   STDMETHODIMP GiveFeedback(DWORD) override { return DRAGDROP_S_USEDEFAULTCURSORS; }
+  bool moved = false;
 };
 
 class Win32Controls : public testing::Test {
@@ -70,10 +75,6 @@ class Win32Controls : public testing::Test {
   bool Press(HWND window, UINT message, WPARAM key, LPARAM flags = 1) {
     MSG pressed = {window, message, key, flags, 0, {}};
     return loop_.preTranslate(pressed);
-  }
-  void RunPosted() {
-    loop_.Post([this] { loop_.Quit(); });
-    loop_.Run();
   }
 
   Win32Loop loop_;
@@ -116,7 +117,9 @@ TEST_F(Win32Controls, ShowWhatTheFormHoldsAndTellWhatAPersonDoes) {
 
   panel_.tabs.Select(0);
   EXPECT_EQ(TabCtrl_GetCurSel(tabs), 0);
-  EXPECT_NE(SendMessageW(Child(WC_EDITW, L"secret"), EM_GETPASSWORDCHAR, 0, 0), 0);
+  const HWND secret = GetNextDlgTabItem(host_.MainWindow(), Child(WC_BUTTONW, L"&One"), TRUE);
+  EXPECT_EQ(WindowText(secret), "secret");
+  EXPECT_NE(SendMessageW(secret, EM_GETPASSWORDCHAR, 0, 0), 0);
 }
 
 TEST_F(Win32Controls, TakeTextThatIsDropped) {
@@ -131,12 +134,13 @@ TEST_F(Win32Controls, TakeTextThatIsDropped) {
     RECT place = {};
     GetWindowRect(box, &place);
     SetCursorPos(place.left + 5, place.top + 5);
-    PostMessageW(box, WM_MOUSEMOVE, 0, 0);
+    mouse_event(MOUSEEVENTF_MOVE, 1, 1, 0, 0);
     DropNow source;
     DWORD effect = 0;
-    DoDragDrop(data, &source, DROPEFFECT_COPY, &effect);
+    EXPECT_EQ(DoDragDrop(data, &source, DROPEFFECT_COPY, &effect), DRAGDROP_S_DROP);
+    EXPECT_EQ(effect, open ? DROPEFFECT_COPY : DROPEFFECT_NONE);
     EXPECT_EQ(panel_.box.Text(), "");  // not while the other program waits
-    RunPosted();
+    loop_.DoEvents();
     EXPECT_EQ(panel_.box.Text(), open ? "http://caf\u00e9/" : "");
   }
   data->Release();
