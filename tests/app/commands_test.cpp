@@ -1,12 +1,13 @@
 #include "app/console/Commands.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <iterator>
 #include <sstream>
 
 #include "app/Program.h"
+#include "app/console/ConsoleChat.h"
 #include "core/modRegistry.h"
 #include "core/modTaskOperations.h"
 #include "core/ui/frmEdit.h"
@@ -17,6 +18,7 @@
 namespace orvanto {
 namespace {
 
+using testing::HasSubstr;
 using Words = Texts;
 
 class CommandsTest : public testing::Test {
@@ -45,9 +47,9 @@ TEST_F(CommandsTest, AddsATaskOfEveryKind) {
       {{"--at", "23:30", "--every", "every weekday", "--script", "backup.txt", "--group", "Night"},
        "Run Script | 23:30 on Every Weekday In Every Month"},
       {{"--program", "tool", "--params", "-x y", "--window", "6", "--at", "7:05", "--every",
-        "EVERY DAY", "--in", "march"},
-       "Run | 07:05 on Every Day In March"},
-      {{"--print", "C:\\TOOL.exe", "--at", "00:00", "--day", "31"},
+        "EVERY WEEKEND DAY", "--in", "march"},
+       "Run | 07:05 on Every Weekend Day In March"},
+      {{"--print", "C:\\TOOL.exe", "--params", "x", "--at", "00:00", "--day", "31"},
        "Print File | 00:00 on Day Number: 31"},
       {{"--reset", "--at", "12:00", "--once", "2026-12-25"},
        "Reset Computer | 12:00 on 25-12-2026"},
@@ -78,7 +80,8 @@ TEST_F(CommandsTest, AddsATaskOfEveryKind) {
 }
 
 TEST_F(CommandsTest, TakesADateInTheSystemsOrderAndWithTheYearFirst) {
-  program.Store().DateOrderMonthFirst = 1;
+  fake.clock.shortDateOrder = "m/d/y";
+  program.Prepare();
   for (const char* date : {"12/25/2026", "2026-12-25"}) {
     EXPECT_EQ(Run({"add", date, "--reset", "--at", "12:00", "--once", date}), 0) << err.str();
     program.Store().LoadTask(program.Store().NoTasks());
@@ -123,16 +126,6 @@ TEST_F(CommandsTest, RefusesWhatIsInvalidAndStoresNothing) {
     EXPECT_EQ(Run({"run", slot}), kExitRefused);
   }
   EXPECT_EQ(fake.registry.Writes(), writes);
-}
-
-TEST_F(CommandsTest, AHundredTasksAreAllThereIsRoomFor) {
-  for (int i = 1; i <= 100; ++i) {
-    ASSERT_EQ(Run({"add", "T" + std::to_string(i), "--at", "10:00", "--day", "1", "--reset"}), 0);
-  }
-  EXPECT_EQ(Run({"add", "T101", "--at", "10:00", "--day", "1", "--reset"}), kExitRefused);
-  EXPECT_EQ(program.Store().NoTasks(), 100);
-  EXPECT_EQ(Run({"list"}), 0);
-  EXPECT_NE(out.str().find("100) T100 | Reset Computer"), std::string::npos);
 }
 
 TEST_F(CommandsTest, WhatItDoesNotUnderstandIsAUsageError) {
@@ -251,6 +244,42 @@ TEST_F(ProgramTest, OneWindowStandsForAnother) {
   EXPECT_FALSE(editor.Visible());
   EXPECT_FALSE(window.Visible()) << "it does not come back for the closing editor";
   EXPECT_TRUE(fake.loop.QuitRequested());
+}
+
+TEST_F(ProgramTest, TheServersAreaAndTheTerminalActOnTheClient) {
+  program.GetSettings().WriteSetting(kGeneral, "Inet_ServerOn", "1");
+  std::ostringstream said;
+  ConsoleChat terminal(program, said);
+  program.Start();
+  frmScriptcfg& window = program.MainWindow();
+  FakeSocketHost::Socket& socket = *fake.sockets.sockets.front();
+  const auto lamps = [&] {
+    return std::pair(window.shpServeryes.Colour(), window.shpServerno.Colour());
+  };
+  EXPECT_EQ(lamps(), std::pair(forms::Lamp::kDark, forms::Lamp::kLit));
+  terminal.Line("kick");
+  ASSERT_TRUE(socket.PeerConnects()) << "it has thrown nobody out";
+  EXPECT_EQ(lamps(), std::pair(forms::Lamp::kLit, forms::Lamp::kDark));
+  EXPECT_EQ(window.treTasks.GetBounds().height, 1425);
+  window.fraServer.SetText("");
+  fake.loop.Advance(1000);
+  EXPECT_EQ(window.fraServer.Text(), "10.9.8.7");
+  terminal.Line("chat");
+  EXPECT_THAT(socket.Sent(), HasSubstr("Server Started Chat"));
+  terminal.Line("Good\x1B evening");
+  EXPECT_THAT(socket.Sent(), HasSubstr("Server: Good"));
+  terminal.Line("/");
+  EXPECT_THAT(socket.Sent(), HasSubstr("Chat Ended by Server"));
+  EXPECT_THAT(said.str(), HasSubstr("Server: Good? evening\n"));
+  ASSERT_TRUE(window.cmdChat.Press());
+  EXPECT_TRUE(program.ChatWindow().Visible());
+  EXPECT_EQ(program.ChatWindow().formBehind, &window);
+  ASSERT_TRUE(window.mnuInetchat.Choose());
+  EXPECT_TRUE(socket.Sent().ends_with("~"));
+  ASSERT_TRUE(window.cmdKick.Press());
+  EXPECT_EQ(socket.GetState(), TcpSocket::State::Listening);
+  program.Quit();
+  EXPECT_EQ(socket.GetState(), TcpSocket::State::Closed);
 }
 
 TEST_F(ProgramTest, AFullListOpensNoEditor) {

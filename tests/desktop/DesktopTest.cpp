@@ -54,12 +54,14 @@ void DesktopTest::Import(const std::vector<Task>& tasks, int hour, int minute) {
   ASSERT_EQ(RunToEnd(L"reg.exe import \"" + ToWide(file) + L"\""), 0);
 }
 
-int DesktopTest::DueSoon() {
+int DesktopTest::MinuteOfTheDay(int secondsFromNow) {
   SYSTEMTIME now;
   GetLocalTime(&now);
-  // A minute that begins too soon would be over before the program has started.
-  return (now.wHour * 60 + now.wMinute + (now.wSecond < 50 ? 1 : 2)) % (24 * 60);
+  return (now.wHour * 60 + now.wMinute + (now.wSecond + secondsFromNow) / 60) % (24 * 60);
 }
+
+// A minute that begins too soon would be over before the program has started.
+int DesktopTest::DueSoon() { return MinuteOfTheDay(70); }
 
 void DesktopTest::Store(const wchar_t* section, const wchar_t* name, const std::wstring& text) {
   RegSetKeyValueW(HKEY_CURRENT_USER, (std::wstring(kKey) + L"\\" + section).c_str(), name, REG_SZ,

@@ -29,7 +29,8 @@ class DesktopTest : public testing::Test {
   // By the system's own tool. All of them are due every day at the given time.
   static void Import(const std::vector<Task>& tasks, int hour = 0, int minute = 0);
 
-  // The next minute of the day that a program started now does not miss.
+  static int MinuteOfTheDay(int secondsFromNow = 0);
+  // The next one that a program started now does not miss.
   static int DueSoon();
 
   static void Store(const wchar_t* section, const wchar_t* name, const std::wstring& text);

@@ -1,7 +1,5 @@
 #include "tests/desktop/RunningProgram.h"
 
-#include <winternl.h>
-
 #include <system_error>
 #include <thread>
 
@@ -27,6 +25,15 @@ ProcessHandle Start(std::wstring commandLine, DWORD& id) {
   return ProcessHandle(information.hProcess);
 }
 
+void Send(WORD key, wchar_t character, DWORD flags) {
+  INPUT input = {};
+  input.type = INPUT_KEYBOARD;
+  input.ki.wVk = key;
+  input.ki.wScan = character;
+  input.ki.dwFlags = flags;
+  SendInput(1, &input, sizeof input);
+}
+
 }  // namespace
 
 bool WaitFor(const std::function<bool()>& condition, std::chrono::milliseconds patience) {
@@ -45,19 +52,6 @@ std::wstring Beside(const std::wstring& name) {
   folder.resize(folder.find_last_of(L'\\') + 1);
   return folder + name;
 }
-
-namespace {
-
-void Send(WORD key, wchar_t character, DWORD flags) {
-  INPUT input = {};
-  input.type = INPUT_KEYBOARD;
-  input.ki.wVk = key;
-  input.ki.wScan = character;
-  input.ki.dwFlags = flags;
-  SendInput(1, &input, sizeof input);
-}
-
-}  // namespace
 
 void PressKeys(const std::vector<WORD>& keys) {
   for (const WORD key : keys) {
@@ -271,98 +265,6 @@ void RunningProgram::ClickTreeLine(std::size_t index) const {
 bool RunningProgram::WaitForEnd(DWORD& exitCode) const {
   return WaitForSingleObject(process_.Get(), 20000) == WAIT_OBJECT_0 &&
          GetExitCodeProcess(process_.Get(), &exitCode);
-}
-
-namespace {
-
-template <typename Function>
-Function FromSystem(const char* name) {
-  return reinterpret_cast<Function>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), name)));
-}
-
-// Wine counts nothing, but keeps the same table of GDI objects in every process as Windows did
-// before version 10: the process block has its address.
-DWORD CountGdiTable(HANDLE process) {
-  struct Entry {
-    ULONG64 object;
-    WORD owner;
-    WORD unique;
-    WORD type;
-    WORD flags;
-    ULONG64 data;
-  };
-  constexpr std::size_t kAddressInBlock = 0xF8;
-  constexpr std::size_t kEntries = 0x4000;
-  struct {
-    LONG_PTR status;
-    BYTE* block;
-    ULONG_PTR rest[4];
-  } basic = {};
-  const auto query =
-      FromSystem<LONG(WINAPI*)(HANDLE, int, void*, ULONG, ULONG*)>("NtQueryInformationProcess");
-  query(process, 0, &basic, sizeof basic, nullptr);
-  void* table = nullptr;
-  std::vector<Entry> entries(kEntries);
-  ReadProcessMemory(process, basic.block + kAddressInBlock, &table, sizeof table, nullptr);
-  ReadProcessMemory(process, table, entries.data(), kEntries * sizeof(Entry), nullptr);
-  DWORD count = 0;
-  for (const Entry& entry : entries) count += entry.type != 0;
-  return count;
-}
-
-BOOL CALLBACK CountOne(HWND, LPARAM count) {
-  ++*reinterpret_cast<DWORD*>(count);
-  return TRUE;
-}
-
-struct WindowCount {
-  DWORD process;
-  DWORD count;
-};
-
-BOOL CALLBACK CountWithChildren(HWND window, LPARAM result) {
-  auto& windows = *reinterpret_cast<WindowCount*>(result);
-  DWORD owner = 0;
-  GetWindowThreadProcessId(window, &owner);
-  if (owner != windows.process) return TRUE;
-  ++windows.count;
-  EnumChildWindows(window, CountOne, reinterpret_cast<LPARAM>(&windows.count));
-  return TRUE;
-}
-
-}  // namespace
-
-GuiObjects RunningProgram::CountGuiObjects() const {
-  GuiObjects objects = {GetGuiResources(process_.Get(), GR_GDIOBJECTS),
-                        GetGuiResources(process_.Get(), GR_USEROBJECTS), true};
-  if (objects.gdi != 0 && objects.user != 0) return objects;
-  WindowCount windows = {id_, 0};
-  EnumWindows(CountWithChildren, reinterpret_cast<LPARAM>(&windows));
-  return {CountGdiTable(process_.Get()), windows.count, false};
-}
-
-// Wine knows the number here only.
-DWORD RunningProgram::CountHandles() const {
-  struct Entry {  // the beginning of it
-    ULONG next;
-    ULONG threads;
-    BYTE times[48];
-    UNICODE_STRING name;
-    LONG_PTR priority;
-    ULONG_PTR id;
-    ULONG_PTR parent;
-    ULONG handles;
-  };
-  std::vector<BYTE> bytes(1 << 20);
-  const auto query =
-      FromSystem<LONG(WINAPI*)(int, void*, ULONG, ULONG*)>("NtQuerySystemInformation");
-  if (query(5, bytes.data(), static_cast<ULONG>(bytes.size()), nullptr) != 0) return 0;
-  const auto* entry = reinterpret_cast<const Entry*>(bytes.data());
-  while (entry->id != id_ && entry->next != 0) {
-    entry = reinterpret_cast<const Entry*>(reinterpret_cast<const BYTE*>(entry) + entry->next);
-  }
-  return entry->id == id_ ? entry->handles : 0;
 }
 
 }  // namespace orvanto::desktop

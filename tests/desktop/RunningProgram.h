@@ -24,13 +24,6 @@ std::wstring Beside(const std::wstring& name);
 // Runs a program to its end; its exit code, or -1.
 int RunToEnd(std::wstring commandLine);
 
-// The system's and the user interface's objects that a process holds.
-struct GuiObjects {
-  DWORD gdi;
-  DWORD user;
-  bool exact;  // by the system; otherwise with what Wine caches, and of USER objects the windows
-};
-
 // Presses and releases keys, one after the other, where the keyboard is.
 void PressKeys(const std::vector<WORD>& keys);
 // The same while another is held down.
@@ -79,8 +72,6 @@ class RunningProgram {
   HWND TreeWindow() const;
   std::vector<TreeLine> Tree() const;
   bool WaitForEnd(DWORD& exitCode) const;
-  GuiObjects CountGuiObjects() const;
-  DWORD CountHandles() const;
 
  private:
   class Remote;

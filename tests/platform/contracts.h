@@ -3,8 +3,10 @@
 
 #include <cstddef>
 #include <memory>
+#include <string>
 
 #include "platform/EventLoop.h"
+#include "platform/Files.h"
 #include "platform/Registry.h"
 #include "platform/net/TcpSocket.h"
 
@@ -15,6 +17,11 @@ inline constexpr const char* kScratchKey = "Software\\OrvantoTest";
 
 // A registry in which kScratchKey does not exist, for the time of one test.
 std::unique_ptr<Registry> NewHostRegistry();
+
+std::unique_ptr<Files> NewHostFiles();
+
+// A path of the system's own, as Files shows it.
+std::string ShownPath(const std::string& path);
 
 std::unique_ptr<EventLoop> NewHostLoop();
 

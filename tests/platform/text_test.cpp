@@ -14,7 +14,7 @@ TEST(Text, APrintableLineHoldsNothingThatATerminalObeys) {
       {"\x80\x9B\xFF", "???"},
       {"a\xE2\x82", "a??"},                                // cut off
       {"\xC0\x9B\xE0\x80\x9B \xED\xA0\x80", "????? ???"},  // overlong, a surrogate
-      {"\xF4\x90\x80\x80", "????"},
+      {"\xF4\x90\x80\x80 \xE0\x90\x80", "???? ???"},
       {"\xC3(", "?("}};
   for (const auto& [text, line] : cases) EXPECT_EQ(PrintableLine(text), line);
 }

@@ -32,6 +32,11 @@ TEST(Windows, EachCommandDoesItsSteps) {
   desk.desktop.closes = true;
   desk.windows.WindowAction("other", WindowCode::Close, "");
   EXPECT_EQ(desk.done, (Texts{"send 0 61536 2", "send 2 0 2"})) << "left without a title";
+  desk.done.clear();
+  desk.desktop.titles = {"One", "One"};
+  desk.loop.Post([&] { desk.loop.Quit(); });
+  desk.windows.WindowAction("One", WindowCode::SetFocus, "");
+  EXPECT_EQ(desk.done, (Texts{"top 0", "show 1 0"})) << "the program has ended";
 }
 
 TEST(Windows, ATitleIsActedOnOnceForEachPlace) {

@@ -56,7 +56,8 @@ TEST(RegistryText, RoundTripsHostileContentAndNoPartOfItIsTakenForTheWhole) {
   const std::string text = FormatRegistry(tree);
   EXPECT_THAT(text, HasSubstr("\\xc0\\xaf \\xed\\xa0\\x80 \\xf5\\x80"));
   EXPECT_THAT(text, HasSubstr("Grüße Ж € 𝄞"));
-  for (std::size_t size = 0; size <= text.size(); ++size) {
+  EXPECT_THAT(FormatRegistry(RegistryTree()), Not(HasSubstr("[")));
+  for (std::size_t size = 0; size <= text.size(); size += size + 99 < text.size() ? 29 : 1) {
     RegistryTree back;
     const bool damaged = ParseRegistry(text.substr(0, size), back).has_value();
     // Only the last line end may be missing.
@@ -78,6 +79,9 @@ TEST(RegistryText, ReadsWhatAPersonWrites) {
   EXPECT_EQ(tree.FindValue(id, "n")->data, std::string("second\0", 7));
   EXPECT_EQ(tree.FindValue(id, "d")->data, std::string("\x0A\0\0\0", 4));
   EXPECT_EQ(tree.FindValue(id, "h")->data, "\x01\xFF");
+  EXPECT_EQ(tree.CreateKey(RootKey::CurrentUser, "SOFTWARE\\a[\\b"), kSuccess);
+  EXPECT_EQ(tree.Find(id + "\\b")->path, "Software\\A[\\b");
+  EXPECT_EQ(tree.DeleteKey("2"), kAccessDenied) << "a root";
 }
 
 TEST(RegistryText, NamesTheLineAndTheReasonOfDamage) {
@@ -190,7 +194,11 @@ TEST_F(FileRegistryTest, KeepsWhatWasWrittenAndLeavesNothingBeside) {
     const int flags = ::fcntl(std::stoi(entry.path().filename()), F_GETFL);
     EXPECT_EQ(flags & O_ACCMODE, O_RDONLY);
   }
-  EXPECT_EQ(fs::status(deep).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+  const fs::perms own = fs::perms::owner_read | fs::perms::owner_write;
+  EXPECT_EQ(fs::status(deep).permissions(), own);
+  fs::permissions(deep, own | fs::perms::group_read);
+  EXPECT_EQ(PutText(again, "n", "y"), kSuccess);
+  EXPECT_EQ(fs::status(deep).permissions(), own | fs::perms::group_read) << "as it was";
   EXPECT_THAT(said_, IsEmpty());
 }
 
@@ -207,6 +215,8 @@ TEST_F(FileRegistryTest, AChangeIsOneReplacementUnderALockOrNone) {
     }
     EXPECT_NE(::flock(lock.Get(), LOCK_EX | LOCK_NB), 0);
     EXPECT_EQ(ReadFile(path_), before);
+    WriteFile(path_, before + "\n");
+    EXPECT_EQ(TextSoon(registry, "3"), "3") << "nobody comes between";
     EXPECT_EQ(change.Commit(), kSuccess);
   }
   EXPECT_EQ(::flock(lock.Get(), LOCK_EX | LOCK_NB), 0);
@@ -319,7 +329,11 @@ class Limit {
 };
 
 TEST_F(FileRegistryTest, AFailedWriteKeepsTheOldFileAndTheOldContent) {
-  FileRegistry registry(path_, Reporter());
+  const Descriptor lock(::open((path_ + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+  FileRegistry registry(path_, [&](const std::string& message) {
+    said_.push_back(message);
+    EXPECT_NE(::flock(lock.Get(), LOCK_EX | LOCK_NB), 0) << "until it is done";
+  });
   ASSERT_EQ(PutText(registry, "n", "old"), kSuccess);
   const std::string before = ReadFile(path_);
   const auto handler = std::signal(SIGXFSZ, SIG_IGN);
@@ -333,9 +347,16 @@ TEST_F(FileRegistryTest, AFailedWriteKeepsTheOldFileAndTheOldContent) {
   EXPECT_EQ(ReadFile(path_), before);
 
   fs::create_directory(new_);
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(PutText(registry, "n", "new"), kWriteFault);
+  fs::remove(new_);
+  EXPECT_EQ(PutText(registry, "n", "young"), kSuccess);
+  EXPECT_EQ(PutText(registry, "n", "old"), kSuccess);
+  EXPECT_EQ(said_.size(), 2U);
+  fs::create_directory(new_);
   RegistryChange change(registry);
   EXPECT_EQ(PutText(registry, "n", "new"), kSuccess);
   EXPECT_EQ(change.Commit(), kWriteFault);
+  EXPECT_EQ(said_.size(), 3U) << "again after a success";
   EXPECT_EQ(Text(registry, "n"), "old");
   EXPECT_EQ(ReadFile(path_), before);
 }
@@ -348,6 +369,9 @@ TEST_F(FileRegistryTest, WhatCannotBeReadIsTriedAgainAndNotOverwritten) {
     EXPECT_TRUE(fs::is_directory(path_));
     EXPECT_THAT(said_, ElementsAre(HasSubstr("cannot be read")));
   }
+  fs::remove(path_);
+  ASSERT_EQ(::mkfifo(path_.c_str(), 0600), 0);
+  EXPECT_EQ(PutText(*std::make_unique<FileRegistry>(path_, nullptr), "n", "x"), kSuccess);
   fs::remove(path_);
   said_.clear();
   ASSERT_EQ(Store("x"), kSuccess);

@@ -1,6 +1,8 @@
 #include <filesystem>
 
 #include "platform/posix/FileRegistry.h"
+#include "platform/posix/Paths.h"
+#include "platform/posix/PosixFiles.h"
 #include "platform/posix/PosixSocket.h"
 #include "tests/platform/contracts.h"
 #include "tests/support/TemporaryDirectory.h"
@@ -16,6 +18,10 @@ class ScratchRegistry : private TemporaryDirectory, public posix::FileRegistry {
 }  // namespace
 
 std::unique_ptr<Registry> NewHostRegistry() { return std::make_unique<ScratchRegistry>(); }
+
+std::unique_ptr<Files> NewHostFiles() { return std::make_unique<posix::PosixFiles>(); }
+
+std::string ShownPath(const std::string& path) { return posix::FromNative(path); }
 
 std::unique_ptr<EventLoop> NewHostLoop() { return std::make_unique<posix::PosixLoop>(); }
 

@@ -1,11 +1,18 @@
 #include "platform/posix/PosixLoop.h"
 
 #include <gmock/gmock.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
+#include <array>
 #include <csignal>
 #include <thread>
 #include <vector>
+
+#include "platform/posix/PosixSocket.h"
 
 namespace orvanto::posix {
 namespace {
@@ -103,6 +110,47 @@ TEST(PosixLoop, HandsSignalsToTheHandlerFromTheLoop) {
   sigset_t after;
   ::sigprocmask(SIG_BLOCK, nullptr, &after);
   EXPECT_EQ(::sigismember(&after, SIGTERM), ::sigismember(&before, SIGTERM));
+}
+
+TEST(PosixSocket, WaitsForNothingButAsksSilentPeers) {
+  PosixLoop loop;
+  const auto socket = PosixSocketHost(loop).NewSocket();
+  const int next = Descriptor(::dup(STDERR_FILENO)).Get();  // the number that is free again
+  ASSERT_TRUE(socket->Listen(0));
+  const std::array<int, 3> expected[] = {{IPPROTO_TCP, TCP_NODELAY, 1},
+                                         {SOL_SOCKET, SO_OOBINLINE, 1},
+                                         {SOL_SOCKET, SO_KEEPALIVE, 1},
+                                         {IPPROTO_TCP, TCP_KEEPIDLE, 60},
+                                         {IPPROTO_TCP, TCP_KEEPINTVL, 15}};
+  for (const auto& [level, name, value] : expected) {
+    int is = 0;
+    socklen_t size = sizeof is;
+    EXPECT_EQ(::getsockopt(next, level, name, &is, &size), 0);
+    EXPECT_EQ(is, value) << level << ' ' << name;
+  }
+}
+
+TEST(PosixSocket, AListenerWithoutDescriptorsTriesAgain) {
+  PosixLoop loop;
+  PosixSocketHost host(loop);
+  const auto listener = host.NewSocket();
+  const auto client = host.NewSocket();
+  ASSERT_TRUE(listener->Listen(0));
+  listener->onConnectionRequest = [&](TcpSocket::RequestId) { loop.Quit(); };
+  client->Connect("127.0.0.1", listener->LocalPort());
+  rlimit before;
+  ::getrlimit(RLIMIT_NOFILE, &before);
+  const rlimit none{0, before.rlim_max};
+  ::setrlimit(RLIMIT_NOFILE, &none);
+  for (int i = 0; i < 3; ++i) LookAgain(loop);
+  ::setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_FALSE(loop.QuitRequested());
+  const auto patience = loop.NewTimer([&] {
+    ADD_FAILURE() << "it has given up";
+    loop.Quit();
+  });
+  patience->Start(std::chrono::seconds(10));
+  loop.Run();
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include "platform/win32/Text.h"
+#include "platform/win32/Win32Files.h"
 #include "platform/win32/Win32Loop.h"
 #include "platform/win32/Win32Registry.h"
 #include "platform/win32/Win32Socket.h"
@@ -20,6 +21,10 @@ class ScratchRegistry : public win32::Win32Registry {
 }  // namespace
 
 std::unique_ptr<Registry> NewHostRegistry() { return std::make_unique<ScratchRegistry>(); }
+
+std::unique_ptr<Files> NewHostFiles() { return std::make_unique<win32::Win32Files>(); }
+
+std::string ShownPath(const std::string& path) { return path; }
 
 std::unique_ptr<EventLoop> NewHostLoop() { return std::make_unique<win32::Win32Loop>(); }
 
