@@ -10,7 +10,10 @@ configure_file(resources/orvanto.manifest.in orvanto.manifest @ONLY)
 set_source_files_properties(${generated}/orvanto.rc PROPERTIES
   OBJECT_DEPENDS "${generated}/orvanto.manifest;${icons}")
 
-add_executable(orvanto WIN32 main_win32.cpp ${generated}/orvanto.rc)
-target_include_directories(orvanto PRIVATE ${resources} ${generated})
-target_link_libraries(orvanto PRIVATE orvanto_app orvanto_win32_forms orvanto_warnings)
+add_library(orvanto_resources OBJECT ${generated}/orvanto.rc)
+target_include_directories(orvanto_resources PRIVATE ${resources} ${generated})
+
+add_executable(orvanto WIN32 main_win32.cpp)
+target_link_libraries(orvanto PRIVATE orvanto_app orvanto_resources orvanto_win32_forms
+                                      orvanto_warnings)
 target_link_options(orvanto PRIVATE -municode)
