@@ -36,6 +36,14 @@ class CommandsTest : public testing::Test {
                               }});
   }
 
+  // A blank parts words, and "_" is a blank in one.
+  static Words Split(const std::string& line) {
+    std::istringstream in(line);
+    Words words(std::istream_iterator<std::string>(in), {});
+    for (std::string& word : words) std::replace(word.begin(), word.end(), '_', ' ');
+    return words;
+  }
+
   FakePlatform fake;
   Program program{fake.platform, {"", "C:\\Home"}};
   std::ostringstream out;
@@ -43,27 +51,24 @@ class CommandsTest : public testing::Test {
 };
 
 TEST_F(CommandsTest, AddsATaskOfEveryKind) {
-  const std::pair<Words, std::string> cases[] = {
-      {{"--at", "23:30", "--every", "every weekday", "--script", "backup.txt", "--group", "Night"},
+  const std::pair<const char*, const char*> cases[] = {
+      {"--at 23:30 --every every_weekday --script backup.txt --group Night",
        "Run Script | 23:30 on Every Weekday In Every Month"},
-      {{"--program", "tool", "--params", "-x y", "--window", "6", "--at", "7:05", "--every",
-        "EVERY WEEKEND DAY", "--in", "march"},
+      {"--program tool --params -x_y --window 6 --at 7:05 --every EVERY_WEEKEND_DAY --in march",
        "Run | 07:05 on Every Weekend Day In March"},
-      {{"--print", "C:\\TOOL.exe", "--params", "x", "--at", "00:00", "--day", "31"},
+      {"--print C:\\TOOL.exe --params x --at 00:00 --day 31",
        "Print File | 00:00 on Day Number: 31"},
-      {{"--reset", "--at", "12:00", "--once", "2026-12-25"},
-       "Reset Computer | 12:00 on 25-12-2026"},
-      {{"--shutdown", "--at", "12:00", "--once", "1.2.2026"},
-       "Shutdown Computer | 12:00 on 01-02-2026"},
-      {{"--message", "--reset", "--at", "12:00", "--every", "Every Day"},
+      {"--reset --at 12:00 --once 2026-12-25", "Reset Computer | 12:00 on 25-12-2026"},
+      {"--shutdown --at 12:00 --once 1.2.2026", "Shutdown Computer | 12:00 on 01-02-2026"},
+      {"--message --reset --at 12:00 --every Every_Day",
        "Popup Message | 12:00 on Every Day In Every Month"},
-      {{"--sound", "C:\\tool.exe", "--at", "12:00", "--every", "The 2nd Tuesday"},
+      {"--sound C:\\tool.exe --at 12:00 --every The_2nd_Tuesday",
        "Play Sound | 12:00 on The 2nd Tuesday In Every Month"}};
   std::string list;
   int number = 0;
   for (const auto& [options, description] : cases) {
     const std::string name = "Task " + std::to_string(++number);
-    Words words = options;
+    Words words = Split(options);
     words.insert(words.begin(), {"add", name});
     EXPECT_EQ(Run(words), 0) << err.str();
     EXPECT_EQ(out.str(), std::to_string(number) + ") " + name + " | " + description + "\n");
@@ -77,9 +82,7 @@ TEST_F(CommandsTest, AddsATaskOfEveryKind) {
   program.Store().LoadTask(2);
   EXPECT_EQ(program.Store().CurrentTask.cmdLine, "-x y");
   EXPECT_EQ(program.Store().CurrentTask.winStyle, 6);
-}
-
-TEST_F(CommandsTest, TakesADateInTheSystemsOrderAndWithTheYearFirst) {
+  // Where the month comes first.
   fake.clock.shortDateOrder = "m/d/y";
   program.Prepare();
   for (const char* date : {"12/25/2026", "2026-12-25"}) {
@@ -91,39 +94,22 @@ TEST_F(CommandsTest, TakesADateInTheSystemsOrderAndWithTheYearFirst) {
 }
 
 TEST_F(CommandsTest, RefusesWhatIsInvalidAndStoresNothing) {
-  const std::string inUse = "That Task Name is already in use. Please use a different one.";
-  const std::string hour = "Invlaid Hour given for Time";
-  const std::string day = "Invlaid Day of Month Given";
-  struct Case {
-    std::string message;
-    std::string name;
-    std::string at;
-    Words when;
-  };
-  const std::vector<Case> cases = {
-      {"No task name given", "", "10:00", {"--day", "1"}},
-      {inUse, "internet", "10:00", {"--day", "1"}},
-      {hour, "T", "24:00", {"--day", "1"}},
-      {hour, "T", "1e1:30", {"--day", "1"}},
-      {"Invalid Minute given for Time", "T", "1:xx", {"--day", "1"}},
-      {"Invalid Day given for Date", "T", "10:00", {"--once", "31-4-2026"}},
-      {"Invalid Date", "T", "10:00", {"--once", "x-4-2026"}},
-      {day, "T", "10:00", {"--day", "1.5"}},
-      {day, "T", "10:00", {"--day", "32"}}};
+  const std::pair<const char*, const char*> cases[] = {
+      {"add internet --reset --at 10:00 --day 1",
+       "That Task Name is already in use. Please use a different one."},
+      {"add T --reset --at 1e1:30 --day 1", "Invlaid Hour given for Time"},
+      {"add T --reset --at 1:xx --day 1", "Invalid Minute given for Time"},
+      {"add T --reset --at 10:00 --once 31-4-2026", "Invalid Day given for Date"},
+      {"add T --reset --at 10:00 --once x-4-2026", "Invalid Date"},
+      {"add T --reset --at 10:00 --day 1.5", "Invlaid Day of Month Given"},
+      {"add T --script missing.txt --at 10:00 --day 1", "File does not exist"},
+      {"delete 0", "There is no task 0."},
+      {"run 1", "There is no task 1."},
+      {"run 99999", "There is no task 99999."}};
   const int writes = fake.registry.Writes();
-  for (const Case& c : cases) {
-    Words words = {"add", c.name, "--at", c.at, "--message", "m"};
-    words.insert(words.end(), c.when.begin(), c.when.end());
-    EXPECT_EQ(Run(words), kExitRefused) << c.message;
-    EXPECT_EQ(err.str(), c.message + "\n");
-    EXPECT_EQ(out.str(), "");
-  }
-  EXPECT_EQ(Run({"add", "T", "--at", "10:00", "--day", "1", "--script", "missing.txt"}),
-            kExitRefused);
-  EXPECT_EQ(err.str(), "File does not exist\n");
-  for (const char* slot : {"0", "1", "99999"}) {
-    EXPECT_EQ(Run({"delete", slot}), kExitRefused);
-    EXPECT_EQ(Run({"run", slot}), kExitRefused);
+  for (const auto& [line, message] : cases) {
+    EXPECT_EQ(Run(Split(line)), kExitRefused) << line;
+    EXPECT_EQ(err.str() + out.str(), message + std::string("\n"));
   }
   EXPECT_EQ(fake.registry.Writes(), writes);
 }
@@ -149,10 +135,7 @@ TEST_F(CommandsTest, WhatItDoesNotUnderstandIsAUsageError) {
     lines.push_back(std::string("add T --at 10:00 --day 1 ") + wrong);
   }
   for (const std::string& line : lines) {
-    std::istringstream in(line);
-    Words words(std::istream_iterator<std::string>(in), {});
-    for (std::string& word : words) std::replace(word.begin(), word.end(), '_', ' ');
-    EXPECT_EQ(Run(words), kExitUsage) << line;
+    EXPECT_EQ(Run(Split(line)), kExitUsage) << line;
     EXPECT_NE(err.str(), "");
     EXPECT_EQ(out.str(), "");
   }
@@ -182,8 +165,8 @@ TEST_F(CommandsTest, SettingsAreReadAndWritten) {
 }
 
 TEST_F(CommandsTest, RunsAndDeletesByNumber) {
-  Run({"add", "One", "--at", "10:00", "--day", "1", "--message", "Hello"});
-  Run({"add", "Two", "--at", "10:00", "--day", "1", "--shutdown"});
+  Run(Split("add One --at 10:00 --day 1 --message Hello"));
+  Run(Split("add Two --at 10:00 --day 1 --shutdown"));
   fake.messageBoxes.expected = {{"Hello"}};
   EXPECT_EQ(Run({"run", "1"}), 0);
   EXPECT_EQ(Run({"delete", "1"}), 0);
@@ -192,7 +175,7 @@ TEST_F(CommandsTest, RunsAndDeletesByNumber) {
 }
 
 TEST_F(CommandsTest, AScriptThatFailsIsARefusalThatNamesTheLine) {
-  Run({"add", "One", "--at", "10:00", "--day", "1", "--script", "backup.txt"});
+  Run(Split("add One --at 10:00 --day 1 --script backup.txt"));
   fake.files.contents["C:\\Home\\scripts\\backup.txt"] = "msgbox('x',nostop)\nbeeb()";
   Texts popups;
   program.onPopup = [&](const std::string& text) { popups.push_back(text); };

@@ -1,13 +1,11 @@
 #include "tests/desktop/DesktopTest.h"
 
-#include <fstream>
 #include <stdexcept>
 
 #include "platform/win32/Text.h"
 
 namespace orvanto::desktop {
 
-using win32::ToUtf8;
 using win32::ToWide;
 
 namespace {
@@ -15,12 +13,6 @@ namespace {
 constexpr const wchar_t* kKey = L"Software\\Quellmark\\Orvanto";
 
 }  // namespace
-
-std::wstring TemporaryFile(const std::wstring& name) {
-  wchar_t folder[MAX_PATH + 1];
-  GetTempPathW(MAX_PATH + 1, folder);
-  return folder + name;
-}
 
 DesktopTest::DesktopTest() {
   const bool isWine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version");
@@ -34,24 +26,23 @@ DesktopTest::DesktopTest() {
 
 DesktopTest::~DesktopTest() { RegDeleteTreeW(HKEY_CURRENT_USER, kKey); }
 
-void DesktopTest::Import(const std::vector<Task>& tasks, int hour, int minute) {
-  const std::string file = ToUtf8(TemporaryFile(L"orvanto-tasks.reg"));
-  const std::string key = "[HKEY_CURRENT_USER\\" + ToUtf8(kKey) + "\\";
-  std::ofstream out(file);
-  out << "Windows Registry Editor Version 5.00\n";
+void DesktopTest::Import(const std::vector<Task>& tasks, int minuteOfTheDay) {
   int count = 0;
   for (const Task& task : tasks) {
-    std::string path;
-    for (const char c : task.path) path += c == '\\' ? "\\\\" : std::string(1, c);
-    out << key << task.name << "]\n\"Group\"=\"" << task.group << "\"\n"
-        << "\"TimeType\"=\"2\"\n\"Every\"=\"1\"\n\"In\"=\"1\"\n\"TimeHour\"=\"" << hour
-        << "\"\n\"TimeMinute\"=\"" << minute << "\"\n\"TaskType\"=\"" << task.type
-        << "\"\n\"Path\"=\"" << path << "\"\n"
-        << key << "General]\n\"Task" << ++count << "\"=\"" << task.name << "\"\n";
+    const std::wstring name = ToWide(task.name);
+    const std::pair<const wchar_t*, std::wstring> values[] = {
+        {L"Group", ToWide(task.group)},
+        {L"TimeType", L"2"},
+        {L"Every", L"1"},
+        {L"In", L"1"},
+        {L"TimeHour", std::to_wstring(minuteOfTheDay / 60)},
+        {L"TimeMinute", std::to_wstring(minuteOfTheDay % 60)},
+        {L"TaskType", ToWide(task.type)},
+        {L"Path", ToWide(task.path)}};
+    for (const auto& [value, text] : values) Store(name.c_str(), value, text);
+    Store(L"General", (L"Task" + std::to_wstring(++count)).c_str(), name);
   }
-  out << key << "General]\n\"NoTasks\"=\"" << count << "\"\n";
-  out.close();
-  ASSERT_EQ(RunToEnd(L"reg.exe import \"" + ToWide(file) + L"\""), 0);
+  Store(L"General", L"NoTasks", std::to_wstring(count));
 }
 
 int DesktopTest::MinuteOfTheDay(int secondsFromNow) {

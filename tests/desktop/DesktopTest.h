@@ -18,16 +18,14 @@ struct Task {
   std::string path;
 };
 
-std::wstring TemporaryFile(const std::wstring& name);
-
 // Begins and ends without any settings.
 class DesktopTest : public testing::Test {
  protected:
   DesktopTest();
   ~DesktopTest() override;
 
-  // By the system's own tool. All of them are due every day at the given time.
-  static void Import(const std::vector<Task>& tasks, int hour = 0, int minute = 0);
+  // All of them are due every day at the given time.
+  static void Import(const std::vector<Task>& tasks, int minuteOfTheDay = 0);
 
   static int MinuteOfTheDay(int secondsFromNow = 0);
   // The next one that a program started now does not miss.

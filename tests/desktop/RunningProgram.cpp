@@ -111,30 +111,6 @@ HWND FocusBeside(HWND window) {
   return info.hwndFocus;
 }
 
-// A structure in the memory of the program, for messages that carry an address.
-class RunningProgram::Remote {
- public:
-  Remote(HANDLE process, std::size_t size)
-      : process_(process),
-        memory_(VirtualAllocEx(process, nullptr, size, MEM_COMMIT, PAGE_READWRITE)) {}
-  ~Remote() { VirtualFreeEx(process_, memory_, 0, MEM_RELEASE); }
-  Remote(const Remote&) = delete;
-  Remote& operator=(const Remote&) = delete;
-
-  BYTE* Address() const { return static_cast<BYTE*>(memory_); }
-  template <typename T>
-  void Write(const T& value) const {
-    WriteProcessMemory(process_, memory_, &value, sizeof value, nullptr);
-  }
-  void Read(std::size_t offset, void* to, std::size_t size) const {
-    ReadProcessMemory(process_, Address() + offset, to, size, nullptr);
-  }
-
- private:
-  HANDLE process_;
-  void* memory_;
-};
-
 RunningProgram::RunningProgram(const std::wstring& arguments) {
   process_ = Start(L"\"" + Beside(L"orvanto.exe") + L"\" " + arguments, id_);
 }
@@ -209,57 +185,13 @@ HWND RunningProgram::TreeWindow() const {
   return FindWindowExW(MainWindow(), nullptr, WC_TREEVIEWW, nullptr);
 }
 
-std::vector<HTREEITEM> RunningProgram::Items(std::vector<int>& levels) const {
-  const HWND tree = TreeWindow();
-  std::vector<HTREEITEM> items;
-  const std::function<void(HTREEITEM, int)> walk = [&](HTREEITEM item, int level) {
-    for (; item != nullptr; item = TreeView_GetNextSibling(tree, item)) {
-      items.push_back(item);
-      levels.push_back(level);
-      walk(TreeView_GetChild(tree, item), level + 1);
-    }
-  };
-  walk(TreeView_GetRoot(tree), 0);
-  return items;
-}
-
-std::vector<TreeLine> RunningProgram::Tree() const {
-  struct Buffer {
-    TVITEMW item;
-    wchar_t text[512];
-  };
-  const Remote remote(process_.Get(), sizeof(Buffer));
-  std::vector<int> levels;
-  std::vector<TreeLine> lines;
-  for (const HTREEITEM handle : Items(levels)) {
-    Buffer buffer = {};
-    buffer.item.mask = TVIF_TEXT;
-    buffer.item.hItem = handle;
-    buffer.item.pszText = reinterpret_cast<wchar_t*>(remote.Address() + offsetof(Buffer, text));
-    buffer.item.cchTextMax = 511;
-    remote.Write(buffer);
-    SendMessageW(TreeWindow(), TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(remote.Address()));
-    remote.Read(offsetof(Buffer, text), buffer.text, sizeof buffer.text);
-    lines.push_back({levels[lines.size()], buffer.text});
+void RunningProgram::SelectLine(int line) const {
+  for (const UINT click : {WM_LBUTTONDOWN, WM_LBUTTONUP}) {
+    PostMessageW(TreeWindow(), click, 0, MAKELPARAM(60, 5));
   }
-  return lines;
-}
-
-void RunningProgram::ClickTreeLine(std::size_t index) const {
-  std::vector<int> levels;
-  union {
-    HTREEITEM item;  // in
-    RECT rectangle;  // out
-  } place = {};
-  place.item = Items(levels).at(index);
-  const Remote remote(process_.Get(), sizeof place);
-  remote.Write(place);
-  SendMessageW(TreeWindow(), TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(remote.Address()));
-  remote.Read(0, &place, sizeof place);
-  const LPARAM position = MAKELPARAM((place.rectangle.left + place.rectangle.right) / 2,
-                                     (place.rectangle.top + place.rectangle.bottom) / 2);
-  PostMessageW(TreeWindow(), WM_LBUTTONDOWN, MK_LBUTTON, position);
-  PostMessageW(TreeWindow(), WM_LBUTTONUP, 0, position);
+  PostMessageW(TreeWindow(), WM_KEYDOWN, VK_HOME, 0);
+  for (int i = 0; i < line; ++i) PostMessageW(TreeWindow(), WM_KEYDOWN, VK_DOWN, 0);
+  WaitFor([&] { return IsWindowEnabled(Button(L"&Run Task")) != 0; });
 }
 
 bool RunningProgram::WaitForEnd(DWORD& exitCode) const {

@@ -38,12 +38,6 @@ bool IsTopMost(HWND window);
 // The window that has the keyboard, of the thread that this one belongs to.
 HWND FocusBeside(HWND window);
 
-struct TreeLine {
-  int level;
-  std::wstring text;
-  bool operator==(const TreeLine&) const = default;
-};
-
 class RunningProgram {
  public:
   // Starts the program that lies beside the test program.
@@ -66,17 +60,13 @@ class RunningProgram {
   // What a person does.
   void Press(const std::wstring& caption) const { Press(MainWindow(), caption); }
   static void Press(HWND form, const std::wstring& caption);
-  void ClickTreeLine(std::size_t index) const;
+  void SelectLine(int line) const;  // of the tree, from 0; the line of a task
   void ChooseMenu(wchar_t menu, int itemsBelowFirst) const;
 
   HWND TreeWindow() const;
-  std::vector<TreeLine> Tree() const;
   bool WaitForEnd(DWORD& exitCode) const;
 
  private:
-  class Remote;
-  std::vector<HTREEITEM> Items(std::vector<int>& levels) const;
-
   win32::Handle<HANDLE, CloseHandle> process_;
   DWORD id_ = 0;
 };

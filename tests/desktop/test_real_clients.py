@@ -33,7 +33,7 @@ class RealClients(test_remote.Remote):
             return reg("add", key, "/v", name, "/d", text[0], "/f")
         return reg("query", key, "/v", name).split("REG_SZ")[1].strip() + "\n"
 
-    def start(self, home, env=None):
+    def start(self, home, first=""):
         process = subprocess.Popen(["wine", home / "orvanto.exe"], stdin=subprocess.DEVNULL,
                                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.running.append(process)

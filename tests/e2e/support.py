@@ -32,13 +32,12 @@ class HomeTest(unittest.TestCase):
         self.last_error = done.stderr
         return done.stdout
 
-    def start(self, home, env=None):
-        """Starts a scheduler and returns once it runs."""
+    def start(self, home, first="runs the tasks in"):
+        """Starts a scheduler and returns once it has said what its first line holds."""
         process = subprocess.Popen([PROGRAM, "--home", home], stdin=subprocess.DEVNULL,
-                                   stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-                                   env=env)
+                                   stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
         self.running.append(process)
-        self.assertIn("runs the tasks in", process.stdout.readline())
+        self.assertIn(first, process.stdout.readline())
         return process
 
     def stop(self, process):

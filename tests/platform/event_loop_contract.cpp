@@ -16,7 +16,7 @@ using std::chrono::milliseconds;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr milliseconds kInterval(10);
+constexpr milliseconds kInterval(4);
 
 struct Made {
   std::unique_ptr<EventLoop> loop;
@@ -42,26 +42,18 @@ class EventLoopContract : public testing::TestWithParam<Made (*)()> {
 
 INSTANTIATE_TEST_SUITE_P(Loops, EventLoopContract, testing::Values(MakeHostLoop, MakeFakeLoop));
 
-// On a busy machine the handling of what is due takes longer than the next period.
-class Meanwhile {
- public:
-  long long Periods() const { return (std::chrono::steady_clock::now() - began_) / kInterval; }
-
- private:
-  std::chrono::steady_clock::time_point began_ = std::chrono::steady_clock::now();
-};
-
-TEST_P(EventLoopContract, PostedWorkComesInOrderAndNotAtOnce) {
+TEST_P(EventLoopContract, PostedWorkComesInOrderAndNotAtOnceAndReenters) {
   std::vector<int> order;
   loop_.Post([&] {
     order.push_back(1);
     loop_.Post([&] { order.push_back(3); });
+    loop_.DoEvents();
+    order.push_back(4);
   });
   loop_.Post([&] { order.push_back(2); });
   EXPECT_THAT(order, IsEmpty());
   loop_.DoEvents();
-  loop_.DoEvents();
-  EXPECT_THAT(order, ElementsAre(1, 2, 3));
+  EXPECT_THAT(order, ElementsAre(1, 2, 3, 4));
 }
 
 TEST_P(EventLoopContract, ATimerComesWhenDueAndMissedPeriodsCollapse) {
@@ -75,16 +67,15 @@ TEST_P(EventLoopContract, ATimerComesWhenDueAndMissedPeriodsCollapse) {
   loop_.DoEvents();
   EXPECT_EQ(calls, 0);
   timer->Start(kInterval);
-  made_.busy(8 * kInterval);
+  made_.busy(50 * kInterval);
   EXPECT_EQ(calls, 0);
-  const Meanwhile meanwhile;
   loop_.DoEvents();
   loop_.DoEvents();
   EXPECT_GE(calls, 1);
-  EXPECT_LE(calls, 3 + meanwhile.Periods());
+  EXPECT_LT(calls, 25) << "a busy machine lets some periods pass in here";
   timer->Stop();
   const int before = calls;
-  made_.busy(2 * kInterval);
+  made_.busy(3 * kInterval);
   loop_.DoEvents();
   EXPECT_EQ(calls, before);
 }
@@ -98,11 +89,10 @@ TEST_P(EventLoopContract, AHandlerMayStopAndRestartItsTimerAndDestroyOthers) {
     if (++calls == 1) timer->Start(2 * kInterval);
   });
   timer->Start(milliseconds(0));  // taken as one
-  other->Start(2 * kInterval);
-  made_.busy(3 * kInterval);
-  for (int i = 0; i < 6; ++i) {
+  other->Start(4 * kInterval);
+  for (int i = 0; i < 9; ++i) {
+    made_.busy(5 * kInterval);
     loop_.DoEvents();
-    made_.busy(kInterval);
   }
   EXPECT_EQ(calls, 2);
   EXPECT_FALSE(timer->Enabled());
@@ -118,34 +108,16 @@ TEST_P(EventLoopContract, AHoldKeepsEverythingUntilItsEnd) {
     {
       const EventLoop::Hold inner(loop_);
       loop_.Post([&] { ++posts; });
-      made_.busy(8 * kInterval);
-      loop_.DoEvents();
+      made_.busy(50 * kInterval);
+      RunSystemLoop();
     }
     loop_.DoEvents();
     EXPECT_EQ(timerCalls + posts, 0);
   }
-  const Meanwhile meanwhile;
   loop_.DoEvents();
   EXPECT_GE(timerCalls, 1);
-  EXPECT_LE(timerCalls, 2 + meanwhile.Periods());
+  EXPECT_LT(timerCalls, 25);
   EXPECT_EQ(posts, 1);
-}
-
-TEST_P(EventLoopContract, DoEventsReenters) {
-  std::vector<int> order;
-  const auto timer = loop_.NewTimer([&] { order.push_back(2); });
-  loop_.Post([&] {
-    order.push_back(1);
-    timer->Start(kInterval);
-    made_.busy(kInterval + kInterval / 2);
-    loop_.DoEvents();
-    timer->Stop();
-    order.push_back(3);
-  });
-  loop_.DoEvents();
-  EXPECT_EQ(order.front(), 1);
-  EXPECT_EQ(order.back(), 3);
-  EXPECT_GE(order.size(), 3u);
 }
 
 TEST(HostLoop, NeitherAFloodOfPostsNorAnExceptionStopsATimer) {

@@ -6,9 +6,7 @@
 #include <sys/resource.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
-#include <thread>
 
 #include "platform/registry/RegistryText.h"
 #include "tests/support/TemporaryDirectory.h"
@@ -20,6 +18,7 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 RegistryTree HostileTree() {
   std::string all;
@@ -86,83 +85,71 @@ TEST(RegistryText, ReadsWhatAPersonWrites) {
 
 TEST(RegistryText, NamesTheLineAndTheReasonOfDamage) {
   const std::string begin = "Orvanto registry 1\n[HKEY_USERS]\n";
-  struct Case {
-    int line;
-    std::string text;
-    const char* reason;
-  };
-  for (const Case& c :
-       {Case{3, begin + "[HKEY_CURRENT_USER\\A", "no closing bracket"},
-        {3, begin + "[HKEY_NOWHERE\\A]", "must begin with one of HKEY_CURRENT_USER"},
-        {3, begin + "[HKEY_CURRENT_USER\\\\A]", "empty or longer"},
-        {3, begin + "[HKEY_CURRENT_USER\\100%]", "%25 is a %"},
-        {3, begin + "Name=\"x\"", "a line must be"},
-        {3, begin + "\"n\" \"x\"", "an = is missing"},
-        {3, begin + "\"n\"=\"x", "closing quote is missing"},
-        {3, begin + "\"n\"=\"x\" y", "something follows the closing quote"},
-        {3, begin + "\"n\"=\"C:\\dir\"", "a backslash must be followed"},
-        {3, begin + "\"n\"=dword:123456789", "eight hexadecimal digits"},
-        {3, begin + "\"n\"=hex:1", "two digits each"},
-        {3, begin + "\"n\"=hex:01,", "two digits each"},
-        {3, begin + "\"n\"=hex(x):01", "must be a \"text\""},
-        {3, begin + "\"n\"=text", "must be a \"text\""},
-        {4, begin + "# end of registry\nmore", "something follows the line"},
-        {1, "Orvanto registry 2", "another version"},
-        {1, "\"n\"=\"x\"", "the first line"},
-        {2, "Orvanto registry 1\n\"n\"=\"x\"", "before the first"}}) {
+  const std::pair<std::string, const char*> cases[] = {
+      {begin + "[HKEY_CURRENT_USER\\A", "3: the key has no closing bracket"},
+      {begin + "[HKEY_NOWHERE\\A]", "3: the key must begin with one of HKEY_CURRENT_USER"},
+      {begin + "[HKEY_CURRENT_USER\\\\A]", "3: a part of the key is empty or longer"},
+      {begin + "[HKEY_CURRENT_USER\\100%]", "3: in a key, %"},
+      {begin + "Name=\"x\"", "3: a line must be"},
+      {begin + "\"n\" \"x\"", "3: after the name of a value an = is missing"},
+      {begin + "\"n\"=\"x", "3: the closing quote is missing"},
+      {begin + "\"n\"=\"x\" y", "3: something follows the closing quote"},
+      {begin + "\"n\"=\"C:\\dir\"", "3: in quotes, a backslash must be followed"},
+      {begin + "\"n\"=dword:123456789", "3: after dword: up to eight hexadecimal digits"},
+      {begin + "\"n\"=hex:1", "3: hex: must be followed"},
+      {begin + "\"n\"=hex:01,", "3: hex: must be followed"},
+      {begin + "\"n\"=hex(x):01", "3: a value must be a \"text\""},
+      {begin + "\"n\"=text", "3: a value must be a \"text\""},
+      {begin + "# end of registry\nmore", "4: something follows the line"},
+      {"Orvanto registry 2", "1: the format is of another version"},
+      {"\"n\"=\"x\"", "1: the first line"},
+      {"Orvanto registry 1\n\"n\"=\"x\"", "2: a value stands before the first"}};
+  for (const auto& [text, expected] : cases) {
     RegistryTree tree;
-    const auto error = ParseRegistry(c.text + "\n# end of registry\n", tree);
-    ASSERT_TRUE(error) << c.text;
-    EXPECT_EQ(error->line, c.line) << c.text;
-    EXPECT_THAT(error->reason, HasSubstr(c.reason));
+    const auto error = ParseRegistry(text + "\n# end of registry\n", tree);
+    ASSERT_TRUE(error) << text;
+    EXPECT_THAT(std::to_string(error->line) + ": " + error->reason, StartsWith(expected)) << text;
   }
 }
 
-Status PutText(Registry& registry, const std::string& name, const std::string& text) {
-  Registry::Key key = 0;
-  Status status = registry.CreateKey(RootKey::CurrentUser, "Software\\Test", kSetValue, key);
-  if (status != kSuccess) return status;
-  status = registry.SetValue(key, name, ValueType::String, text.c_str(),
-                             static_cast<std::uint32_t>(text.size() + 1));
-  registry.CloseKey(key);
-  return status;
-}
-
-std::string Text(Registry& registry, const std::string& name) {
-  Registry::Key key = 0;
-  if (registry.OpenKey(RootKey::CurrentUser, "Software\\Test", kQueryValue, key) != kSuccess) {
-    return "no key";
+// With short ways to one key of it.
+class Store : public FileRegistry {
+ public:
+  using FileRegistry::FileRegistry;
+  Status Put(const std::string& text, const std::string& name = "n") {
+    Key key = 0;
+    if (Status status = CreateKey(RootKey::CurrentUser, "A", kSetValue, key)) return status;
+    const auto size = static_cast<std::uint32_t>(text.size() + 1);
+    const Status status = SetValue(key, name, ValueType::String, text.c_str(), size);
+    CloseKey(key);
+    return status;
   }
-  char buffer[64] = "";
-  std::uint32_t size = sizeof buffer;
-  ValueType type = ValueType::None;
-  const Status status = registry.QueryValue(key, name, type, buffer, size);
-  registry.CloseKey(key);
-  return status == kSuccess ? buffer : "no value";
-}
-
-// What the registry shows once it may have noticed a change of the file, and a bit later at most.
-std::string TextSoon(Registry& registry, const std::string& expected, const char* name = "n") {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(500);
-  std::string text;
-  do {
-    std::this_thread::sleep_for(std::chrono::milliseconds(11));
-    text = Text(registry, name);
-  } while (text != expected && std::chrono::steady_clock::now() < deadline);
-  return text;
-}
+  std::string Get(const std::string& name = "n") {
+    Key key = 0;
+    if (OpenKey(RootKey::CurrentUser, "A", kQueryValue, key) != kSuccess) return "no key";
+    char text[64] = "no value";
+    std::uint32_t size = sizeof text;
+    ValueType type = ValueType::None;
+    QueryValue(key, name, type, text, size);
+    CloseKey(key);
+    return text;
+  }
+  // What it shows once it may have noticed a change of the file, and a bit later at most.
+  std::string Soon(const std::string& expected, const std::string& name = "n") {
+    std::string text;
+    for (int i = 0; i < 50 && (i == 0 || text != expected); ++i) {
+      ::usleep(11'000);
+      text = Get(name);
+    }
+    return text;
+  }
+};
 
 class FileRegistryTest : public testing::Test {
  protected:
   FileRegistry::Report Reporter() {
     return [this](const std::string& message) { said_.push_back(message); };
   }
-  // By a registry that goes again.
-  Status Store(const std::string& text) const {
-    FileRegistry registry(path_, nullptr);
-    return PutText(registry, "n", text);
-  }
-
   TemporaryDirectory directory_;
   const std::string path_ = directory_ / "registry";
   const std::string new_ = path_ + ".new";
@@ -172,9 +159,9 @@ class FileRegistryTest : public testing::Test {
 
 TEST_F(FileRegistryTest, KeepsWhatWasWrittenAndLeavesNothingBeside) {
   const std::string deep = directory_ / "new/dir/registry";
-  ASSERT_EQ(PutText(*std::make_unique<FileRegistry>(deep, Reporter()), "n", "x"), kSuccess);
-  FileRegistry again(deep, Reporter());
-  EXPECT_EQ(Text(again, "n"), "x");
+  ASSERT_EQ(Store(deep, Reporter()).Put("x"), kSuccess);
+  Store again(deep, Reporter());
+  EXPECT_EQ(again.Get(), "x");
   // What may lie there from before: a file, another one's name, something else.
   const std::string other = directory_ / "other";
   WriteFile(other, "other");
@@ -184,7 +171,7 @@ TEST_F(FileRegistryTest, KeepsWhatWasWrittenAndLeavesNothingBeside) {
       [&] { fs::create_symlink(other, deep + ".new"); }};
   for (const auto& leave : leftovers) {
     leave();
-    EXPECT_EQ(PutText(again, "n", std::to_string(&leave - leftovers)), kSuccess);
+    EXPECT_EQ(again.Put(std::to_string(&leave - leftovers)), kSuccess);
     EXPECT_FALSE(fs::exists(fs::symlink_status(deep + ".new")));
   }
   EXPECT_EQ(ReadFile(other), "other");
@@ -197,26 +184,26 @@ TEST_F(FileRegistryTest, KeepsWhatWasWrittenAndLeavesNothingBeside) {
   const fs::perms own = fs::perms::owner_read | fs::perms::owner_write;
   EXPECT_EQ(fs::status(deep).permissions(), own);
   fs::permissions(deep, own | fs::perms::group_read);
-  EXPECT_EQ(PutText(again, "n", "y"), kSuccess);
+  EXPECT_EQ(again.Put("y"), kSuccess);
   EXPECT_EQ(fs::status(deep).permissions(), own | fs::perms::group_read) << "as it was";
   EXPECT_THAT(said_, IsEmpty());
 }
 
 TEST_F(FileRegistryTest, AChangeIsOneReplacementUnderALockOrNone) {
-  FileRegistry registry(path_, Reporter());
-  ASSERT_EQ(PutText(registry, "n", "0"), kSuccess);
+  Store registry(path_, Reporter());
+  ASSERT_EQ(registry.Put("0"), kSuccess);
   const std::string before = ReadFile(path_);
   const Descriptor lock(::open((path_ + ".lock").c_str(), O_RDWR | O_CLOEXEC));
   {
     RegistryChange change(registry);
     for (const char* text : {"1", "2", "3"}) {
       EXPECT_NE(::flock(lock.Get(), LOCK_EX | LOCK_NB), 0);
-      ASSERT_EQ(PutText(registry, "n", text), kSuccess);
+      ASSERT_EQ(registry.Put(text), kSuccess);
     }
     EXPECT_NE(::flock(lock.Get(), LOCK_EX | LOCK_NB), 0);
     EXPECT_EQ(ReadFile(path_), before);
     WriteFile(path_, before + "\n");
-    EXPECT_EQ(TextSoon(registry, "3"), "3") << "nobody comes between";
+    EXPECT_EQ(registry.Soon("3"), "3") << "nobody comes between";
     EXPECT_EQ(change.Commit(), kSuccess);
   }
   EXPECT_EQ(::flock(lock.Get(), LOCK_EX | LOCK_NB), 0);
@@ -225,44 +212,44 @@ TEST_F(FileRegistryTest, AChangeIsOneReplacementUnderALockOrNone) {
 
   // One that changes nothing leaves the file alone.
   WriteFile(path_, ReadFile(path_) + "\n");
-  EXPECT_EQ(PutText(registry, "n", "3"), kSuccess);
+  EXPECT_EQ(registry.Put("3"), kSuccess);
   EXPECT_TRUE(ReadFile(path_).ends_with("\n\n"));
 
   // One with a failed write is undone as a whole.
   const std::string kept = ReadFile(path_);
   RegistryChange change(registry);
-  EXPECT_EQ(PutText(registry, "n", "new"), kSuccess);
+  EXPECT_EQ(registry.Put("new"), kSuccess);
   Registry::Key key = 0;
   EXPECT_EQ(registry.CreateKey(RootKey::CurrentUser, "a\\\\b", kSetValue, key), kBadPathname);
-  EXPECT_EQ(PutText(registry, "more", "new"), kSuccess);
+  EXPECT_EQ(registry.Put("new", "more"), kSuccess);
   EXPECT_EQ(change.Commit(), kBadPathname);
-  EXPECT_EQ(Text(registry, "n"), "3");
+  EXPECT_EQ(registry.Get(), "3");
   EXPECT_EQ(ReadFile(path_), kept);
 }
 
 TEST_F(FileRegistryTest, TwoOnOneFileLoseNoUpdateAndSeeEachOther) {
-  FileRegistry one(path_, Reporter());
-  FileRegistry two(path_, Reporter());
+  Store one(path_, Reporter());
+  Store two(path_, Reporter());
   // Texts of one length, so that only the file's identity and time tell the difference.
   for (const char* text : {"aa", "bb", "cc", "dd"}) {
-    ASSERT_EQ(PutText(one, text, text), kSuccess);
-    ASSERT_EQ(PutText(two, "n", text), kSuccess);
-    EXPECT_EQ(TextSoon(one, text), text);
-    EXPECT_EQ(TextSoon(two, text, text), text);
+    ASSERT_EQ(one.Put(text, text), kSuccess);
+    ASSERT_EQ(two.Put(text), kSuccess);
+    EXPECT_EQ(one.Soon(text), text);
+    EXPECT_EQ(two.Soon(text, text), text);
   }
-  EXPECT_EQ(Text(one, "aa") + Text(two, "bb"), "aabb");
+  EXPECT_EQ(one.Get("aa") + two.Get("bb"), "aabb");
   EXPECT_THAT(said_, IsEmpty());
   fs::remove(path_);
-  EXPECT_EQ(TextSoon(one, "no key"), "no key");
-  EXPECT_EQ(TextSoon(one, "no key"), "no key");
+  EXPECT_EQ(one.Soon("no key"), "no key");
+  EXPECT_EQ(one.Soon("no key"), "no key");
   EXPECT_THAT(said_, ElementsAre(HasSubstr("is gone")));
 }
 
 TEST_F(FileRegistryTest, ADamagedFileIsSetAsideAtTheStart) {
   WriteFile(damaged_ + "1", "older");
   WriteFile(path_, "Orvanto registry 1\nrubbish\n");
-  FileRegistry registry(path_, Reporter());
-  EXPECT_EQ(Text(registry, "n"), "no key");
+  Store registry(path_, Reporter());
+  EXPECT_EQ(registry.Get(), "no key");
   EXPECT_EQ(ReadFile(damaged_ + "1"), "older");
   EXPECT_EQ(ReadFile(damaged_ + "2"), "Orvanto registry 1\nrubbish\n");
   EXPECT_FALSE(fs::exists(path_));
@@ -270,25 +257,25 @@ TEST_F(FileRegistryTest, ADamagedFileIsSetAsideAtTheStart) {
 }
 
 TEST_F(FileRegistryTest, DamageWhileRunningIsSaidOnceAndSetAsideByTheNextWrite) {
-  FileRegistry registry(path_, Reporter());
-  ASSERT_EQ(PutText(registry, "n", "good"), kSuccess);
+  Store registry(path_, Reporter());
+  ASSERT_EQ(registry.Put("good"), kSuccess);
   for (const char* damage : {"half", "half an edit"}) {
     WriteFile(path_, damage);
-    for (int i = 0; i < 2; ++i) EXPECT_EQ(TextSoon(registry, "good"), "good");
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(registry.Soon("good"), "good");
   }
   ASSERT_EQ(said_.size(), 2u);
   EXPECT_EQ(ReadFile(path_), "half an edit");
 
   // A write that fails sets it aside no more than once.
   fs::create_directory(new_);
-  EXPECT_EQ(PutText(registry, "n", "better"), kWriteFault);
+  EXPECT_EQ(registry.Put("better"), kWriteFault);
   fs::remove(new_);
-  EXPECT_EQ(PutText(registry, "n", "better"), kSuccess);
+  EXPECT_EQ(registry.Put("better"), kSuccess);
   EXPECT_EQ(ReadFile(damaged_ + "1"), "half an edit");
   EXPECT_FALSE(fs::exists(damaged_ + "2"));
   EXPECT_EQ(said_.size(), 4u) << said_.back();
-  FileRegistry again(path_, Reporter());
-  EXPECT_EQ(Text(again, "n"), "better");
+  Store again(path_, Reporter());
+  EXPECT_EQ(again.Get(), "better");
 }
 
 TEST_F(FileRegistryTest, WhoOnlyLooksInLeavesADamagedFileAlone) {
@@ -296,20 +283,20 @@ TEST_F(FileRegistryTest, WhoOnlyLooksInLeavesADamagedFileAlone) {
     SCOPED_TRACE(damagedBefore);
     said_.clear();
     fs::remove(path_);
-    ASSERT_EQ(Store("good"), kSuccess);
+    ASSERT_EQ(Store(path_, nullptr).Put("good"), kSuccess);
     const std::string good = ReadFile(path_);
     if (damagedBefore) WriteFile(path_, "half");
-    FileRegistry registry(path_, Reporter(), FileRegistry::OnDamage::Refuse);
+    Store registry(path_, Reporter(), FileRegistry::OnDamage::Refuse);
     if (!damagedBefore) WriteFile(path_, "half");
-    EXPECT_EQ(PutText(registry, "n", "x"), kAccessDenied);
+    EXPECT_EQ(registry.Put("x"), kAccessDenied);
     EXPECT_EQ(RegistryChange(registry).Commit(), kAccessDenied);
-    EXPECT_EQ(Text(registry, "n"), damagedBefore ? "no key" : "good");
+    EXPECT_EQ(registry.Get(), damagedBefore ? "no key" : "good");
     EXPECT_THAT(said_, ElementsAre(HasSubstr("line 1: ")));
     EXPECT_EQ(ReadFile(path_), "half");
     EXPECT_FALSE(fs::exists(damaged_ + "1"));
     WriteFile(path_, good);
-    EXPECT_EQ(TextSoon(registry, "good"), "good");
-    EXPECT_EQ(PutText(registry, "n", "better"), kSuccess);
+    EXPECT_EQ(registry.Soon("good"), "good");
+    EXPECT_EQ(registry.Put("better"), kSuccess);
   }
 }
 
@@ -330,57 +317,57 @@ class Limit {
 
 TEST_F(FileRegistryTest, AFailedWriteKeepsTheOldFileAndTheOldContent) {
   const Descriptor lock(::open((path_ + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
-  FileRegistry registry(path_, [&](const std::string& message) {
+  Store registry(path_, [&](const std::string& message) {
     said_.push_back(message);
     EXPECT_NE(::flock(lock.Get(), LOCK_EX | LOCK_NB), 0) << "until it is done";
   });
-  ASSERT_EQ(PutText(registry, "n", "old"), kSuccess);
+  ASSERT_EQ(registry.Put("old"), kSuccess);
   const std::string before = ReadFile(path_);
   const auto handler = std::signal(SIGXFSZ, SIG_IGN);
   {
     const Limit full(RLIMIT_FSIZE, before.size());
-    for (int i = 0; i < 2; ++i) EXPECT_EQ(PutText(registry, "n", "a longer text"), kDiskFull);
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(registry.Put("a longer text"), kDiskFull);
   }
   std::signal(SIGXFSZ, handler);
   EXPECT_THAT(said_, ElementsAre(HasSubstr("cannot be written")));
-  EXPECT_EQ(Text(registry, "n"), "old");
+  EXPECT_EQ(registry.Get(), "old");
   EXPECT_EQ(ReadFile(path_), before);
 
   fs::create_directory(new_);
-  for (int i = 0; i < 2; ++i) EXPECT_EQ(PutText(registry, "n", "new"), kWriteFault);
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(registry.Put("new"), kWriteFault);
   fs::remove(new_);
-  EXPECT_EQ(PutText(registry, "n", "young"), kSuccess);
-  EXPECT_EQ(PutText(registry, "n", "old"), kSuccess);
+  EXPECT_EQ(registry.Put("young"), kSuccess);
+  EXPECT_EQ(registry.Put("old"), kSuccess);
   EXPECT_EQ(said_.size(), 2U);
   fs::create_directory(new_);
   RegistryChange change(registry);
-  EXPECT_EQ(PutText(registry, "n", "new"), kSuccess);
+  EXPECT_EQ(registry.Put("new"), kSuccess);
   EXPECT_EQ(change.Commit(), kWriteFault);
   EXPECT_EQ(said_.size(), 3U) << "again after a success";
-  EXPECT_EQ(Text(registry, "n"), "old");
+  EXPECT_EQ(registry.Get(), "old");
   EXPECT_EQ(ReadFile(path_), before);
 }
 
 TEST_F(FileRegistryTest, WhatCannotBeReadIsTriedAgainAndNotOverwritten) {
   fs::create_directory(path_);
   {
-    FileRegistry registry(path_, Reporter());
-    EXPECT_EQ(PutText(registry, "n", "x"), kAccessDenied);
+    Store registry(path_, Reporter());
+    EXPECT_EQ(registry.Put("x"), kAccessDenied);
     EXPECT_TRUE(fs::is_directory(path_));
     EXPECT_THAT(said_, ElementsAre(HasSubstr("cannot be read")));
   }
   fs::remove(path_);
   ASSERT_EQ(::mkfifo(path_.c_str(), 0600), 0);
-  EXPECT_EQ(PutText(*std::make_unique<FileRegistry>(path_, nullptr), "n", "x"), kSuccess);
+  EXPECT_EQ(Store(path_, nullptr).Put("x"), kSuccess);
   fs::remove(path_);
   said_.clear();
-  ASSERT_EQ(Store("x"), kSuccess);
+  ASSERT_EQ(Store(path_, nullptr).Put("x"), kSuccess);
   std::optional<Limit> noDescriptors(std::in_place, RLIMIT_NOFILE, 0);
-  FileRegistry registry(path_, Reporter());
-  for (int i = 0; i < 2; ++i) EXPECT_EQ(TextSoon(registry, "no key"), "no key");
+  Store registry(path_, Reporter());
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(registry.Soon("no key"), "no key");
   noDescriptors.reset();
-  EXPECT_EQ(TextSoon(registry, "x"), "x");
-  EXPECT_EQ(PutText(registry, "n", "y"), kSuccess);
+  EXPECT_EQ(registry.Soon("x"), "x");
+  EXPECT_EQ(registry.Put("y"), kSuccess);
   EXPECT_THAT(said_, ElementsAre(HasSubstr("cannot be read")));
 }
 
@@ -389,16 +376,16 @@ TEST_F(FileRegistryTest, FollowsSymbolicLinksAndMeansTheDirectoryOfTheStart) {
   fs::create_symlink("dir/second", path_);
   fs::create_symlink("../target", directory_ / "dir/second");
   for (const char* text : {"made", "replaced"}) {
-    ASSERT_EQ(Store(text), kSuccess);
+    ASSERT_EQ(Store(path_, nullptr).Put(text), kSuccess);
     EXPECT_TRUE(fs::is_symlink(path_));
     EXPECT_TRUE(fs::is_symlink(directory_ / "dir/second"));
     EXPECT_THAT(ReadFile(directory_ / "target"), HasSubstr(text));
   }
   const fs::path before = fs::current_path();
   fs::current_path(directory_ / "dir");
-  FileRegistry registry("relative", Reporter());
+  Store registry("relative", Reporter());
   fs::current_path(before);
-  EXPECT_EQ(PutText(registry, "n", "x"), kSuccess);
+  EXPECT_EQ(registry.Put("x"), kSuccess);
   EXPECT_TRUE(fs::exists(directory_ / "dir/relative"));
 }
 

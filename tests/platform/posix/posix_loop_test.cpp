@@ -140,7 +140,8 @@ TEST(PosixSocket, AListenerWithoutDescriptorsTriesAgain) {
   client->Connect("127.0.0.1", listener->LocalPort());
   rlimit before;
   ::getrlimit(RLIMIT_NOFILE, &before);
-  const rlimit none{0, before.rlim_max};
+  const auto used = static_cast<rlim_t>(Descriptor(::dup(STDERR_FILENO)).Get());
+  const rlimit none{used, before.rlim_max};
   ::setrlimit(RLIMIT_NOFILE, &none);
   for (int i = 0; i < 3; ++i) LookAgain(loop);
   ::setrlimit(RLIMIT_NOFILE, &before);

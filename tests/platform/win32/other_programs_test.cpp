@@ -278,6 +278,7 @@ TEST(Win32Session, ChangesTheResolution) {
   first.dmSize = sizeof first;
   ASSERT_TRUE(EnumDisplaySettingsW(nullptr, 0, &first));
   EXPECT_TRUE(changesTo(0, 0, int(first.dmPelsWidth), int(first.dmPelsHeight)));
+  EXPECT_TRUE(changesTo(1280, 800, 1280, 800));
 }
 
 }  // namespace
