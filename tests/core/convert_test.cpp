@@ -9,8 +9,9 @@ namespace {
 
 TEST(Convert, ReadsNumbersAsUsersAndStoresWriteThem) {
   const std::pair<const char*, int> numbers[] = {
-      {"0", 0},           {"08", 8},  {" 7 ", 7}, {"+5", 5},    {"-12", -12},  {"32767", 32767},
-      {"-32768", -32768}, {"2.5", 2}, {"3.5", 4}, {"-2.5", -2}, {"1e3", 1000}, {"+-1", -1}};
+      {"0", 0},         {"08", 8},          {" 7 ", 7}, {"+5", 5},  {"-12", -12},
+      {"32767", 32767}, {"-32768", -32768}, {"2.5", 2}, {"3.5", 4}, {"-2.5", -2},
+      {"1e3", 1000},    {"+-1", -1},        {"-.5", 0}};
   for (const auto& [text, number] : numbers) {
     EXPECT_EQ(ToInt16(text), number) << text;
     EXPECT_EQ(ToInt16Or(text, 77), number) << text;

@@ -9,38 +9,28 @@ TEST(Execution, EachTypeDoesItsOneThing) {
   CoreDesk desk;
   const char* paths[] = {"nothing", "night.txt",    "notepad.exe", "c:\\a.txt", "",
                          "",        "Time for tea", "ding.wav",    "nothing"};
-  for (std::int16_t type = 0; type <= 8; ++type) {
-    desk.Add("Task " + std::to_string(type), "10:00", [&](TaskEntry& entry) {
-      entry.taskType = type;
-      entry.path = paths[type];
-      entry.winStyle = 4;
-    });
+  for (int type = 0; type <= 8; ++type) {
+    const std::string code = std::to_string(type);
+    desk.Add("Task " + code, "10:00",
+             {{"TaskType", code.c_str()}, {"Path", paths[type]}, {"WinStyle", "4"}});
   }
-  std::vector<std::int16_t> told;
-  desk.execution.onRun = [&](const TaskRecord& task) { told.push_back(task.taskType); };
+  // Of window styles the ends of the table, and the one that is not what it says.
+  for (const char* style : {"0", "1", "3", "6", "7"}) {
+    desk.Add(std::string("Style ") + style, "10:00",
+             {{"TaskType", "2"}, {"Path", "a.exe"}, {"CmdLine", "/x"}, {"WinStyle", style}});
+  }
+  desk.Add("Empty", "10:00", {{"TaskType", "2"}, {"Path", ""}});
+  std::string told;
+  desk.execution.onRun = [&](const TaskRecord& task) { told += std::to_string(task.taskType); };
   desk.messageBoxes.expected = {{"Time for tea"}};
-  for (std::int16_t slot = 1; slot <= 9; ++slot) desk.execution.RunTask(slot);
+  for (const std::int16_t slot : desk.store.Slots()) desk.execution.RunTask(slot);
 
-  EXPECT_EQ(told, (std::vector<std::int16_t>{1, 2, 3, 4, 5, 6, 7}));
+  EXPECT_EQ(told, "1234567222222");
   EXPECT_EQ(desk.scripts.ran, (Texts{"night.txt"}));
-  EXPECT_EQ(desk.done, (Texts{"open notepad.exe in '' 4", "print c:\\a.txt in '' 4", "end 2",
-                              "end 1", "play ding.wav"}));
-}
-
-TEST(Execution, TheCommandLineTravelsInTheFileAndTheStyleBecomesAShowCommand) {
-  CoreDesk desk;
-  const int commands[] = {0, 1, 2, 2, 4, 7, 0, 0};
-  for (std::int16_t style = 0; style <= 7; ++style) {
-    desk.Add("Editor", "10:00", [&](TaskEntry& entry) {
-      entry.taskType = kRunProgram;
-      entry.path = "notepad.exe";
-      entry.cmdLine = "c:\\a.txt";
-      entry.winStyle = style;
-    });
-    desk.execution.RunTask(desk.store.NoTasks());
-    EXPECT_EQ(desk.done.back(),
-              "open notepad.exe c:\\a.txt in '' " + std::to_string(commands[style]));
-  }
+  EXPECT_EQ(desk.done,
+            (Texts{"open notepad.exe in '' 4", "print c:\\a.txt in '' 4", "end 2", "end 1",
+                   "play ding.wav", "open a.exe /x in '' 0", "open a.exe /x in '' 1",
+                   "open a.exe /x in '' 2", "open a.exe /x in '' 0", "open a.exe /x in '' 0"}));
 }
 
 }  // namespace

@@ -30,27 +30,25 @@ class TaskStoreTest : public testing::Test, public CoreDesk {
 TEST_F(TaskStoreTest, WhatIsMissingLoadsAsTheDefaults) {
   Fill({"Bare", "Odd"});
   settings.DeleteUserKey("Bare");
-  settings.WriteSetting("Bare", "TimeType", "1");
-  settings.WriteSetting("Odd", "TimeHour", "7");
-  for (const char* value : {"TimeType", "TaskType", "WinStyle", "Every", "In", "DayNo"}) {
-    settings.WriteSetting("Odd", value, "soon");
-  }
+  Put("Odd", {{"TimeType", "soon"}, {"TaskType", "soon"}, {"TimeHour", "7"}});
   const TaskRecord& task = store.CurrentTask;
-  store.LoadTask(1);
+  for (const char* timeType : {"1", "3"}) {
+    settings.WriteSetting("Bare", "TimeType", timeType);
+    store.LoadTask(1);
+    EXPECT_EQ(task.dateDay + task.dateMonth + task.dateYear + " " + std::to_string(task.dayNo),
+              timeType[0] == '1' ? "21112026 0" : "000 1");
+  }
   EXPECT_EQ(task.group, "General");
   EXPECT_EQ(task.timeHour, "14");
   EXPECT_EQ(task.timeMinute, "11") << "the month stands in for the minute";
-  EXPECT_EQ(task.dateDay + task.dateMonth + task.dateYear, "21112026");
   EXPECT_EQ(task.taskType, kRunProgram);
   EXPECT_EQ(task.winStyle, 1);
-
   store.LoadTask(2);
   EXPECT_EQ(task.timeType, 0);
   EXPECT_EQ(task.taskType, 0);
   EXPECT_EQ(task.timeHour, "07");
   store.LoadTask(3);
   EXPECT_EQ(task.name, "");
-  EXPECT_EQ(task.timeType, 0);
 }
 
 TEST_F(TaskStoreTest, DeletingClosesTheGap) {
@@ -64,7 +62,7 @@ TEST_F(TaskStoreTest, DeletingClosesTheGap) {
   EXPECT_EQ(Stored(kGeneral, "Task4"), "(missing)");
   store.DeleteTask(3);
   EXPECT_EQ(changes, 6);
-  for (const std::int16_t nothing : std::initializer_list<std::int16_t>{0, -1, 3, 100})
+  for (const std::int16_t nothing : std::initializer_list<std::int16_t>{0, 3})
     store.DeleteTask(nothing);
   EXPECT_EQ(Names(), (Texts{"One", "Three"}));
   store.DeleteTask(1);
@@ -121,43 +119,37 @@ TEST_F(TaskStoreTest, NamesThatShareASectionAreNotMixedUp) {
 TEST_F(TaskStoreTest, ANewTaskTakesNothingOverFromOneThatHadItsName) {
   for (const std::int16_t mode : std::initializer_list<std::int16_t>{0, 1}) {
     settings.SetStorageMode(mode);
-    Add("Old", "08:05", [](TaskEntry& entry) {
-      entry.taskType = kRunProgram;
-      entry.cmdLine = "/x";
-      entry.winStyle = 6;
-    });
-    TaskEntry other = Entry("Renamed", "08:05");
-    ASSERT_EQ(store.StoreEntry(other, "Old"), 1);
+    Add("Old", "08:05", {{"CmdLine", "/x"}, {"WinStyle", "6"}});
+    ASSERT_EQ(store.StoreEntry(Entry("Renamed", "08:05"), "Old"), 1);
     ASSERT_EQ(store.StoreEntry(Entry("Old", "08:05"), ""), 2);
-    store.LoadTask(2);
-    EXPECT_EQ(store.CurrentTask.cmdLine, "");
-    EXPECT_EQ(store.CurrentTask.winStyle, 1);
+    EXPECT_EQ(Stored("Old", "CmdLine") + Stored("Old", "WinStyle"), "1");
     EXPECT_EQ(Stored("Renamed", "CmdLine"), "(missing)") << "nothing that was not there";
   }
 }
 
 TEST_F(TaskStoreTest, TimesAreStoredAsDigitsHoweverTyped) {
-  const std::array<const char*, 3> cases[] = {{" 7", "+5", "07:05"}, {"7 ", "5", "07:05"},
-                                              {"7.", "5", ""},       {"7", ".5", ""},
-                                              {"-0", "5", ""},       {"1e", "5", ""}};
+  TaskEntry entry = Entry("Timed", "08:05", [](TaskEntry& typed) {
+    typed.timeType = kTimeOnce;
+    typed.datePart1 = " 5";
+    typed.datePart2 = "+1";
+    typed.year = "02027";
+  });
+  // Hour, minute, what is stored: nothing when it is refused.
+  const std::array<const char*, 3> cases[] = {{"7.", "5", ""},       {"7", ".5", ""},
+                                              {"-0", "5", ""},       {"1e", "5", ""},
+                                              {" 7", "+5", "07:05"}, {"7 ", "5", "07:05"}};
   for (const auto& [hour, minute, expected] : cases) {
-    TaskEntry entry = Entry(std::string("At ") + hour + minute, "08:05");
     entry.hour = hour;
     entry.minute = minute;
-    entry.timeType = kTimeOnce;
-    entry.datePart1 = " 5";
-    entry.datePart2 = "+1";
-    entry.year = "20e2";
-    EXPECT_EQ(store.StoreEntry(entry, ""), 0);
-    entry.year = "02027";
-    const std::int16_t slot = store.StoreEntry(entry, "");
-    EXPECT_EQ(slot != 0, *expected != '\0') << hour << ":" << minute;
+    const std::int16_t slot = store.StoreEntry(entry, entry.name);
+    EXPECT_EQ(slot, *expected != '\0' ? 1 : 0) << hour << ":" << minute;
     if (slot == 0) continue;
-    EXPECT_EQ(Stored(entry.name, "TimeHour") + ":" + Stored(entry.name, "TimeMinute"), expected);
-    EXPECT_EQ(Stored(entry.name, "DateDay") + Stored(entry.name, "DateMonth") +
-                  Stored(entry.name, "DateYear"),
-              "05012027");
+    EXPECT_EQ(Stored("Timed", "TimeHour") + ":" + Stored("Timed", "TimeMinute"), expected);
   }
+  EXPECT_EQ(Stored("Timed", "DateDay") + Stored("Timed", "DateMonth"), "0501");
+  EXPECT_EQ(Stored("Timed", "DateYear"), "2027");
+  entry.year = "20e2";
+  EXPECT_EQ(store.StoreEntry(entry, entry.name), 0);
 }
 
 TEST_F(TaskStoreTest, WhatCannotBeWrittenIsSaid) {
@@ -171,25 +163,17 @@ TEST_F(TaskStoreTest, WhatCannotBeWrittenIsSaid) {
 
 TEST_F(TaskStoreTest, ADamagedCountCostsNoTask) {
   Fill({"One", "Two"});
-  const std::string general = std::string(kProductKey) + "\\General";
-  for (const bool mistyped : {false, true}) {
-    settings.DeleteUserSetting(kGeneral, "NoTasks");
-    RegistryAccess access(registry);
-    if (mistyped) access.RegWrite("HKCU", general, "NoTasks", "D", std::int32_t{2});
-    EXPECT_EQ(store.NoTasks(), 0);
-    EXPECT_EQ(store.StoreEntry(Entry("two", "08:05"), ""), 0) << "the name is there";
-    const std::int16_t slot = mistyped ? 4 : 3;
-    EXPECT_EQ(store.StoreEntry(Entry("New " + std::to_string(slot), "08:05"), ""), slot);
-  }
-  EXPECT_EQ(Names(), (Texts{"One", "Two", "New 3", "New 4"}));
+  settings.DeleteUserSetting(kGeneral, "NoTasks");
+  EXPECT_EQ(store.NoTasks(), 0);
+  EXPECT_EQ(store.StoreEntry(Entry("two", "08:05"), ""), 0) << "the name is there";
+  EXPECT_EQ(store.StoreEntry(Entry("New", "08:05"), ""), 3);
+  EXPECT_EQ(Names(), (Texts{"One", "Two", "New"}));
   // Also behind a gap, and while one of them is being edited.
-  settings.WriteSetting(kGeneral, "NoTasks", "");
   settings.DeleteUserSetting(kGeneral, "Task2");
   settings.DeleteUserSetting(kGeneral, "NoTasks");
   EXPECT_EQ(store.StoreEntry(Entry("One", "09:05"), "One"), 1);
-  EXPECT_EQ(store.NoTasks(), 4);
+  EXPECT_EQ(store.NoTasks(), 3);
   settings.WriteSetting(kGeneral, "Task2", "Two");
-  store.DeleteTask(4);
   store.DeleteTask(3);
   for (const char* damaged : {"two", "-1", "99999", ""}) {
     settings.WriteSetting(kGeneral, "NoTasks", damaged);
@@ -218,7 +202,6 @@ TEST_F(TaskStoreTest, FindsTheTaskOfATreeLine) {
   const std::pair<const char*, std::int16_t> lines[] = {
       {"backup | Popup Message | 08:05 on Every Day In Every Month", 2},
       {"Backup | Popup Message | ", 1},
-      {"Backup", 77},
       {"Backup |", 77},
       {"BACKUP | Run", 77},
       {"Odd | Name | Run", 77},
@@ -236,24 +219,21 @@ TEST_F(TaskStoreTest, RefusesNames) {
   Fill({"One", "Two", "Three", "Odd | Name"});
   std::string clefs;  // of two units of UTF-16 and four bytes each
   for (int i = 0; i < 100; ++i) clefs += "\U0001D11E";
-  struct Case {
-    std::int16_t slot;
-    const char* message;
-    Texts names;
-  };
-  for (const Case& c :
-       {Case{3, "No task name given", {""}},
-        {3, kInUse, {"One", "gEnErAl", "INTERNET", "General\\", "\\Internet", "\\"}},
-        {1, kInUse, {"Two"}},
-        {3, kUnusable, {"One\\", "\\One", "a\\\\b", {"a\0b", 3}, "Caf\xE9", std::string(256, 'x')}},
-        {3, kUnusable, {"a | b", "a |", "a\tb", "a\x7F", "a\xC2\x85", clefs + clefs}},
-        {3, "", {"one", "a\\b", "Generals", std::string(255, 'x'), clefs, "a|b", "| a"}},
-        {1, "", {"One"}},
-        {4, "", {"Odd | Name"}}}) {
-    for (const std::string& name : c.names) {
-      EXPECT_EQ(Validate(Entry(name, "08:05", [&](TaskEntry& entry) { entry.index = c.slot; })),
-                c.message)
-          << name;
+  // The slot that is saved, the message, names.
+  const std::tuple<std::int16_t, const char*, Texts> cases[] = {
+      {3, "No task name given", {""}},
+      {3, kInUse, {"One", "gEnErAl", "INTERNET", "General\\", "\\Internet", "\\"}},
+      {1, kInUse, {"Two"}},
+      {3, kUnusable, {"One\\", "\\One", "a\\\\b", {"a\0b", 3}, "Caf\xE9", std::string(256, 'x')}},
+      {3, kUnusable, {"a | b", "a |", "a\tb", "a\x7F", "a\xC2\x85", clefs + clefs}},
+      {3, "", {"one", "a\\b", "Generals", std::string(255, 'x'), clefs, "a|b", "| a"}},
+      {1, "", {"One"}},
+      {4, "", {"Odd | Name"}}};
+  for (const auto& [slot, message, names] : cases) {
+    for (const std::string& name : names) {
+      store.TaskValidationMessage.clear();
+      store.ValidateTaskName(name, slot);
+      EXPECT_EQ(store.TaskValidationMessage, message) << name;
     }
   }
 }
@@ -269,80 +249,65 @@ TEST_F(TaskStoreTest, JudgesDates) {
       {"Invalid Date", {"x-1-2026", "1--2026", "1-1-20266666"}}};
   for (const auto& [message, dates] : cases) {
     for (const std::string& date : dates) {
-      for (const int monthFirst : {0, 1}) {
-        store.DateOrderMonthFirst = monthFirst;
-        TaskEntry entry = Entry("Dated", "08:05");
-        entry.timeType = kTimeOnce;
-        std::istringstream parts(date);
-        std::getline(parts, monthFirst == 0 ? entry.datePart1 : entry.datePart2, '-');
-        std::getline(parts, monthFirst == 0 ? entry.datePart2 : entry.datePart1, '-');
-        std::getline(parts, entry.year);
-        EXPECT_EQ(Validate(entry), message) << date;
-      }
+      std::istringstream parts(date);
+      std::array<std::string, 3> part;
+      for (std::string& one : part) std::getline(parts, one, '-');
+      store.TaskValidationMessage.clear();
+      store.ValidateDate(part[0], part[1], part[2]);
+      EXPECT_EQ(store.TaskValidationMessage, message) << date;
     }
   }
 }
 
 TEST_F(TaskStoreTest, JudgesTimesAndDayNumbersAndTheLastFailureSpeaks) {
-  constexpr const char* kHour = "Invlaid Hour given for Time";
-  constexpr const char* kMinute = "Invalid Minute given for Time";
-  constexpr const char* kDay = "Invlaid Day of Month Given";
-  constexpr const char* kEditorsHour = "Invalid Hour selected for execution time";
-  constexpr const char* kEditorsMinute = "Invalid Minute selected for execution time";
-  struct Case {
-    const char* hour;
-    const char* minute;
-    std::int16_t dayNo;
-    const char* message;
-    const char* editorsMessage;
-  };
-  for (const Case& c : {Case{"0", "0", 1, "", ""},
-                        {"23", "59", 31, "", ""},
-                        {"24", "0", 1, kHour, kEditorsHour},
-                        {"-1", "0", 1, kHour, kEditorsHour},
-                        {"0", "60", 1, kMinute, kEditorsMinute},
-                        {"24", "60", 0, kMinute, kEditorsMinute},
-                        {"x", "0", 1, kHour, "Invalid Time"},
-                        {"0", "0", 0, kDay, ""},
-                        {"0", "0", 32, kDay, ""}}) {
-    TaskEntry entry = Entry("Timed", "08:05");
-    entry.timeType = kTimeDayNumber;
-    entry.hour = c.hour;
-    entry.minute = c.minute;
-    entry.dayNo = c.dayNo;
-    EXPECT_EQ(Validate(entry), c.message) << c.hour << ":" << c.minute << " day " << c.dayNo;
+  // What is wrong with a time; the telnet menu, which asks for it alone, says it otherwise.
+  const std::array<const char*, 3> times[] = {{"0", "0", ""},        {"23", "59", ""},
+                                              {"24", "0", "Hour"},   {"-1", "0", "Hour"},
+                                              {"0", "-1", "Minute"}, {"24", "60", "Minute"}};
+  TaskEntry entry = Entry("Timed", "08:05");
+  entry.timeType = kTimeDayNumber;
+  entry.dayNo = 1;
+  for (const auto& [hour, minute, wrong] : times) {
+    const std::string part = wrong;
+    entry.hour = hour;
+    entry.minute = minute;
+    const char* invalid = part == "Hour" ? "Invlaid " : "Invalid ";
+    EXPECT_EQ(Validate(entry), part.empty() ? "" : invalid + part + " given for Time");
     store.TaskValidationMessage.clear();
-    store.ValidateTime(c.hour, c.minute);
-    EXPECT_EQ(store.TaskValidationMessage, c.editorsMessage) << c.hour << ":" << c.minute;
+    store.ValidateTime(hour, minute);
+    EXPECT_EQ(store.TaskValidationMessage,
+              part.empty() ? "" : "Invalid " + part + " selected for execution time");
   }
-  TaskEntry wrong = Entry("", "25:00");
-  wrong.taskType = kRunScript;
-  EXPECT_EQ(Validate(wrong), "File does not exist");
+  store.ValidateTime("x", "0");
+  EXPECT_EQ(store.TaskValidationMessage, "Invalid Time");
+  entry.hour = entry.minute = "8";
+  for (const std::int16_t day : std::initializer_list<std::int16_t>{0, 1, 31, 32}) {
+    entry.dayNo = day;
+    EXPECT_EQ(Validate(entry), day == 1 || day == 31 ? "" : "Invlaid Day of Month Given");
+  }
 }
 
 TEST_F(TaskStoreTest, LooksForFilesInTheScriptsFolderUnlessThePathIsWhole) {
   files.contents = {{"C:\\Orvanto\\scripts\\Backup.txt", ""}, {"D:\\x.txt", ""}};
-  constexpr const char* kNone = "File does not exist";
-  struct Case {
-    std::int16_t taskType;
-    const char* path;
-    const char* asked;
-    const char* message;
-  };
-  for (const Case& c : {Case{kRunScript, "BACKUP.txt", "C:\\Orvanto\\scripts\\BACKUP.txt", ""},
-                        {kRunProgram, "D:\\X.txt", "D:\\X.txt", ""},
-                        {kPrintFile, "D:\\y.txt", "D:\\y.txt", kNone},
-                        {kPlaySound, "", "C:\\Orvanto\\scripts\\", kNone},
-                        {kRunProgram, "D:x.txt", "C:\\Orvanto\\scripts\\D:x.txt", kNone},
-                        {kRunProgram, "D:\\x.txt\n", "", kNone},
-                        {kPopupMessage, "D:\\y.txt", "", ""},
-                        {kResetComputer, "", "", ""}}) {
+  // A task's type, its path, the file that is looked for.
+  const std::tuple<TaskType, const char*, const char*> cases[] = {
+      {kRunScript, "BACKUP.txt", "C:\\Orvanto\\scripts\\BACKUP.txt"},
+      {kRunProgram, "D:\\X.txt", "D:\\X.txt"},
+      {kPrintFile, "D:\\y.txt", "D:\\y.txt"},
+      {kPlaySound, "", "C:\\Orvanto\\scripts\\"},
+      {kRunProgram, "D:x.txt", "C:\\Orvanto\\scripts\\D:x.txt"},
+      {kRunProgram, "D:\\x.txt\n", ""},
+      {kPopupMessage, "D:\\y.txt", ""},
+      {kResetComputer, "", ""}};
+  for (const auto& [type, path, asked] : cases) {
     finder.asked.clear();
-    TaskEntry entry = Entry("Filed", "08:05");
-    entry.taskType = c.taskType;
-    entry.path = c.path;
-    EXPECT_EQ(Validate(entry), c.message) << c.path;
-    EXPECT_EQ(finder.asked, c.asked);
+    store.TaskValidationMessage.clear();
+    store.CheckTaskFile(type, path);
+    const bool namesFile = type != kPopupMessage && type != kResetComputer;
+    EXPECT_EQ(store.TaskValidationMessage,
+              namesFile && !files.Exists(asked) ? "File does not exist" : "")
+        << path;
+    EXPECT_EQ(finder.asked, asked);
   }
   folder.Set("C:\\");
   EXPECT_EQ(folder.AppDir, "C:\\");

@@ -81,6 +81,15 @@ struct CoreDesk : FakePlatform {
   void Add(const std::string& name, const std::string& time, const Change& change = {}) {
     store.SaveTask(Entry(name, time, change));
   }
+  // The same with other stored fields, by name.
+  using Fields = std::vector<std::pair<const char*, const char*>>;
+  void Add(const std::string& name, const std::string& time, const Fields& fields) {
+    Add(name, time);
+    Put(name, fields);
+  }
+  void Put(const std::string& section, const Fields& fields) {
+    for (const auto& [value, text] : fields) settings.WriteSetting(section, value, text);
+  }
   Texts Names() {
     Texts names;
     for (std::int16_t i = 1; i <= store.NoTasks(); ++i) names.push_back(store.TaskName(i));
