@@ -200,6 +200,7 @@ void frmEdit::FillLists(const TaskRecord& task) {
   cmbGroup.SetItems(Groups());
   cmbGroup.SetText(task.group);
   std::vector<std::string> styles;
+  styles.reserve(kWindowStyleFacts.size());
   for (const WindowStyleFacts& style : kWindowStyleFacts) styles.emplace_back(style.name);
   cmbWindow.SetItems(std::move(styles));
   cmbWindow.Select(task.winStyle - 1);
