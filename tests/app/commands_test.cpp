@@ -233,15 +233,16 @@ TEST_F(ProgramTest, TheServersAreaAndTheTerminalActOnTheClient) {
   program.GetSettings().WriteSetting(kGeneral, "Inet_ServerOn", "1");
   std::ostringstream said;
   ConsoleChat terminal(program, said);
+  FakeSocketHost::Socket& socket = *fake.sockets.sockets.front();
+  terminal.Line("kick");
+  EXPECT_EQ(socket.GetState(), TcpSocket::State::Closed) << "there is nobody";
   program.Start();
   frmScriptcfg& window = program.MainWindow();
-  FakeSocketHost::Socket& socket = *fake.sockets.sockets.front();
   const auto lamps = [&] {
     return std::pair(window.shpServeryes.Colour(), window.shpServerno.Colour());
   };
   EXPECT_EQ(lamps(), std::pair(forms::Lamp::kDark, forms::Lamp::kLit));
-  terminal.Line("kick");
-  ASSERT_TRUE(socket.PeerConnects()) << "it has thrown nobody out";
+  ASSERT_TRUE(socket.PeerConnects());
   EXPECT_EQ(lamps(), std::pair(forms::Lamp::kLit, forms::Lamp::kDark));
   EXPECT_EQ(window.treTasks.GetBounds().height, 1425);
   window.fraServer.SetText("");
