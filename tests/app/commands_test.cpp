@@ -234,8 +234,6 @@ TEST_F(ProgramTest, TheServersAreaAndTheTerminalActOnTheClient) {
   std::ostringstream said;
   ConsoleChat terminal(program, said);
   FakeSocketHost::Socket& socket = *fake.sockets.sockets.front();
-  terminal.Line("kick");
-  EXPECT_EQ(socket.GetState(), TcpSocket::State::Closed) << "there is nobody";
   program.Start();
   frmScriptcfg& window = program.MainWindow();
   const auto lamps = [&] {
@@ -262,6 +260,10 @@ TEST_F(ProgramTest, TheServersAreaAndTheTerminalActOnTheClient) {
   EXPECT_TRUE(socket.Sent().ends_with("~"));
   ASSERT_TRUE(window.cmdKick.Press());
   EXPECT_EQ(socket.GetState(), TcpSocket::State::Listening);
+  ASSERT_TRUE(window.optInetoff.Choose());
+  terminal.Line("kick");
+  EXPECT_EQ(socket.GetState(), TcpSocket::State::Closed) << "there is nobody";
+  ASSERT_TRUE(window.optIneton.Choose());
   program.Quit();
   EXPECT_EQ(socket.GetState(), TcpSocket::State::Closed);
 }
