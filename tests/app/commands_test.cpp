@@ -233,15 +233,14 @@ TEST_F(ProgramTest, TheServersAreaAndTheTerminalActOnTheClient) {
   program.GetSettings().WriteSetting(kGeneral, "Inet_ServerOn", "1");
   std::ostringstream said;
   ConsoleChat terminal(program, said);
+  FakeSocketHost::Socket& socket = *fake.sockets.sockets.front();
   program.Start();
   frmScriptcfg& window = program.MainWindow();
-  FakeSocketHost::Socket& socket = *fake.sockets.sockets.front();
   const auto lamps = [&] {
     return std::pair(window.shpServeryes.Colour(), window.shpServerno.Colour());
   };
   EXPECT_EQ(lamps(), std::pair(forms::Lamp::kDark, forms::Lamp::kLit));
-  terminal.Line("kick");
-  ASSERT_TRUE(socket.PeerConnects()) << "it has thrown nobody out";
+  ASSERT_TRUE(socket.PeerConnects());
   EXPECT_EQ(lamps(), std::pair(forms::Lamp::kLit, forms::Lamp::kDark));
   EXPECT_EQ(window.treTasks.GetBounds().height, 1425);
   window.fraServer.SetText("");
@@ -261,6 +260,10 @@ TEST_F(ProgramTest, TheServersAreaAndTheTerminalActOnTheClient) {
   EXPECT_TRUE(socket.Sent().ends_with("~"));
   ASSERT_TRUE(window.cmdKick.Press());
   EXPECT_EQ(socket.GetState(), TcpSocket::State::Listening);
+  ASSERT_TRUE(window.optInetoff.Choose());
+  terminal.Line("kick");
+  EXPECT_EQ(socket.GetState(), TcpSocket::State::Closed) << "there is nobody";
+  ASSERT_TRUE(window.optIneton.Choose());
   program.Quit();
   EXPECT_EQ(socket.GetState(), TcpSocket::State::Closed);
 }

@@ -95,7 +95,7 @@ TEST(RegistryText, NamesTheLineAndTheReasonOfDamage) {
       {begin + "\"n\"=\"x", "3: the closing quote is missing"},
       {begin + "\"n\"=\"x\" y", "3: something follows the closing quote"},
       {begin + "\"n\"=\"C:\\dir\"", "3: in quotes, a backslash must be followed"},
-      {begin + "\"n\"=dword:123456789", "3: after dword: up to eight hexadecimal digits"},
+      {begin + "\"n\"=dword:00000000a", "3: after dword: up to eight hexadecimal digits"},
       {begin + "\"n\"=hex:1", "3: hex: must be followed"},
       {begin + "\"n\"=hex:01,", "3: hex: must be followed"},
       {begin + "\"n\"=hex(x):01", "3: a value must be a \"text\""},
