@@ -15,8 +15,11 @@ class TaskStoreTest : public testing::Test, public CoreDesk {
   void Fill(const Texts& names) {
     for (const std::string& name : names) Add(name, "08:05");
   }
-  std::string Validate(const TaskEntry& entry) {
-    store.ValidateTask(entry);
+  // The message that is left by one of the validations.
+  template <typename... Given>
+  std::string Judge(void (TaskStore::*validate)(Given...), const auto&... given) {
+    store.TaskValidationMessage.clear();
+    (store.*validate)(given...);
     return store.TaskValidationMessage;
   }
   std::string Stored(const std::string& section, const std::string& value) {
@@ -83,11 +86,16 @@ TEST_F(TaskStoreTest, DeletingClosesTheGap) {
 
 TEST_F(TaskStoreTest, SavingAnExistingSlotKeepsTheCountAndTheOldNamesSection) {
   Fill({"2", "Two"});
-  store.SaveTask(Entry("Renamed", "08:05", [](TaskEntry& entry) { entry.index = 2; }));
+  const auto save = [&](const char* name, std::int16_t slot) {
+    store.SaveTask(Entry(name, "09:05", [&](TaskEntry& entry) { entry.index = slot; }));
+  };
+  save("2", 1);
+  EXPECT_EQ(Stored("2", "TimeHour"), "09");
+  save("Renamed", 2);
   EXPECT_EQ(Names(), (Texts{"2", "Renamed"}));
   EXPECT_TRUE(HasSection("Two"));
   EXPECT_TRUE(HasSection("2")) << "it is a task's";
-  store.SaveTask(Entry("One", "08:05", [](TaskEntry& entry) { entry.index = 1; }));
+  save("One", 1);
   EXPECT_FALSE(HasSection("2")) << "the section named like the count goes";
 }
 
@@ -231,9 +239,7 @@ TEST_F(TaskStoreTest, RefusesNames) {
       {4, "", {"Odd | Name"}}};
   for (const auto& [slot, message, names] : cases) {
     for (const std::string& name : names) {
-      store.TaskValidationMessage.clear();
-      store.ValidateTaskName(name, slot);
-      EXPECT_EQ(store.TaskValidationMessage, message) << name;
+      EXPECT_EQ(Judge(&TaskStore::ValidateTaskName, name, slot), message) << name;
     }
   }
 }
@@ -252,9 +258,7 @@ TEST_F(TaskStoreTest, JudgesDates) {
       std::istringstream parts(date);
       std::array<std::string, 3> part;
       for (std::string& one : part) std::getline(parts, one, '-');
-      store.TaskValidationMessage.clear();
-      store.ValidateDate(part[0], part[1], part[2]);
-      EXPECT_EQ(store.TaskValidationMessage, message) << date;
+      EXPECT_EQ(Judge(&TaskStore::ValidateDate, part[0], part[1], part[2]), message) << date;
     }
   }
 }
@@ -272,18 +276,17 @@ TEST_F(TaskStoreTest, JudgesTimesAndDayNumbersAndTheLastFailureSpeaks) {
     entry.hour = hour;
     entry.minute = minute;
     const char* invalid = part == "Hour" ? "Invlaid " : "Invalid ";
-    EXPECT_EQ(Validate(entry), part.empty() ? "" : invalid + part + " given for Time");
-    store.TaskValidationMessage.clear();
-    store.ValidateTime(hour, minute);
-    EXPECT_EQ(store.TaskValidationMessage,
+    EXPECT_EQ(Judge(&TaskStore::ValidateTask, entry),
+              part.empty() ? "" : invalid + part + " given for Time");
+    EXPECT_EQ(Judge(&TaskStore::ValidateTime, hour, minute),
               part.empty() ? "" : "Invalid " + part + " selected for execution time");
   }
-  store.ValidateTime("x", "0");
-  EXPECT_EQ(store.TaskValidationMessage, "Invalid Time");
+  EXPECT_EQ(Judge(&TaskStore::ValidateTime, "x", "0"), "Invalid Time");
   entry.hour = entry.minute = "8";
   for (const std::int16_t day : std::initializer_list<std::int16_t>{0, 1, 31, 32}) {
     entry.dayNo = day;
-    EXPECT_EQ(Validate(entry), day == 1 || day == 31 ? "" : "Invlaid Day of Month Given");
+    EXPECT_EQ(Judge(&TaskStore::ValidateTask, entry),
+              day == 1 || day == 31 ? "" : "Invlaid Day of Month Given");
   }
 }
 
@@ -301,10 +304,8 @@ TEST_F(TaskStoreTest, LooksForFilesInTheScriptsFolderUnlessThePathIsWhole) {
       {kResetComputer, "", ""}};
   for (const auto& [type, path, asked] : cases) {
     finder.asked.clear();
-    store.TaskValidationMessage.clear();
-    store.CheckTaskFile(type, path);
     const bool namesFile = type != kPopupMessage && type != kResetComputer;
-    EXPECT_EQ(store.TaskValidationMessage,
+    EXPECT_EQ(Judge(&TaskStore::CheckTaskFile, type, path),
               namesFile && !files.Exists(asked) ? "File does not exist" : "")
         << path;
     EXPECT_EQ(finder.asked, asked);
