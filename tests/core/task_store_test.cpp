@@ -15,6 +15,9 @@ class TaskStoreTest : public testing::Test, public CoreDesk {
   void Fill(const Texts& names) {
     for (const std::string& name : names) Add(name, "08:05");
   }
+  TaskEntry EntryAt(std::int16_t slot, const std::string& name) {
+    return Entry(name, "09:05", [&](TaskEntry& entry) { entry.index = slot; });
+  }
   // The message that is left by one of the validations.
   template <typename... Given>
   std::string Judge(void (TaskStore::*validate)(Given...), const auto&... given) {
@@ -86,16 +89,13 @@ TEST_F(TaskStoreTest, DeletingClosesTheGap) {
 
 TEST_F(TaskStoreTest, SavingAnExistingSlotKeepsTheCountAndTheOldNamesSection) {
   Fill({"2", "Two"});
-  const auto save = [&](const char* name, std::int16_t slot) {
-    store.SaveTask(Entry(name, "09:05", [&](TaskEntry& entry) { entry.index = slot; }));
-  };
-  save("2", 1);
+  store.SaveTask(EntryAt(1, "2"));
   EXPECT_EQ(Stored("2", "TimeHour"), "09");
-  save("Renamed", 2);
+  store.SaveTask(EntryAt(2, "Renamed"));
   EXPECT_EQ(Names(), (Texts{"2", "Renamed"}));
   EXPECT_TRUE(HasSection("Two"));
   EXPECT_TRUE(HasSection("2")) << "it is a task's";
-  save("One", 1);
+  store.SaveTask(EntryAt(1, "One"));
   EXPECT_FALSE(HasSection("2")) << "the section named like the count goes";
 }
 
@@ -106,8 +106,23 @@ TEST_F(TaskStoreTest, TheProgramsOwnSectionsAreNeverDeleted) {
   EXPECT_EQ(Stored(kInternet, "Proxy FTP"), "1");
   EXPECT_EQ(Stored(kGeneral, "NoTasks"), "0");
   settings.WriteSetting(kGeneral, "NoTasks", "Internet");
-  store.SaveTask(Entry("One", "08:05", [](TaskEntry& entry) { entry.index = 0; }));
+  store.SaveTask(EntryAt(0, "One"));
   EXPECT_EQ(Stored(kInternet, "Proxy FTP"), "1");
+}
+
+TEST_F(TaskStoreTest, AnEntryGoesToTheSlotOfItsTaskOrAfterTheLast) {
+  Fill({"One", "Two"});
+  store.DeleteTask(1);
+  EXPECT_EQ(store.StoreEntry(EntryAt(2, "Two again"), "Two"), 1) << "it has moved up";
+  EXPECT_EQ(store.StoreEntry(EntryAt(1, "New"), ""), 2);
+  store.DeleteTask(2);
+  EXPECT_EQ(store.StoreEntry(EntryAt(2, "New"), "New"), 2) << "it had gone";
+  for (const char* count : {"99", "100", "32767"}) {
+    settings.WriteSetting(kGeneral, "NoTasks", count);
+    const bool room = count[0] == '9';
+    EXPECT_EQ(store.StoreEntry(EntryAt(0, "Last"), ""), room ? kMaxTasks : 0) << count;
+    EXPECT_EQ(store.TaskValidationMessage, room ? "" : TaskStore::kListFull);
+  }
 }
 
 TEST_F(TaskStoreTest, NamesThatShareASectionAreNotMixedUp) {
