@@ -25,14 +25,6 @@ class MainWindowTest : public testing::Test, public CoreDesk {
     }
     return lines;
   }
-  void Click(const std::string& name) {
-    for (std::size_t id = 0; id < window.treTasks.Nodes().size(); ++id) {
-      if (window.treTasks.Nodes()[id].text.substr(0, name.size()) != name) continue;
-      ASSERT_TRUE(window.treTasks.ClickNode(id));
-      return;
-    }
-    FAIL() << "no node " << name;
-  }
   std::string Selected() const {
     const auto selected = window.treTasks.Selected();
     EXPECT_EQ(window.cmdDelete.Enabled(), selected.has_value());
@@ -71,20 +63,20 @@ TEST_F(MainWindowTest, CommandsAreOfferedWhenANodeIsSelected) {
   EXPECT_FALSE(window.mnuRun.Choose());
   EXPECT_FALSE(window.cmdNew.Press()) << "there is no editor";
   EXPECT_FALSE(window.mnuSettings.Choose());
-  Click("One | Popup Message | 10");
+  ASSERT_TRUE(window.treTasks.ClickNode(1));
   EXPECT_FALSE(window.cmdEdit.Press());
   messageBoxes.expected = {{"One"}, {"One"}};
   EXPECT_TRUE(window.cmdRun.Press());
   EXPECT_TRUE(window.mnuRun.Choose());
   EXPECT_TRUE(messageBoxes.expected.empty());
-  Click(group);
+  ASSERT_TRUE(window.treTasks.ClickNode(0));
   EXPECT_TRUE(window.cmdRun.Press());
   EXPECT_TRUE(window.cmdDelete.Press());
   EXPECT_EQ(Names(), (Texts{"One", "Odd"}));
-  Click("One | Popup Message | 10");
-  EXPECT_TRUE(window.mnuDelete.Choose());
-  Click("Odd");
-  EXPECT_TRUE(window.mnuDelete.Choose());
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_TRUE(window.treTasks.ClickNode(1));
+    EXPECT_TRUE(window.mnuDelete.Choose());
+  }
   EXPECT_TRUE(Lines().empty());
   EXPECT_FALSE(window.cmdDelete.Press());
 }
@@ -94,7 +86,7 @@ TEST_F(MainWindowTest, TheSelectionStaysOrGoesToTheNeighbour) {
     InGroup(name, name == std::string("Other") ? "B" : "A");
   }
   Start();
-  Click("Three");
+  ASSERT_TRUE(window.treTasks.ClickNode(4));
   for (const char* next : {"A/Four", "A/One", "B/Other", ""}) {
     EXPECT_TRUE(window.cmdDelete.Press());
     EXPECT_EQ(Selected(), next);

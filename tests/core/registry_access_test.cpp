@@ -31,6 +31,7 @@ class RegistryAccessTest : public testing::Test, public FakePlatform {
 };
 
 TEST_F(RegistryAccessTest, MissingThingsReadAsTheDefaultAndDeleteWithSuccess) {
+  EXPECT_EQ(ResolveRoot("HkDd"), RootKey::DynData);
   RegistryData result;
   EXPECT_EQ(access.RegRead("HKXX", "K", "V", "S", kDefault, result), kUnresolvedRoot);
   EXPECT_EQ(result, kDefault);

@@ -15,8 +15,14 @@ class TaskStoreTest : public testing::Test, public CoreDesk {
   void Fill(const Texts& names) {
     for (const std::string& name : names) Add(name, "08:05");
   }
-  std::string Validate(const TaskEntry& entry) {
-    store.ValidateTask(entry);
+  TaskEntry EntryAt(std::int16_t slot, const std::string& name) {
+    return Entry(name, "09:05", [&](TaskEntry& entry) { entry.index = slot; });
+  }
+  // The message that is left by one of the validations.
+  template <typename... Given>
+  std::string Judge(void (TaskStore::*validate)(Given...), const auto&... given) {
+    store.TaskValidationMessage.clear();
+    (store.*validate)(given...);
     return store.TaskValidationMessage;
   }
   std::string Stored(const std::string& section, const std::string& value) {
@@ -83,11 +89,13 @@ TEST_F(TaskStoreTest, DeletingClosesTheGap) {
 
 TEST_F(TaskStoreTest, SavingAnExistingSlotKeepsTheCountAndTheOldNamesSection) {
   Fill({"2", "Two"});
-  store.SaveTask(Entry("Renamed", "08:05", [](TaskEntry& entry) { entry.index = 2; }));
+  store.SaveTask(EntryAt(1, "2"));
+  EXPECT_EQ(Stored("2", "TimeHour"), "09");
+  store.SaveTask(EntryAt(2, "Renamed"));
   EXPECT_EQ(Names(), (Texts{"2", "Renamed"}));
   EXPECT_TRUE(HasSection("Two"));
   EXPECT_TRUE(HasSection("2")) << "it is a task's";
-  store.SaveTask(Entry("One", "08:05", [](TaskEntry& entry) { entry.index = 1; }));
+  store.SaveTask(EntryAt(1, "One"));
   EXPECT_FALSE(HasSection("2")) << "the section named like the count goes";
 }
 
@@ -98,8 +106,23 @@ TEST_F(TaskStoreTest, TheProgramsOwnSectionsAreNeverDeleted) {
   EXPECT_EQ(Stored(kInternet, "Proxy FTP"), "1");
   EXPECT_EQ(Stored(kGeneral, "NoTasks"), "0");
   settings.WriteSetting(kGeneral, "NoTasks", "Internet");
-  store.SaveTask(Entry("One", "08:05", [](TaskEntry& entry) { entry.index = 0; }));
+  store.SaveTask(EntryAt(0, "One"));
   EXPECT_EQ(Stored(kInternet, "Proxy FTP"), "1");
+}
+
+TEST_F(TaskStoreTest, AnEntryGoesToTheSlotOfItsTaskOrAfterTheLast) {
+  Fill({"One", "Two"});
+  store.DeleteTask(1);
+  EXPECT_EQ(store.StoreEntry(EntryAt(2, "Two again"), "Two"), 1) << "it has moved up";
+  EXPECT_EQ(store.StoreEntry(EntryAt(1, "New"), ""), 2);
+  store.DeleteTask(2);
+  EXPECT_EQ(store.StoreEntry(EntryAt(2, "New"), "New"), 2) << "it had gone";
+  for (const char* count : {"99", "100", "32767"}) {
+    settings.WriteSetting(kGeneral, "NoTasks", count);
+    const bool room = count[0] == '9';
+    EXPECT_EQ(store.StoreEntry(EntryAt(0, "Last"), ""), room ? kMaxTasks : 0) << count;
+    EXPECT_EQ(store.TaskValidationMessage, room ? "" : TaskStore::kListFull);
+  }
 }
 
 TEST_F(TaskStoreTest, NamesThatShareASectionAreNotMixedUp) {
@@ -231,9 +254,7 @@ TEST_F(TaskStoreTest, RefusesNames) {
       {4, "", {"Odd | Name"}}};
   for (const auto& [slot, message, names] : cases) {
     for (const std::string& name : names) {
-      store.TaskValidationMessage.clear();
-      store.ValidateTaskName(name, slot);
-      EXPECT_EQ(store.TaskValidationMessage, message) << name;
+      EXPECT_EQ(Judge(&TaskStore::ValidateTaskName, name, slot), message) << name;
     }
   }
 }
@@ -252,9 +273,7 @@ TEST_F(TaskStoreTest, JudgesDates) {
       std::istringstream parts(date);
       std::array<std::string, 3> part;
       for (std::string& one : part) std::getline(parts, one, '-');
-      store.TaskValidationMessage.clear();
-      store.ValidateDate(part[0], part[1], part[2]);
-      EXPECT_EQ(store.TaskValidationMessage, message) << date;
+      EXPECT_EQ(Judge(&TaskStore::ValidateDate, part[0], part[1], part[2]), message) << date;
     }
   }
 }
@@ -272,18 +291,17 @@ TEST_F(TaskStoreTest, JudgesTimesAndDayNumbersAndTheLastFailureSpeaks) {
     entry.hour = hour;
     entry.minute = minute;
     const char* invalid = part == "Hour" ? "Invlaid " : "Invalid ";
-    EXPECT_EQ(Validate(entry), part.empty() ? "" : invalid + part + " given for Time");
-    store.TaskValidationMessage.clear();
-    store.ValidateTime(hour, minute);
-    EXPECT_EQ(store.TaskValidationMessage,
+    EXPECT_EQ(Judge(&TaskStore::ValidateTask, entry),
+              part.empty() ? "" : invalid + part + " given for Time");
+    EXPECT_EQ(Judge(&TaskStore::ValidateTime, hour, minute),
               part.empty() ? "" : "Invalid " + part + " selected for execution time");
   }
-  store.ValidateTime("x", "0");
-  EXPECT_EQ(store.TaskValidationMessage, "Invalid Time");
+  EXPECT_EQ(Judge(&TaskStore::ValidateTime, "x", "0"), "Invalid Time");
   entry.hour = entry.minute = "8";
   for (const std::int16_t day : std::initializer_list<std::int16_t>{0, 1, 31, 32}) {
     entry.dayNo = day;
-    EXPECT_EQ(Validate(entry), day == 1 || day == 31 ? "" : "Invlaid Day of Month Given");
+    EXPECT_EQ(Judge(&TaskStore::ValidateTask, entry),
+              day == 1 || day == 31 ? "" : "Invlaid Day of Month Given");
   }
 }
 
@@ -301,10 +319,8 @@ TEST_F(TaskStoreTest, LooksForFilesInTheScriptsFolderUnlessThePathIsWhole) {
       {kResetComputer, "", ""}};
   for (const auto& [type, path, asked] : cases) {
     finder.asked.clear();
-    store.TaskValidationMessage.clear();
-    store.CheckTaskFile(type, path);
     const bool namesFile = type != kPopupMessage && type != kResetComputer;
-    EXPECT_EQ(store.TaskValidationMessage,
+    EXPECT_EQ(Judge(&TaskStore::CheckTaskFile, type, path),
               namesFile && !files.Exists(asked) ? "File does not exist" : "")
         << path;
     EXPECT_EQ(finder.asked, asked);

@@ -140,11 +140,6 @@ class Remote(HomeTest):
                     pass  # ended by the server, or full until it is
         self.assertGreater(sent, 1 << 20)
         self.assertEqual(len(lines_of(marks)), 1)
-        # What was typed without end belongs to the next line.
-        client = self.connect()
-        client.line("", MENU_END)
-        client.line("7", b"")
-        self.assertEqual(client.socket.recv(10), b"")
 
     def real_client(self, *command, character_mode=False):
         """Does with a client all that one can do."""

@@ -35,6 +35,13 @@ struct ScriptDesk : CoreDesk {
   int RunByPath(const std::string& path) {
     return ErrorOf([&] { scripts.RunScript(path); });
   }
+  // The files with their texts, but for the script.
+  Texts Files() {
+    files.contents.erase("C:\\Orvanto\\scripts\\s.txt");
+    Texts paths;
+    for (const auto& [path, text] : files.contents) paths.push_back(path + " " + text);
+    return paths;
+  }
   std::ptrdiff_t Beeps() const { return std::count(done.begin(), done.end(), "beep"); }
   std::string Log() { return files.contents["C:\\Orvanto\\ORVSCRPT.LOG"]; }
   // What the log holds after a line or an opening failed and the failure behind it.

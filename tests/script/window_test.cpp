@@ -29,6 +29,13 @@ TEST(Windows, EachCommandDoesItsSteps) {
   EXPECT_THROW(desk.windows.WindowAction("Notepad", WindowCode::SendKeys, "abc{"), Error);
   EXPECT_TRUE(desk.done.empty()) << "keys that do not parse touch nothing";
   EXPECT_EQ(desk.Run("sendkeys('Nothing',abc{)"), 0) << "and without a window are not looked at";
+  desk.done.clear();
+  for (const WindowCode code : {WindowCode::CloseFile, WindowCode::Exit, WindowCode::Hide})
+    desk.windows.WindowAction("Other", code, "");
+  EXPECT_EQ(desk.done, (Texts{"top 2", "show 1 2", "top 2", "show 1 2", "top 2", "show 0 2"}));
+  EXPECT_EQ(desk.keyboard.typed[2], ParseKeySequence("%fc"));
+  EXPECT_EQ(desk.keyboard.typed[3], ParseKeySequence("%fx"));
+  desk.done.clear();
   desk.desktop.closes = true;
   desk.windows.WindowAction("other", WindowCode::Close, "");
   EXPECT_EQ(desk.done, (Texts{"send 0 61536 2", "send 2 0 2"})) << "left without a title";
@@ -53,6 +60,14 @@ TEST(Windows, ATitleIsActedOnOnceForEachPlace) {
     }
     EXPECT_EQ(tops, expected) << argument;
   }
+}
+
+TEST(Windows, TheEndOfTheProgramEndsTheWalk) {
+  ScriptDesk desk;
+  desk.desktop.titles = {"one", "two"};
+  desk.loop.Post([&] { desk.loop.Quit(); });
+  desk.windows.WindowAction("o", WindowCode::SetFocus, "");
+  EXPECT_EQ(desk.done, (Texts{"top 0", "show 1 0"}));
 }
 
 }  // namespace
