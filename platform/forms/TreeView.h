@@ -28,7 +28,7 @@ class TreeView : public Control {
 
   const std::vector<Node>& Nodes() const { return nodes_; }
   void Clear();                     // also clears the selection
-  NodeId Add(Node node);            // behind the last child of its parent
+  NodeId Add(Node node);            // after the last child of its parent
   void EnsureVisible(NodeId node);  // expands every node above it
   // Between the two the host need not redraw; they do not nest.
   void BeginUpdate();

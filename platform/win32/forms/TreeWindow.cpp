@@ -31,7 +31,7 @@ LRESULT CALLBACK TreeWindow::Procedure(HWND window, UINT message, WPARAM wParam,
     return DefWindowProcW(window, message, wParam, lParam);
   }
   try {
-    // The selection may unload the form: nothing of ours is touched behind it.
+    // The selection may unload the form: nothing of ours is touched after it.
     if (message == WM_KEYDOWN && reinterpret_cast<TreeWindow*>(self)->SelectFirst(wParam)) return 0;
   } catch (...) {
     ReportException("tree");
