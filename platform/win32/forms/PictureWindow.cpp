@@ -51,9 +51,11 @@ class PictureWindow : public ControlWindow {
         FillRect(context, &place, brush.Get());
         continue;
       }
-      DrawLine(context, drawing, place,
-               few ? GetSysColor(COLOR_WINDOWTEXT) : ToColour(drawing.colour));
-      if (few) DrawOnBars(context, drawing, place, bars);
+      if (few) {
+        DrawReadable(context, drawing, place, bars);
+      } else {
+        DrawLine(context, drawing, place, ToColour(drawing.colour));
+      }
     }
     const Handle<HBRUSH, DeleteObject> edge(CreateSolidBrush(EdgeColour()));
     FrameRect(context, &all, edge.Get());
@@ -77,13 +79,18 @@ class PictureWindow : public ControlWindow {
               kAlign[static_cast<int>(drawing.align)] | DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
   }
 
-  // The part of the text that lies on a bar, in the colour that goes with the bar's.
-  static void DrawOnBars(HDC context, const PictureBox::Drawing& drawing, const RECT& place,
-                         const std::vector<RECT>& bars) {
+  // In the system's colours: what lies on a bar in the one that goes with the bar's.
+  static void DrawReadable(HDC context, const PictureBox::Drawing& drawing, const RECT& place,
+                           const std::vector<RECT>& bars) {
+    SaveDC(context);
+    for (const RECT& bar : bars) {
+      ExcludeClipRect(context, bar.left, bar.top, bar.right, bar.bottom);
+    }
+    DrawLine(context, drawing, place, GetSysColor(COLOR_WINDOWTEXT));
+    RestoreDC(context, -1);
     for (const RECT& bar : bars) {
       SaveDC(context);
       IntersectClipRect(context, bar.left, bar.top, bar.right, bar.bottom);
-      FillRect(context, &bar, GetSysColorBrush(COLOR_HIGHLIGHT));
       DrawLine(context, drawing, place, GetSysColor(COLOR_HIGHLIGHTTEXT));
       RestoreDC(context, -1);
     }

@@ -16,8 +16,7 @@ namespace {
 
 // What the page of a tab is coloured in, beside which the colour of a form looks like a patch.
 COLORREF PageColour(HWND tabs) {
-  const Handle<HTHEME, CloseThemeData> theme(HighContrast() ? nullptr
-                                                            : OpenThemeData(tabs, L"TAB"));
+  const Handle<HTHEME, CloseThemeData> theme(OpenThemeData(tabs, L"TAB"));
   if (!theme) return GetSysColor(COLOR_BTNFACE);
   constexpr int kSide = 16;
   const RECT all = {0, 0, kSide, kSide};

@@ -9,7 +9,8 @@
 
 namespace orvanto::win32 {
 
-// Lives as long as the system holds it, which may be longer than the TextDrop.
+// A disabled window, and what stands on it, is never asked. Lives as long as the system holds it,
+// which may be longer than the TextDrop.
 class TextDrop::Target final : public IDropTarget {
  public:
   explicit Target(HWND window) : window_(window) {}
@@ -33,9 +34,7 @@ class TextDrop::Target final : public IDropTarget {
     return DragOver(keys, point, effect);
   }
   STDMETHODIMP DragOver(DWORD, POINTL, DWORD* effect) override {
-    // A message box disables the form, and not what stands on it.
-    const bool open = IsWindowEnabled(window_) && IsWindowEnabled(GetAncestor(window_, GA_ROOT));
-    *effect &= isText_ && open ? DROPEFFECT_COPY : DROPEFFECT_NONE;
+    *effect &= isText_ ? DROPEFFECT_COPY : DROPEFFECT_NONE;
     return S_OK;
   }
   STDMETHODIMP DragLeave() override { return S_OK; }
