@@ -4,6 +4,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace orvanto {
 
@@ -19,6 +20,18 @@ class Timer {
   virtual void Start(std::chrono::milliseconds interval) = 0;
   virtual void Stop() = 0;
   virtual bool Enabled() const = 0;
+};
+
+// Work that its owner posts again and again, without an allocation each time. Its handler is called
+// from the loop, never from inside Post; it may post its own work anew and may not destroy it.
+// Destroying it takes the work back.
+class Deferred {
+ public:
+  virtual ~Deferred() = default;
+
+  // Queues the work behind everything posted so far. Nothing happens when it is queued already.
+  virtual void Post() = 0;
+  virtual void Cancel() = 0;
 };
 
 // Everything runs on the thread that created the loop; nothing here may be called from another.
@@ -39,8 +52,30 @@ class EventLoop {
   // Queues work to run from the loop, in order, after the caller has returned.
   virtual void Post(std::function<void()> work) = 0;
 
+  // Not posted yet. The loop must outlive it.
+  virtual std::unique_ptr<Deferred> NewDeferred(std::function<void()> handler) = 0;
+
   // The timer starts disabled. The loop must outlive it.
   virtual std::unique_ptr<Timer> NewTimer(std::function<void()> handler) = 0;
+
+  // Handles events until `condition` holds; sleeps while there are none. The condition is asked at
+  // first and after each round of events, and not any more once `owner`, whose members it may use,
+  // has expired: the caller must not touch them either then. Inside a Hold, where nothing could
+  // come, it ends at once. Waits nest: an outer one cannot end before those begun inside it.
+  enum class Waited { Met, TimedOut, Quit, OwnerGone };
+  Waited WaitFor(const std::weak_ptr<const void>& owner, const std::function<bool()>& condition,
+                 std::optional<std::chrono::milliseconds> limit) {
+    bool late = false;
+    const std::unique_ptr<Timer> alarm = NewTimer([&late] { late = true; });
+    if (limit) alarm->Start(*limit);
+    for (;;) {
+      if (owner.expired()) return Waited::OwnerGone;
+      if (condition()) return Waited::Met;
+      if (QuitRequested()) return Waited::Quit;
+      if (late || Held()) return Waited::TimedOut;
+      Round();
+    }
+  }
 
   // Blocking is deliberate: inside a Hold no timer, posted work or socket event is delivered, even
   // if something (a message box) pumps messages meanwhile. What falls due is kept and delivered
@@ -59,6 +94,9 @@ class EventLoop {
  protected:
   virtual void BeginHold() = 0;
   virtual void EndHold() = 0;
+  virtual bool Held() const = 0;
+  // Handles some of what is pending; when that is nothing, waits for it.
+  virtual void Round() = 0;
 };
 
 }  // namespace orvanto

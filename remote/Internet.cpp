@@ -21,7 +21,7 @@ constexpr const char* kPasswordPrompt = "Enter Password: ";
 TelnetServer::TelnetServer(const Services& services, const RemoteSettings& remote)
     : services_(services),
       remote_(remote),
-      sck_(services.sockets.NewSocket()),
+      sck_(services.sockets.NewSocket(SocketHost::Use::Conversation)),
       wizard_(*this, services.store, services.clock) {
   sck_->onConnectionRequest = [this](TcpSocket::RequestId request) {
     OnConnectionRequest(request);
@@ -125,7 +125,7 @@ void TelnetServer::OnConnectionRequest(TcpSocket::RequestId request) {
 
 void TelnetServer::FetchArrival() {
   if (waiting_.size() == kMostWaiting) return;
-  if (std::string arrival = sck_->GetData(); !arrival.empty()) {
+  if (std::string arrival(sck_->GetData()); !arrival.empty()) {
     waiting_.push_back(std::move(arrival));
   }
 }

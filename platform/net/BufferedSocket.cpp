@@ -1,28 +1,71 @@
 #include "platform/net/BufferedSocket.h"
 
+#include "platform/net/SocketError.h"
+
 namespace orvanto {
 
-// From the loop, unless what is open now has been closed by then.
-void BufferedSocket::Later(void (BufferedSocket::*work)()) {
-  loop_.Post([this, work, generation = generation_, alive = std::weak_ptr<int>(alive_)] {
-    if (!alive.expired() && generation == generation_) (this->*work)();
-  });
+BufferedSocket::BufferedSocket(const SocketGround& ground, SocketHost::Use use)
+    : ground_(ground),
+      use_(use),
+      complete_(ground.loop.NewDeferred([this] { SendCompleted(); })),
+      later_(ground.loop.NewDeferred([this] { GoOnLater(); })) {}
+
+BufferedSocket::~BufferedSocket() {
+  if (ground_.arrivals.user == this) ground_.arrivals.user = nullptr;
+}
+
+void BufferedSocket::Connect(const std::string& host, std::uint16_t port) {
+  Close();
+  state_ = State::Connecting;
+  port_ = port;
+  SystemLookUp(host);
+}
+
+void BufferedSocket::Found(std::vector<Ipv4> addresses, int error) {
+  addresses_.assign(addresses.rbegin(), addresses.rend());
+  TryNextAddress(error);
+}
+
+void BufferedSocket::ConnectFailed(int error) {
+  if (state_ != State::Connecting) return;
+  SystemClose();
+  TryNextAddress(error);
+}
+
+void BufferedSocket::TryNextAddress(int error) {
+  while (!addresses_.empty()) {
+    const Ipv4 address = addresses_.back();
+    addresses_.pop_back();
+    error = SystemConnect(address, port_);
+    if (error == 0) return;
+  }
+  lastError_ = error;
+  later_->Post();
+}
+
+bool BufferedSocket::Refuse(int error) {
+  Close();
+  lastError_ = error;
+  return false;
+}
+
+void BufferedSocket::Connected() {
+  state_ = State::Connected;
+  addresses_.clear();
+  WantsChanged();
+  Raise(onConnected);
 }
 
 void BufferedSocket::Send(std::string_view bytes) {
-  if (state_ != State::Connected || finishing_ || bytes.empty()) return;
+  if (state_ != State::Connected || failing_ || bytes.empty()) return;
   // Until the system refuses: only then does every system tell when it can take more.
   while (!WantsToSend() && !bytes.empty()) {
     const Moved moved = SystemSend(bytes.data(), bytes.size());
-    if (moved.error != 0) return Finish(moved.error);
+    if (moved.error != 0) return FailSending(moved.error);
     if (moved.count == 0) break;
     bytes.remove_prefix(moved.count);
   }
-  if (unsent_.size() - sent_ + bytes.size() > kMostUnsent) {
-    // The peer may go on sending, so this does not wait for its end.
-    Finish(tooMuch_);
-    return Later(&BufferedSocket::FailFull);
-  }
+  if (Unsent() + bytes.size() > kMostUnsent) return FailSending(kNoBufferSpace);
   if (sent_ > 0 && sent_ >= unsent_.size() / 2) {
     unsent_.erase(0, sent_);
     sent_ = 0;
@@ -31,141 +74,191 @@ void BufferedSocket::Send(std::string_view bytes) {
   if (WantsToSend()) {
     completing_ = true;
     WantsChanged();
-  } else if (onSendComplete && !std::exchange(completing_, true)) {
-    Later(&BufferedSocket::SendCompleted);
+  } else if (onSendComplete) {
+    completing_ = true;
+    complete_->Post();
   }
 }
 
 int BufferedSocket::SendUnsent() {
   while (WantsToSend()) {
-    const Moved moved = SystemSend(unsent_.data() + sent_, unsent_.size() - sent_);
+    const Moved moved = SystemSend(unsent_.data() + sent_, Unsent());
     sent_ += moved.count;
     if (moved.error != 0) return moved.error;
     if (moved.count == 0) return 0;
   }
-  unsent_.clear();
-  sent_ = 0;
+  DropUnsent();
   return 0;
 }
 
+void BufferedSocket::DropUnsent() {
+  unsent_ = {};
+  sent_ = 0;
+}
+
 void BufferedSocket::SendMore() {
-  if (state_ != State::Connected || !WantsToSend()) return;
-  if (const int error = SendUnsent(); error != 0) return Finish(error);
+  if (!IsOpen() || !WantsToSend()) return;
+  if (const int error = SendUnsent(); error != 0) {
+    return state_ == State::Closing ? Close() : FailSending(error);
+  }
+  if (state_ == State::Closing) Linger();
   if (WantsToSend()) return;
   WantsChanged();
-  SendCompleted();
+  if (state_ == State::Connected) return SendCompleted();
+  SystemEndSending();
+  CloseIfOver();
 }
 
 void BufferedSocket::SendCompleted() {
-  if (!WantsToSend() && std::exchange(completing_, false)) Raise(onSendComplete);
+  if (WantsToSend() || !std::exchange(completing_, false)) return;
+  if (Raise(onSendComplete)) CloseIfOver();
 }
 
-std::string BufferedSocket::GetData() {
+std::string_view BufferedSocket::GetData() {
   if (std::exchange(paused_, false) && state_ == State::Connected) {
     WantsChanged();
     // Where reports are edge-triggered (one for each arrival), this one has come already.
-    ReceiveLater();
+    later_->Post();
   }
-  return std::exchange(arrived_, {});
+  if (kept_.empty()) return std::exchange(fresh_, {});
+  KeepArrivals();
+  fetched_ = std::exchange(kept_, {});
+  return fetched_;
 }
 
-void BufferedSocket::ReceiveLater() {
-  if (!std::exchange(receivePosted_, true)) Later(&BufferedSocket::ReceiveAsPosted);
-}
-
-void BufferedSocket::ReceiveAsPosted() {
-  receivePosted_ = false;
-  Receive();
-}
-
-void BufferedSocket::Pause() {
-  paused_ = true;
-  WantsChanged();
-}
-
-void BufferedSocket::Connected() {
-  state_ = State::Connected;
-  WantsChanged();
-  Raise(onConnected);
-}
+void BufferedSocket::KeepArrivals() { kept_ += std::exchange(fresh_, {}); }
 
 // One read for each call, so that a flood on one connection leaves room for the others.
 void BufferedSocket::Receive() {
-  if (state_ != State::Connected || paused_) return;
-  if (arrived_.size() == kMostPerArrival) return Pause();
+  if (!IsOpen() || paused_) return;
+  if (ended_) return CloseIfOver();
   const Moved moved = ReceiveSome();
+  if (paused_) return;
   if (moved.count > 0) {
-    // The system reports nothing more of a connection that is finishing: it reads on by itself.
-    if (finishing_) ReceiveLater();
-    Raise(onDataArrival);
+    if (readingOut_ || failing_) later_->Post();
+    if (state_ == State::Connected) Raise(onDataArrival);
     return;
   }
-  // Nothing is left to read. A failed read ends the connection; one that is finishing ends with the
-  // error that ended its sending, unless the peer has closed in good order.
-  const int error = moved.error != 0 ? moved.error : finishing_ && !moved.end ? lastError_ : 0;
-  if (error != 0) {
-    Fail(error);
-  } else if (moved.end || finishing_) {
-    End();
-    Raise(onClosed);
+  if (moved.error != 0) return Fail(moved.error);
+  if (moved.end || readingOut_) {
+    ended_ = true;
+    WantsChanged();
+    CloseIfOver();
+  } else if (failing_) {
+    Fail(lastError_);
   }
 }
 
-// The buffer is not on the stack, because the events of sockets may nest.
 BufferedSocket::Moved BufferedSocket::ReceiveSome() {
-  const std::size_t room = kMostPerArrival - arrived_.size();
-  const auto buffer = std::make_unique_for_overwrite<char[]>(room);
-  const Moved moved = SystemReceive(buffer.get(), room);
-  arrived_.append(buffer.get(), moved.count);
+  SharedArrivals& shared = ground_.arrivals;
+  if (shared.user != nullptr) shared.user->KeepArrivals();
+  shared.user = this;
+  if (state_ == State::Closing) kept_.clear();
+  const std::size_t most = IsForData() ? kMostDataPerArrival : kMostPerArrival;
+  if (kept_.size() >= most) {
+    paused_ = true;
+    WantsChanged();
+    return {};
+  }
+  if (!shared.bytes) {
+    shared.bytes = std::make_unique_for_overwrite<char[]>(kMostDataPerArrival);
+  }
+  const Moved moved = SystemReceive(shared.bytes.get(), most - kept_.size());
+  if (state_ == State::Connected) fresh_ = {shared.bytes.get(), moved.count};
   return moved;
 }
 
-void BufferedSocket::Finish(int error) {
-  if (state_ != State::Connected || finishing_) return;
-  finishing_ = true;
+void BufferedSocket::ReceiveRest() {
+  readingOut_ = true;
+  later_->Post();
+}
+
+void BufferedSocket::FailSending(int error) {
+  if (state_ == State::Closing) return Close();
+  if (state_ != State::Connected || failing_) return;
+  failing_ = true;
   lastError_ = error;
   completing_ = false;
-  if (error != 0) {
-    unsent_ = {};
-    sent_ = 0;
-  }
+  DropUnsent();
   WantsChanged();
-  ReceiveLater();
+  later_->Post();
+}
+
+// What has not waited for the system to report it.
+void BufferedSocket::GoOnLater() {
+  // A peer that lets the buffers fill may go on sending, so this does not wait for its end.
+  if (state_ == State::Connecting || (failing_ && lastError_ == kNoBufferSpace)) return Fail(lastError_);
+  Receive();
+}
+
+// The peer's end has been read; what was sent before that still goes out.
+void BufferedSocket::CloseIfOver() {
+  if (!ended_ || WantsToSend() || completing_) return;
+  if (state_ == State::Closing) return Close();
+  End();
+  Raise(onClosed);
 }
 
 void BufferedSocket::Fail(int error) {
-  unsent_ = {};
-  sent_ = 0;
+  if (state_ == State::Closing) return Close();
+  // In good order after all: it has said so, and does not take the rest.
+  const bool closed = ended_;
+  DropUnsent();
   End();
-  Raise(onError, error);
-}
-
-void BufferedSocket::FailLater(int error) {
-  state_ = State::Connecting;
+  if (closed) {
+    Raise(onClosed);
+    return;
+  }
+  state_ = State::Failed;
   lastError_ = error;
-  Later(&BufferedSocket::FailAsPosted);
+  Raise(onError, error);
 }
 
 // What has been announced can still be fetched.
 void BufferedSocket::End() {
-  std::string arrived = std::move(arrived_);
+  KeepArrivals();
+  std::string kept = std::move(kept_);
   Close();
-  arrived_ = std::move(arrived);
+  kept_ = std::move(kept);
+}
+
+void BufferedSocket::CloseGently() {
+  if (state_ != State::Connected || failing_) return Close();
+  ++generation_;
+  state_ = State::Closing;
+  kept_ = {};
+  fresh_ = {};
+  paused_ = false;
+  completing_ = false;
+  Linger();
+  WantsChanged();
+  if (!WantsToSend()) SystemEndSending();
+  later_->Post();
+}
+
+void BufferedSocket::Linger() {
+  if (!linger_) linger_ = ground_.loop.NewTimer([this] { Close(); });
+  linger_->Start(kLinger);
 }
 
 void BufferedSocket::Close() {
-  if (state_ == State::Connected) SendUnsent();
+  if (IsOpen()) SendUnsent();
   ++generation_;
   SystemClose();
   state_ = State::Closed;
-  unsent_ = {};
-  sent_ = 0;
-  arrived_ = {};
-  paused_ = false;
-  receivePosted_ = false;
+  addresses_.clear();
+  DropUnsent();
   completing_ = false;
-  finishing_ = false;
+  kept_ = {};
+  fresh_ = {};
+  paused_ = false;
+  ended_ = false;
+  readingOut_ = false;
+  failing_ = false;
   lastError_ = 0;
+  complete_->Cancel();
+  later_->Cancel();
+  if (linger_) linger_->Stop();
 }
 
 }  // namespace orvanto

@@ -1,9 +1,11 @@
 #include "platform/posix/PosixLoop.h"
 
+#include <sys/epoll.h>
 #include <sys/signalfd.h>
 #include <sys/timerfd.h>
 
 #include <algorithm>
+#include <array>
 #include <cassert>
 #include <cerrno>
 #include <cstdio>
@@ -16,8 +18,12 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr auto kLookInterval = std::chrono::microseconds(100);
-constexpr std::size_t kPostedPerRound = 256;
+// Of posted work, between two looks at the descriptors.
+constexpr auto kSlice = std::chrono::microseconds(100);
+constexpr int kReadyAtOnce = 64;
+
+static_assert(EPOLLIN == POLLIN && EPOLLOUT == POLLOUT && EPOLLERR == POLLERR &&
+              EPOLLHUP == POLLHUP);
 
 template <typename Handler, typename... Arguments>
 void Guarded(const Handler& handler, Arguments... arguments) {
@@ -35,78 +41,95 @@ void Guarded(const Handler& handler, Arguments... arguments) {
 struct PosixLoop::TimerEntry {
   std::function<void()> handler;
   Clock::duration interval{};
-  Clock::time_point due{};
   bool enabled = false;
+  decltype(timers_)::iterator place{};  // while it is enabled
 };
 
 class PosixLoop::PosixTimer : public Timer {
  public:
-  PosixTimer(PosixLoop& loop, std::shared_ptr<TimerEntry> entry)
-      : loop_(loop), entry_(std::move(entry)) {}
-  ~PosixTimer() override {
-    entry_->enabled = false;
-    std::erase(loop_.timers_, entry_);
+  PosixTimer(PosixLoop& loop, std::function<void()> handler) : loop_(loop) {
+    entry_->handler = std::move(handler);
   }
+  ~PosixTimer() override { Stop(); }
 
   void Start(milliseconds interval) override {
+    Stop();
     entry_->interval = std::max(interval, milliseconds(1));
-    entry_->due = Clock::now() + entry_->interval;
     entry_->enabled = true;
+    entry_->place = loop_.timers_.emplace(Clock::now() + entry_->interval, entry_);
   }
-  void Stop() override { entry_->enabled = false; }
+  void Stop() override {
+    if (std::exchange(entry_->enabled, false)) loop_.timers_.erase(entry_->place);
+  }
   bool Enabled() const override { return entry_->enabled; }
 
  private:
   PosixLoop& loop_;
-  const std::shared_ptr<TimerEntry> entry_;
+  const std::shared_ptr<TimerEntry> entry_ = std::make_shared<TimerEntry>();
 };
 
-struct PosixLoop::WatchEntry {
-  int fd;  // -1 once the watch has ended
-  short events;
-  std::function<void(short)> handler;
+struct PosixLoop::WatchEntry : std::enable_shared_from_this<WatchEntry> {
+  WatchEntry(int watched, std::function<void(short)> ready)
+      : fd(watched), handler(std::move(ready)) {}
+
+  const int fd;
+  const std::function<void(short)> handler;
+  short events = 0;  // 0 once the watch has ended, too
 };
 
 class PosixLoop::PosixWatch : public Watch {
  public:
   PosixWatch(PosixLoop& loop, std::shared_ptr<WatchEntry> entry)
       : loop_(loop), entry_(std::move(entry)) {}
-  ~PosixWatch() override {
-    entry_->fd = -1;
-    std::erase(loop_.watches_, entry_);
-  }
+  ~PosixWatch() override { SetEvents(0); }
 
-  void SetEvents(short events) override { entry_->events = events; }
+  void SetEvents(short events) override { loop_.SetEvents(*entry_, events); }
 
  private:
   PosixLoop& loop_;
   const std::shared_ptr<WatchEntry> entry_;
 };
 
-PosixLoop::PosixLoop() : alarm_(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)) {
-  if (!alarm_) throw std::system_error(errno, std::generic_category(), "timerfd_create");
+PosixLoop::PosixLoop()
+    : epoll_(::epoll_create1(EPOLL_CLOEXEC)),
+      alarm_(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)) {
+  epoll_event wanted{.events = EPOLLIN, .data = {.ptr = nullptr}};
+  if (!epoll_ || !alarm_ ||
+      ::epoll_ctl(epoll_.Get(), EPOLL_CTL_ADD, alarm_.Get(), &wanted) != 0) {
+    throw std::system_error(errno, std::generic_category(), "event loop");
+  }
 }
 
 PosixLoop::~PosixLoop() {
-  // Work that was never run may own timers and watches, and what it owns may post.
-  while (!posted_.empty()) std::exchange(posted_, {}).clear();
+  work_.Clear();  // it may own timers and watches
   signalWatch_.reset();
   if (signalFd_) ::sigprocmask(SIG_SETMASK, &signalsBefore_, nullptr);
-  assert(timers_.empty() && watches_.empty());
+  assert(timers_.empty() && unwatchable_.empty());
 }
 
 std::unique_ptr<Timer> PosixLoop::NewTimer(std::function<void()> handler) {
-  auto entry = std::make_shared<TimerEntry>();
-  entry->handler = std::move(handler);
-  timers_.push_back(entry);
-  return std::make_unique<PosixTimer>(*this, std::move(entry));
+  return std::make_unique<PosixTimer>(*this, std::move(handler));
 }
 
 std::unique_ptr<PosixLoop::Watch> PosixLoop::WatchFd(int fd, short events,
                                                      std::function<void(short)> handler) {
-  auto entry = std::make_shared<WatchEntry>(WatchEntry{fd, events, std::move(handler)});
-  watches_.push_back(entry);
-  return std::make_unique<PosixWatch>(*this, std::move(entry));
+  auto watch = std::make_unique<PosixWatch>(
+      *this, std::make_shared<WatchEntry>(fd, std::move(handler)));
+  watch->SetEvents(events);
+  return watch;
+}
+
+// In a pause the descriptor is out of the system's list, which would report a hang-up all the same.
+void PosixLoop::SetEvents(WatchEntry& entry, short events) {
+  if (events == entry.events) return;
+  const int operation = entry.events == 0 ? EPOLL_CTL_ADD
+                        : events == 0     ? EPOLL_CTL_DEL
+                                          : EPOLL_CTL_MOD;
+  entry.events = events;
+  epoll_event wanted{.events = static_cast<std::uint32_t>(events), .data = {.ptr = &entry}};
+  if (::epoll_ctl(epoll_.Get(), operation, entry.fd, &wanted) == 0) return;
+  std::erase(unwatchable_, entry.shared_from_this());
+  if (events != 0) unwatchable_.push_back(entry.shared_from_this());
 }
 
 void PosixLoop::OnSignals(std::initializer_list<int> signals, std::function<void(int)> handler) {
@@ -141,40 +164,35 @@ void PosixLoop::Run() {
 
 void PosixLoop::DoEvents() {
   if (holds_ != 0) return;
-  // Long work calls this for each of its steps, which may be shorter than one look at the
-  // descriptors.
-  if (const auto now = Clock::now(); now - lastLook_ >= kLookInterval) {
-    lastLook_ = now;
-    Poll(false);
-  }
+  // Long work calls this for each of its steps, which may be shorter than a look.
+  LookByTheClock();
   RunDueTimers();
-  RunPosted();
+  // What is posted from here on waits for the next time. Re-entered calls take from the front.
+  for (std::size_t left = work_.Size(); left > 0 && !work_.Empty(); --left) RunFirst();
 }
-
-void PosixLoop::Post(std::function<void()> work) { posted_.push_back(std::move(work)); }
 
 void PosixLoop::Round() {
-  Poll(posted_.empty());
+  if (work_.Empty()) {
+    Look(true);
+  } else {
+    LookByTheClock();
+  }
   RunDueTimers();
   RunPosted();
 }
 
-std::shared_ptr<PosixLoop::TimerEntry> PosixLoop::Earliest() const {
-  const std::shared_ptr<TimerEntry>* earliest = nullptr;
-  for (const auto& entry : timers_) {
-    if (entry->enabled && (earliest == nullptr || entry->due < (*earliest)->due)) {
-      earliest = &entry;
-    }
-  }
-  return earliest != nullptr ? *earliest : nullptr;
+void PosixLoop::LookByTheClock() {
+  const Clock::time_point now = Clock::now();
+  if (now - lookedAt_ < kSlice) return;
+  lookedAt_ = now;
+  Look(false);
 }
 
 // The alarm is a timer descriptor that becomes readable when the next timer is due. It is set only
 // when that time changes, which costs a busy loop less than a time-out for each poll, and it has no
 // slack: poll rounds its time-outs up to the next millisecond.
 void PosixLoop::SetAlarm() {
-  const auto earliest = Earliest();
-  const auto due = earliest ? earliest->due : Clock::time_point();
+  const auto due = timers_.empty() ? Clock::time_point() : timers_.begin()->first;
   if (due == alarmAt_) return;
   alarmAt_ = due;
   const std::chrono::nanoseconds at = due.time_since_epoch();
@@ -185,26 +203,23 @@ void PosixLoop::SetAlarm() {
 }
 
 // Waits, when asked to, for a descriptor or until a timer is due; calls the ready descriptors.
-void PosixLoop::Poll(bool wait) {
-  polled_.clear();
-  for (const auto& watch : watches_) {
-    polled_.push_back({watch->events != 0 ? watch->fd : -1, watch->events, 0});
-  }
-  if (wait) {
-    SetAlarm();
-    polled_.push_back({alarm_.Get(), POLLIN, 0});
-  }
-  if (::poll(polled_.data(), polled_.size(), wait ? -1 : 0) <= 0) return;
-
+void PosixLoop::Look(bool wait) {
+  if (wait) SetAlarm();
+  std::array<epoll_event, kReadyAtOnce> reported;
+  const int count = ::epoll_wait(epoll_.Get(), reported.data(), kReadyAtOnce,
+                                 wait && unwatchable_.empty() ? -1 : 0);
   // Handlers may end watches, begin others and re-enter, so the ready ones are noted first.
   auto ready = std::exchange(ready_, {});
-  for (std::size_t i = 0; i < watches_.size(); ++i) {
-    if (polled_[i].revents != 0) ready.emplace_back(watches_[i], polled_[i].revents);
+  for (int i = 0; i < count; ++i) {
+    const epoll_event& event = reported[static_cast<std::size_t>(i)];
+    if (event.data.ptr == nullptr) continue;  // the alarm
+    ready.emplace_back(static_cast<WatchEntry*>(event.data.ptr)->shared_from_this(),
+                       static_cast<short>(event.events));
   }
+  for (const auto& entry : unwatchable_) ready.emplace_back(entry, entry->events);
   for (const auto& [watch, events] : ready) {
-    const short wanted =
-        static_cast<short>(events & (watch->events | POLLERR | POLLHUP | POLLNVAL));
-    if (watch->fd >= 0 && watch->events != 0 && wanted != 0) Guarded(watch->handler, wanted);
+    const short wanted = static_cast<short>(events & (watch->events | POLLERR | POLLHUP));
+    if (watch->events != 0 && wanted != 0) Guarded(watch->handler, wanted);
   }
   ready.clear();
   ready_ = std::move(ready);
@@ -214,22 +229,27 @@ void PosixLoop::RunDueTimers() {
   if (timers_.empty()) return;
   // Each timer comes once in a round: its next time lies after this moment.
   const Clock::time_point begin = Clock::now();
-  for (auto entry = Earliest(); entry && entry->due <= begin; entry = Earliest()) {
+  while (!timers_.empty() && timers_.begin()->first <= begin) {
+    auto node = timers_.extract(timers_.begin());
+    const std::shared_ptr<TimerEntry> entry = node.mapped();
     // Missed periods collapse, and the timer keeps its rhythm.
-    const auto missed = (Clock::now() - entry->due) / entry->interval;
-    entry->due += (missed + 1) * entry->interval;
+    const auto missed = (Clock::now() - node.key()) / entry->interval;
+    node.key() += (missed + 1) * entry->interval;
+    entry->place = timers_.insert(std::move(node));
     Guarded(entry->handler);
   }
 }
 
+void PosixLoop::RunFirst() {
+  work_.RunFirst([](const auto& handler) { Guarded(handler); });
+}
+
 void PosixLoop::RunPosted() {
-  // What is posted from here on waits for the next round. Re-entered rounds take from the front.
-  for (std::size_t left = std::min(posted_.size(), kPostedPerRound); left > 0 && !posted_.empty();
-       --left) {
-    const std::function<void()> work = std::move(posted_.front());
-    posted_.pop_front();
-    Guarded(work);
-  }
+  if (work_.Empty()) return;
+  const Clock::time_point end = Clock::now() + kSlice;
+  do {
+    RunFirst();
+  } while (!work_.Empty() && !quit_ && Clock::now() < end);
 }
 
 }  // namespace orvanto::posix

@@ -1,24 +1,25 @@
-// The event loop of a POSIX host, on poll and a timer descriptor.
+// The event loop of a Linux host, on epoll and a timer descriptor.
 #pragma once
 
 #include <poll.h>
 #include <signal.h>
 
 #include <chrono>
-#include <cstddef>
-#include <deque>
 #include <functional>
 #include <initializer_list>
+#include <map>
 #include <memory>
 #include <vector>
 
 #include "platform/EventLoop.h"
+#include "platform/WorkQueue.h"
 #include "platform/posix/Descriptor.h"
 
 namespace orvanto::posix {
 
-// Each round handles every ready descriptor and every due timer once, then a bounded number of
-// posted works, so none of the three can starve the others.
+// Each round handles ready descriptors and every due timer once, then posted work for a slice of
+// time, so that none of the three can starve the others. While work is posted the descriptors are
+// looked at by the clock, not once for each piece of work.
 class PosixLoop : public EventLoop {
  public:
   // A watched descriptor; destroying it ends the watch, also from inside its own handler. The
@@ -39,13 +40,17 @@ class PosixLoop : public EventLoop {
   void Run() override;
   void Quit() override { quit_ = true; }
   bool QuitRequested() const override { return quit_; }
-  // Looks at the descriptors at most every 100 microseconds.
   void DoEvents() override;
-  void Post(std::function<void()> work) override;
+  void Post(std::function<void()> work) override { work_.Post(std::move(work)); }
+  std::unique_ptr<Deferred> NewDeferred(std::function<void()> handler) override {
+    return work_.NewDeferred(std::move(handler));
+  }
   std::unique_ptr<Timer> NewTimer(std::function<void()> handler) override;
 
-  // Calls the handler from the loop, with what poll reported, as long as the descriptor is ready.
-  // Re-entered events may have used the readiness up, so the descriptor should be non-blocking.
+  // Calls the handler from the loop, with what was reported in poll's terms, as long as the
+  // descriptor is ready. Re-entered events may have used the readiness up, so the descriptor should
+  // be non-blocking. One that the system cannot watch, a file say, counts as ready. One watch for
+  // each descriptor.
   std::unique_ptr<Watch> WatchFd(int fd, short events, std::function<void(short)> handler);
 
   // Hands these signals to the handler, from the loop, instead of their usual effect. Those that
@@ -60,6 +65,8 @@ class PosixLoop : public EventLoop {
  protected:
   void BeginHold() override { ++holds_; }
   void EndHold() override { --holds_; }
+  bool Held() const override { return holds_ > 0; }
+  void Round() override;
 
  private:
   using Clock = std::chrono::steady_clock;
@@ -68,21 +75,22 @@ class PosixLoop : public EventLoop {
   class PosixTimer;
   class PosixWatch;
 
-  void Round();
+  void SetEvents(WatchEntry& entry, short events);
   void SetAlarm();
-  void Poll(bool wait);
+  void Look(bool wait);
+  void LookByTheClock();
   void RunDueTimers();
+  void RunFirst();
   void RunPosted();
-  std::shared_ptr<TimerEntry> Earliest() const;
 
-  std::vector<std::shared_ptr<TimerEntry>> timers_;
-  std::vector<std::shared_ptr<WatchEntry>> watches_;
-  std::vector<pollfd> polled_;                                        // kept for its memory
-  std::vector<std::pair<std::shared_ptr<WatchEntry>, short>> ready_;  // empty; for its memory
-  std::deque<std::function<void()>> posted_;
+  const Descriptor epoll_;
   const Descriptor alarm_;
-  Clock::time_point alarmAt_;   // zero: it is not set
-  Clock::time_point lastLook_;  // of DoEvents at the descriptors
+  Clock::time_point alarmAt_;    // zero: it is not set
+  Clock::time_point lookedAt_;   // at the descriptors, while there was other work
+  std::vector<std::shared_ptr<WatchEntry>> unwatchable_;
+  std::vector<std::pair<std::shared_ptr<WatchEntry>, short>> ready_;  // empty; for its memory
+  std::multimap<Clock::time_point, std::shared_ptr<TimerEntry>> timers_;  // those that run, by due
+  WorkQueue work_;
   int holds_ = 0;
   bool quit_ = false;
 

@@ -2,7 +2,6 @@
 
 #include <arpa/inet.h>
 #include <ifaddrs.h>
-#include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
@@ -12,7 +11,11 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <optional>
+#include <system_error>
 #include <utility>
+
+#include "platform/net/SocketError.h"
 
 namespace orvanto::posix {
 namespace {
@@ -57,20 +60,73 @@ std::string OwnAddress() {
   return found;
 }
 
+sockaddr_in SystemAddress(Ipv4 address, std::uint16_t port) {
+  sockaddr_in made{};
+  made.sin_family = AF_INET;
+  made.sin_addr.s_addr = htonl(address);
+  made.sin_port = htons(port);
+  return made;
+}
+
+std::optional<Ipv4> NumericAddress(const std::string& text) {
+  in_addr address{};
+  if (::inet_pton(AF_INET, text.c_str(), &address) != 1) return std::nullopt;
+  return ntohl(address.s_addr);
+}
+
+// Of the system's error.
+int Number(int error) {
+  constexpr std::pair<int, SocketError> kNumbers[] = {{EACCES, kSocketAccessDenied},
+                                                      {EPERM, kSocketAccessDenied},
+                                                      {EMFILE, kTooManySockets},
+                                                      {ENFILE, kTooManySockets},
+                                                      {EADDRINUSE, kAddressInUse},
+                                                      {EADDRNOTAVAIL, kAddressNotAvailable},
+                                                      {ENETDOWN, kNetworkDown},
+                                                      {ENETUNREACH, kNetworkUnreachable},
+                                                      {ECONNRESET, kConnectionReset},
+                                                      {EPIPE, kConnectionReset},
+                                                      {ENOBUFS, kNoBufferSpace},
+                                                      {ETIMEDOUT, kConnectTimedOut},
+                                                      {ECONNREFUSED, kConnectionRefused},
+                                                      {EHOSTUNREACH, kHostUnreachable}};
+  for (const auto& [system, number] : kNumbers) {
+    if (error == system) return number;
+  }
+  return kConnectionAborted;
+}
+
+using AddressOf = decltype(::getsockname);
+
+// Nothing when there is no such end.
+std::optional<sockaddr_in> EndOf(const Descriptor& fd, AddressOf* which) {
+  sockaddr_in address{};
+  socklen_t size = sizeof address;
+  if (!fd || which(fd.Get(), reinterpret_cast<sockaddr*>(&address), &size) != 0) return {};
+  return address;
+}
+
 class PosixSocket : public BufferedSocket {
  public:
-  PosixSocket(PosixLoop& loop, ConnectionRequests<Descriptor>& requests)
-      : BufferedSocket(loop, ENOBUFS), loop_(loop), requests_(requests) {}
+  PosixSocket(PosixLoop& loop, SharedArrivals& arrivals, SocketHost::Use use, const AddressesOf& addressesOf,
+              ConnectionRequests<Descriptor>& requests)
+      : BufferedSocket({loop, arrivals}, use),
+        loop_(loop),
+        addressesOf_(addressesOf),
+        requests_(requests) {}
   ~PosixSocket() override { Close(); }
 
-  bool Listen(std::uint16_t port) override;
+  bool Listen(std::uint16_t port, const std::string& address) override;
   std::uint16_t LocalPort() const override;
+  std::string BoundAddress() const override;
   bool Accept(RequestId request) override;
-  void Connect(const std::string& host, std::uint16_t port) override;
   std::string RemoteAddress() const override;
   std::string LocalAddress() const override { return OwnAddress(); }
 
  protected:
+  void SystemLookUp(const std::string& host) override;
+  int SystemConnect(Ipv4 address, std::uint16_t port) override;
+
   Moved SystemSend(const char* bytes, std::size_t size) override {
     return Outcome(::send(fd_.Get(), bytes, size, MSG_NOSIGNAL));
   }
@@ -80,8 +136,11 @@ class PosixSocket : public BufferedSocket {
     return count == 0 ? Moved{.end = true} : Outcome(count);
   }
 
+  void SystemEndSending() override { ::shutdown(fd_.Get(), SHUT_WR); }
+
   void SystemClose() override {
-    pause_->Stop();
+    lookUp_.reset();
+    pause_.reset();
     watch_.reset();
     fd_.Close();
   }
@@ -94,29 +153,28 @@ class PosixSocket : public BufferedSocket {
  private:
   static Moved Outcome(ssize_t count) {
     if (count >= 0) return {.count = static_cast<std::size_t>(count)};
-    return {.error = errno == EAGAIN || errno == EINTR ? 0 : errno};
+    return {.error = errno == EAGAIN || errno == EINTR ? 0 : Number(errno)};
   }
 
   void Open(Descriptor fd, State state);
   void OnReady(short ready);
   void AcceptWaiting();
+  void WaitForDescriptors();
   void FinishConnecting();
 
   PosixLoop& loop_;
+  const AddressesOf& addressesOf_;
   ConnectionRequests<Descriptor>& requests_;
   Descriptor fd_;
   std::unique_ptr<PosixLoop::Watch> watch_;
-  // Of a listener that has no descriptor for a new connection.
-  const std::unique_ptr<Timer> pause_ = loop_.NewTimer([this] {
-    pause_->Stop();
-    watch_->SetEvents(POLLIN);
-  });
+  std::unique_ptr<Timer> pause_;  // of a listener that has no descriptor for a new connection
+  std::unique_ptr<NameLookUp> lookUp_;
 };
 
 void PosixSocket::Open(Descriptor fd, State state) {
   fd_ = std::move(fd);
   SetState(state);
-  SetOption(fd_, IPPROTO_TCP, TCP_NODELAY, 1);
+  if (!IsForData()) SetOption(fd_, IPPROTO_TCP, TCP_NODELAY, 1);
   // Urgent bytes stay where they are in the stream.
   SetOption(fd_, SOL_SOCKET, SO_OOBINLINE, 1);
   KeepAlive(fd_);
@@ -133,17 +191,17 @@ void PosixSocket::OnReady(short ready) {
   if ((ready & POLLOUT) != 0 && generation == Generation()) SendMore();
 }
 
-bool PosixSocket::Listen(std::uint16_t port) {
+bool PosixSocket::Listen(std::uint16_t port, const std::string& address) {
   Close();
+  const std::optional<Ipv4> own = NumericAddress(address);
+  if (!own) return Refuse(kAddressNotAvailable);
   Descriptor fd(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-  if (!fd) return false;
+  if (!fd) return Refuse(Number(errno));
   SetOption(fd, SOL_SOCKET, SO_REUSEADDR, 1);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(port);
-  if (::bind(fd.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+  const sockaddr_in place = SystemAddress(*own, port);
+  if (::bind(fd.Get(), reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0 ||
       ::listen(fd.Get(), SOMAXCONN) != 0) {
-    return false;
+    return Refuse(Number(errno));
   }
   Open(std::move(fd), State::Listening);
   return true;
@@ -154,9 +212,7 @@ void PosixSocket::AcceptWaiting() {
     Descriptor client(::accept4(fd_.Get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (!client) {
       if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) {
-        // It stays ready, and would keep the thread busy for nothing.
-        watch_->SetEvents(0);
-        pause_->Start(kPauseWithoutDescriptors);
+        WaitForDescriptors();
       }
       return;
     }
@@ -167,70 +223,77 @@ void PosixSocket::AcceptWaiting() {
   }
 }
 
+// The listener stays ready, and would keep the thread busy for nothing.
+void PosixSocket::WaitForDescriptors() {
+  watch_->SetEvents(0);
+  pause_ = loop_.NewTimer([this] {
+    pause_->Stop();
+    watch_->SetEvents(POLLIN);
+  });
+  pause_->Start(kPauseWithoutDescriptors);
+}
+
 bool PosixSocket::Accept(RequestId request) {
   Close();
   Descriptor fd = requests_.Take(request);
-  sockaddr_in address{};
-  socklen_t size = sizeof address;
-  if (!fd || ::getpeername(fd.Get(), reinterpret_cast<sockaddr*>(&address), &size) != 0) {
-    return false;
-  }
+  if (!EndOf(fd, ::getpeername)) return false;
   Open(std::move(fd), State::Connected);
   return true;
 }
 
-// A name that no file of this machine knows is asked for over the network, and that blocks.
-void PosixSocket::Connect(const std::string& host, std::uint16_t port) {
-  Close();
-  addrinfo hints{};
-  hints.ai_family = AF_INET;
-  hints.ai_socktype = SOCK_STREAM;
-  addrinfo* found = nullptr;
-  if (::getaddrinfo(host.c_str(), nullptr, &hints, &found) != 0) return FailLater(EHOSTUNREACH);
-  sockaddr_in address{};
-  std::memcpy(&address, found->ai_addr, sizeof address);
-  ::freeaddrinfo(found);
-  address.sin_port = htons(port);
+void PosixSocket::SystemLookUp(const std::string& host) {
+  if (const auto address = NumericAddress(host)) return Found({*address}, 0);
+  try {
+    lookUp_ = std::make_unique<NameLookUp>(
+        loop_, addressesOf_, host,
+        [this](const std::vector<Ipv4>& found) {
+          lookUp_.reset();
+          Found(found, kHostNotFound);
+        });
+  } catch (const std::system_error& error) {
+    Found({}, Number(error.code().value()));
+  }
+}
+
+int PosixSocket::SystemConnect(Ipv4 address, std::uint16_t port) {
   Descriptor fd(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-  if (!fd) return FailLater(errno);
-  if (::connect(fd.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 &&
+  if (!fd) return Number(errno);
+  const sockaddr_in place = SystemAddress(address, port);
+  if (::connect(fd.Get(), reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0 &&
       errno != EINPROGRESS) {
-    return FailLater(errno);
+    return Number(errno);
   }
   Open(std::move(fd), State::Connecting);
+  return 0;
 }
 
 void PosixSocket::FinishConnecting() {
   int error = 0;
   socklen_t size = sizeof error;
   ::getsockopt(fd_.Get(), SOL_SOCKET, SO_ERROR, &error, &size);
-  if (error != 0) return Fail(error);
+  if (error != 0) return ConnectFailed(Number(error));
   Connected();
 }
 
 std::uint16_t PosixSocket::LocalPort() const {
-  sockaddr_in address{};
-  socklen_t size = sizeof address;
-  if (!fd_ || ::getsockname(fd_.Get(), reinterpret_cast<sockaddr*>(&address), &size) != 0) {
-    return 0;
-  }
-  return ntohs(address.sin_port);
+  const auto end = EndOf(fd_, ::getsockname);
+  return end ? ntohs(end->sin_port) : std::uint16_t{0};
+}
+
+std::string PosixSocket::BoundAddress() const {
+  const auto end = EndOf(fd_, ::getsockname);
+  return end ? AddressText(*end) : "";
 }
 
 std::string PosixSocket::RemoteAddress() const {
-  sockaddr_in address{};
-  socklen_t size = sizeof address;
-  if (GetState() != State::Connected ||
-      ::getpeername(fd_.Get(), reinterpret_cast<sockaddr*>(&address), &size) != 0) {
-    return "";
-  }
-  return AddressText(address);
+  const auto end = EndOf(fd_, ::getpeername);
+  return end ? AddressText(*end) : "";
 }
 
 }  // namespace
 
-std::unique_ptr<TcpSocket> PosixSocketHost::NewSocket() {
-  return std::make_unique<PosixSocket>(loop_, requests_);
+std::unique_ptr<TcpSocket> PosixSocketHost::NewSocket(Use use) {
+  return std::make_unique<PosixSocket>(loop_, arrivals_, use, addressesOf_, requests_);
 }
 
 }  // namespace orvanto::posix

@@ -20,7 +20,8 @@ constexpr Kind kKinds[] = {{QS_SENDMESSAGE, 1},
                            {QS_INPUT, 1},
                            {QS_PAINT, 16},
                            {QS_TIMER, 16}};
-constexpr std::size_t kPostsPerWake = 64;
+// Of posted work for one wake-up, which costs more than a small piece of work.
+constexpr std::chrono::microseconds kSlice(500);
 constexpr int kRoundsPerDoEvents = 256;
 
 template <typename Work>
@@ -72,14 +73,16 @@ Win32Loop::Win32Loop()
         return OnMessage(message, wParam, lParam);
       }) {}
 
-Win32Loop::~Win32Loop() = default;
+Win32Loop::~Win32Loop() { work_.Clear(); }
 
 void Win32Loop::Run() {
-  while (!quit_) {
-    if (PumpRound()) continue;
-    // Unlike GetMessage this also returns for messages that are there but were looked at before.
-    MsgWaitForMultipleObjectsEx(0, nullptr, INFINITE, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
-  }
+  while (!quit_) Round();
+}
+
+void Win32Loop::Round() {
+  if (PumpRound()) return;
+  // Unlike GetMessage this also returns for messages that are there but were looked at before.
+  MsgWaitForMultipleObjectsEx(0, nullptr, INFINITE, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
 }
 
 void Win32Loop::Quit() {
@@ -89,6 +92,11 @@ void Win32Loop::Quit() {
 
 void Win32Loop::DoEvents() {
   if (holds_ > 0) return;
+  const struct Inside {
+    explicit Inside(int& calls) : depth(++calls) {}
+    ~Inside() { --depth; }
+    int& depth;
+  } inside(doEvents_);
   for (int round = 0; round < kRoundsPerDoEvents && PumpRound(); ++round) {
   }
 }
@@ -116,18 +124,13 @@ bool Win32Loop::PumpRound() {
   return any;
 }
 
-void Win32Loop::Post(std::function<void()> work) {
-  posted_.push_back(std::move(work));
-  Wake();
-}
-
 void Win32Loop::Wake() {
   if (wakePosted_) return;
   wakePosted_ = PostMessageW(window_.Get(), kWake, 0, 0) != 0;
 }
 
 void Win32Loop::EndHold() {
-  if (--holds_ == 0 && (!posted_.empty() || !heldTimers_.empty() || !heldSockets_.empty())) {
+  if (--holds_ == 0 && (!work_.Empty() || !heldTimers_.empty() || !heldSockets_.empty())) {
     Wake();
   }
 }
@@ -201,14 +204,14 @@ void Win32Loop::Deliver() {
     if (!heldSockets_.empty()) Wake();
     DeliverSocket(message);
   }
-  // What is posted meanwhile waits for the next wake-up.
-  for (std::size_t left = std::min(posted_.size(), kPostsPerWake); left > 0; --left) {
-    if (holds_ > 0 || quit_ || posted_.empty()) break;
-    const auto work = std::move(posted_.front());
-    posted_.pop_front();
-    Guarded("posted work", work);
+  // What is posted meanwhile comes in the same slice, but for DoEvents, which is to return.
+  const auto end = std::chrono::steady_clock::now() + kSlice;
+  for (std::size_t left = work_.Size();
+       holds_ == 0 && !quit_ && !work_.Empty() && (doEvents_ == 0 || left > 0); --left) {
+    work_.RunFirst([](const auto& work) { Guarded("posted work", work); });
+    if (std::chrono::steady_clock::now() >= end) break;
   }
-  if (holds_ == 0 && !posted_.empty()) Wake();
+  if (holds_ == 0 && !work_.Empty()) Wake();
 }
 
 std::unique_ptr<Timer> Win32Loop::NewTimer(std::function<void()> handler) {

@@ -5,7 +5,6 @@
 
 #include <windows.h>
 
-#include <cstddef>
 #include <deque>
 #include <functional>
 #include <map>
@@ -13,6 +12,7 @@
 #include <vector>
 
 #include "platform/EventLoop.h"
+#include "platform/WorkQueue.h"
 #include "platform/win32/HiddenWindow.h"
 
 namespace orvanto::win32 {
@@ -26,7 +26,10 @@ class Win32Loop : public EventLoop {
   void Quit() override;
   bool QuitRequested() const override { return quit_; }
   void DoEvents() override;
-  void Post(std::function<void()> work) override;
+  void Post(std::function<void()> work) override { work_.Post(std::move(work)); }
+  std::unique_ptr<Deferred> NewDeferred(std::function<void()> handler) override {
+    return work_.NewDeferred(std::move(handler));
+  }
   std::unique_ptr<Timer> NewTimer(std::function<void()> handler) override;
 
   // Sees every message before its window does; true when it is dealt with (keyboard navigation).
@@ -45,6 +48,8 @@ class Win32Loop : public EventLoop {
  protected:
   void BeginHold() override { ++holds_; }
   void EndHold() override;
+  bool Held() const override { return holds_ > 0; }
+  void Round() override;
 
  private:
   class LoopTimer;
@@ -70,8 +75,9 @@ class Win32Loop : public EventLoop {
 
   bool quit_ = false;
   int holds_ = 0;
+  int doEvents_ = 0;  // that are under way
   bool wakePosted_ = false;
-  std::deque<std::function<void()>> posted_;
+  WorkQueue work_{[this] { Wake(); }};
   std::map<UINT_PTR, LoopTimer*> timers_;  // the running ones; every start has a number of its own
   std::vector<UINT_PTR> heldTimers_;       // fell due inside a hold, each at most once
   UINT_PTR lastTimer_ = 0;

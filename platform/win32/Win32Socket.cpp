@@ -8,11 +8,12 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <optional>
 #include <system_error>
 #include <utility>
 #include <vector>
 
-#include "platform/win32/Text.h"
+#include "platform/win32/NameLookUp.h"
 
 namespace orvanto::win32 {
 namespace {
@@ -56,10 +57,28 @@ std::string AddressText(const sockaddr_in& address) {
 
 using AddressOf = decltype(getsockname);
 
-// False when there is no such end.
-bool EndOf(const SocketHandle& handle, AddressOf* which, sockaddr_in& address) {
+// Nothing when there is no such end.
+std::optional<sockaddr_in> EndOf(const SocketHandle& handle, AddressOf* which) {
+  sockaddr_in address{};
   int size = sizeof address;
-  return handle && which(Number(handle), reinterpret_cast<sockaddr*>(&address), &size) == 0;
+  if (!handle || which(Number(handle), reinterpret_cast<sockaddr*>(&address), &size) != 0) {
+    return {};
+  }
+  return address;
+}
+
+sockaddr_in SystemAddress(Ipv4 address, std::uint16_t port) {
+  sockaddr_in made{};
+  made.sin_family = AF_INET;
+  made.sin_addr.s_addr = htonl(address);
+  made.sin_port = htons(port);
+  return made;
+}
+
+std::optional<Ipv4> NumericAddress(const std::string& text) {
+  in_addr address{};
+  if (inet_pton(AF_INET, text.c_str(), &address) != 1) return std::nullopt;
+  return ntohl(address.s_addr);
 }
 
 // The first address of this machine that is not its own loop.
@@ -89,28 +108,32 @@ std::string OwnAddress() {
 
 class Win32Socket : public BufferedSocket {
  public:
-  Win32Socket(Win32Loop& loop, ConnectionRequests<SocketHandle>& requests)
-      : BufferedSocket(loop, WSAENOBUFS), loop_(loop), requests_(requests) {}
+  Win32Socket(Win32Loop& loop, SharedArrivals& arrivals, SocketHost::Use use,
+              ConnectionRequests<SocketHandle>& requests)
+      : BufferedSocket({loop, arrivals}, use), loop_(loop), requests_(requests) {}
   ~Win32Socket() override { Close(); }
 
-  bool Listen(std::uint16_t port) override;
+  bool Listen(std::uint16_t port, const std::string& address) override;
   bool Accept(RequestId request) override;
-  void Connect(const std::string& host, std::uint16_t port) override;
 
   std::uint16_t LocalPort() const override {
-    sockaddr_in address{};
-    return EndOf(handle_, getsockname, address) ? ntohs(address.sin_port) : std::uint16_t{0};
+    const auto end = EndOf(handle_, getsockname);
+    return end ? ntohs(end->sin_port) : std::uint16_t{0};
   }
-
+  std::string BoundAddress() const override {
+    const auto end = EndOf(handle_, getsockname);
+    return end ? AddressText(*end) : "";
+  }
   std::string RemoteAddress() const override {
-    sockaddr_in address{};
-    if (GetState() != State::Connected || !EndOf(handle_, getpeername, address)) return "";
-    return AddressText(address);
+    const auto end = EndOf(handle_, getpeername);
+    return end ? AddressText(*end) : "";
   }
-
   std::string LocalAddress() const override { return OwnAddress(); }
 
  protected:
+  void SystemLookUp(const std::string& host) override;
+  int SystemConnect(Ipv4 address, std::uint16_t port) override;
+
   Moved SystemSend(const char* bytes, std::size_t size) override {
     return Outcome(send(Number(handle_), bytes, static_cast<int>(std::min(size, kMostPerSend)), 0));
   }
@@ -120,7 +143,10 @@ class Win32Socket : public BufferedSocket {
     return count == 0 ? Moved{.end = true} : Outcome(count);
   }
 
+  void SystemEndSending() override { shutdown(Number(handle_), SD_SEND); }
+
   void SystemClose() override {
+    lookUp_.reset();
     if (message_ != 0) loop_.EndSocketMessages(std::exchange(message_, 0));
     handle_.Reset();
   }
@@ -140,11 +166,12 @@ class Win32Socket : public BufferedSocket {
   ConnectionRequests<SocketHandle>& requests_;
   SocketHandle handle_;
   UINT message_ = 0;  // of what is open; each opening has another
+  std::unique_ptr<NameLookUp> lookUp_;
 };
 
 // Also makes the calls return instead of waiting. What is there already is reported anew.
 bool Win32Socket::Open(SocketHandle handle, State state, long events) {
-  SwitchOn(handle, IPPROTO_TCP, TCP_NODELAY);
+  if (!IsForData()) SwitchOn(handle, IPPROTO_TCP, TCP_NODELAY);
   // Urgent bytes stay where they are in the stream.
   SwitchOn(handle, SOL_SOCKET, SO_OOBINLINE);
   KeepAlive(handle);
@@ -172,30 +199,32 @@ void Win32Socket::OnMessage(WPARAM socket, LPARAM event) {
       return;
     case FD_CONNECT:
       if (GetState() != State::Connecting) return;
-      return error != 0 ? Fail(error) : Connected();
+      return error != 0 ? ConnectFailed(error) : Connected();
     case FD_READ:
       return Receive();
     case FD_WRITE:
       return SendMore();
     case FD_CLOSE:
-      return Finish(error);
+      return error != 0 ? FailSending(error) : ReceiveRest();
     default:
       return;
   }
 }
 
-bool Win32Socket::Listen(std::uint16_t port) {
+bool Win32Socket::Listen(std::uint16_t port, const std::string& address) {
   Close();
+  const std::optional<Ipv4> own = NumericAddress(address);
+  if (!own) return Refuse(WSAEADDRNOTAVAIL);
   SocketHandle handle = MakeSocket();
-  if (!handle) return false;
   // Without SO_EXCLUSIVEADDRUSE: with it the port is not free again before the last client that was
   // accepted on it has gone altogether. No other user can take a port that is bound.
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(port);
-  return bind(Number(handle), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
-         listen(Number(handle), SOMAXCONN) == 0 &&
-         Open(std::move(handle), State::Listening, FD_ACCEPT);
+  const sockaddr_in place = SystemAddress(*own, port);
+  if (handle && bind(Number(handle), reinterpret_cast<const sockaddr*>(&place), sizeof place) == 0 &&
+      listen(Number(handle), SOMAXCONN) == 0 &&
+      Open(std::move(handle), State::Listening, FD_ACCEPT)) {
+    return true;
+  }
+  return Refuse(WSAGetLastError());
 }
 
 // One for each message: accepting has the next one reported.
@@ -212,34 +241,31 @@ void Win32Socket::AcceptOne() {
 bool Win32Socket::Accept(RequestId request) {
   Close();
   SocketHandle handle = requests_.Take(request);
-  sockaddr_in address{};
-  return EndOf(handle, getpeername, address) &&
+  return EndOf(handle, getpeername) &&
          Open(std::move(handle), State::Connected, kConnectionEvents);
 }
 
-// A name that this machine does not know is asked for over the network, and that blocks.
-void Win32Socket::Connect(const std::string& host, std::uint16_t port) {
-  Close();
-  ADDRINFOW hints{};
-  hints.ai_family = AF_INET;
-  hints.ai_socktype = SOCK_STREAM;
-  ADDRINFOW* found = nullptr;
-  const int unknown = GetAddrInfoW(ToWide(host).c_str(), nullptr, &hints, &found);
-  if (unknown != 0) return FailLater(unknown);
-  sockaddr_in address = *reinterpret_cast<const sockaddr_in*>(found->ai_addr);
-  FreeAddrInfoW(found);
-  address.sin_port = htons(port);
+void Win32Socket::SystemLookUp(const std::string& host) {
+  if (const auto address = NumericAddress(host)) return Found({*address}, 0);
+  lookUp_ = std::make_unique<NameLookUp>(loop_, host, [this](const std::vector<Ipv4>& found) {
+    lookUp_.reset();
+    Found(found, WSAHOST_NOT_FOUND);
+  });
+}
+
+int Win32Socket::SystemConnect(Ipv4 address, std::uint16_t port) {
   SocketHandle handle = MakeSocket();
   if (!handle || !Open(std::move(handle), State::Connecting, FD_CONNECT | kConnectionEvents)) {
-    return FailLater(WSAGetLastError());
+    return WSAGetLastError();
   }
-  if (connect(Number(handle_), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
-    return;
+  const sockaddr_in place = SystemAddress(address, port);
+  if (connect(Number(handle_), reinterpret_cast<const sockaddr*>(&place), sizeof place) == 0) {
+    return 0;
   }
-  if (const int error = WSAGetLastError(); error != WSAEWOULDBLOCK) {
-    Close();
-    FailLater(error);
-  }
+  const int error = WSAGetLastError();
+  if (error == WSAEWOULDBLOCK) return 0;
+  SystemClose();
+  return error;
 }
 
 }  // namespace
@@ -253,8 +279,8 @@ Win32SocketHost::Win32SocketHost(Win32Loop& loop) : loop_(loop) {
 
 Win32SocketHost::~Win32SocketHost() { WSACleanup(); }
 
-std::unique_ptr<TcpSocket> Win32SocketHost::NewSocket() {
-  return std::make_unique<Win32Socket>(loop_, requests_);
+std::unique_ptr<TcpSocket> Win32SocketHost::NewSocket(Use use) {
+  return std::make_unique<Win32Socket>(loop_, arrivals_, use, requests_);
 }
 
 }  // namespace orvanto::win32

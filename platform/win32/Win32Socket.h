@@ -20,10 +20,11 @@ class Win32SocketHost : public SocketHost {
   Win32SocketHost(const Win32SocketHost&) = delete;
   Win32SocketHost& operator=(const Win32SocketHost&) = delete;
 
-  std::unique_ptr<TcpSocket> NewSocket() override;
+  std::unique_ptr<TcpSocket> NewSocket(Use use) override;
 
  private:
   Win32Loop& loop_;
+  SharedArrivals arrivals_;
   ConnectionRequests<SocketHandle> requests_;
 };
 

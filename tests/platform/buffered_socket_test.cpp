@@ -3,108 +3,74 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
+#include "platform/net/SocketError.h"
 #include "tests/support/FakePlatform.h"
 
 namespace orvanto {
 namespace {
 
-constexpr int kTooMuch = 99;
-constexpr std::size_t kAny = std::string::npos;
+using State = TcpSocket::State;
+using Use = SocketHost::Use;
+using Socket = FakeSocketHost::Socket;
+
+constexpr std::size_t kAny = FakeSocketHost::kAny;
 constexpr std::size_t kMost = TcpSocket::kMostPerArrival;
-
-class ScriptedSocket : public BufferedSocket {
- public:
-  explicit ScriptedSocket(EventLoop& loop) : BufferedSocket(loop, kTooMuch) {
-    onConnected = [this] { seen += 'C'; };
-    onSendComplete = [this] { seen += 'S'; };
-    onDataArrival = [this] { seen += 'D'; };
-    onClosed = [this] { seen += 'X'; };
-    onError = [this](int error) { seen += 'E' + std::to_string(error); };
-  }
-  ~ScriptedSocket() override { Close(); }
-  using BufferedSocket::Connected;
-  using BufferedSocket::Fail;
-  using BufferedSocket::FailLater;
-  using BufferedSocket::Finish;
-  using BufferedSocket::Receive;
-  using BufferedSocket::SendMore;
-
-  bool Listen(std::uint16_t) override { return false; }
-  std::uint16_t LocalPort() const override { return 0; }
-  bool Accept(RequestId) override { return false; }
-  void Connect(const std::string&, std::uint16_t) override {}
-  std::string RemoteAddress() const override { return ""; }
-  std::string LocalAddress() const override { return ""; }
-
-  std::size_t room = kAny;     // what the system still takes
-  std::size_t atOnce = kAny;   // and of one send
-  std::string taken, waiting;  // by the system; to be received
-  int sendError = 0, receiveError = 0;
-  bool ended = false;       // behind what waits
-  std::string seen, waits;  // the events; what it waited for, one after the other
-
- protected:
-  Moved SystemSend(const char* bytes, std::size_t size) override {
-    if (sendError != 0) return {.error = sendError};
-    size = std::min({size, room, atOnce});
-    if (room != kAny) room -= size;
-    taken.append(bytes, size);
-    return {.count = size};
-  }
-  Moved SystemReceive(char* bytes, std::size_t size) override {
-    size = waiting.copy(bytes, size);
-    waiting.erase(0, size);
-    if (size == 0) return {.error = receiveError, .end = ended};
-    return {.count = size};
-  }
-  void SystemClose() override { waits.clear(); }
-  void WantsChanged() override {
-    waits += std::string(WantsToReceive() ? "r" : "") + (WantsToSend() ? "w " : " ");
-  }
-};
+constexpr std::uint16_t kPort = 7;
 
 class BufferedSocketTest : public testing::Test {
  protected:
-  BufferedSocketTest() { Begin(); }
+  BufferedSocketTest() {
+    socket.onConnected = [this] { seen += 'C'; };
+    socket.onSendComplete = [this] { seen += 'S'; };
+    socket.onDataArrival = [this] { seen += 'D'; };
+    socket.onClosed = [this] { seen += 'X'; };
+    socket.onError = [this](int error) { seen += 'E' + std::to_string(error); };
+    Begin();
+  }
   void Begin() {
     socket.Close();
-    socket.seen.clear();
-    socket.taken.clear();
+    socket.waiting.clear();
+    socket.ended = false;
+    socket.receiveError = socket.sendError = 0;
+    socket.room = kAny;
     socket.Connected();
+    socket.sent.clear();
+    seen.clear();
   }
   // The events since the last call, those that are due now among them.
   std::string Seen() {
     loop.DoEvents();
-    return std::exchange(socket.seen, {});
+    return std::exchange(seen, {});
   }
 
   FakeClock clock;
   FakeLoop loop{clock};
-  ScriptedSocket socket{loop};
+  FakeSocketHost host{loop};
+  Socket socket{host, Use::Conversation};
+  std::string seen;
 };
 
 TEST_F(BufferedSocketTest, SendsAllInOrderAndTellsOnce) {
-  EXPECT_EQ(Seen(), "C");
   socket.atOnce = 2;
   socket.room = 3;
   for (const char* text : {"abcdef", "", "gh"}) {
     socket.Send(text);
-    EXPECT_EQ(socket.taken, "abc");
+    EXPECT_EQ(socket.sent, "abc");
     socket.room = 5;  // nothing overtakes what waits
   }
+  EXPECT_EQ(socket.Unsent(), 5U);
   EXPECT_EQ(Seen(), "");
   socket.room = 2;
   socket.SendMore();
+  EXPECT_EQ(socket.Unsent(), 3U);
   EXPECT_EQ(Seen(), "");
   socket.room = kAny;
   for (int i = 0; i < 2; ++i) socket.SendMore();
-  EXPECT_EQ(socket.taken, "abcdefgh");
+  EXPECT_EQ(socket.sent, "abcdefgh");
   EXPECT_EQ(Seen(), "S");
-  EXPECT_EQ(socket.waits, "r rw rw r ");
+  EXPECT_EQ(socket.wants, "r rw rw r ");
   for (const char* text : {"i", "j", ""}) socket.Send(text);
-  EXPECT_EQ(socket.seen, "") << "never from inside";
+  EXPECT_EQ(seen, "") << "never from inside";
   EXPECT_EQ(Seen(), "S");
   socket.Send("k");
   socket.room = 0;
@@ -113,7 +79,7 @@ TEST_F(BufferedSocketTest, SendsAllInOrderAndTellsOnce) {
   socket.room = kAny;
   socket.SendMore();
   EXPECT_EQ(Seen(), "S");
-  EXPECT_EQ(socket.taken, "abcdefghijkl");
+  EXPECT_EQ(socket.sent, "abcdefghijkl");
 }
 
 TEST_F(BufferedSocketTest, WhatWaitsToBeSentHasALimit) {
@@ -124,57 +90,76 @@ TEST_F(BufferedSocketTest, WhatWaitsToBeSentHasALimit) {
   socket.room = 3 << 20;
   socket.SendMore();
   socket.Send(std::string_view(text).substr(TcpSocket::kMostUnsent));
-  EXPECT_EQ(Seen(), "C") << "what was sent makes room";
+  EXPECT_EQ(Seen(), "") << "what was sent makes room";
   socket.room = kAny;
   socket.SendMore();
   EXPECT_EQ(Seen(), "S");
-  EXPECT_TRUE(socket.taken == text);
+  EXPECT_TRUE(socket.sent == text);
 
   socket.room = 0;
   socket.Send(std::string(TcpSocket::kMostUnsent, 'x'));
   socket.Send("y");
-  EXPECT_EQ(socket.GetState(), TcpSocket::State::Connected) << "it ends from the loop";
+  EXPECT_EQ(socket.GetState(), State::Connected) << "it ends from the loop";
   socket.waiting = "a peer that goes on";
-  EXPECT_EQ(Seen(), "DE99");
-  EXPECT_EQ(socket.GetState(), TcpSocket::State::Closed);
+  EXPECT_EQ(Seen(), "E10055");
+  EXPECT_EQ(socket.GetState(), State::Failed);
+  EXPECT_EQ(socket.LastError(), kNoBufferSpace);
 }
 
 TEST_F(BufferedSocketTest, NothingIsReadWhileTheMostWaits) {
   socket.waiting = std::string(kMost + 3, 'x');
   for (int i = 0; i < 3; ++i) socket.Receive();
-  EXPECT_EQ(Seen(), "CD");
-  EXPECT_EQ(socket.waits, "r  ");
+  EXPECT_EQ(Seen(), "D");
+  EXPECT_EQ(socket.wants, "r  ");
   EXPECT_EQ(socket.waiting.size(), 3U);
   EXPECT_EQ(socket.GetData().size(), kMost);
-  EXPECT_EQ(socket.seen, "");
+  EXPECT_EQ(seen, "");
   EXPECT_EQ(Seen(), "D");
-  EXPECT_EQ(socket.waits, "r  r ");
-  EXPECT_EQ(socket.GetData() + socket.GetData(), "xxx");
+  EXPECT_EQ(socket.wants, "r  r ");
+  EXPECT_EQ(socket.GetData(), "xxx");
+  EXPECT_EQ(socket.GetData(), "");
   EXPECT_EQ(Seen(), "");
 
-  // Arrivals inside one another keep what they read off the stack.
-  std::vector<std::uintptr_t> frames;
-  socket.onDataArrival = [&] {
-    const std::string chunk = socket.GetData();
-    frames.push_back(reinterpret_cast<std::uintptr_t>(&chunk));
-    if (frames.size() == 1) socket.waiting = "in";
-    socket.Receive();
-  };
-  socket.waiting = "out";
-  socket.Receive();
-  ASSERT_EQ(frames.size(), 2U);
-  EXPECT_LT(frames[0] - frames[1], kMost);
+  Socket data(host, Use::Data);
+  data.Connected();
+  data.waiting = std::string(2 * TcpSocket::kMostDataPerArrival, 'x');
+  data.Receive();
+  EXPECT_EQ(data.GetData().size(), TcpSocket::kMostDataPerArrival);
+}
+
+TEST_F(BufferedSocketTest, ArrivalsInsideOneAnotherKeepTheirOwn) {
+  Socket other(host, Use::Data);
+  other.Connected();
+  for (const char* text : {"one", "two"}) socket.PeerSends(text);
+  for (const char* text : {"uno", "due"}) {
+    other.PeerSends(text);
+    socket.PeerSends("!");
+  }
+  EXPECT_EQ(socket.GetData(), "onetwo!!");
+  EXPECT_EQ(other.GetData(), "unodue");
+  other.PeerSends("tre");
+  EXPECT_EQ(other.GetData(), "tre");
+  {
+    Socket brief(host, Use::Data);
+    brief.Connected();
+    brief.PeerSends("gone");
+  }
+  socket.PeerSends("here");
+  EXPECT_EQ(socket.GetData(), "here");
 }
 
 TEST_F(BufferedSocketTest, EndsAfterWhatHasArrived) {
+  enum Report { None, Rest, SendFailed };
   const struct {
-    std::optional<int> finish;  // by that error of sending
+    Report report;  // by which nothing more is reported
     int receiveError;
     bool ended;
     const char* last;
-  } cases[] = {{{}, 0, false, ""},  {{}, 0, true, "X"}, {{}, 7, false, "E7"},
-               {0, 0, false, "X"},  {0, 0, true, "X"},  {0, 7, false, "E7"},
-               {5, 0, false, "E5"}, {5, 0, true, "X"},  {5, 7, false, "E7"}};
+  } cases[] = {{None, 0, false, ""},          {None, 0, true, "X"},
+               {None, 7, false, "E7"},        {Rest, 0, false, "X"},
+               {Rest, 0, true, "X"},          {Rest, 7, false, "E7"},
+               {SendFailed, 0, false, "E5"},  {SendFailed, 0, true, "X"},
+               {SendFailed, 7, false, "E7"}};
   for (const auto& c : cases) {
     SCOPED_TRACE(&c - cases);
     Begin();
@@ -182,54 +167,120 @@ TEST_F(BufferedSocketTest, EndsAfterWhatHasArrived) {
     socket.waiting = std::string(kMost + 3, 'x');
     socket.receiveError = c.receiveError;
     socket.ended = c.ended;
-    if (c.finish) {
-      socket.Finish(*c.finish);
-      socket.Finish(6);
+    if (c.report == SendFailed) {
+      for (const int error : {5, 6}) socket.FailSending(error);
       socket.Send("lost");
-      EXPECT_EQ(Seen() + Seen(), "CD") << "and no sending is complete";
+      EXPECT_EQ(Seen(), "D") << "and no sending is complete";
     } else {
-      socket.Receive();
-      EXPECT_EQ(Seen(), "CDS");
+      c.report == Rest ? socket.ReceiveRest() : socket.Receive();
+      EXPECT_EQ(Seen().size(), 2U);
     }
+    if (c.report == None) socket.Receive();
     EXPECT_EQ(Seen(), "") << "until it is fetched";
     EXPECT_EQ(socket.GetData().size(), kMost);
-    if (!c.finish) socket.Receive();
     EXPECT_EQ(Seen(), "D");
-    if (!c.finish) socket.Receive();
+    if (c.report == None) socket.Receive();
     EXPECT_EQ(Seen(), c.last);
     EXPECT_EQ(socket.GetData(), "xxx") << "after the end too";
-    EXPECT_EQ(socket.taken, "a");
+    EXPECT_EQ(socket.sent, "a");
+  }
+}
+
+TEST_F(BufferedSocketTest, WhatWasSentBeforeThePeersEndStillGoesOut) {
+  for (const int error : {0, 7}) {
+    Begin();
+    socket.room = 2;
+    socket.Send("sent");
+    socket.ReceiveRest();
+    socket.ended = true;
+    EXPECT_EQ(Seen(), "");
+    EXPECT_EQ(socket.wants, "r rw w ");
+    socket.room = kAny;
+    socket.sendError = error;
+    socket.onSendComplete = [this] {
+      seen += 'S';
+      if (seen != "SSS") socket.Send("more");
+    };
+    socket.SendMore();
+    for (int i = 0; i < 3; ++i) loop.DoEvents();
+    EXPECT_EQ(Seen(), error == 0 ? "SSSX" : "X") << "it has closed in good order";
+    EXPECT_EQ(socket.sent, error == 0 ? "sentmoremore" : "se");
+    EXPECT_EQ(socket.GetState(), State::Closed);
+  }
+}
+
+TEST_F(BufferedSocketTest, AGentleCloseSendsTheRestAndDropsWhatArrives) {
+  const struct {
+    std::size_t room;
+    std::function<void()> then;
+    State state;
+    const char* wants;
+    const char* sent;
+  } cases[] = {
+      {kAny, [] {}, State::Closing, "r r .", "bye"},
+      {1, [] {}, State::Closing, "r rw rw ", "b"},
+      {1, [this] { socket.SendMore(); }, State::Closing, "r rw rw r .", "bye"},
+      {kAny, [this] { socket.PeerCloses(); }, State::Closed, "", "bye"},
+      {1, [this] { socket.PeerCloses(); }, State::Closing, "r rw rw w ", "b"},
+      {1, [this] { socket.PeerCloses(), socket.SendMore(); }, State::Closed, "", "bye"},
+      {1, [this] { socket.sendError = 7, socket.SendMore(); }, State::Closed, "", "b"},
+      {1, [this] { socket.receiveError = 7, socket.Receive(); }, State::Closed, "", "bye"},
+      {1, [this] { socket.Close(); }, State::Closed, "", "bye"},
+      {kAny, [this] { loop.Advance(29'999); }, State::Closing, "r r .", "bye"},
+      {kAny, [this] { loop.Advance(30'000); }, State::Closed, "", "bye"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    Begin();
+    socket.room = c.room;
+    socket.Send("bye");
+    socket.waiting = std::string(3 * kMost, 'x');
+    socket.Receive();
+    socket.CloseGently();
+    seen.clear();
+    for (int i = 0; i < 3; ++i) socket.Receive();
+    EXPECT_EQ(socket.waiting, "");
+    socket.Send("not this");
+    socket.room = kAny;
+    c.then();
+    EXPECT_EQ(Seen(), "");
+    EXPECT_EQ(socket.GetState(), c.state);
+    EXPECT_EQ(socket.wants, c.wants);
+    EXPECT_EQ(socket.sent, c.sent);
+    EXPECT_EQ(socket.GetData(), "");
   }
 }
 
 TEST_F(BufferedSocketTest, WhatFailsIsNotSentAnyMore) {
-  const std::function<void()> failures[] = {[&] { socket.Finish(7); }, [&] { socket.Fail(7); },
+  const std::function<void()> failures[] = {[&] { socket.FailSending(7); },
                                             [&] { socket.SendMore(); }, [&] { socket.Send("b"); }};
   for (const auto& fail : failures) {
     SCOPED_TRACE(&fail - failures);
     Begin();
-    socket.room = &fail == &failures[3] ? kAny : 0;
+    const bool direct = &fail == &failures[2];
+    socket.room = direct ? kAny : 0;
     socket.Send("a");
     socket.room = kAny;
-    socket.sendError = &fail >= &failures[2] ? 7 : 0;
+    socket.sendError = &fail == &failures[0] ? 0 : 7;
     fail();
     socket.sendError = 0;
-    if (&fail != &failures[1]) {
-      EXPECT_EQ(socket.waits, &fail == &failures[3] ? "r r " : "r rw r ");
-      EXPECT_EQ(socket.seen, "C") << "what has arrived comes first";
-    }
-    EXPECT_EQ(Seen(), "CE7");
-    EXPECT_EQ(socket.taken, &fail == &failures[3] ? "a" : "");
+    EXPECT_EQ(socket.wants, direct ? "r r " : "r rw r ");
+    EXPECT_EQ(seen, "") << "what has arrived comes first";
+    EXPECT_EQ(Seen(), "E7");
+    EXPECT_EQ(socket.sent, direct ? "a" : "");
   }
 }
 
 TEST_F(BufferedSocketTest, NothingOfAConnectionReachesTheNext) {
-  const std::function<void()> pasts[] = {[&] { socket.Send("a"); }, [&] { socket.Finish(0); },
+  const std::function<void()> pasts[] = {[&] { socket.Send("a"); },
+                                         [&] { socket.ReceiveRest(); },
+                                         [&] { socket.FailSending(7); },
                                          [&] {
                                            socket.room = 2;
                                            socket.Send("byes");
                                            socket.room = 1;
                                          },
+                                         [&] { socket.CloseGently(); },
                                          [&] {
                                            socket.waiting = std::string(kMost + 3, 'x');
                                            for (int i = 0; i < 2; ++i) socket.Receive();
@@ -245,36 +296,58 @@ TEST_F(BufferedSocketTest, NothingOfAConnectionReachesTheNext) {
     past();
     socket.Close();
     socket.Close();
-    EXPECT_EQ(socket.taken, &past == &pasts[2] ? "bye" : &past == &pasts[0] ? "a" : "");
-    socket.waiting.clear();
-    socket.room = kAny;
+    EXPECT_EQ(socket.sent, &past == &pasts[3] ? "bye" : &past == &pasts[0] ? "a" : "");
     Begin();
-    EXPECT_EQ(Seen(), "C");
+    loop.Advance(60'000);
+    EXPECT_EQ(Seen(), "");
     socket.Send("new");
     socket.waiting = std::string(kMost, 'y');
     for (int i = 0; i < 2; ++i) socket.Receive();
     EXPECT_EQ(Seen(), "DS");
-    EXPECT_EQ(socket.taken, "new");
+    EXPECT_EQ(socket.sent, "new");
     socket.waiting = "z";
     EXPECT_EQ(socket.GetData(), std::string(kMost, 'y'));
     EXPECT_EQ(Seen(), "D");
   }
-  ScriptedSocket(loop).Connected();
-  auto brief = std::make_unique<ScriptedSocket>(loop);
-  brief->Connected();
-  brief->Send("posts");
-  brief.reset();
-  loop.DoEvents();
+  Socket brief(host, Use::Conversation);
+  brief.Connected();
+  brief.onSendComplete = [] { ADD_FAILURE() << "it has gone"; };
+  brief.Send("posts");
 }
 
-TEST_F(BufferedSocketTest, AConnectionThatCannotBeginFailsFromTheLoop) {
-  for (const bool closed : {false, true}) {
-    Begin();
-    socket.Close();
-    socket.FailLater(8);
-    EXPECT_EQ(socket.GetState(), TcpSocket::State::Connecting);
-    if (closed) socket.Close();
-    EXPECT_EQ(Seen(), closed ? "C" : "CE8");
+TEST_F(BufferedSocketTest, ConnectsToTheFirstAddressThatAnswers) {
+  host.names = {{"many", {1, 2, 3, 4}}, {"silent", {}}};
+  host.unreachable = {{2, 5}, {4, 6}};
+  const auto tried = [&](std::initializer_list<Ipv4> addresses) {
+    std::vector<std::pair<Ipv4, std::uint16_t>> wanted;
+    for (const Ipv4 address : addresses) wanted.emplace_back(address, kPort);
+    return std::exchange(socket.tried, {}) == wanted;
+  };
+  for (const bool answers : {true, false}) {
+    socket.Connect("many", kPort);
+    EXPECT_TRUE(tried({1}));
+    socket.ConnectFailed(8);
+    EXPECT_TRUE(tried({2, 3}));
+    EXPECT_EQ(Seen(), "");
+    answers ? socket.Connected() : socket.ConnectFailed(9);
+    EXPECT_EQ(socket.GetState(), answers ? State::Connected : State::Connecting);
+    EXPECT_EQ(Seen(), answers ? "C" : "E6");
+    EXPECT_TRUE(answers ? tried({}) : tried({4}));
+  }
+  EXPECT_EQ(socket.GetState(), State::Failed);
+  EXPECT_EQ(socket.LastError(), 6);
+
+  const struct {
+    const char* name;
+    bool closed;
+    const char* seen;
+  } cases[] = {{"nobody", false, "E11001"}, {"nobody", true, ""}, {"silent", true, ""}};
+  for (const auto& c : cases) {
+    socket.Connect(c.name, kPort);
+    EXPECT_EQ(socket.GetState(), State::Connecting);
+    if (c.closed) socket.Close();
+    EXPECT_EQ(Seen(), c.seen);
+    EXPECT_EQ(socket.GetState(), c.closed ? State::Closed : State::Failed);
   }
 }
 

@@ -120,6 +120,74 @@ TEST_P(EventLoopContract, AHoldKeepsEverythingUntilItsEnd) {
   EXPECT_EQ(posts, 1);
 }
 
+TEST_P(EventLoopContract, DeferredWorkIsQueuedOnceAndCanBeTakenBack) {
+  std::string order;
+  std::unique_ptr<Deferred> again;
+  again = loop_.NewDeferred([&] {
+    order += 'd';
+    if (order.size() < 4) again->Post();
+  });
+  const auto cancelled = loop_.NewDeferred([&] { order += 'c'; });
+  auto gone = loop_.NewDeferred([] { ADD_FAILURE() << "it was destroyed"; });
+  loop_.Post([&] {
+    order += 'a';
+    gone.reset();
+  });
+  gone->Post();
+  cancelled->Post();
+  for (int i = 0; i < 2; ++i) again->Post();
+  cancelled->Cancel();
+  loop_.Post([&] { order += 'b'; });
+  EXPECT_EQ(order, "");
+  loop_.DoEvents();
+  EXPECT_EQ(order.substr(0, 3), "adb");
+  cancelled->Post();
+  loop_.DoEvents();
+  loop_.DoEvents();
+  EXPECT_EQ(order, "adbdc");
+}
+
+TEST_P(EventLoopContract, AWaitEndsByItsConditionItsLimitItsOwnerAndTheEnd) {
+  using Waited = EventLoop::Waited;
+  auto owner = std::make_shared<int>();
+  bool reached = false;
+  int calls = 0;
+  std::function<void()> happens;
+  const auto timer = loop_.NewTimer([&] {
+    ++calls;
+    if (happens) happens();
+  });
+  timer->Start(kInterval);
+  const auto wait = [&](std::optional<milliseconds> limit) {
+    reached = false;
+    return loop_.WaitFor(owner, [&] { return !owner || reached; }, limit);
+  };
+  const auto reach = [&] { reached = true; };
+  EXPECT_EQ(wait(5 * kInterval), Waited::TimedOut);
+  EXPECT_GE(calls, 1) << "others run meanwhile";
+  happens = reach;
+  EXPECT_EQ(wait(std::chrono::hours(1)), Waited::Met);
+  happens = [&] { loop_.Post(reach); };
+  EXPECT_EQ(wait({}), Waited::Met);
+  {
+    const EventLoop::Hold hold(loop_);
+    EXPECT_EQ(wait({}), Waited::TimedOut) << "nothing could come";
+  }
+  happens = [&] {
+    happens = reach;
+    EXPECT_EQ(wait({}), Waited::Met) << "one inside another";
+  };
+  EXPECT_EQ(wait({}), Waited::Met);
+  happens = [&] { owner.reset(); };
+  EXPECT_EQ(wait({}), Waited::OwnerGone);
+  owner = std::make_shared<int>();
+  happens = [&] { loop_.Quit(); };
+  EXPECT_EQ(wait({}), Waited::Quit);
+  happens = nullptr;
+  EXPECT_EQ(wait({}), Waited::Quit);
+  EXPECT_EQ(loop_.WaitFor(owner, [] { return true; }, {}), Waited::Met);
+}
+
 TEST(HostLoop, NeitherAFloodOfPostsNorAnExceptionStopsATimer) {
   const auto loop = NewHostLoop();
   int calls = 0;

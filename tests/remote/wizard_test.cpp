@@ -175,8 +175,8 @@ TEST_F(WizardTest, AnEditChangesWhatItIsToldTo) {
 
 TEST_F(WizardTest, AMessageWithoutEndIsCutAndAFullListStaysAsItIs) {
   Talk("1|y|Long|00:00|3|1|6");
-  const std::string chunk(30000, 'x');
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(Send(chunk), chunk);
+  const std::string chunk(15000, 'x');
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(Send(chunk), chunk);
   Talk("|y");
   store.LoadTask(1);
   EXPECT_EQ(store.CurrentTask.path.size(), 64U << 10);

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <limits>
+#include <stdexcept>
 
 #include "platform/text/Case.h"
 #include "platform/text/Utf8.h"
@@ -88,12 +90,17 @@ void FakeLoop::Pass(std::int64_t milliseconds) {
 
 void FakeLoop::DoEvents() {
   if (held_ > 0) return;
-  for (std::size_t left = posted_.size(); left > 0 && !posted_.empty(); --left) {
-    const auto work = std::move(posted_.front());
-    posted_.pop_front();
-    work();
+  for (std::size_t left = work_.Size(); left > 0 && !work_.Empty(); --left) {
+    work_.RunFirst([](const auto& work) { work(); });
   }
   while (DeliverNext(monotonic_)) {
+  }
+}
+
+void FakeLoop::Round() {
+  if (!work_.Empty()) return DoEvents();
+  if (!DeliverNext(std::numeric_limits<std::int64_t>::max())) {
+    throw std::logic_error("waiting for what can never come");
   }
 }
 
@@ -203,42 +210,6 @@ Answer FakeMessageBoxes::Show(const std::string& text, const std::string&, Butto
   EXPECT_EQ(text, box.text);
   if (box.whileOpen) box.whileOpen();
   return box.answer;
-}
-
-std::unique_ptr<TcpSocket> FakeSocketHost::NewSocket() {
-  auto socket = std::make_unique<Socket>(*this);
-  sockets.push_back(socket.get());
-  return socket;
-}
-
-bool FakeSocketHost::Socket::Listen(std::uint16_t port) {
-  Close();
-  if (host_.taken.count(port) != 0) return false;
-  port_ = port;
-  state_ = State::Listening;
-  return true;
-}
-
-bool FakeSocketHost::Socket::Accept(RequestId) {
-  state_ = host_.clientsGo ? State::Closed : State::Connected;
-  return state_ == State::Connected;
-}
-
-bool FakeSocketHost::Socket::PeerConnects() {
-  if (state_ != State::Listening) return false;
-  onConnectionRequest(1);
-  return state_ == State::Connected;
-}
-
-void FakeSocketHost::Socket::PeerSends(const std::string& chunk) {
-  ASSERT_EQ(state_, State::Connected);
-  arrived_ += chunk;
-  onDataArrival();
-}
-
-void FakeSocketHost::Socket::PeerCloses() {
-  Close();
-  onClosed();
 }
 
 FakePlatform::~FakePlatform() {

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <list>
 #include <memory>
@@ -12,6 +11,7 @@
 #include "platform/Clock.h"
 #include "platform/EventLoop.h"
 #include "platform/Platform.h"
+#include "platform/WorkQueue.h"
 #include "platform/forms/forms.h"
 #include "tests/support/FakeServices.h"
 #include "tests/support/FakeSockets.h"
@@ -45,7 +45,10 @@ class FakeLoop : public EventLoop {
   void Quit() override { quit_ = true; }
   bool QuitRequested() const override { return quit_; }
   void DoEvents() override;
-  void Post(std::function<void()> work) override { posted_.push_back(std::move(work)); }
+  void Post(std::function<void()> work) override { work_.Post(std::move(work)); }
+  std::unique_ptr<Deferred> NewDeferred(std::function<void()> handler) override {
+    return work_.NewDeferred(std::move(handler));
+  }
   std::unique_ptr<Timer> NewTimer(std::function<void()> handler) override;
 
   // Lets time pass, delivering each timer when it is due, or `lateness` milliseconds after that.
@@ -57,6 +60,8 @@ class FakeLoop : public EventLoop {
  protected:
   void BeginHold() override { ++held_; }
   void EndHold() override { --held_; }
+  bool Held() const override { return held_ > 0; }
+  void Round() override;  // nobody waits: with nothing to do, time goes on to the next timer
 
  private:
   class FakeTimer;
@@ -66,7 +71,7 @@ class FakeLoop : public EventLoop {
   FakeClock& clock_;
   std::int64_t monotonic_ = 0;
   std::list<FakeTimer*> timers_;
-  std::deque<std::function<void()>> posted_;
+  WorkQueue work_;
   int held_ = 0;
   bool quit_ = false;
 };
@@ -90,7 +95,7 @@ struct FakePlatform {
   FakeMessageBoxes messageBoxes;
   FakeFileDialogs fileDialogs;
   FakeTrayIcon trayIcon;
-  FakeSocketHost sockets;
+  FakeSocketHost sockets{loop};
   forms::HeadlessFormHost forms;
   Platform platform{loop,         clock,       registry, files,     shell,
                     session,      desktop,     keyboard, clipboard, sound,

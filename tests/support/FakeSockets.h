@@ -1,43 +1,43 @@
-// Sockets without a network.
+// Sockets over a system that does exactly what a test says.
 #pragma once
 
 #include <cstdint>
 #include <list>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
-#include "platform/net/TcpSocket.h"
+#include "platform/net/BufferedSocket.h"
 
 namespace orvanto {
 
-// A test is the other end: it connects, sends chunks and reads what
-// came.
 class FakeSocketHost : public SocketHost {
  public:
-  class Socket : public TcpSocket {
+  static constexpr std::size_t kAny = std::string::npos;
+
+  // The system and the other end of a connection.
+  class Socket : public BufferedSocket {
    public:
-    explicit Socket(FakeSocketHost& host) : host_(host) {}
-    ~Socket() override { host_.sockets.remove(this); }
-    State GetState() const override { return state_; }
-    bool Listen(std::uint16_t port) override;
+    Socket(FakeSocketHost& host, Use use);
+    ~Socket() override;
+    using BufferedSocket::Connected;
+    using BufferedSocket::ConnectFailed;
+    using BufferedSocket::FailSending;
+    using BufferedSocket::Found;
+    using BufferedSocket::Receive;
+    using BufferedSocket::ReceiveRest;
+    using BufferedSocket::SendMore;
+
+    bool Listen(std::uint16_t port, const std::string& address) override;
     std::uint16_t LocalPort() const override { return port_; }
+    std::string BoundAddress() const override { return "10.9.8.7"; }
     bool Accept(RequestId) override;
-    void Connect(const std::string&, std::uint16_t) override { state_ = State::Connecting; }
-    void Send(std::string_view bytes) override {
-      if (state_ != State::Connected || bytes.empty()) return;
-      sent += bytes;
-      ++pieces;
-    }
-    std::string GetData() override { return std::exchange(arrived_, {}); }
-    void Close() override { state_ = State::Closed; }
-    std::string RemoteAddress() const override {
-      return state_ == State::Connected ? "10.1.2.3" : "";
-    }
+    std::string RemoteAddress() const override;
     std::string LocalAddress() const override { return "10.9.8.7"; }
 
-    // The other end.
     bool PeerConnects();  // false where nothing listens
     void PeerSends(const std::string& chunk);
     void PeerCloses();
@@ -45,20 +45,45 @@ class FakeSocketHost : public SocketHost {
       pieces = 0;
       return std::exchange(sent, {});
     }
-    std::string sent;
-    int pieces = 0;  // in which that was sent
+    std::string sent;  // what the system has taken
+    int pieces = 0;    // in which it did
+
+    std::size_t room = kAny;    // what the system still takes
+    std::size_t atOnce = kAny;  // and of one send
+    int sendError = 0;
+    std::string waiting;  // to be received
+    bool ended = false;   // behind that
+    int receiveError = 0;
+    std::string wants;  // what it waited for, one after the other; sending has ended: "."
+    std::vector<std::pair<Ipv4, std::uint16_t>> tried;  // to connect to
+
+   protected:
+    void SystemLookUp(const std::string& host) override;
+    int SystemConnect(Ipv4 address, std::uint16_t port) override;
+    Moved SystemSend(const char* bytes, std::size_t size) override;
+    Moved SystemReceive(char* bytes, std::size_t size) override;
+    void SystemEndSending() override { wants += '.'; }
+    void SystemClose() override { wants.clear(); }
+    void WantsChanged() override;
 
    private:
     FakeSocketHost& host_;
-    State state_ = State::Closed;
     std::uint16_t port_ = 0;
-    std::string arrived_;
   };
 
-  std::unique_ptr<TcpSocket> NewSocket() override;
+  explicit FakeSocketHost(EventLoop& loop) : loop_(loop) {}
+  std::unique_ptr<TcpSocket> NewSocket(Use use) override;
+
   std::list<Socket*> sockets;     // in the order of their making
   std::set<std::uint16_t> taken;  // ports on which nobody can listen
   bool clientsGo = false;         // before they are accepted
+  // Of names; without addresses there is no answer. Others are not known.
+  std::map<std::string, std::vector<Ipv4>> names;
+  std::map<Ipv4, int> unreachable;  // refused at once, with that error
+
+ private:
+  EventLoop& loop_;
+  SharedArrivals arrivals_;
 };
 
 }  // namespace orvanto

@@ -114,7 +114,8 @@ TEST(PosixLoop, HandsSignalsToTheHandlerFromTheLoop) {
 
 TEST(PosixSocket, WaitsForNothingButAsksSilentPeers) {
   PosixLoop loop;
-  const auto socket = PosixSocketHost(loop).NewSocket();
+  PosixSocketHost host(loop);
+  const auto socket = host.NewSocket(SocketHost::Use::Conversation);
   const int next = Descriptor(::dup(STDERR_FILENO)).Get();  // the number that is free again
   ASSERT_TRUE(socket->Listen(0));
   const std::array<int, 3> expected[] = {{IPPROTO_TCP, TCP_NODELAY, 1},
@@ -133,8 +134,8 @@ TEST(PosixSocket, WaitsForNothingButAsksSilentPeers) {
 TEST(PosixSocket, AListenerWithoutDescriptorsTriesAgain) {
   PosixLoop loop;
   PosixSocketHost host(loop);
-  const auto listener = host.NewSocket();
-  const auto client = host.NewSocket();
+  const auto listener = host.NewSocket(SocketHost::Use::Conversation);
+  const auto client = host.NewSocket(SocketHost::Use::Conversation);
   ASSERT_TRUE(listener->Listen(0));
   listener->onConnectionRequest = [&](TcpSocket::RequestId) { loop.Quit(); };
   client->Connect("127.0.0.1", listener->LocalPort());
