@@ -70,6 +70,9 @@ class OneFile : public Files {
   void ListFolder(const std::string& folder, const EachEntry& each) override {
     if (folder == "c:\\" && each("d", EntryKind::Folder)) each("f", EntryKind::File);
   }
+  void ListDetails(const std::string&, const std::function<bool(const Entry&)>&) override {}
+  std::vector<std::string> Drives() const override { return {}; }
+  Opened Open(const std::string&, Access) override { return {nullptr, kPermissionError}; }
   bool Read(const std::string& path, std::string& contents) override {
     contents = script;
     return path.find("script") != path.npos;
@@ -77,6 +80,7 @@ class OneFile : public Files {
   std::string FromCodePage(const std::string& bytes) const override { return bytes; }
   std::string Copy(const std::string&, const std::string&) override { return "no"; }
   std::string Remove(const std::string&) override { return "no"; }
+  std::string RemoveFolder(const std::string&) override { return "no"; }
   bool Append(const std::string&, const std::string&) override { return false; }
   std::string script;
 };

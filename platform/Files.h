@@ -3,8 +3,14 @@
 // does not exist as it is written is looked up without regard to case.
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
+#include <vector>
+
+#include "platform/Clock.h"
+#include "platform/File.h"
 
 namespace orvanto {
 
@@ -28,6 +34,29 @@ class Files {
   using EachEntry = std::function<bool(const std::string& name, EntryKind kind)>;
   virtual void ListFolder(const std::string& folder, const EachEntry& each) = 0;
 
+  // The same with what the listing tells besides, or for a link what it leads to. The size of a
+  // folder is 0; the time is local.
+  struct Entry {
+    std::string name;
+    EntryKind kind;
+    std::uint64_t size;
+    DateTime changed;
+  };
+  virtual void ListDetails(const std::string& folder,
+                           const std::function<bool(const Entry& entry)>& each) = 0;
+
+  // The roots of the drives, as "C:\\".
+  virtual std::vector<std::string> Drives() const = 0;
+
+  // A file to be read, or to be written and read: it is made when it is missing, and keeps what it
+  // holds. No file comes with an error. What is no file (a folder, a device, a pipe) is not opened.
+  enum class Access { Read, Write };
+  struct Opened {
+    std::unique_ptr<File> file;
+    ErrorNumber error;
+  };
+  virtual Opened Open(const std::string& path, Access access) = 0;
+
   // The whole file; false when it cannot be read.
   virtual bool Read(const std::string& path, std::string& contents) = 0;
 
@@ -38,6 +67,8 @@ class Files {
   // file; copying a file onto itself is a failure.
   virtual std::string Copy(const std::string& from, const std::string& to) = 0;
   virtual std::string Remove(const std::string& path) = 0;
+  // A folder that is empty.
+  virtual std::string RemoveFolder(const std::string& path) = 0;
 
   // Appends the bytes, creating the file when it is missing. False when that failed.
   virtual bool Append(const std::string& path, const std::string& bytes) = 0;

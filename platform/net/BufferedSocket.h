@@ -132,9 +132,9 @@ class BufferedSocket : public TcpSocket {
   std::string fetched_;     // what GetData has handed out of kept_
   bool paused_ = false;     // enough waits to be fetched; GetData goes on
 
-  bool ended_ = false;      // the peer sends nothing more
-  bool readingOut_ = false; // see ReceiveRest
-  bool failing_ = false;    // see FailSending
+  bool ended_ = false;       // the peer sends nothing more
+  bool readingOut_ = false;  // see ReceiveRest
+  bool failing_ = false;     // see FailSending
   int lastError_ = 0;
   std::uint64_t generation_ = 0;
   const std::unique_ptr<Deferred> complete_;

@@ -19,8 +19,8 @@ std::vector<Ipv4> SystemAddressesOf(const std::string& name);
 // One question. Destroying it takes it back: nobody waits for the thread, which ends when it can.
 class NameLookUp {
  public:
-  // Calls `answer` once, from the loop; this may be destroyed in it. Throws std::system_error where there is no thread or
-  // descriptor left.
+  // Calls `answer` once, from the loop; this may be destroyed in it. Throws std::system_error where
+  // there is no thread or descriptor left.
   NameLookUp(PosixLoop& loop, const AddressesOf& ask, const std::string& name,
              std::function<void(const std::vector<Ipv4>&)> answer);
 

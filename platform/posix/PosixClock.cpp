@@ -2,6 +2,8 @@
 
 #include <time.h>
 
+#include "platform/posix/LocalTime.h"
+
 namespace orvanto::posix {
 namespace {
 
@@ -31,11 +33,7 @@ DateTime PosixClock::Now() const {
     zoneRead_ = now;
     ::tzset();  // localtime_r does not look at the zone again by itself
   }
-  const time_t seconds = PreciseTime().tv_sec;
-  tm local{};
-  ::localtime_r(&seconds, &local);
-  return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,    local.tm_hour,
-          local.tm_min,         local.tm_sec,     local.tm_wday + 1};
+  return LocalTime(PreciseTime().tv_sec);
 }
 
 std::int64_t PosixClock::UnixMilliseconds() const {

@@ -6,12 +6,16 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/LocalTime.h"
 #include "platform/posix/Paths.h"
 #include "platform/text/Utf8.h"
 
@@ -34,6 +38,86 @@ Files::EntryKind KindOf(int directory, const dirent& entry) {
   return entry.d_name[0] == '.' ? Files::EntryKind::Hidden : Files::EntryKind::File;
 }
 
+// Calls each(directory's descriptor, entry) until that returns false.
+template <typename Each>
+void Walk(const std::string& folder, Each&& each) {
+  const std::unique_ptr<DIR, int (*)(DIR*)> directory(::opendir(ToNative(folder).c_str()),
+                                                      ::closedir);
+  if (!directory) return;
+  while (const dirent* entry = ::readdir(directory.get())) {
+    const std::string_view name = entry->d_name;
+    if (name == "." || name == ".." || name.find('\\') != name.npos) continue;
+    if (!each(::dirfd(directory.get()), *entry)) return;
+  }
+}
+
+ErrorNumber Number(int error) {
+  switch (error) {
+    case ENOENT:
+      return kFileNotFoundError;
+    case ENOTDIR:
+      return kPathNotFoundError;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+    case ETXTBSY:
+      return kPermissionError;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+      return kDiskFullError;
+    case EMFILE:
+    case ENFILE:
+      return kTooManyFilesError;
+    case EISDIR:
+    case ENXIO:
+      return kPathAccessError;
+    default:
+      return kDeviceError;
+  }
+}
+
+class PosixFile : public File {
+ public:
+  explicit PosixFile(Descriptor file) : file_(std::move(file)) {}
+
+  ReadResult ReadAt(std::uint64_t offset, char* bytes, std::size_t size) override {
+    ReadResult read{0, kNoError};
+    while (read.count < size) {
+      const ssize_t count = ::pread(file_.Get(), bytes + read.count, size - read.count,
+                                    static_cast<off_t>(offset + read.count));
+      if (count < 0 && errno == EINTR) continue;
+      if (count < 0) read.error = Number(errno);
+      if (count <= 0) break;
+      read.count += static_cast<std::size_t>(count);
+    }
+    return read;
+  }
+
+  ErrorNumber WriteAt(std::uint64_t offset, std::string_view bytes) override {
+    while (!bytes.empty()) {
+      const ssize_t count =
+          ::pwrite(file_.Get(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
+      if (count < 0 && errno == EINTR) continue;
+      if (count < 0) return Number(errno);
+      bytes.remove_prefix(static_cast<std::size_t>(count));
+      offset += static_cast<std::uint64_t>(count);
+    }
+    return kNoError;
+  }
+
+  std::uint64_t Size() const override {
+    struct stat status {};
+    ::fstat(file_.Get(), &status);
+    return static_cast<std::uint64_t>(status.st_size);
+  }
+
+  ErrorNumber Flush() override { return ::fsync(file_.Get()) == 0 ? kNoError : Number(errno); }
+
+ private:
+  const Descriptor file_;
+};
+
 }  // namespace
 
 bool PosixFiles::Exists(const std::string& path) const {
@@ -42,15 +126,37 @@ bool PosixFiles::Exists(const std::string& path) const {
 }
 
 void PosixFiles::ListFolder(const std::string& folder, const EachEntry& each) {
-  const std::unique_ptr<DIR, int (*)(DIR*)> directory(::opendir(ToNative(folder).c_str()),
-                                                      ::closedir);
-  if (!directory) return;
-  std::string name;
-  while (const dirent* entry = ::readdir(directory.get())) {
-    name = entry->d_name;
-    if (name == "." || name == ".." || name.find('\\') != std::string::npos) continue;
-    if (!each(name, KindOf(::dirfd(directory.get()), *entry))) return;
-  }
+  Walk(folder, [&, name = std::string()](int directory, const dirent& entry) mutable {
+    name = entry.d_name;
+    return each(name, KindOf(directory, entry));
+  });
+}
+
+void PosixFiles::ListDetails(const std::string& folder,
+                             const std::function<bool(const Entry& entry)>& each) {
+  Walk(folder, [&](int directory, const dirent& entry) {
+    struct stat status {};
+    // Of a link that leads nowhere, its own.
+    if (::fstatat(directory, entry.d_name, &status, 0) != 0 &&
+        ::fstatat(directory, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+      return true;  // gone meanwhile
+    }
+    const auto size = S_ISDIR(status.st_mode) ? 0 : static_cast<std::uint64_t>(status.st_size);
+    return each({entry.d_name, KindOf(directory, entry), size, LocalTime(status.st_mtime)});
+  });
+}
+
+std::vector<std::string> PosixFiles::Drives() const { return {FromNative("/")}; }
+
+Files::Opened PosixFiles::Open(const std::string& path, Access access) {
+  const int how = access == Access::Read ? O_RDONLY : O_RDWR | O_CREAT;
+  // Without O_NONBLOCK the opening of a pipe would never return.
+  Descriptor file(::open(ToNative(path).c_str(), how | O_CLOEXEC | O_NONBLOCK, 0666));
+  if (!file) return {nullptr, Number(errno)};
+  struct stat status {};
+  ::fstat(file.Get(), &status);
+  if (!S_ISREG(status.st_mode)) return {nullptr, kPathAccessError};
+  return {std::make_unique<PosixFile>(std::move(file)), kNoError};
 }
 
 bool PosixFiles::Read(const std::string& path, std::string& contents) {
@@ -92,6 +198,10 @@ std::string PosixFiles::Copy(const std::string& from, const std::string& to) {
 
 std::string PosixFiles::Remove(const std::string& path) {
   return ::unlink(ToNative(path).c_str()) == 0 ? "" : std::strerror(errno);
+}
+
+std::string PosixFiles::RemoveFolder(const std::string& path) {
+  return ::rmdir(ToNative(path).c_str()) == 0 ? "" : std::strerror(errno);
 }
 
 bool PosixFiles::Append(const std::string& path, const std::string& bytes) {

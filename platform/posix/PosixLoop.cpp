@@ -94,8 +94,7 @@ PosixLoop::PosixLoop()
     : epoll_(::epoll_create1(EPOLL_CLOEXEC)),
       alarm_(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)) {
   epoll_event wanted{.events = EPOLLIN, .data = {.ptr = nullptr}};
-  if (!epoll_ || !alarm_ ||
-      ::epoll_ctl(epoll_.Get(), EPOLL_CTL_ADD, alarm_.Get(), &wanted) != 0) {
+  if (!epoll_ || !alarm_ || ::epoll_ctl(epoll_.Get(), EPOLL_CTL_ADD, alarm_.Get(), &wanted) != 0) {
     throw std::system_error(errno, std::generic_category(), "event loop");
   }
 }
@@ -113,8 +112,8 @@ std::unique_ptr<Timer> PosixLoop::NewTimer(std::function<void()> handler) {
 
 std::unique_ptr<PosixLoop::Watch> PosixLoop::WatchFd(int fd, short events,
                                                      std::function<void(short)> handler) {
-  auto watch = std::make_unique<PosixWatch>(
-      *this, std::make_shared<WatchEntry>(fd, std::move(handler)));
+  auto watch =
+      std::make_unique<PosixWatch>(*this, std::make_shared<WatchEntry>(fd, std::move(handler)));
   watch->SetEvents(events);
   return watch;
 }

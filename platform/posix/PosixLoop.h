@@ -85,10 +85,10 @@ class PosixLoop : public EventLoop {
 
   const Descriptor epoll_;
   const Descriptor alarm_;
-  Clock::time_point alarmAt_;    // zero: it is not set
-  Clock::time_point lookedAt_;   // at the descriptors, while there was other work
+  Clock::time_point alarmAt_;   // zero: it is not set
+  Clock::time_point lookedAt_;  // at the descriptors, while there was other work
   std::vector<std::shared_ptr<WatchEntry>> unwatchable_;
-  std::vector<std::pair<std::shared_ptr<WatchEntry>, short>> ready_;  // empty; for its memory
+  std::vector<std::pair<std::shared_ptr<WatchEntry>, short>> ready_;      // empty; for its memory
   std::multimap<Clock::time_point, std::shared_ptr<TimerEntry>> timers_;  // those that run, by due
   WorkQueue work_;
   int holds_ = 0;

@@ -76,20 +76,14 @@ std::optional<Ipv4> NumericAddress(const std::string& text) {
 
 // Of the system's error.
 int Number(int error) {
-  constexpr std::pair<int, SocketError> kNumbers[] = {{EACCES, kSocketAccessDenied},
-                                                      {EPERM, kSocketAccessDenied},
-                                                      {EMFILE, kTooManySockets},
-                                                      {ENFILE, kTooManySockets},
-                                                      {EADDRINUSE, kAddressInUse},
-                                                      {EADDRNOTAVAIL, kAddressNotAvailable},
-                                                      {ENETDOWN, kNetworkDown},
-                                                      {ENETUNREACH, kNetworkUnreachable},
-                                                      {ECONNRESET, kConnectionReset},
-                                                      {EPIPE, kConnectionReset},
-                                                      {ENOBUFS, kNoBufferSpace},
-                                                      {ETIMEDOUT, kConnectTimedOut},
-                                                      {ECONNREFUSED, kConnectionRefused},
-                                                      {EHOSTUNREACH, kHostUnreachable}};
+  constexpr std::pair<int, SocketError> kNumbers[] = {
+      {EACCES, kSocketAccessDenied},      {EPERM, kSocketAccessDenied},
+      {EMFILE, kTooManySockets},          {ENFILE, kTooManySockets},
+      {EADDRINUSE, kAddressInUse},        {EADDRNOTAVAIL, kAddressNotAvailable},
+      {ENETDOWN, kNetworkDown},           {ENETUNREACH, kNetworkUnreachable},
+      {ECONNRESET, kConnectionReset},     {EPIPE, kConnectionReset},
+      {ENOBUFS, kNoBufferSpace},          {ETIMEDOUT, kConnectTimedOut},
+      {ECONNREFUSED, kConnectionRefused}, {EHOSTUNREACH, kHostUnreachable}};
   for (const auto& [system, number] : kNumbers) {
     if (error == system) return number;
   }
@@ -108,8 +102,8 @@ std::optional<sockaddr_in> EndOf(const Descriptor& fd, AddressOf* which) {
 
 class PosixSocket : public BufferedSocket {
  public:
-  PosixSocket(PosixLoop& loop, SharedArrivals& arrivals, SocketHost::Use use, const AddressesOf& addressesOf,
-              ConnectionRequests<Descriptor>& requests)
+  PosixSocket(PosixLoop& loop, SharedArrivals& arrivals, SocketHost::Use use,
+              const AddressesOf& addressesOf, ConnectionRequests<Descriptor>& requests)
       : BufferedSocket({loop, arrivals}, use),
         loop_(loop),
         addressesOf_(addressesOf),
@@ -244,12 +238,11 @@ bool PosixSocket::Accept(RequestId request) {
 void PosixSocket::SystemLookUp(const std::string& host) {
   if (const auto address = NumericAddress(host)) return Found({*address}, 0);
   try {
-    lookUp_ = std::make_unique<NameLookUp>(
-        loop_, addressesOf_, host,
-        [this](const std::vector<Ipv4>& found) {
-          lookUp_.reset();
-          Found(found, kHostNotFound);
-        });
+    lookUp_ = std::make_unique<NameLookUp>(loop_, addressesOf_, host,
+                                           [this](const std::vector<Ipv4>& found) {
+                                             lookUp_.reset();
+                                             Found(found, kHostNotFound);
+                                           });
   } catch (const std::system_error& error) {
     Found({}, Number(error.code().value()));
   }

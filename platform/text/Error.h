@@ -8,6 +8,7 @@
 namespace orvanto {
 
 enum ErrorNumber : int {
+  kNoError = 0,
   kIllegalCall = 5,
   kOverflow = 6,
   kSubscriptOutOfRange = 9,
@@ -15,6 +16,12 @@ enum ErrorNumber : int {
   kInternalError = 51,
   kFileNotFoundError = 53,
   kFileAlreadyOpen = 55,
+  kDeviceError = 57,
+  kDiskFullError = 61,
+  kTooManyFilesError = 67,
+  kPermissionError = 70,
+  kPathAccessError = 75,
+  kPathNotFoundError = 76,
 };
 
 // Where a number reaches a log or a remote text, it is this.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <utility>
 
 #include "platform/win32/Handle.h"
 #include "platform/win32/Text.h"
@@ -60,6 +61,112 @@ Files::EntryKind KindOf(const WIN32_FIND_DATAW& entry) {
                                                                       : Files::EntryKind::File;
 }
 
+ErrorNumber Number(DWORD error) {
+  switch (error) {
+    case ERROR_FILE_NOT_FOUND:
+      return kFileNotFoundError;
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_INVALID_NAME:
+    case ERROR_BAD_PATHNAME:
+      return kPathNotFoundError;
+    case ERROR_ACCESS_DENIED:
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+    case ERROR_WRITE_PROTECT:
+      return kPermissionError;
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL:
+    case ERROR_FILE_TOO_LARGE:
+      return kDiskFullError;
+    case ERROR_TOO_MANY_OPEN_FILES:
+      return kTooManyFilesError;
+    default:
+      return kDeviceError;
+  }
+}
+
+OVERLAPPED At(std::uint64_t offset) {
+  OVERLAPPED place{};
+  place.Offset = static_cast<DWORD>(offset);
+  place.OffsetHigh = static_cast<DWORD>(offset >> 32);
+  return place;
+}
+
+// Of one call.
+DWORD Piece(std::size_t size) { return static_cast<DWORD>(std::min<std::size_t>(size, 1 << 30)); }
+
+class Win32File : public File {
+ public:
+  explicit Win32File(FileHandle file) : file_(std::move(file)) {}
+
+  ReadResult ReadAt(std::uint64_t offset, char* bytes, std::size_t size) override {
+    ReadResult read{0, kNoError};
+    while (read.count < size) {
+      OVERLAPPED place = At(offset + read.count);
+      DWORD count = 0;
+      const bool done = ReadFile(file_.Get(), bytes + read.count, Piece(size - read.count), &count,
+                                 &place) != FALSE;
+      if (!done && GetLastError() != ERROR_HANDLE_EOF) read.error = Number(GetLastError());
+      if (!done || count == 0) break;
+      read.count += count;
+    }
+    return read;
+  }
+
+  ErrorNumber WriteAt(std::uint64_t offset, std::string_view bytes) override {
+    while (!bytes.empty()) {
+      OVERLAPPED place = At(offset);
+      DWORD count = 0;
+      if (!WriteFile(file_.Get(), bytes.data(), Piece(bytes.size()), &count, &place)) {
+        return Number(GetLastError());
+      }
+      if (count == 0) return kDiskFullError;
+      bytes.remove_prefix(count);
+      offset += count;
+    }
+    return kNoError;
+  }
+
+  std::uint64_t Size() const override {
+    LARGE_INTEGER size = {};
+    GetFileSizeEx(file_.Get(), &size);
+    return static_cast<std::uint64_t>(size.QuadPart);
+  }
+
+  ErrorNumber Flush() override {
+    return FlushFileBuffers(file_.Get()) ? kNoError : Number(GetLastError());
+  }
+
+ private:
+  const FileHandle file_;
+};
+
+DateTime LocalTime(const FILETIME& moment) {
+  SYSTEMTIME utc{};
+  SYSTEMTIME local{};
+  FileTimeToSystemTime(&moment, &utc);
+  if (!SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local)) local = utc;
+  return {local.wYear,   local.wMonth,  local.wDay,          local.wHour,
+          local.wMinute, local.wSecond, local.wDayOfWeek + 1};
+}
+
+// Calls each(entry) until that returns false.
+template <typename Each>
+void Walk(const std::string& folder, Each&& each) {
+  if (folder.empty()) return;  // would be the root
+  const std::wstring pattern = SystemPath(folder.ends_with('\\') ? folder + "*" : folder + "\\*");
+  WIN32_FIND_DATAW entry;
+  const FindHandle find(FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &entry,
+                                         FindExSearchNameMatch, nullptr,
+                                         FIND_FIRST_EX_LARGE_FETCH));
+  if (!find) return;
+  do {
+    const wchar_t* name = entry.cFileName;
+    if (std::wcscmp(name, L".") == 0 || std::wcscmp(name, L"..") == 0) continue;
+    if (!each(entry)) return;
+  } while (FindNextFileW(find.Get(), &entry));
+}
+
 }  // namespace
 
 bool Win32Files::Exists(const std::string& path) const {
@@ -77,18 +184,38 @@ bool Win32Files::Exists(const std::string& path) const {
 }
 
 void Win32Files::ListFolder(const std::string& folder, const EachEntry& each) {
-  if (folder.empty()) return;  // would be the root
-  const std::wstring pattern = SystemPath(folder.ends_with('\\') ? folder + "*" : folder + "\\*");
-  WIN32_FIND_DATAW entry;
-  const FindHandle find(FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &entry,
-                                         FindExSearchNameMatch, nullptr,
-                                         FIND_FIRST_EX_LARGE_FETCH));
-  if (!find) return;
-  do {
-    const wchar_t* name = entry.cFileName;
-    if (std::wcscmp(name, L".") == 0 || std::wcscmp(name, L"..") == 0) continue;
-    if (!each(ToUtf8(name), KindOf(entry))) return;
-  } while (FindNextFileW(find.Get(), &entry));
+  Walk(folder,
+       [&](const WIN32_FIND_DATAW& entry) { return each(ToUtf8(entry.cFileName), KindOf(entry)); });
+}
+
+void Win32Files::ListDetails(const std::string& folder,
+                             const std::function<bool(const Entry& entry)>& each) {
+  Walk(folder, [&](const WIN32_FIND_DATAW& entry) {
+    const bool isFolder = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    const std::uint64_t size = std::uint64_t{entry.nFileSizeHigh} << 32 | entry.nFileSizeLow;
+    return each({ToUtf8(entry.cFileName), KindOf(entry), isFolder ? 0 : size,
+                 LocalTime(entry.ftLastWriteTime)});
+  });
+}
+
+std::vector<std::string> Win32Files::Drives() const {
+  std::vector<std::string> drives;
+  const DWORD present = GetLogicalDrives();
+  for (char letter = 'A'; letter <= 'Z'; ++letter) {
+    if (present >> (letter - 'A') & 1) drives.push_back(std::string(1, letter) + ":\\");
+  }
+  return drives;
+}
+
+Files::Opened Win32Files::Open(const std::string& path, Access access) {
+  const bool write = access == Access::Write;
+  FileHandle file(CreateFileW(SystemPath(path).c_str(),
+                              write ? GENERIC_READ | GENERIC_WRITE : GENERIC_READ,
+                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                              write ? OPEN_ALWAYS : OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  if (!file) return {nullptr, Number(GetLastError())};
+  if (GetFileType(file.Get()) != FILE_TYPE_DISK) return {nullptr, kPathAccessError};
+  return {std::make_unique<Win32File>(std::move(file)), kNoError};
 }
 
 bool Win32Files::Read(const std::string& path, std::string& contents) {
@@ -130,6 +257,10 @@ std::string Win32Files::Copy(const std::string& from, const std::string& to) {
 
 std::string Win32Files::Remove(const std::string& path) {
   return DeleteFileW(SystemPath(path).c_str()) ? "" : Reason();
+}
+
+std::string Win32Files::RemoveFolder(const std::string& path) {
+  return RemoveDirectoryW(SystemPath(path).c_str()) ? "" : Reason();
 }
 
 bool Win32Files::Append(const std::string& path, const std::string& bytes) {

@@ -10,10 +10,15 @@ class Win32Files : public Files {
   bool TellsCaseApart() const override { return false; }
   bool Exists(const std::string& path) const override;
   void ListFolder(const std::string& folder, const EachEntry& each) override;
+  void ListDetails(const std::string& folder,
+                   const std::function<bool(const Entry& entry)>& each) override;
+  std::vector<std::string> Drives() const override;
+  Opened Open(const std::string& path, Access access) override;
   bool Read(const std::string& path, std::string& contents) override;
   std::string FromCodePage(const std::string& bytes) const override;
   std::string Copy(const std::string& from, const std::string& to) override;
   std::string Remove(const std::string& path) override;
+  std::string RemoveFolder(const std::string& path) override;
   bool Append(const std::string& path, const std::string& bytes) override;
 };
 

@@ -1,10 +1,15 @@
 // What every host's files keep to.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <ctime>
 #include <filesystem>
 #include <set>
 
 #include "tests/platform/contracts.h"
+#include "tests/support/FakeFiles.h"
 #include "tests/support/TemporaryDirectory.h"
 
 namespace orvanto {
@@ -75,6 +80,84 @@ TEST_F(FilesContract, ListsFoldersAndTellsWhatExists) {
   for (const std::string& none : {In("none"), In("SUB.dir"), In(""), std::string()}) {
     EXPECT_FALSE(files_->Exists(none)) << none;
   }
+}
+
+// `far` is where a file may end.
+void ReadAndWriteAnywhere(Files& files, const std::string& path, std::uint64_t far) {
+  using Access = Files::Access;
+  EXPECT_EQ(files.Open(path, Access::Read).error, kFileNotFoundError);
+  const auto opened = files.Open(path, Access::Write);
+  ASSERT_EQ(opened.error, kNoError);
+  File& file = *opened.file;
+  EXPECT_EQ(file.WriteAt(0, "0123456789"), kNoError);
+  EXPECT_EQ(file.WriteAt(2, "ab"), kNoError);
+  const auto other = files.Open(path, Access::Write).file;  // it is not cut
+  EXPECT_EQ(other->WriteAt(8, "xyz"), kNoError);
+  EXPECT_EQ(file.Flush(), kNoError);
+  std::string all;
+  EXPECT_TRUE(files.Read(path, all));
+  EXPECT_EQ(all, "01ab4567xyz");
+  char bytes[8] = {};
+  const auto read = [&](std::uint64_t offset) {
+    const auto result = file.ReadAt(offset, bytes, sizeof bytes);
+    EXPECT_EQ(result.error, kNoError);
+    return std::string(bytes, result.count);
+  };
+  EXPECT_EQ(read(1), "1ab4567x");
+  EXPECT_EQ(read(9), "yz");
+  EXPECT_EQ(read(11) + read(2 * far), "");
+  EXPECT_EQ(file.WriteAt(far, "!"), kNoError);
+  EXPECT_EQ(file.Size(), far + 1);
+  EXPECT_EQ(read(far - 1), std::string("\0!", 2));
+  EXPECT_EQ(files.Remove(path), "") << "an open file is in nobody's way";
+}
+
+TEST_F(FilesContract, ReadsAndWritesAnywhereInAFile) {
+  ReadAndWriteAnywhere(*files_, In("new"), (std::uint64_t{4} << 30) + 1);
+  FakeFiles fake;
+  ReadAndWriteAnywhere(fake, "C:\\new", 1000);
+
+  std::filesystem::create_directory(directory_ / "folder");
+  for (const char* name : {"none\\new", "folder"}) {
+    EXPECT_NE(files_->Open(In(name), Files::Access::Write).error, kNoError) << name;
+  }
+  ASSERT_TRUE(files_->Append(In("READ"), "x"));
+  const auto reader = files_->Open(In("read"), Files::Access::Read).file;
+  ASSERT_TRUE(reader);
+  EXPECT_NE(reader->WriteAt(0, "no"), kNoError);
+  EXPECT_EQ(Read("READ"), "x");
+}
+
+TEST_F(FilesContract, ListsWithDetailsAndRemovesFolders) {
+  ASSERT_TRUE(files_->Append(In("file"), std::string(1234, 'x')));
+  std::filesystem::create_directory(directory_ / "folder");
+  ASSERT_TRUE(files_->Append(In("folder\\full"), "x"));
+  // A moment in winter and one in summer, of which the zone may make different hours.
+  for (const std::time_t moment : {1704445445, 1720173845}) {
+    const std::chrono::sys_seconds time{std::chrono::seconds(moment)};
+    std::filesystem::last_write_time(directory_ / "file", std::chrono::file_clock::from_sys(time));
+    const std::tm* local = std::localtime(&moment);
+    std::set<std::string> seen;
+    files_->ListDetails(In(""), [&](const Files::Entry& entry) {
+      seen.insert(entry.name + (entry.kind == Files::EntryKind::Folder ? "\\" : " ") +
+                  std::to_string(entry.size));
+      if (entry.name == "folder") return true;
+      const DateTime& is = entry.changed;
+      EXPECT_EQ((std::array{is.year, is.month, is.day, is.hour, is.minute, is.second, is.weekday}),
+                (std::array{2024, local->tm_mon + 1, local->tm_mday, local->tm_hour, local->tm_min,
+                            local->tm_sec, local->tm_wday + 1}));
+      return true;
+    });
+    EXPECT_EQ(seen, (std::set<std::string>{"file 1234", "folder\\0"}));
+  }
+  EXPECT_NE(files_->RemoveFolder(In("folder")), "") << "it is not empty";
+  EXPECT_NE(files_->RemoveFolder(In("file")), "");
+  EXPECT_EQ(files_->Remove(In("folder\\full")), "");
+  EXPECT_EQ(files_->RemoveFolder(In("FOLDER")), "");
+  EXPECT_FALSE(std::filesystem::exists(directory_ / "folder"));
+  const auto drives = files_->Drives();
+  EXPECT_TRUE(std::any_of(drives.begin(), drives.end(),
+                          [&](const std::string& drive) { return In("").starts_with(drive); }));
 }
 
 }  // namespace

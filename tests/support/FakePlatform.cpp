@@ -8,7 +8,6 @@
 #include <stdexcept>
 
 #include "platform/text/Case.h"
-#include "platform/text/Utf8.h"
 
 namespace orvanto {
 namespace {
@@ -123,57 +122,6 @@ void FakeLoop::Advance(std::int64_t milliseconds) {
   while (monotonic_ < until && DeliverNext(until)) {
   }
   if (monotonic_ < until) Pass(until - monotonic_);
-}
-
-std::map<std::string, std::string>::const_iterator FakeFiles::Find(const std::string& path) const {
-  const auto exact = contents.find(path);
-  if (exact != contents.end()) return exact;
-  return std::find_if(contents.begin(), contents.end(),
-                      [&](const auto& file) { return FoldCase(file.first) == FoldCase(path); });
-}
-
-bool FakeFiles::Exists(const std::string& path) const { return Find(path) != contents.end(); }
-
-void FakeFiles::ListFolder(const std::string& folder, const EachEntry& each) {
-  const auto listing = listings.find(folder);
-  if (listing == listings.end()) return;
-  for (const std::string& entry : std::vector<std::string>(listing->second)) {
-    const EntryKind kind = entry.ends_with('\\')  ? EntryKind::Folder
-                           : entry.ends_with('@') ? EntryKind::FolderLink
-                           : entry.ends_with('*') ? EntryKind::Hidden
-                                                  : EntryKind::File;
-    if (!each(entry.substr(0, entry.size() - (kind != EntryKind::File ? 1 : 0)), kind)) return;
-  }
-}
-
-bool FakeFiles::Read(const std::string& path, std::string& text) {
-  const auto file = Find(path);
-  if (file == contents.end()) return false;
-  text = file->second;
-  return true;
-}
-
-std::string FakeFiles::FromCodePage(const std::string& bytes) const {
-  std::string text;
-  for (const char c : bytes) AppendUtf8(static_cast<unsigned char>(c), text);
-  return text;
-}
-
-std::string FakeFiles::Copy(const std::string& from, const std::string& to) {
-  if (locked.count(from) != 0) return "It is locked.";
-  contents[to] = Find(from)->second;
-  return "";
-}
-
-std::string FakeFiles::Remove(const std::string& path) {
-  if (locked.count(path) != 0) return "It is locked.";
-  contents.erase(Find(path));
-  return "";
-}
-
-bool FakeFiles::Append(const std::string& path, const std::string& bytes) {
-  contents[path] += bytes;
-  return true;
 }
 
 std::vector<Desktop::Window> FakeDesktop::TopLevelWindows() {
