@@ -6,9 +6,9 @@
 namespace orvanto {
 
 // Enter presses the first one, but No in NoUnlessYes, which has the buttons of YesNo.
-enum class Buttons { Ok, OkCancel, YesNo, NoUnlessYes };
-enum class BoxIcon { None, Question };
-enum class Answer { Ok, Cancel, Yes, No };
+enum class Buttons { Ok, OkCancel, YesNo, NoUnlessYes, RetryCancel };
+enum class BoxIcon { None, Question, Critical };
+enum class Answer { Ok, Cancel, Yes, No, Retry };
 
 class MessageBoxes {
  public:

@@ -20,6 +20,11 @@ void PictureBox::AddBar(Bounds place, std::uint32_t colour) {
   AddText({}, place, colour, Align::Left);
 }
 
+void PictureBox::AddInvertingBar(Bounds place, std::uint32_t colour) {
+  drawings_.push_back({place, colour, {}, Align::Left, true});
+  Changed(Property::Drawing);
+}
+
 void PictureBox::AddText(std::string text, Bounds place, std::uint32_t colour, Align align) {
   drawings_.push_back({place, colour, std::move(text), align});
   Changed(Property::Drawing);

@@ -21,6 +21,9 @@ class PictureBox : public Control {
     std::uint32_t colour;
     std::string text;
     Align align;
+    // A bar that inverts what lies under it (not-xor-pen): on the ground it shows its colour, and
+    // of a black text the opposite of that. The ground of such a box is white.
+    bool inverts = false;
   };
 
   PictureBox(Form& form, const Control* container, Bounds bounds);
@@ -30,6 +33,7 @@ class PictureBox : public Control {
   const std::vector<Drawing>& Drawings() const { return drawings_; }
   void Clear();
   void AddBar(Bounds place, std::uint32_t colour);
+  void AddInvertingBar(Bounds place, std::uint32_t colour);
   void AddText(std::string text, Bounds place, std::uint32_t colour, Align align);
 
  private:

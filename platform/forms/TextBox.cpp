@@ -1,6 +1,7 @@
 #include "platform/forms/TextBox.h"
 
 #include "platform/forms/ControlVisitor.h"
+#include "platform/text/Utf8.h"
 
 namespace orvanto::forms {
 
@@ -14,6 +15,16 @@ bool TextBox::Type(const std::string& text) {
   SetText(text);
   Raise(onChange);
   return true;
+}
+
+bool TextBox::Press(const std::string& keys) {
+  std::string text = Text();
+  char32_t character = 0;
+  for (std::size_t at = 0; at < keys.size(); at += DecodeUtf8(keys, at, character)) {
+    const std::size_t length = DecodeUtf8(keys, at, character);
+    if (!takesKey || takesKey(character)) text += keys.substr(at, length);
+  }
+  return text != Text() && Type(text);
 }
 
 bool TextBox::PressEnter() {

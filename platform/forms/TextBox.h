@@ -22,6 +22,10 @@ class TextBox : public Control {
 
   const Style& GetStyle() const { return style_; }
 
+  // Of the keys that make a character, control characters such as backspace included: whether it
+  // is taken. To be set before the form loads. What is pasted is not asked about.
+  std::function<bool(char32_t character)> takesKey;
+
   // Raised by Type, not by SetText.
   std::function<void()> onChange;
   // The Enter key in a box of one line. Without it, Enter presses the form's default button.
@@ -31,8 +35,9 @@ class TextBox : public Control {
   // affair. To be set before the form loads: without it nothing can be dropped.
   std::function<void(const std::string& text)> onDrop;
 
-  // user: replaces the contents
+  // user: replaces the contents, or adds what the keys make of it at the end
   bool Type(const std::string& text);
+  bool Press(const std::string& keys);
   bool PressEnter();
   bool Drop(const std::string& text);
 

@@ -3,6 +3,11 @@
 #include "platform/net/SocketError.h"
 
 namespace orvanto {
+namespace {
+
+constexpr int kCompletedAtOnce = 16;
+
+}  // namespace
 
 BufferedSocket::BufferedSocket(const SocketGround& ground, SocketHost::Use use)
     : ground_(ground),
@@ -109,9 +114,15 @@ void BufferedSocket::SendMore() {
   CloseIfOver();
 }
 
+// Small pieces that are sent one after the other go out some at a time, before it is another
+// connection's turn.
 void BufferedSocket::SendCompleted() {
-  if (WantsToSend() || !std::exchange(completing_, false)) return;
-  if (Raise(onSendComplete)) CloseIfOver();
+  for (int i = 0; i < kCompletedAtOnce; ++i) {
+    if (WantsToSend() || !std::exchange(completing_, false)) return;
+    complete_->Cancel();
+    if (!Raise(onSendComplete)) return;
+    if (!completing_) return CloseIfOver();
+  }
 }
 
 std::string_view BufferedSocket::GetData() {

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/posix/Descriptor.h"
 #include "platform/registry/RegistryTree.h"
@@ -15,45 +16,44 @@
 namespace orvanto::posix {
 namespace {
 
-Answer SafeAnswer(Buttons buttons) {
+struct Choice {
+  std::string_view word;  // or its first letter
+  Answer answer;
+};
+
+struct Question {
+  const char* prompt;
+  Answer safe;
+  std::vector<Choice> choices;  // none: any line will do
+};
+
+const Question& QuestionOf(Buttons buttons) {
+  static const Question kOk{"[Enter] ", Answer::Ok, {}};
+  static const Question kOkCancel{
+      "[o]k/[c]ancel: ", Answer::Cancel, {{"ok", Answer::Ok}, {"cancel", Answer::Cancel}}};
+  static const Question kYesNo{
+      "[y]es/[n]o: ", Answer::No, {{"yes", Answer::Yes}, {"no", Answer::No}}};
+  static const Question kRetryCancel{
+      "[r]etry/[c]ancel: ", Answer::Cancel, {{"retry", Answer::Retry}, {"cancel", Answer::Cancel}}};
   switch (buttons) {
     case Buttons::OkCancel:
-      return Answer::Cancel;
+      return kOkCancel;
     case Buttons::YesNo:
     case Buttons::NoUnlessYes:
-      return Answer::No;
+      return kYesNo;
+    case Buttons::RetryCancel:
+      return kRetryCancel;
     default:
-      return Answer::Ok;
+      return kOk;
   }
 }
 
-const char* Prompt(Buttons buttons) {
-  switch (buttons) {
-    case Buttons::OkCancel:
-      return "[o]k/[c]ancel: ";
-    case Buttons::YesNo:
-    case Buttons::NoUnlessYes:
-      return "[y]es/[n]o: ";
-    default:
-      return "[Enter] ";
-  }
-}
-
-std::optional<Answer> Understand(const std::string& line, Buttons buttons) {
+std::optional<Answer> Understand(const std::string& line, const Question& question) {
   const std::string word = FoldCase(line);
-  switch (buttons) {
-    case Buttons::OkCancel:
-      if (word == "o" || word == "ok") return Answer::Ok;
-      if (word == "c" || word == "cancel") return Answer::Cancel;
-      return std::nullopt;
-    case Buttons::YesNo:
-    case Buttons::NoUnlessYes:
-      if (word == "y" || word == "yes") return Answer::Yes;
-      if (word == "n" || word == "no") return Answer::No;
-      return std::nullopt;
-    default:
-      return Answer::Ok;
+  for (const Choice& choice : question.choices) {
+    if (word == choice.word || word == choice.word.substr(0, 1)) return choice.answer;
   }
+  return question.choices.empty() ? std::optional(question.safe) : std::nullopt;
 }
 
 // The text may come from a remote computer. Its line ends stay, and its tabs become blanks.
@@ -90,19 +90,20 @@ void TerminalMessageBoxes::Tell(const std::string& text, const std::string& titl
 
 Answer TerminalMessageBoxes::Ask(const std::string& text, const std::string& title,
                                  Buttons buttons) const {
+  const Question& question = QuestionOf(buttons);
   if (!CanAsk()) {
     Tell(text, title);
-    return SafeAnswer(buttons);
+    return question.safe;
   }
   Print(PrintableLine(title) + '\n' + PrintableText(text) + '\n');
   for (;;) {
-    Print(Prompt(buttons));
+    Print(question.prompt);
     const std::optional<std::string> line = ReadLine();
     if (!line) {
       Print("\n");
-      return SafeAnswer(buttons);
+      return question.safe;
     }
-    if (const auto answer = Understand(*line, buttons)) return *answer;
+    if (const auto answer = Understand(*line, question)) return *answer;
   }
 }
 

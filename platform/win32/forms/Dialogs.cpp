@@ -26,21 +26,27 @@ Answer Win32MessageBoxes::Show(const std::string& text, const std::string& title
   // Without an owner, because none of our windows is in front: task-modal, so that all of them
   // wait; top-most, so that it is not lost behind a main window that is.
   UINT type = modal.Owner() != nullptr ? 0 : MB_TASKMODAL | MB_SETFOREGROUND | MB_TOPMOST;
-  if (buttons == Buttons::OkCancel) type |= MB_OKCANCEL;
-  if (buttons == Buttons::YesNo) type |= MB_YESNO;
-  if (buttons == Buttons::NoUnlessYes) type |= MB_YESNO | MB_DEFBUTTON2;
-  if (icon == BoxIcon::Question) type |= MB_ICONQUESTION;
+  struct Kind {
+    UINT type;
+    Answer safe;  // also where the box could not be shown
+  };
+  constexpr Kind kKinds[] = {{MB_OK, Answer::Ok},
+                             {MB_OKCANCEL, Answer::Cancel},
+                             {MB_YESNO, Answer::No},
+                             {MB_YESNO | MB_DEFBUTTON2, Answer::No},
+                             {MB_RETRYCANCEL, Answer::Cancel}};
+  constexpr UINT kIcons[] = {0, MB_ICONQUESTION, MB_ICONERROR};
+  const Kind& kind = kKinds[static_cast<std::size_t>(buttons)];
+  type |= kind.type | kIcons[static_cast<std::size_t>(icon)];
   switch (MessageBoxW(modal.Owner(), ToWide(text).c_str(), ToWide(title).c_str(), type)) {
     case IDOK:
       return Answer::Ok;
     case IDYES:
       return Answer::Yes;
-    case IDCANCEL:
-      return buttons == Buttons::OkCancel ? Answer::Cancel : Answer::Ok;
-    default:  // IDNO, or a box that could not be shown
-      return buttons == Buttons::Ok         ? Answer::Ok
-             : buttons == Buttons::OkCancel ? Answer::Cancel
-                                            : Answer::No;
+    case IDRETRY:
+      return Answer::Retry;
+    default:
+      return kind.safe;
   }
 }
 

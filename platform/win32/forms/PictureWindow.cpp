@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "platform/win32/Text.h"
 #include "platform/win32/forms/ControlKinds.h"
 #include "platform/win32/forms/Painting.h"
@@ -36,11 +38,14 @@ class PictureWindow : public ControlWindow {
     const RECT& all = draw.rcItem;
     const Canvas canvas(draw.hDC, all.right, all.bottom);
     const HDC context = canvas.Get();
-    const HGDIOBJ oldFont =
-        SelectObject(context, reinterpret_cast<HFONT>(SendMessageW(window_, WM_GETFONT, 0, 0)));
-    SetBkMode(context, TRANSPARENT);
-    FillRect(context, &all, GetSysColorBrush(COLOR_WINDOW));
     const bool few = HighContrast();
+    const bool inverts = !few && Inverts();
+    const Handle<HFONT, DeleteObject> grey(inverts ? GreyFont() : nullptr);
+    const HGDIOBJ oldFont = SelectObject(context, inverts ? grey.Get() : Font());
+    SetBkMode(context, TRANSPARENT);
+    FillRect(context, &all,
+             inverts ? static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH))
+                     : GetSysColorBrush(COLOR_WINDOW));
     std::vector<RECT> bars;
     for (const auto& drawing : picture_.Drawings()) {
       const RECT place = ToPixels(drawing.place);
@@ -48,7 +53,11 @@ class PictureWindow : public ControlWindow {
         bars.push_back(place);
         const COLORREF colour = few ? GetSysColor(COLOR_HIGHLIGHT) : ToColour(drawing.colour);
         const Handle<HBRUSH, DeleteObject> brush(CreateSolidBrush(colour));
-        FillRect(context, &place, brush.Get());
+        if (inverts && drawing.inverts) {
+          Invert(context, place, brush.Get());
+        } else {
+          FillRect(context, &place, brush.Get());
+        }
         continue;
       }
       if (few) {
@@ -68,6 +77,31 @@ class PictureWindow : public ControlWindow {
     return {win32::ToPixels(place.left, dpi_), win32::ToPixels(place.top, dpi_),
             win32::ToPixels(place.left + place.width, dpi_),
             win32::ToPixels(place.top + place.height, dpi_)};
+  }
+
+  bool Inverts() const {
+    const auto& all = picture_.Drawings();
+    return std::any_of(all.begin(), all.end(), [](const auto& each) { return each.inverts; });
+  }
+
+  HFONT Font() const { return reinterpret_cast<HFONT>(SendMessageW(window_, WM_GETFONT, 0, 0)); }
+
+  // Its edges have no colours, of which the opposites would show.
+  HFONT GreyFont() const {
+    LOGFONTW font{};
+    GetObjectW(Font(), sizeof font, &font);
+    font.lfQuality = ANTIALIASED_QUALITY;
+    return CreateFontIndirectW(&font);
+  }
+
+  // Unlike filling, drawing goes by the raster mode. Without a pen it leaves out the last row.
+  static void Invert(HDC context, const RECT& place, HBRUSH brush) {
+    SaveDC(context);
+    SetROP2(context, R2_NOTXORPEN);
+    SelectObject(context, GetStockObject(NULL_PEN));
+    SelectObject(context, brush);
+    Rectangle(context, place.left, place.top, place.right + 1, place.bottom + 1);
+    RestoreDC(context, -1);
   }
 
   static void DrawLine(HDC context, const PictureBox::Drawing& drawing, RECT place,

@@ -16,6 +16,17 @@ LRESULT CALLBACK ReadOnlyTextProcedure(HWND window, UINT message, WPARAM wParam,
   return DefSubclassProc(window, message, wParam, lParam);
 }
 
+// Discards the keys that the box does not take.
+LRESULT CALLBACK KeyProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                              DWORD_PTR box) {
+  if (message == WM_CHAR &&
+      !reinterpret_cast<const forms::TextBox*>(box)->takesKey(static_cast<char32_t>(wParam))) {
+    return 0;
+  }
+  if (message == WM_NCDESTROY) RemoveWindowSubclass(window, KeyProcedure, id);
+  return DefSubclassProc(window, message, wParam, lParam);
+}
+
 class TextWindow : public ControlWindow {
  public:
   TextWindow(forms::TextBox& box, HWND parent, int id)
@@ -24,6 +35,9 @@ class TextWindow : public ControlWindow {
     SendMessageW(window_, EM_SETLIMITTEXT, static_cast<WPARAM>(box.GetStyle().maxLength), 0);
     if (box.GetStyle().multiLine && box.GetStyle().readOnly) {
       SetWindowSubclass(window_, ReadOnlyTextProcedure, 0, 0);
+    }
+    if (box.takesKey) {
+      SetWindowSubclass(window_, KeyProcedure, 0, reinterpret_cast<DWORD_PTR>(&box));
     }
     if (box.onDrop) drop_ = std::make_unique<TextDrop>(window_);
     ScrollToEnd();

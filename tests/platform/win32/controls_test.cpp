@@ -4,6 +4,8 @@
 
 #include <commctrl.h>
 
+#include <tuple>
+
 #include "platform/win32/Win32Clipboard.h"
 #include "platform/win32/forms/Win32FormHost.h"
 
@@ -26,9 +28,12 @@ struct Panel : forms::Form {
     list.SetItems({"first", "second", "third, " + std::string(99, 'x')});
     list.Select(0);
     picture.AddBar({0, 0, 2000, 300}, 0x3399FF);
-    picture.AddText("37%", {0, 0, 5400, 300}, 0x000000, PictureBox::Align::Centre);
-    picture.AddText("left", {60, 300, 5280, 300}, 0x800000, PictureBox::Align::Left);
-    picture.AddText("right", {60, 300, 5280, 300}, 0x008000, PictureBox::Align::Right);
+    picture.AddText("37%", {0, 0, 3600, 300}, 0x000000, PictureBox::Align::Centre);
+    picture.AddText("left", {60, 300, 3480, 300}, 0x800000, PictureBox::Align::Left);
+    picture.AddText("right", {60, 300, 3480, 300}, 0x008000, PictureBox::Align::Right);
+    progress.AddText("48%", {0, 0, 1680, 660}, 0x000000, PictureBox::Align::Centre);
+    progress.AddInvertingBar({0, 0, 810, 660}, 0x000080);
+    digits.takesKey = [](char32_t key) { return (key >= '0' && key <= '9') || key == 8; };
     defaultButton = &save;
   }
   forms::TabStrip tabs{*this, nullptr, {120, 120, 5760, 3360}};
@@ -39,12 +44,14 @@ struct Panel : forms::Form {
   forms::TextBox box{*this, &first, {}, {1440, 585, 2100, 345}};
   forms::TextBox deadBox{*this, &first, {}, {3600, 585, 1980, 345}};
   forms::TextBox secret{*this, &first, {.password = true}, {1440, 1050, 2100, 345}};
+  forms::TextBox digits{*this, &first, {}, {3600, 1050, 1980, 345}};
   forms::Frame frame{*this, &first, "Frame", {180, 1560, 5400, 1260}};
   forms::OptionButton option{*this, &frame, "&One", {180, 300, 1200, 270}};
   forms::OptionButton other{*this, &frame, "&Other", {180, 720, 1200, 270}};
   forms::Button inside{*this, &frame, "&Inside", {3900, 720, 1290, 375}};
   forms::ListBox list{*this, &second, {180, 180, 5400, 1500}};
-  forms::PictureBox picture{*this, &second, {180, 1860, 5400, 660}};
+  forms::PictureBox picture{*this, &second, {180, 1860, 3600, 660}};
+  forms::PictureBox progress{*this, &second, {3900, 1860, 1680, 660}};
   forms::Button save{*this, nullptr, "&Save", {4590, 3660, 1290, 375}};
 };
 
@@ -109,15 +116,24 @@ TEST_F(Win32Controls, ShowWhatTheFormHoldsAndTellWhatAPersonDoes) {
   panel_.list.Add("last");
   EXPECT_EQ(SendMessageW(list, LB_GETCOUNT, 0, 0), 4);
 
-  const HWND picture = Child(WC_STATICW, L"37% left right");
-  UpdateWindow(picture);
-  const HDC shown = GetDC(picture);
-  EXPECT_EQ(GetPixel(shown, 5, 5), RGB(0x33, 0x99, 0xFF));
-  ReleaseDC(picture, shown);
+  const std::tuple<const wchar_t*, int, COLORREF> pixels[] = {
+      {L"37% left right", 5, RGB(0x33, 0x99, 0xFF)},
+      {L"48%", 5, RGB(0, 0, 0x80)},
+      {L"48%", 90, RGB(0xFF, 0xFF, 0xFF)}};
+  for (const auto& [text, x, colour] : pixels) {
+    const HWND picture = Child(WC_STATICW, text);
+    UpdateWindow(picture);
+    const HDC shown = GetDC(picture);
+    EXPECT_EQ(GetPixel(shown, x, 5), colour) << x;
+    ReleaseDC(picture, shown);
+  }
 
   panel_.tabs.Select(0);
   EXPECT_EQ(TabCtrl_GetCurSel(tabs), 0);
-  const HWND secret = GetNextDlgTabItem(host_.MainWindow(), Child(WC_BUTTONW, L"&One"), TRUE);
+  const HWND digits = GetNextDlgTabItem(host_.MainWindow(), Child(WC_BUTTONW, L"&One"), TRUE);
+  for (const WPARAM key : {'7', 'x', '8', '9', '\b'}) SendMessageW(digits, WM_CHAR, key, 1);
+  EXPECT_EQ(panel_.digits.Text(), "78");
+  const HWND secret = GetNextDlgTabItem(host_.MainWindow(), digits, TRUE);
   EXPECT_EQ(WindowText(secret), "secret");
   EXPECT_NE(SendMessageW(secret, EM_GETPASSWORDCHAR, 0, 0), 0);
 }
