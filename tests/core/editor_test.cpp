@@ -102,30 +102,18 @@ TEST_F(EditorTest, EveryTaskAndTimeTypeIsStoredAsEntered) {
     EXPECT_EQ(editor.srlmnthday.Step(1), rule == &editor.optMonthly);
     ASSERT_TRUE(editor.cmdSave.Press());
     EXPECT_FALSE(editor.Visible());
-    const std::string line = sched.DescribeTask(slot);
-    const TaskRecord& task = store.CurrentTask;
-    EXPECT_EQ(line + ", " + task.path + " " + task.cmdLine + " " + std::to_string(task.winStyle),
-              name + expected);
-    EXPECT_EQ(task.group, "Group of " + name);
+    EXPECT_EQ(Told(slot), name + expected + " Group of " + name);
   }
   EXPECT_EQ(saved, slot);
   EXPECT_EQ(closed, slot);
 }
 
 TEST_F(EditorTest, OpenedAndSavedATaskStaysAsItWas) {
-  Add("Once", "08:05",
-      {{"TimeType", "1"}, {"DateDay", "25"}, {"DateMonth", "12"}, {"DateYear", "2027"}});
-  Add("Never", "09:05",
-      {{"Every", "20"},
-       {"In", "5"},
-       {"Group", "Night"},
-       {"TaskType", "2"},
-       {"WinStyle", "6"},
-       {"CmdLine", "/q"}});
-  Add("Rent", "10:05", {{"TimeType", "3"}, {"DayNo", "15"}, {"TaskType", "7"}});
-  Add("Odd", "11:05", {{"TimeType", "0"}});
-  Add("Unknown rule", "12:05",
-      {{"Every", "77"}, {"In", "14"}, {"TaskType", "3"}, {"WinStyle", "9"}, {"CmdLine", ""}});
+  Add("Once", "08:05", "TimeType=1 DateDay=25 DateMonth=12 DateYear=2027");
+  Add("Never", "09:05", "Every=20 In=5 Group=Night TaskType=2 WinStyle=6 CmdLine=/q");
+  Add("Rent", "10:05", "TimeType=3 DayNo=15 TaskType=7");
+  Add("Odd", "11:05", "TimeType=0");
+  Add("Unknown rule", "12:05", "Every=77 In=14 TaskType=3 WinStyle=9 CmdLine=");
   for (const int monthFirst : {0, 1}) {
     store.DateOrderMonthFirst = monthFirst;
     const RegistryTree before = registry.Tree();
@@ -145,8 +133,7 @@ TEST_F(EditorTest, OpenedAndSavedATaskStaysAsItWas) {
   EXPECT_EQ(editor.cmbRecur.Text(), "The 2nd Tuesday");
   ASSERT_TRUE(editor.cmbRecur.Choose(8));
   ASSERT_TRUE(editor.cmdSave.Press());
-  store.LoadTask(2);
-  EXPECT_EQ(store.CurrentTask.every, 9);
+  EXPECT_EQ(Told(2), "Never | Run | 09:05 on Every Weekday In April, Never /q 6 Night");
 }
 
 TEST_F(EditorTest, ARefusalKeepsTheEntriesAndShowsTheFieldAtFault) {
@@ -236,7 +223,7 @@ TEST_F(EditorTest, TheArrowsStayWithinTheMonth) {
 
 TEST_F(EditorTest, ANewTaskHasNothingOfADeletedOne) {
   settings.SetStorageMode(1);
-  Add("Gone", "09:00", {{"TaskType", "1"}});
+  Add("Gone", "09:00", "TaskType=1");
   store.DeleteTask(1);
   OpenNew();
   EXPECT_EQ(editor.txtTaskName.Text() + editor.txt1.Text(), "");

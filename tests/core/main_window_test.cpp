@@ -14,8 +14,11 @@ class MainWindowTest : public testing::Test, public CoreDesk {
   }
   void Start(const std::string& commandLine = "") { window.Start(commandLine, "C:\\Orvanto"); }
   void InGroup(const std::string& group, const Texts& names) {
-    for (const std::string& name : names) Add(name, "10:00", {{"Group", group.c_str()}});
-    store.listChanged.Raise();
+    for (const std::string& name : names) {
+      TaskEntry entry = Entry(name, "10:00");
+      entry.group = group;
+      store.SaveTask(entry);
+    }
   }
   // The tree, one line a node, indented below its parent.
   Texts Lines() const {
@@ -56,7 +59,7 @@ TEST_F(MainWindowTest, GroupsStandInOrderOfTheirFirstTask) {
 
 TEST_F(MainWindowTest, CommandsAreOfferedWhenANodeIsSelected) {
   InGroup("One | Popup Message | of many", {"One", "Odd"});  // which names no task
-  Put("Odd", {{"TaskType", "9"}});
+  Put("Odd", "TaskType=9");
   Start();
   EXPECT_FALSE(window.cmdDelete.Press() || window.cmdRun.Press() || window.mnuRun.Choose());
   EXPECT_FALSE(window.cmdNew.Press() || window.mnuSettings.Choose()) << "there is no editor";
@@ -115,7 +118,7 @@ TEST_F(MainWindowTest, ThePopupMessageGrowsWithItsText) {
 }
 
 TEST_F(MainWindowTest, TheTrayTakesTheWindowAndADoubleClickBringsItBack) {
-  Add("In the tray", "14:05", {{"TaskType", "5"}});
+  Add("In the tray", "14:05", "TaskType=5");
   Add("Hidden", "14:06");
   Start();
   EXPECT_TRUE(window.cmdSystemTray.Press());
@@ -147,10 +150,9 @@ TEST_F(MainWindowTest, TheTrayTakesTheWindowAndADoubleClickBringsItBack) {
 
 TEST_F(MainWindowTest, RemoteSettingsAreReadBeforeTheStorageMode) {
   settings.SetStorageMode(1);
-  Put(kGeneral, {{"Inet_Passwd", "machine"}, {"OnTop", "1"}, {"Proxy", ""}, {"ProxyPort", "8"}});
+  Put(kGeneral, "Inet_Passwd=machine OnTop=1 Proxy= ProxyPort=8");
   settings.SetStorageMode(0);
-  Put(kGeneral,
-      {{"Inet_Passwd", "user"}, {"Inet_Passwd_Required", "1"}, {"Inet_Chat_Auto", "yes"}});
+  Put(kGeneral, "Inet_Passwd=user Inet_Passwd_Required=1 Inet_Chat_Auto=yes");
   settings.WriteMachineSetting(kGeneral, "Users_Share", "1");
   Start();
   EXPECT_EQ(programSettings.password + programSettings.serverPort, "user");

@@ -42,9 +42,10 @@ TEST_F(RegistryAccessTest, MissingThingsReadAsTheDefaultAndDeleteWithSuccess) {
   EXPECT_EQ(Read("V", "S", kDefault, kFileNotFound), kDefault);
   ASSERT_EQ(Write("Other", "S", kDefault), kSuccess);
   EXPECT_EQ(Read("V", "S"), kDefault);
-  EXPECT_EQ(access.RegDeleteValueAt("HKCU", kKey, "V"), kSuccess);
-  EXPECT_EQ(access.RegDeleteValueAt("HKCU", "Nowhere", "V"), kSuccess);
-  EXPECT_EQ(access.RegDeleteKeyAt("HKCU", kKey, "K"), kSuccess);
+  for (const char* key : {kKey, "Nowhere"}) {
+    EXPECT_EQ(access.RegDeleteValueAt("HKCU", key, "V"), kSuccess);
+    EXPECT_EQ(access.RegDeleteKeyAt("HKCU", key, "K"), kSuccess);
+  }
   EXPECT_EQ(access.RegDeleteKeyAt("HKCU", "Software", "Quellmark"), kAccessDenied);
 }
 
@@ -75,23 +76,20 @@ TEST_F(RegistryAccessTest, EachTypeIsWrittenInItsWidth) {
 }
 
 TEST_F(RegistryAccessTest, TheModeChoosesTheHiveAndDeletionsStayPerUser) {
-  for (const std::int16_t mode : std::initializer_list<std::int16_t>{0, 1}) {
-    settings.SetStorageMode(mode);
-    for (const char* value : {"Gone", "Kept"}) {
-      settings.WriteSetting(kGeneral, value, mode == 0 ? "user" : "machine");
-    }
-    settings.WriteSetting("Task", "Path", "x");
-  }
-  settings.DeleteUserSetting(kGeneral, "Gone");
+  settings.WriteSetting(kGeneral, "Kept", "user");
+  settings.WriteSetting("Task", "Gone", "user");
+  settings.SetStorageMode(1);
+  settings.WriteSetting(kGeneral, "Kept", "machine");
+  settings.WriteSetting("Task", "Gone", "machine");
+  settings.DeleteUserSetting("Task", "Gone");
   settings.DeleteUserKey("Task");
-  const std::string task = std::string(kProductKey) + "\\Task";
-  EXPECT_FALSE(registry.HasKey(RootKey::CurrentUser, task));
-  EXPECT_TRUE(registry.HasKey(RootKey::LocalMachine, task));
-  EXPECT_EQ(settings.ReadSetting(kGeneral, "Gone", "0"), "machine");
+  EXPECT_FALSE(registry.HasKey(RootKey::CurrentUser, std::string(kProductKey) + "\\Task"));
+  EXPECT_EQ(settings.ReadSetting("Task", "Gone", "0"), "machine");
   settings.SetStorageMode(0);
   EXPECT_EQ(settings.ReadMachineSetting(kGeneral, "Kept", "0"), "machine");
   EXPECT_EQ(settings.ReadSetting(kGeneral, "Kept", "0"), "user");
-  EXPECT_EQ(settings.ReadSetting(kGeneral, "Gone", "0"), "0");
+  settings.DeleteUserSetting(kGeneral, "Kept");
+  EXPECT_EQ(settings.ReadSetting(kGeneral, "Kept", "0"), "0");
 
   // A mode that is none reads and writes nothing.
   settings.WriteMachineSetting(kGeneral, "Users_Share", "2");

@@ -25,7 +25,7 @@ struct SchedulerDesk : CoreDesk {
   }
   // A task that leaves no mark but the one in `fired`.
   void AddSilent(const std::string& name, const std::string& time) {
-    Add(name, time, {{"TaskType", "4"}});
+    Add(name, time, "TaskType=4");
   }
   // From 14:04:30 on.
   void Walk(std::int64_t milliseconds) {
@@ -48,9 +48,9 @@ constexpr const char* kSeven = "Seven 21 14:07";
 TEST_F(SchedulerTest, DueTasksRunOnceInSlotOrderAtSecondZero) {
   AddSilent("First", "14:05");
   AddSilent("Later", "14:06");
-  Add("Script", "14:05", {{"TaskType", "1"}, {"Path", "bad"}});
+  Add("Script", "14:05", "TaskType=1 Path=bad");
   for (const char* name : {"Damaged", "Last"}) AddSilent(name, "14:05");
-  Put("Damaged", {{"TimeType", "\x01"}, {"TimeHour", "\x01"}, {"TaskType", "\x01"}});
+  Put("Damaged", "TimeType=\x01 TimeHour=\x01 TaskType=\x01");
   settings.WriteSetting(kGeneral, "NoTasks", "150");
   Walk(29 * kSecond + 999);
   EXPECT_TRUE(fired.empty());

@@ -63,9 +63,7 @@ struct RemoteDesk : CoreDesk {
     return Line(lines.substr(last + 1));
   }
   void AddMessages(const Texts& names) {
-    for (const std::string& name : names) {
-      Add(name, "08:05", [](TaskEntry& entry) { entry.group = "G"; });
-    }
+    for (const std::string& name : names) Add(name, "08:05", "Group=G");
   }
 };
 

@@ -157,10 +157,7 @@ class LongTaskTest : public SessionTest {
  protected:
   LongTaskTest() {
     AddMessages({"One"});
-    Add("Fails", "08:05", [](TaskEntry& entry) {
-      entry.taskType = kRunScript;
-      entry.path = "bad";
-    });
+    Add("Fails", "08:05", "TaskType=1 Path=bad");
     messageBoxes.answersAll = true;
     execution.onRun = [this](const TaskRecord& task) {
       ran += task.name + " ";
