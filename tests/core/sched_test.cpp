@@ -26,22 +26,23 @@ TEST(Sched, NamesEveryCode) {
 
 TEST(Sched, DescribesTasks) {
   CoreDesk desk;
-  desk.Add("Xmas", "08:05", "TimeType=1 DateDay=25 DateMonth=12 DateYear=2001");
-  desk.Add("Rent", "9:05", "TimeHour=9 TimeType=3 DayNo=15");
-  desk.Add("Unknown", "10:00", "TaskType=8");
-  desk.Add("Short", "10:00", "TimeType=1 DateDay=7 DateMonth=3 DateYear=01");
-  const char* lines[] = {"Xmas | Popup Message | 08:05 on 25-12-2001",
-                         "Rent | Popup Message | 09:05 on Day Number: 15", "",
-                         "Short | Popup Message | 10:00 on 07-03-2026"};
-  for (std::int16_t slot = 1; slot <= 4; ++slot) {
-    EXPECT_EQ(desk.sched.DescribeTask(slot), lines[slot - 1]);
+  const std::pair<const char*, const char*> cases[] = {
+      {"TimeType=1 DateDay=25 DateMonth=12 DateYear=2001",
+       "T | Popup Message | 08:05 on 25-12-2001"},
+      {"TimeType=1 DateDay=7 DateMonth=3 DateYear=01", "T | Popup Message | 08:05 on 07-03-2026"},
+      {"TimeHour=9 TimeType=3 DayNo=15", "T | Popup Message | 09:05 on Day Number: 15"},
+      {"TaskType=8", ""}};
+  desk.Add("T", "08:05");
+  for (const auto& [fields, line] : cases) {
+    desk.Put("T", fields);
+    EXPECT_EQ(desk.sched.DescribeTask(1), line);
   }
-  EXPECT_EQ(desk.sched.TimeOfSlot(2).hour + desk.sched.TimeOfSlot(2).minute, "0905");
-  desk.store.DateOrderMonthFirst = 1;
-  EXPECT_EQ(desk.sched.DescribeTask(1), "Xmas | Popup Message | 08:05 on 12-25-2001");
+  EXPECT_EQ(desk.sched.TimeOfSlot(1).hour + desk.sched.TimeOfSlot(1).minute, "0905");
   EXPECT_EQ(desk.sched.DescribeTask(100), " | Run | 14:11 on ");
-  EXPECT_EQ(ErrorOf([&] { desk.sched.DescribeTask(0); }), kSubscriptOutOfRange);
-  EXPECT_EQ(ErrorOf([&] { desk.sched.DescribeTask(101); }), kSubscriptOutOfRange);
+  for (const int slot : {0, 101}) {
+    EXPECT_EQ(ErrorOf([&] { desk.sched.DescribeTask(static_cast<std::int16_t>(slot)); }),
+              kSubscriptOutOfRange);
+  }
 }
 
 TEST(Sched, RecurrenceHoldsByDayAndMonth) {

@@ -12,7 +12,7 @@ const std::wstring kKey = L"Software\\Quellmark\\Orvanto";
 
 DesktopTest::DesktopTest() {
   const bool isWine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version");
-  if (!isWine && !Stored(L"General", L"NoTasks").empty()) {
+  if (!isWine && !Stored(L"General", {L"NoTasks"}).empty()) {
     throw std::runtime_error("somebody's own tasks are on this machine");
   }
   RegDeleteTreeW(HKEY_CURRENT_USER, kKey.c_str());
@@ -49,12 +49,17 @@ void DesktopTest::Store(const std::wstring& section, const wchar_t* name,
                   static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
 }
 
-std::wstring DesktopTest::Stored(const std::wstring& section, const wchar_t* name) {
-  wchar_t text[1024] = L"";
-  DWORD size = sizeof text;
-  RegGetValueW(HKEY_CURRENT_USER, (kKey + L"\\" + section).c_str(), name, RRF_RT_REG_SZ, nullptr,
-               text, &size);
-  return text;
+std::wstring DesktopTest::Stored(const std::wstring& section,
+                                 std::initializer_list<const wchar_t*> names) {
+  std::wstring all;
+  for (const wchar_t* name : names) {
+    wchar_t text[1024] = L"";
+    DWORD size = sizeof text;
+    RegGetValueW(HKEY_CURRENT_USER, (kKey + L"\\" + section).c_str(), name, RRF_RT_REG_SZ, nullptr,
+                 text, &size);
+    all += (all.empty() ? L"" : L"|") + std::wstring(text);
+  }
+  return all;
 }
 
 }  // namespace orvanto::desktop

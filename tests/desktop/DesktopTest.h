@@ -28,8 +28,9 @@ class DesktopTest : public testing::Test {
   static int MinuteOfTheDay(int secondsFromNow = 0);
 
   static void Store(const std::wstring& section, const wchar_t* name, const std::wstring& text);
-  // A stored text, or "" where there is none. The section may be a task's name.
-  static std::wstring Stored(const std::wstring& section, const wchar_t* name);
+  // Stored texts with '|' between them. The section may be a task's name.
+  static std::wstring Stored(const std::wstring& section,
+                             std::initializer_list<const wchar_t*> names);
 };
 
 }  // namespace orvanto::desktop

@@ -79,6 +79,15 @@ bool IsTopMost(HWND window) {
   return (GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
 }
 
+HWND InFront(const std::wstring& caption) {
+  HWND front = nullptr;
+  const bool came = WaitFor([&] {
+    front = GetForegroundWindow();
+    return TextOf(front) == caption;
+  });
+  return came ? front : nullptr;
+}
+
 HWND FocusBeside(HWND window) {
   GUITHREADINFO info = {};
   info.cbSize = sizeof info;
@@ -119,19 +128,6 @@ bool RunningProgram::MainIsInFront() const {
       [main = MainWindow()] { return IsWindowVisible(main) && GetForegroundWindow() == main; });
 }
 
-HWND RunningProgram::InFront(const std::wstring& caption) const {
-  HWND found = nullptr;
-  WaitFor([&] {
-    for (const HWND window : TopLevel(Id(), L"OrvantoForm")) {
-      if (IsWindowVisible(window) && TextOf(window) == caption && GetForegroundWindow() == window) {
-        found = window;
-      }
-    }
-    return found != nullptr;
-  });
-  return found;
-}
-
 HWND RunningProgram::Box() const {
   for (const HWND window : TopLevel(Id(), L"#32770")) {
     if (IsWindowVisible(window)) return window;
@@ -163,12 +159,6 @@ std::vector<HWND> RunningProgram::Children(HWND form, const wchar_t* windowClass
 
 void RunningProgram::Press(HWND form, const std::wstring& caption) {
   PostMessageW(Button(form, caption), BM_CLICK, 0, 0);
-}
-
-void RunningProgram::ChooseSecondItem(WORD menu) const {
-  PressKeys({VK_MENU, menu});
-  WaitFor([&] { return !TopLevel(Id(), L"#32768").empty(); });  // the open menu
-  PressKeys({VK_DOWN, VK_RETURN});
 }
 
 }  // namespace orvanto::desktop

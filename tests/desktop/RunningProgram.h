@@ -32,6 +32,8 @@ std::vector<HWND> TopLevel(DWORD process, const std::wstring& windowClass);
 
 std::wstring TextOf(HWND window);
 bool IsTopMost(HWND window);
+// The window with this caption, once it is in front; null when that never happens.
+HWND InFront(const std::wstring& caption);
 // The window that has the keyboard, of the thread that this one belongs to.
 HWND FocusBeside(HWND window);
 
@@ -49,8 +51,6 @@ class RunningProgram {
   HWND MainWindow() const;
   // Waits until it is.
   bool MainIsInFront() const;
-  // The form with this caption, once it is shown and in front; null when that never happens.
-  HWND InFront(const std::wstring& caption) const;
   // The text of the message box, once one is in front.
   std::wstring BoxInFront() const;
   HWND Box() const;  // the one that is open, or null
@@ -64,8 +64,6 @@ class RunningProgram {
   // What a person does.
   void Press(const std::wstring& caption) const { Press(MainWindow(), caption); }
   static void Press(HWND form, const std::wstring& caption);
-  // By the keyboard, which is in the main window.
-  void ChooseSecondItem(WORD menu) const;
 
  private:
   win32::ProcessHandle process_;

@@ -16,8 +16,7 @@ TEST_F(DesktopTest, GoesToTheTrayAndComesBackOnADoubleClick) {
   icon.hWnd = TopLevel(program.Id(), L"OrvantoTray").at(0);
   icon.uID = 1;
   const auto isThere = [&] { return Shell_NotifyIconW(NIM_MODIFY, &icon) != 0; };
-  ASSERT_TRUE(WaitFor(isThere));
-  EXPECT_FALSE(IsWindowVisible(main));
+  ASSERT_TRUE(WaitFor([&] { return isThere() && !IsWindowVisible(main); }));
   ASSERT_TRUE(Shell_NotifyIconW(NIM_DELETE, &icon)) << "the icons go with the old task bar";
   PostMessageW(icon.hWnd, RegisterWindowMessageW(L"TaskbarCreated"), 0, 0);
   EXPECT_TRUE(WaitFor(isThere));
@@ -37,10 +36,10 @@ TEST_F(DesktopTest, ASecondStartShowsTheFirst) {
   EXPECT_TRUE(program.MainIsInFront());
   // The open editor comes, not the main window after it.
   program.Press(L"&New Task");
-  const HWND editor = program.InFront(L"New Task");
+  const HWND editor = InFront(L"New Task");
   ShowWindow(editor, SW_MINIMIZE);
   EXPECT_EQ(RunningProgram().ExitCode(), 0);
-  EXPECT_EQ(program.InFront(L"New Task"), editor);
+  EXPECT_EQ(InFront(L"New Task"), editor);
   EXPECT_FALSE(IsIconic(editor));
   EXPECT_FALSE(IsWindowVisible(main));
 }
@@ -52,21 +51,23 @@ TEST_F(DesktopTest, SavesAtTheEndOfTheSession) {
     ASSERT_TRUE(program.MainIsInFront());
     const HWND main = program.MainWindow();
     EXPECT_EQ(IsTopMost(main), wasOnTop);
-    program.ChooseSecondItem('S');
+    PressKeys({VK_MENU, 'S'});
+    ASSERT_TRUE(WaitFor([&] { return !TopLevel(program.Id(), L"#32768").empty(); })) << "a menu";
+    PressKeys({VK_DOWN, VK_RETURN});
     ASSERT_TRUE(WaitFor([&] { return IsTopMost(main) != wasOnTop; }));
     if (wasOnTop) {  // with the editor open this time
       program.Press(L"&New Task");
-      ASSERT_NE(program.InFront(L"New Task"), nullptr);
+      ASSERT_NE(InFront(L"New Task"), nullptr);
     }
     for (const HWND window : TopLevel(program.Id(), L"OrvantoForm")) {
       EXPECT_EQ(SendMessageW(window, WM_QUERYENDSESSION, 0, 0), TRUE);
     }
     const HWND loop = TopLevel(program.Id(), L"OrvantoLoop").at(0);
     EXPECT_EQ(SendMessageW(loop, WM_QUERYENDSESSION, 0, 0), TRUE);
-    EXPECT_EQ(Stored(L"General", L"OnTop"), wasOnTop ? L"1" : L"");
+    EXPECT_EQ(Stored(L"General", {L"OnTop"}), wasOnTop ? L"1" : L"");
     SendMessageW(loop, WM_ENDSESSION, TRUE, 0);
     // Saved when the message has been answered: nothing of ours runs any more after that.
-    EXPECT_EQ(Stored(L"General", L"OnTop"), wasOnTop ? L"0" : L"1");
+    EXPECT_EQ(Stored(L"General", {L"OnTop"}), wasOnTop ? L"0" : L"1");
     EXPECT_EQ(program.ExitCode(), 0);
   }
 }

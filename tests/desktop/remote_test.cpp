@@ -104,7 +104,7 @@ TEST_F(DesktopTest, TheWindowsTellOfTheClientAndTalkWithHim) {
     PressKeys({VK_RETURN});
     client.Expect(accepted ? "Press '/' to Quit...\r\n\r\n" : "7) Logout\r\n>");
   }
-  const HWND chat = program.InFront(L"Chat");
+  const HWND chat = InFront(L"Chat");
   const std::vector<HWND> texts = RunningProgram::Children(chat, WC_EDITW);
   const HWND line = texts.at(0);
   const HWND transcript = texts.at(1);

@@ -33,9 +33,7 @@ class WizardTest : public testing::Test, public RemoteDesk {
 TEST_F(WizardTest, AsksAndRejectsAndAsksAgain) {
   AddMessages({"Taken"});
   store.DateOrderMonthFirst = 1;
-  const std::string list = "\r\n\r\nTask List\r\n---------\r\n\r\n1) Taken\r\n";
   const std::string name = "\r\nEnter Name for New Task: ";
-  const std::string inUse = "That Task Name is already in use. Please use a different one.";
   const std::string time =
       "At what time would you like this task to occur?\r\n\r\nEnter in 24-hour format with a colon "
       "separating hours and minutes(xx:xx)\r\n>";
@@ -46,9 +44,7 @@ TEST_F(WizardTest, AsksAndRejectsAndAsksAgain) {
     std::string answers, question, refused, message;
   } cases[] = {
       {"y", name, "", "No task name given"},
-      {"y", name, "general", inUse},
       {"y", name, "TAKEN", TaskStore::kSameSection},
-      {"y|A", time, "9:30", "Invalid Time"},
       {"y|A", time, "09.30", "Invalid Time"},
       {"y|A", time, "00:60", "Invalid Minute selected for execution time"},
       {"y|A|00:00",
@@ -89,7 +85,8 @@ TEST_F(WizardTest, AsksAndRejectsAndAsksAgain) {
        Menu("Select the Window Style",
             "Normal|Minimized|Maximized|Normal, Without Focus|Minimized, Without Focus|Hidden"),
        "7", selected},
-      {"Y", list + "\r\nCreate a new task(y/n)?", "", ""},
+      {"Y", "\r\n\r\nTask List\r\n---------\r\n\r\n1) Taken\r\n\r\nCreate a new task(y/n)?", "",
+       ""},
       {"y|A|00:00|3|1|2|c:\\x.exe",
        "Enter any optional command line parameters(press Enter for none)\r\n\r\n>", "", ""},
       {"y|A|00:00|3|1|6", "Enter the message you want to popup\r\n\r\n>", "", ""},
