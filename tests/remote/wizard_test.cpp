@@ -161,7 +161,8 @@ TEST_F(WizardTest, AnEditChangesWhatItIsToldTo) {
   EXPECT_EQ(Talk("y|6|New text|y"), kStep + kMenu);
   EXPECT_EQ(Told(1), "Old | Popup Message | 08:05 on Day Number: 15, New text  1 G");
   // A new task has nothing to do with it.
-  EXPECT_EQ(Talk("1|y|New|00:00|3|1|5|y"), kMenu);
+  EXPECT_EQ(Talk("1|y|New|00:00|3|1|5"), "Keep this task(y/n)?");
+  EXPECT_EQ(Talk("y"), kMenu);
   EXPECT_EQ(Names(), (Texts{"Old", "New"}));
 }
 
