@@ -27,7 +27,6 @@ class RegistryAccessTest : public testing::Test, public FakePlatform {
   }
 
   RegistryAccess access{registry};
-  Settings settings{registry};
 };
 
 TEST_F(RegistryAccessTest, MissingThingsReadAsTheDefaultAndDeleteWithSuccess) {
@@ -73,34 +72,6 @@ TEST_F(RegistryAccessTest, EachTypeIsWrittenInItsWidth) {
     EXPECT_EQ(Write("Failed", "S", kDefault), kDiskFull);
   }
   EXPECT_EQ(Read("Failed", "S", true), RegistryData(true));
-}
-
-TEST_F(RegistryAccessTest, TheModeChoosesTheHiveAndDeletionsStayPerUser) {
-  settings.WriteSetting(kGeneral, "Kept", "user");
-  settings.WriteSetting("Task", "Gone", "user");
-  settings.SetStorageMode(1);
-  settings.WriteSetting(kGeneral, "Kept", "machine");
-  settings.WriteSetting("Task", "Gone", "machine");
-  settings.DeleteUserSetting("Task", "Gone");
-  settings.DeleteUserKey("Task");
-  EXPECT_FALSE(registry.HasKey(RootKey::CurrentUser, std::string(kProductKey) + "\\Task"));
-  EXPECT_EQ(settings.ReadSetting("Task", "Gone", "0"), "machine");
-  settings.SetStorageMode(0);
-  EXPECT_EQ(settings.ReadMachineSetting(kGeneral, "Kept", "0"), "machine");
-  EXPECT_EQ(settings.ReadSetting(kGeneral, "Kept", "0"), "user");
-  settings.DeleteUserSetting(kGeneral, "Kept");
-  EXPECT_EQ(settings.ReadSetting(kGeneral, "Kept", "0"), "0");
-
-  // A mode that is none reads and writes nothing.
-  settings.WriteMachineSetting(kGeneral, "Users_Share", "2");
-  settings.ReadStorageMode();
-  EXPECT_EQ(settings.StorageMode(), 2);
-  const int writes = registry.Writes();
-  settings.WriteSetting(kGeneral, "Kept", "0");
-  EXPECT_EQ(registry.Writes(), writes);
-  std::string prior = "prior";
-  settings.ReadSetting(kGeneral, "Kept", "default", prior);
-  EXPECT_EQ(prior, "prior");
 }
 
 }  // namespace

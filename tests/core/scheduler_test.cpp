@@ -79,19 +79,6 @@ TEST_F(SchedulerTest, DaysOfLateTimersSkipNoMinuteAndRepeatNone) {
   EXPECT_NEAR(static_cast<double>(captions.size()), 3 * 86400 + 2, 2);
 }
 
-TEST_F(SchedulerTest, AMinuteWhoseSecondZeroPassedUnseenIsMissed) {
-  AddSilent("Five", "14:05");
-  AddSilent("Six", "14:06");
-  AddSilent("Seven", "14:07");
-  Walk(29 * kSecond);
-  loop.Block(2 * kSecond);  // to 14:05:01
-  loop.Advance(kMinute + 58 * kSecond);
-  EXPECT_EQ(fired, (Texts{kSix}));
-  loop.Block(kSecond + 500);  // to 14:07:00.5
-  loop.Advance(kSecond);
-  EXPECT_EQ(fired, (Texts{kSix, kSeven})) << "just in time";
-}
-
 TEST_F(SchedulerTest, WhatATaskThatTakesLongLeavesToRun) {
   const std::tuple<const char*, std::function<void(SchedulerDesk&)>, Texts> cases[] = {
       {"left open, nothing else is let in: what is due by then is run, what was is missed",

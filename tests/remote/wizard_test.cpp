@@ -46,6 +46,7 @@ TEST_F(WizardTest, AsksAndRejectsAndAsksAgain) {
       {"y", name, "", "No task name given"},
       {"y", name, "TAKEN", TaskStore::kSameSection},
       {"y|A", time, "09.30", "Invalid Time"},
+      {"y|A", time, "-1:00", "Invalid Hour selected for execution time"},
       {"y|A", time, "00:60", "Invalid Minute selected for execution time"},
       {"y|A|00:00",
        Menu("On which day(s) should this task occur?",
@@ -156,7 +157,7 @@ TEST_F(WizardTest, AnEditChangesWhatItIsToldTo) {
   EXPECT_EQ(Talk("4|1|y"), "\r\nEnter Name for New Task: ");
   const std::string time = "\r\nCurrent Time for Task: 08:05" + kChanged;
   EXPECT_EQ(Talk("Old"), kStep + time);
-  EXPECT_EQ(Talk("y|25:00"), kStep + "\r\nInvalid Hour selected for execution time\r\n" + time);
+  EXPECT_EQ(Talk("y|24:00"), kStep + "\r\nInvalid Hour selected for execution time\r\n" + time);
   EXPECT_EQ(Talk("n|y|3|15"), kStep + "\r\nCurrent Task Type: Popup Message" + kChanged);
   EXPECT_EQ(Talk("y|6|New text|y"), kStep + kMenu);
   EXPECT_EQ(Told(1), "Old | Popup Message | 08:05 on Day Number: 15, New text  1 G");

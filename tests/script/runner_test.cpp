@@ -139,17 +139,6 @@ TEST_F(Runner, ADelayOfNothingNeverEndsAndFailsAtLast) {
   EXPECT_THROW(loop.Advance(1000), Error);
 }
 
-TEST_F(Runner, ASlotIsUsedAgainFromItsFirstLine) {
-  // One that a box ends, too.
-  messageBoxes.expected = {{"Stop here?", Answer::Cancel}};
-  for (const char* text : {"beep()\nbeep()", "msgbox('Stop here?',okcancel)\nbeep()", "beep()"}) {
-    EXPECT_EQ(RunText(text), 0);
-  }
-  EXPECT_EQ(Beeps(), 3);
-  EXPECT_EQ(scripts.Slot(1).linesDone, 4);
-  EXPECT_EQ(Log(), "");
-}
-
 TEST_F(Runner, TheCountersOfASlotHold16Bits) {
   std::string text;
   for (int i = 0; i < 32767; ++i) text += "*\n";
