@@ -117,6 +117,7 @@ TEST_F(SchedulerTest, AClockThatIsSetLosesNoMinuteAndRepeatsNone) {
       {kMinute + 300, -kMinute - 500, {kFive, kSix}},  // shortly before second 00
       {kMinute + 36 * kSecond, -40 * kSecond, {kFive, kSix}},
       {30 * kSecond, kMinute, {kFive}},
+      {-kSecond, kSecond, {kSix}},  // second 00 has passed unseen
       {30 * kSecond, -kDay, {kFive, "Six 20 14:06"}}};
   for (const auto& [when, by, expected] : cases) {
     SchedulerDesk desk;

@@ -172,6 +172,9 @@ TEST_F(TaskStoreTest, WhatCannotBeWrittenIsSaid) {
   EXPECT_EQ(Save("One"), TaskStore::kNotWritten);
   settings.SetStorageMode(2);
   EXPECT_EQ(Save("One"), TaskStore::kNotWritten);
+  std::string prior = "prior";
+  settings.ReadSetting(kGeneral, "NoTasks", "0", prior);
+  EXPECT_EQ(prior, "prior") << "nor is anything read";
 }
 
 TEST_F(TaskStoreTest, ADamagedCountCostsNoTask) {
