@@ -27,7 +27,6 @@ class RegistryAccessTest : public testing::Test, public FakePlatform {
   }
 
   RegistryAccess access{registry};
-  Settings settings{registry};
 };
 
 TEST_F(RegistryAccessTest, MissingThingsReadAsTheDefaultAndDeleteWithSuccess) {
@@ -42,9 +41,10 @@ TEST_F(RegistryAccessTest, MissingThingsReadAsTheDefaultAndDeleteWithSuccess) {
   EXPECT_EQ(Read("V", "S", kDefault, kFileNotFound), kDefault);
   ASSERT_EQ(Write("Other", "S", kDefault), kSuccess);
   EXPECT_EQ(Read("V", "S"), kDefault);
-  EXPECT_EQ(access.RegDeleteValueAt("HKCU", kKey, "V"), kSuccess);
-  EXPECT_EQ(access.RegDeleteValueAt("HKCU", "Nowhere", "V"), kSuccess);
-  EXPECT_EQ(access.RegDeleteKeyAt("HKCU", kKey, "K"), kSuccess);
+  for (const char* key : {kKey, "Nowhere"}) {
+    EXPECT_EQ(access.RegDeleteValueAt("HKCU", key, "V"), kSuccess);
+    EXPECT_EQ(access.RegDeleteKeyAt("HKCU", key, "K"), kSuccess);
+  }
   EXPECT_EQ(access.RegDeleteKeyAt("HKCU", "Software", "Quellmark"), kAccessDenied);
 }
 
@@ -72,37 +72,6 @@ TEST_F(RegistryAccessTest, EachTypeIsWrittenInItsWidth) {
     EXPECT_EQ(Write("Failed", "S", kDefault), kDiskFull);
   }
   EXPECT_EQ(Read("Failed", "S", true), RegistryData(true));
-}
-
-TEST_F(RegistryAccessTest, TheModeChoosesTheHiveAndDeletionsStayPerUser) {
-  for (const std::int16_t mode : std::initializer_list<std::int16_t>{0, 1}) {
-    settings.SetStorageMode(mode);
-    for (const char* value : {"Gone", "Kept"}) {
-      settings.WriteSetting(kGeneral, value, mode == 0 ? "user" : "machine");
-    }
-    settings.WriteSetting("Task", "Path", "x");
-  }
-  settings.DeleteUserSetting(kGeneral, "Gone");
-  settings.DeleteUserKey("Task");
-  const std::string task = std::string(kProductKey) + "\\Task";
-  EXPECT_FALSE(registry.HasKey(RootKey::CurrentUser, task));
-  EXPECT_TRUE(registry.HasKey(RootKey::LocalMachine, task));
-  EXPECT_EQ(settings.ReadSetting(kGeneral, "Gone", "0"), "machine");
-  settings.SetStorageMode(0);
-  EXPECT_EQ(settings.ReadMachineSetting(kGeneral, "Kept", "0"), "machine");
-  EXPECT_EQ(settings.ReadSetting(kGeneral, "Kept", "0"), "user");
-  EXPECT_EQ(settings.ReadSetting(kGeneral, "Gone", "0"), "0");
-
-  // A mode that is none reads and writes nothing.
-  settings.WriteMachineSetting(kGeneral, "Users_Share", "2");
-  settings.ReadStorageMode();
-  EXPECT_EQ(settings.StorageMode(), 2);
-  const int writes = registry.Writes();
-  settings.WriteSetting(kGeneral, "Kept", "0");
-  EXPECT_EQ(registry.Writes(), writes);
-  std::string prior = "prior";
-  settings.ReadSetting(kGeneral, "Kept", "default", prior);
-  EXPECT_EQ(prior, "prior");
 }
 
 }  // namespace

@@ -12,10 +12,9 @@
 namespace orvanto::desktop {
 
 struct Task {
-  std::string name;
-  std::string group;
-  std::string type;
-  std::string path;
+  std::wstring name;
+  std::wstring type;
+  std::wstring path;
 };
 
 // Begins and ends without any settings.
@@ -26,16 +25,12 @@ class DesktopTest : public testing::Test {
 
   // All of them are due every day at the given time.
   static void Import(const std::vector<Task>& tasks, int minuteOfTheDay = 0);
-
   static int MinuteOfTheDay(int secondsFromNow = 0);
-  // The next one that a program started now does not miss.
-  static int DueSoon();
 
-  static void Store(const wchar_t* section, const wchar_t* name, const std::wstring& text);
-  // A stored text, or "" where there is none. The section may be a task's name.
-  static std::wstring Stored(const std::wstring& section, const wchar_t* name);
-
-  static void Exit(const RunningProgram& program);
+  static void Store(const std::wstring& section, const wchar_t* name, const std::wstring& text);
+  // Stored texts with '|' between them. The section may be a task's name.
+  static std::wstring Stored(const std::wstring& section,
+                             std::initializer_list<const wchar_t*> names);
 };
 
 }  // namespace orvanto::desktop

@@ -1,6 +1,5 @@
 #include "tests/desktop/RunningProgram.h"
 
-#include <system_error>
 #include <thread>
 
 #include "platform/win32/Text.h"
@@ -8,22 +7,6 @@
 namespace orvanto::desktop {
 
 namespace {
-
-using ProcessHandle = win32::Handle<HANDLE, CloseHandle>;
-
-ProcessHandle Start(std::wstring commandLine, DWORD& id) {
-  STARTUPINFOW startup = {};
-  startup.cb = sizeof startup;
-  PROCESS_INFORMATION information = {};
-  if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                      &startup, &information)) {
-    throw std::system_error(static_cast<int>(GetLastError()), std::system_category(),
-                            win32::ToUtf8(commandLine));
-  }
-  CloseHandle(information.hThread);
-  id = information.dwProcessId;
-  return ProcessHandle(information.hProcess);
-}
 
 void Send(WORD key, wchar_t character, DWORD flags) {
   INPUT input = {};
@@ -73,14 +56,6 @@ void TypeText(const std::wstring& text) {
   }
 }
 
-int RunToEnd(std::wstring commandLine) {
-  DWORD id = 0;
-  const ProcessHandle process = Start(std::move(commandLine), id);
-  DWORD code = 0;
-  if (WaitForSingleObject(process.Get(), 30000) != WAIT_OBJECT_0) return -1;
-  return GetExitCodeProcess(process.Get(), &code) ? static_cast<int>(code) : -1;
-}
-
 std::vector<HWND> TopLevel(DWORD process, const std::wstring& windowClass) {
   std::vector<HWND> found;
   HWND window = nullptr;
@@ -104,6 +79,15 @@ bool IsTopMost(HWND window) {
   return (GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
 }
 
+HWND InFront(const std::wstring& caption) {
+  HWND front = nullptr;
+  const bool came = WaitFor([&] {
+    front = GetForegroundWindow();
+    return TextOf(front) == caption;
+  });
+  return came ? front : nullptr;
+}
+
 HWND FocusBeside(HWND window) {
   GUITHREADINFO info = {};
   info.cbSize = sizeof info;
@@ -111,19 +95,27 @@ HWND FocusBeside(HWND window) {
   return info.hwndFocus;
 }
 
-RunningProgram::RunningProgram(const std::wstring& arguments) {
-  process_ = Start(L"\"" + Beside(L"orvanto.exe") + L"\" " + arguments, id_);
-}
+RunningProgram::RunningProgram(const std::wstring& arguments)
+    : process_(
+          win32::StartProcess(win32::ToUtf8(L"\"" + Beside(L"orvanto.exe") + L"\" " + arguments),
+                              ShowCommand::Normal)) {}
 
 RunningProgram::~RunningProgram() {
   TerminateProcess(process_.Get(), 99);
   WaitForSingleObject(process_.Get(), 5000);
 }
 
+int RunningProgram::ExitCode() const {
+  DWORD code = 0;
+  const bool ended = WaitForSingleObject(process_.Get(), 20000) == WAIT_OBJECT_0 &&
+                     GetExitCodeProcess(process_.Get(), &code);
+  return ended ? static_cast<int>(code) : -1;
+}
+
 HWND RunningProgram::MainWindow() const {
   HWND main = nullptr;
   WaitFor([&] {
-    for (const HWND window : TopLevel(id_, L"OrvantoForm")) {
+    for (const HWND window : TopLevel(Id(), L"OrvantoForm")) {
       if (TextOf(window).starts_with(L"Orvanto - ")) main = window;
     }
     return main != nullptr;
@@ -131,8 +123,29 @@ HWND RunningProgram::MainWindow() const {
   return main;
 }
 
+bool RunningProgram::MainIsInFront() const {
+  return WaitFor(
+      [main = MainWindow()] { return IsWindowVisible(main) && GetForegroundWindow() == main; });
+}
+
+HWND RunningProgram::Box() const {
+  for (const HWND window : TopLevel(Id(), L"#32770")) {
+    if (IsWindowVisible(window)) return window;
+  }
+  return nullptr;
+}
+
+std::wstring RunningProgram::BoxInFront() const {
+  const bool came = WaitFor([&] { return Box() != nullptr && GetForegroundWindow() == Box(); });
+  return came ? TextOf(GetDlgItem(Box(), 0xFFFF)) : L"no box";
+}
+
+HWND RunningProgram::TreeWindow() const {
+  return FindWindowExW(MainWindow(), nullptr, WC_TREEVIEWW, nullptr);
+}
+
 HWND RunningProgram::Button(HWND form, const std::wstring& caption) {
-  return FindWindowExW(form, nullptr, L"Button", caption.c_str());
+  return FindWindowExW(form, nullptr, WC_BUTTONW, caption.c_str());
 }
 
 std::vector<HWND> RunningProgram::Children(HWND form, const wchar_t* windowClass) {
@@ -144,59 +157,8 @@ std::vector<HWND> RunningProgram::Children(HWND form, const wchar_t* windowClass
   return found;
 }
 
-HWND RunningProgram::InFront(const std::wstring& caption) const {
-  HWND found = nullptr;
-  WaitFor([&] {
-    for (const HWND window : TopLevel(id_, L"OrvantoForm")) {
-      if (IsWindowVisible(window) && TextOf(window) == caption && GetForegroundWindow() == window) {
-        found = window;
-      }
-    }
-    return found != nullptr;
-  });
-  return found;
-}
-
-HWND RunningProgram::Box() const {
-  for (const HWND window : TopLevel(id_, L"#32770")) {
-    if (IsWindowVisible(window)) return window;
-  }
-  return nullptr;
-}
-
-HWND RunningProgram::TrayOwner() const {
-  const auto found = TopLevel(id_, L"OrvantoTray");
-  return found.empty() ? nullptr : found.front();
-}
-
 void RunningProgram::Press(HWND form, const std::wstring& caption) {
   PostMessageW(Button(form, caption), BM_CLICK, 0, 0);
-}
-
-void RunningProgram::ChooseMenu(wchar_t menu, int itemsBelowFirst) const {
-  const HWND main = MainWindow();
-  PostMessageW(main, WM_SYSCOMMAND, SC_KEYMENU, menu);
-  WaitFor([&] { return !TopLevel(id_, L"#32768").empty(); });  // the open menu
-  for (int i = 0; i < itemsBelowFirst; ++i) PostMessageW(main, WM_KEYDOWN, VK_DOWN, 0);
-  PostMessageW(main, WM_KEYDOWN, VK_RETURN, 0);
-}
-
-HWND RunningProgram::TreeWindow() const {
-  return FindWindowExW(MainWindow(), nullptr, WC_TREEVIEWW, nullptr);
-}
-
-void RunningProgram::SelectLine(int line) const {
-  for (const UINT click : {WM_LBUTTONDOWN, WM_LBUTTONUP}) {
-    PostMessageW(TreeWindow(), click, 0, MAKELPARAM(60, 5));
-  }
-  PostMessageW(TreeWindow(), WM_KEYDOWN, VK_HOME, 0);
-  for (int i = 0; i < line; ++i) PostMessageW(TreeWindow(), WM_KEYDOWN, VK_DOWN, 0);
-  WaitFor([&] { return IsWindowEnabled(Button(L"&Run Task")) != 0; });
-}
-
-bool RunningProgram::WaitForEnd(DWORD& exitCode) const {
-  return WaitForSingleObject(process_.Get(), 20000) == WAIT_OBJECT_0 &&
-         GetExitCodeProcess(process_.Get(), &exitCode);
 }
 
 }  // namespace orvanto::desktop

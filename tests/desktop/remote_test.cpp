@@ -1,16 +1,10 @@
 // The remote control of the finished program: a telnet client at one end, the windows at the other.
 #include <winsock2.h>
 
-#include "platform/win32/Text.h"
 #include "tests/desktop/DesktopTest.h"
 
 namespace orvanto::desktop {
 namespace {
-
-using win32::ToUtf8;
-
-constexpr const char* kMenuEnd = "7) Logout\r\n>";
-constexpr const wchar_t* kWaiting = L"Waiting for Connection...";
 
 sockaddr_in Loopback(u_short port) {
   sockaddr_in address = {};
@@ -20,17 +14,23 @@ sockaddr_in Loopback(u_short port) {
   return address;
 }
 
+// One that is free: the system chooses it.
+u_short FreePort() {
+  const SOCKET probe = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address = Loopback(0);
+  int size = sizeof address;
+  bind(probe, reinterpret_cast<const sockaddr*>(&address), size);
+  getsockname(probe, reinterpret_cast<sockaddr*>(&address), &size);
+  closesocket(probe);
+  return ntohs(address.sin_port);
+}
+
 // A telnet client as small as can be: keys one at a time, each waited for.
 class Client {
  public:
-  // Refused as long as another client is there.
   explicit Client(u_short port) {
     const sockaddr_in address = Loopback(port);
-    EXPECT_TRUE(WaitFor([&] {
-      closesocket(socket_);
-      socket_ = socket(AF_INET, SOCK_STREAM, 0);
-      return connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-    }));
+    EXPECT_EQ(connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
     const DWORD patience = 20000;
     setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, reinterpret_cast<const char*>(&patience),
                sizeof patience);
@@ -41,16 +41,17 @@ class Client {
 
   // Waits for what comes up to the end of this text.
   void Expect(const std::string& text) {
-    while (seen_.find(text) == std::string::npos) {
+    std::size_t at = 0;
+    while ((at = seen_.find(text)) == std::string::npos) {
       char bytes[4096];
       const int count = recv(socket_, bytes, sizeof bytes, 0);
       ASSERT_GT(count, 0) << text << " did not come: " << seen_;
       seen_.append(bytes, static_cast<std::size_t>(count));
     }
-    seen_.erase(0, seen_.find(text) + text.size());
+    seen_.erase(0, at + text.size());
   }
 
-  // Types a line and Enter, and waits for a text behind it.
+  // Types a line and Enter, and waits for a text after it.
   void Line(const std::string& line, const std::string& then) {
     for (const char key : line) {
       send(socket_, &key, 1, 0);
@@ -61,131 +62,81 @@ class Client {
   }
 
  private:
-  SOCKET socket_ = INVALID_SOCKET;
+  const SOCKET socket_ = socket(AF_INET, SOCK_STREAM, 0);
   std::string seen_;
 };
 
-class RemoteTest : public DesktopTest {
- protected:
-  RemoteTest() {
-    WSADATA data;
-    WSAStartup(MAKEWORD(2, 2), &data);
-    // A port that is free: the system chooses one.
-    const SOCKET probe = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address = Loopback(0);
-    int size = sizeof address;
-    bind(probe, reinterpret_cast<const sockaddr*>(&address), size);
-    getsockname(probe, reinterpret_cast<sockaddr*>(&address), &size);
-    closesocket(probe);
-    port_ = ntohs(address.sin_port);
-    Store(L"General", L"Inet_ServerPort", std::to_wstring(port_));
-    Store(L"General", L"Inet_ServerOn", L"1");
-  }
-  ~RemoteTest() override { WSACleanup(); }
+// The lamps, the address and the two buttons.
+bool Shows(const RunningProgram& program, bool connected) {
+  return WaitFor([&] {
+    auto texts = RunningProgram::Children(program.MainWindow(), WC_STATICW);
+    std::erase_if(texts, [](HWND text) { return !IsWindowVisible(text); });
+    return texts.size() == 5 && TextOf(texts[1]) == (connected ? L"127.0.0.1" : L"0.0.0.0") &&
+           TextOf(texts[3]) == (connected ? L"on" : L"off") &&
+           TextOf(texts[4]) == (connected ? L"off" : L"on") &&
+           !IsWindowEnabled(program.Button(L"&Chat")) == !connected &&
+           !IsWindowEnabled(program.Button(L"&Kick")) == !connected;
+  });
+}
 
-  static HWND Log(const RunningProgram& program) {
-    return RunningProgram::Children(program.MainWindow(), L"Edit").at(0);
-  }
-
-  // The lamps, the address and the two buttons.
-  static bool Shows(const RunningProgram& program, bool connected) {
-    const HWND main = program.MainWindow();
-    return WaitFor([&] {
-      auto texts = RunningProgram::Children(main, L"Static");
-      std::erase_if(texts, [](HWND text) { return !IsWindowVisible(text); });
-      return texts.size() == 5 && TextOf(texts[1]) == (connected ? L"127.0.0.1" : L"0.0.0.0") &&
-             TextOf(texts[3]) == (connected ? L"on" : L"off") &&
-             TextOf(texts[4]) == (connected ? L"off" : L"on") &&
-             !IsWindowEnabled(program.Button(L"&Chat")) == !connected &&
-             !IsWindowEnabled(program.Button(L"&Kick")) == !connected;
-    });
-  }
-
-  static void AnswerChatRequest(const RunningProgram& program, bool yes) {
-    ASSERT_TRUE(WaitFor([&] { return program.Box() != nullptr; }));
-    EXPECT_EQ(TextOf(program.Box()), L"Chat Request");
-    EXPECT_EQ(TextOf(GetDlgItem(program.Box(), 0xFFFF)), L"Accept Chat Request?");
-    EXPECT_TRUE(IsTopMost(program.Box())) << "as the main window is";
-    ASSERT_TRUE(WaitFor([&] { return GetForegroundWindow() == program.Box(); }));
-    // What is typed when it comes is no consent.
-    if (yes) PressKeys({VK_LEFT});
-    PressKeys({VK_RETURN});
-  }
-
-  u_short port_ = 0;
-};
-
-TEST_F(RemoteTest, TheWindowsTellOfTheClientAndTalkWithHim) {
+TEST_F(DesktopTest, TheWindowsTellOfTheClientAndTalkWithHim) {
+  WSADATA data;
+  WSAStartup(MAKEWORD(2, 2), &data);
+  const u_short port = FreePort();
+  Store(L"General", L"Inet_ServerPort", std::to_wstring(port));
+  Store(L"General", L"Inet_ServerOn", L"1");
   Store(L"General", L"OnTop", L"1");
+  Import(std::vector<Task>(8, {L"task", L"6", L"text"}));
   const RunningProgram program;
   ASSERT_TRUE(Shows(program, false));
-  EXPECT_EQ(TextOf(Log(program)), kWaiting);
-  Client client(port_);
-  client.Expect(kMenuEnd);
+  const HWND log = RunningProgram::Children(program.MainWindow(), WC_EDITW).at(0);
+  EXPECT_EQ(TextOf(log), L"Waiting for Connection...");
+  Client client(port);
+  client.Expect("7) Logout\r\n>");
   EXPECT_TRUE(Shows(program, true));
-  EXPECT_TRUE(
-      WaitFor([&] { return TextOf(Log(program)).find(L"1: Main Menu") != std::wstring::npos; }));
+  EXPECT_TRUE(WaitFor([&] { return TextOf(log).find(L"1: Main Menu") != std::wstring::npos; }));
   for (const bool accepted : {false, true}) {
     client.Line("6", "Asking for Chat...\r\n");
-    AnswerChatRequest(program, accepted);
-    client.Expect(accepted ? "Press '/' to Quit...\r\n\r\n" : kMenuEnd);
+    EXPECT_EQ(program.BoxInFront(), L"Accept Chat Request?");
+    EXPECT_TRUE(IsTopMost(program.Box())) << "as the main window is";
+    // What is typed when it comes is no consent.
+    if (accepted) PressKeys({VK_LEFT});
+    PressKeys({VK_RETURN});
+    client.Expect(accepted ? "Press '/' to Quit...\r\n\r\n" : "7) Logout\r\n>");
   }
-  HWND chat = program.InFront(L"Chat");
-  ASSERT_NE(chat, nullptr);
-  EXPECT_TRUE(IsTopMost(chat));
-  HWND txtChat = nullptr;
-  HWND txtSend = nullptr;
-  for (const HWND text : RunningProgram::Children(chat, L"Edit")) {
-    (GetWindowLongPtrW(text, GWL_STYLE) & ES_READONLY ? txtChat : txtSend) = text;
-  }
+  const HWND chat = InFront(L"Chat");
+  const std::vector<HWND> texts = RunningProgram::Children(chat, WC_EDITW);
+  const HWND line = texts.at(0);
+  const HWND transcript = texts.at(1);
   TypeText(L"Good evening");
   PressKeys({VK_RETURN});
   client.Expect("\r\nServer: Good evening\r\n");
-  EXPECT_TRUE(WaitFor([&] { return TextOf(txtSend).empty(); }));
+  EXPECT_TRUE(WaitFor([&] { return TextOf(line).empty(); }));
   // The newest line is in sight, wherever the keyboard is; a letter beside the box ends no chat.
   PressWith(VK_SHIFT, VK_TAB);
   PressKeys({'Q'});
-  std::wstring transcript = L"Server: Good evening\r\n";
+  std::wstring said = L"Server: Good evening\r\n";
   for (int i = 0; i < 12; ++i) {
     client.Line("Hi", "\r\n");
-    transcript += L"\r\nClient: Hi\r\n";
+    said += L"\r\nClient: Hi\r\n";
   }
-  EXPECT_TRUE(WaitFor([&] { return TextOf(txtChat) == transcript; })) << ToUtf8(TextOf(txtChat));
-  EXPECT_GT(SendMessageW(txtChat, EM_GETFIRSTVISIBLELINE, 0, 0), 5);
+  EXPECT_TRUE(WaitFor([&] { return TextOf(transcript) == said; }));
+  EXPECT_GT(SendMessageW(transcript, EM_GETFIRSTVISIBLELINE, 0, 0), 5);
+  PressKeys({VK_ESCAPE});  // ends no conversation
+  PressWith(VK_MENU, 'Q');
+  client.Expect("\r\nChat Ended by Server\r\n\r\n");
+  EXPECT_TRUE(WaitFor([&] { return !IsWindow(chat); }));
+  EXPECT_TRUE(program.MainIsInFront());
 
-  // Closed by its frame it is only hidden: the client still talks, and is the one to end it.
-  PostMessageW(chat, WM_CLOSE, 0, 0);
-  EXPECT_TRUE(WaitFor([&] { return !IsWindowVisible(chat); }));
-  client.Line("/", "\r\nChat Ended by Client\r\n\r\n");
-  client.Expect(kMenuEnd);
-
-  // Begun here, ended here; begun again, and ended by throwing the client out.
-  for (const bool kick : {false, true}) {
-    SCOPED_TRACE(kick);
-    program.Press(L"&Chat");
-    client.Expect("Server Started Chat...\r\n");
-    chat = program.InFront(L"Chat");
-    ASSERT_NE(chat, nullptr);
-    EXPECT_NE(IsTopMost(chat), kick);
-    if (kick) {
-      program.Press(L"&Kick");
-      EXPECT_TRUE(Shows(program, false));
-    } else {
-      PressKeys({VK_ESCAPE, VK_TAB, VK_RETURN});  // Esc ends no conversation
-      client.Expect("\r\nChat Ended by Server\r\n\r\n");
-      client.Expect(kMenuEnd);
-    }
-    EXPECT_TRUE(WaitFor([&] { return !IsWindow(chat); }));
-    EXPECT_TRUE(WaitFor([&] { return GetForegroundWindow() == program.MainWindow(); }));
-    if (!kick) program.ChooseMenu(L's', 1);
-  }
-  // Off and on again.
-  for (const bool on : {false, true}) {
-    program.Press(on ? L"&On" : L"O&ff");
-    EXPECT_TRUE(WaitFor([&] { return IsWindowVisible(Log(program)) == on; }));
-  }
-  Client(port_).Expect(kMenuEnd);
-  Exit(program);
+  // The selection stays in sight when the server's area takes its place.
+  const HWND tree = program.TreeWindow();
+  program.Press(L"O&ff");
+  EXPECT_TRUE(WaitFor([&] { return !IsWindowVisible(log); }));
+  for (const WPARAM key : {VK_HOME, VK_END}) PostMessageW(tree, WM_KEYDOWN, key, 0);
+  EXPECT_EQ(TreeView_GetFirstVisible(tree), TreeView_GetRoot(tree));
+  program.Press(L"&On");
+  EXPECT_TRUE(Shows(program, false));
+  EXPECT_TRUE(WaitFor([&] { return TreeView_GetFirstVisible(tree) != TreeView_GetRoot(tree); }));
 }
 
 }  // namespace

@@ -13,18 +13,17 @@ namespace orvanto {
 
 class FakeArea : public ServerArea {
  public:
-  void ShowServer(bool on) override { shown = on ? "shown " : "hidden "; }
-  void SetCaption(const std::string& text) override { caption = text + " "; }
+  void ShowServer(bool on) override { shown_ = on ? "shown " : "hidden "; }
+  void SetCaption(const std::string& text) override { caption_ = text + " "; }
   void SetLamps(bool yes, bool no) override {
-    lamps = std::string(yes ? "Y" : "-") + (no ? "N " : "- ");
+    lamps_ = std::string(yes ? "Y" : "-") + (no ? "N " : "- ");
   }
-  void SetClient(const std::string& address) override { client = address; }
-  void EnableClientCommands(bool on) override { commands = on ? " commands" : ""; }
+  void SetClient(const std::string& address) override { client_ = address; }
+  void EnableClientCommands(bool on) override { commands_ = on ? " commands" : ""; }
+  std::string Text() const { return shown_ + caption_ + lamps_ + client_ + commands_; }
 
-  // All of it in short.
-  std::string Text() const { return shown + caption + lamps + client + commands; }
-
-  std::string shown, caption, lamps, client, commands;
+ private:
+  std::string shown_, caption_, lamps_, client_, commands_;
 };
 
 struct RemoteDesk : CoreDesk {
@@ -63,9 +62,7 @@ struct RemoteDesk : CoreDesk {
     return Line(lines.substr(last + 1));
   }
   void AddMessages(const Texts& names) {
-    for (const std::string& name : names) {
-      Add(name, "08:05", [](TaskEntry& entry) { entry.group = "G"; });
-    }
+    for (const std::string& name : names) Add(name, "08:05", "Group=G");
   }
 };
 

@@ -59,6 +59,7 @@ TEST(LineAssembler, AnotherConnectionKeepsTheLineOnly) {
   lines.Next();
   lines.SetLine("put back");
   lines.Restart();
+  EXPECT_FALSE(lines.Next());
   EXPECT_EQ(Pieces(lines, "\n"), "<put back>");
 }
 

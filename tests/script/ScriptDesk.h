@@ -1,7 +1,9 @@
 // The script engine on a platform of fakes.
 #pragma once
 
+#include <algorithm>
 #include <string>
+#include <utility>
 
 #include "script/Script_Interpreter.h"
 #include "tests/support/CoreDesk.h"
@@ -28,7 +30,7 @@ struct ScriptDesk : CoreDesk {
     files.contents["C:\\Orvanto\\scripts\\" + name] = text;
   }
   // Runs a script of that text; the number of the error that reached the caller, or 0.
-  int Run(const std::string& text) {
+  int RunText(const std::string& text) {
     Script("s.txt", text);
     return RunByPath("s.txt");
   }
@@ -42,6 +44,8 @@ struct ScriptDesk : CoreDesk {
     for (const auto& [path, text] : files.contents) paths.push_back(path + " " + text);
     return paths;
   }
+  // What has been done since the last call.
+  Texts Done() { return std::exchange(done, {}); }
   std::ptrdiff_t Beeps() const { return std::count(done.begin(), done.end(), "beep"); }
   std::string Log() { return files.contents["C:\\Orvanto\\ORVSCRPT.LOG"]; }
   // What the log holds after a line or an opening failed and the failure behind it.

@@ -7,6 +7,8 @@
 namespace orvanto {
 namespace {
 
+class Runner : public testing::Test, public ScriptDesk {};
+
 TEST(ScriptLine, SplitsArguments) {
   // A line, its arguments; "-" stands for the value from the line before.
   for (const std::string row :
@@ -26,39 +28,36 @@ TEST(ScriptLine, SplitsArguments) {
   }
 }
 
-TEST(Runner, RunsLinesOfAnyEndingAndEncoding) {
-  ScriptDesk desk;
-  EXPECT_EQ(desk.Run("beep()\r\nBEEP()\n   Beep()  \rbeep()"), 0);
-  EXPECT_EQ(desk.Beeps(), 4);
-  EXPECT_EQ(desk.Run("\xEF\xBB\xBFmsgbox('\xC3\xA4',nostop)"), 0);
-  EXPECT_EQ(desk.Run("msgbox('\xE4',nostop)"), 0);
-  EXPECT_EQ(desk.Run(std::string("msgbox('a\0b',nostop)", 20)), 0);
-  EXPECT_EQ(desk.Run("msgbox('" + std::string(200000, 'x') + "',nostop)"), 0);
+TEST_F(Runner, RunsLinesOfAnyEndingAndEncoding) {
+  EXPECT_EQ(RunText("beep()\r\nBEEP()\n   Beep()  \rbeep()"), 0);
+  EXPECT_EQ(Beeps(), 4);
+  EXPECT_EQ(RunText("\xEF\xBB\xBFmsgbox('\xC3\xA4',nostop)"), 0);
+  EXPECT_EQ(RunText("msgbox('\xE4',nostop)"), 0);
+  EXPECT_EQ(RunText(std::string("msgbox('a\0b',nostop)", 20)), 0);
+  EXPECT_EQ(RunText("msgbox('" + std::string(200000, 'x') + "',nostop)"), 0);
   for (const bool highFirst : {false, true}) {
     const std::u16string text = u"\uFEFFmsgbox('\U0001F552\xD83D\xDD52\xDD52\xD83D',nostop)\r\n*(";
     std::string bytes(reinterpret_cast<const char*>(text.data()), 2 * text.size());
     for (std::size_t i = 0; highFirst && i < bytes.size(); i += 2)
       std::swap(bytes[i], bytes[i + 1]);
-    EXPECT_EQ(desk.Run(bytes + "\xFF"), 0);
-    EXPECT_EQ(desk.popups.back(), "\U0001F552\U0001F552\uFFFD\uFFFD");
-    desk.popups.pop_back();
+    EXPECT_EQ(RunText(bytes + "\xFF"), 0);
+    EXPECT_EQ(popups.back(), "\U0001F552\U0001F552\uFFFD\uFFFD");
+    popups.pop_back();
   }
-  EXPECT_EQ(desk.popups,
+  EXPECT_EQ(popups,
             (Texts{"\xC3\xA4", "\xC3\xA4", std::string("a\0b", 3), std::string(200000, 'x')}));
-  EXPECT_EQ(desk.Log(), "");
-  EXPECT_FALSE(desk.scripts.Slot(1).inUse);
+  EXPECT_EQ(Log(), "");
+  EXPECT_FALSE(scripts.Slot(1).inUse);
 }
 
-TEST(Runner, ALineWithoutParenthesisRepeatsTheCommand) {
-  ScriptDesk desk;
+TEST_F(Runner, ALineWithoutParenthesisRepeatsTheCommand) {
   EXPECT_EQ(
-      desk.Run("* a comment\n*(another)\nbeep()\n\nbeep\n* one more\nmsgbox('x',nostop)\nagain"),
-      0);
-  EXPECT_EQ(desk.Beeps(), 4);
-  EXPECT_EQ(desk.popups, (Texts{"x", "x"}));
+      RunText("* a comment\n*(another)\nbeep()\n\nbeep\n* one more\nmsgbox('x',nostop)\nagain"), 0);
+  EXPECT_EQ(Beeps(), 4);
+  EXPECT_EQ(popups, (Texts{"x", "x"}));
 }
 
-TEST(Runner, ABadLineIsLoggedTwiceAndReachesTheCaller) {
+TEST_F(Runner, ABadLineIsLoggedTwiceAndReachesTheCaller) {
   const std::pair<const char*, const char*> cases[] = {
       {"rem(x)", "Not a command"},
       {"\nbeep()", "Not a command"},
@@ -72,113 +71,94 @@ TEST(Runner, ABadLineIsLoggedTwiceAndReachesTheCaller) {
   for (const auto& [text, reason] : cases) {
     ScriptDesk desk;
     desk.desktop.titles = {"x"};
-    EXPECT_EQ(desk.Run(text), kFileAlreadyOpen) << text;
+    EXPECT_EQ(desk.RunText(text), kFileAlreadyOpen) << text;
     EXPECT_EQ(desk.failures, Texts{std::string("s.txt, line 1: ") + reason}) << text;
     EXPECT_EQ(desk.Log(), ScriptDesk::Twice("s.txt")) << text;
     EXPECT_TRUE(desk.scripts.Slot(1).inUse) << text;
-    EXPECT_EQ(desk.scripts.Slot(1).linesDone, 2) << "the failed line and the one behind it";
+    EXPECT_EQ(desk.scripts.Slot(1).linesDone, 2) << "the failed line and the one after it";
   }
-  ScriptDesk desk;
-  EXPECT_EQ(desk.RunByPath("Missing.txt"), kFileNotFoundError);
-  EXPECT_EQ(desk.Log(), ScriptDesk::Twice("Missing.txt"));
-  EXPECT_EQ(desk.Run("msgbox('x',nostop)\rx\ry("), kFileAlreadyOpen);
-  EXPECT_EQ(desk.failures, (Texts{"Missing.txt: File not found", "s.txt, line 3: Not a command"}));
-  desk.files.contents["D:\\there.txt"] = "beep()";
-  EXPECT_EQ(desk.RunByPath("D:\\There.TXT"), 0);
-  EXPECT_EQ(desk.Beeps(), 1);
+  EXPECT_EQ(RunByPath("Missing.txt"), kFileNotFoundError);
+  EXPECT_EQ(Log(), Twice("Missing.txt"));
+  EXPECT_EQ(RunText("msgbox('x',nostop)\rx\ry("), kFileAlreadyOpen);
+  EXPECT_EQ(failures, (Texts{"Missing.txt: File not found", "s.txt, line 3: Not a command"}));
+  files.contents["D:\\there.txt"] = "beep()";
+  EXPECT_EQ(RunByPath("D:\\There.TXT"), 0);
+  EXPECT_EQ(Beeps(), 1);
 }
 
-TEST(Runner, ADelayEndsWithTheTickOfItsNumber) {
-  ScriptDesk desk;
-  EXPECT_EQ(desk.Run("beep()\ndelay(5)\nmsgbox('end',nostop)"), 0);
-  EXPECT_TRUE(desk.scripts.Waiting());
-  desk.loop.Advance(5 * 1000 - 1);
-  EXPECT_EQ(desk.Beeps(), 1);
+TEST_F(Runner, ADelayEndsWithTheTickOfItsNumber) {
+  EXPECT_EQ(RunText("beep()\ndelay(5)\nmsgbox('end',nostop)"), 0);
+  EXPECT_TRUE(scripts.Waiting());
+  loop.Advance(5 * 1000 - 1);
+  EXPECT_EQ(Beeps(), 1);
   // The resumed script takes a fresh slot and so starts from its first line again.
-  desk.loop.Advance(1);
-  EXPECT_EQ(desk.Beeps(), 2);
-  EXPECT_EQ(desk.scripts.Slot(1).linesDone, 3);
-  EXPECT_TRUE(desk.scripts.Slot(1).inUse);
-  EXPECT_TRUE(desk.scripts.Slot(2).delayPending);
+  loop.Advance(1);
+  EXPECT_EQ(Beeps(), 2);
+  EXPECT_EQ(scripts.Slot(1).linesDone, 3);
+  EXPECT_TRUE(scripts.Slot(1).inUse);
+  EXPECT_TRUE(scripts.Slot(2).delayPending);
 }
 
-TEST(Runner, ADelayingScriptTakesSlotsUntilNoneIsLeft) {
-  ScriptDesk desk;
+TEST_F(Runner, ADelayingScriptTakesSlotsUntilNoneIsLeft) {
   bool idle = false;
-  desk.scripts.onIdle = [&] { idle = true; };
-  EXPECT_EQ(desk.Run("beep()\ndelay(1)"), 0);
-  desk.loop.Advance(99 * 1000);
-  EXPECT_EQ(desk.Beeps(), 100);
+  scripts.onIdle = [&] { idle = true; };
+  EXPECT_EQ(RunText("beep()\ndelay(1)"), 0);
+  loop.Advance(99 * 1000);
+  EXPECT_EQ(Beeps(), 100);
   EXPECT_FALSE(idle);
-  desk.loop.Advance(1000);
-  EXPECT_EQ(desk.failures, Texts{"s.txt: all 100 places are taken"});
+  loop.Advance(1000);
+  EXPECT_EQ(failures, Texts{"s.txt: all 100 places are taken"});
   EXPECT_TRUE(idle);
-  EXPECT_FALSE(desk.scripts.Waiting());
-  EXPECT_EQ(desk.RunByPath("s.txt"), kSubscriptOutOfRange);
-  EXPECT_EQ(desk.Log(), "");
+  EXPECT_FALSE(scripts.Waiting());
+  EXPECT_EQ(RunByPath("s.txt"), kSubscriptOutOfRange);
+  EXPECT_EQ(Log(), "");
 }
 
-TEST(Runner, OnlyTheLowestDelayCountsAndAStartStopsTheCount) {
-  ScriptDesk desk;
-  desk.Script("b.txt", "delay(2)");
-  EXPECT_EQ(desk.Run("delay(3)\nbeep()"), 0);
-  EXPECT_EQ(desk.RunByPath("b.txt"), 0);
-  desk.loop.Advance(2000);
-  EXPECT_EQ(desk.scripts.Slot(1).delayElapsed, 3);
-  EXPECT_EQ(desk.scripts.Slot(2).delayElapsed, 1);
+TEST_F(Runner, OnlyTheLowestDelayCountsAndAStartStopsTheCount) {
+  Script("b.txt", "delay(2)");
+  EXPECT_EQ(RunText("delay(3)\nbeep()"), 0);
+  EXPECT_EQ(RunByPath("b.txt"), 0);
+  loop.Advance(2000);
+  EXPECT_EQ(scripts.Slot(1).delayElapsed, 3);
+  EXPECT_EQ(scripts.Slot(2).delayElapsed, 1);
   // Any start stops the shared timer; the next delay starts it again.
-  desk.Script("c.txt", "*");
-  EXPECT_EQ(desk.RunByPath("c.txt"), 0);
-  desk.loop.Advance(10000);
-  EXPECT_EQ(desk.scripts.Slot(1).delayElapsed, 3);
-  EXPECT_EQ(desk.RunByPath("b.txt"), 0);
-  desk.loop.Advance(1000);
-  EXPECT_FALSE(desk.scripts.Slot(1).delayPending) << "resumed";
-  EXPECT_TRUE(desk.scripts.Slot(2).delayPending);
+  Script("c.txt", "*");
+  EXPECT_EQ(RunByPath("c.txt"), 0);
+  loop.Advance(10000);
+  EXPECT_EQ(scripts.Slot(1).delayElapsed, 3);
+  EXPECT_EQ(RunByPath("b.txt"), 0);
+  loop.Advance(1000);
+  EXPECT_FALSE(scripts.Slot(1).delayPending) << "resumed";
+  EXPECT_TRUE(scripts.Slot(2).delayPending);
 }
 
-TEST(Runner, ADelayOfNothingNeverEndsAndFailsAtLast) {
-  ScriptDesk desk;
-  EXPECT_EQ(desk.Run("delay(0)"), 0);
-  desk.loop.Advance(32766 * 1000);
-  EXPECT_EQ(desk.scripts.Slot(1).delayElapsed, 32767);
-  EXPECT_THROW(desk.loop.Advance(1000), Error);
+TEST_F(Runner, ADelayOfNothingNeverEndsAndFailsAtLast) {
+  EXPECT_EQ(RunText("delay(0)"), 0);
+  loop.Advance(32766 * 1000);
+  EXPECT_EQ(scripts.Slot(1).delayElapsed, 32767);
+  EXPECT_THROW(loop.Advance(1000), Error);
 }
 
-TEST(Runner, ASlotIsUsedAgainFromItsFirstLine) {
-  ScriptDesk desk;
-  // One that a box ends, too.
-  desk.messageBoxes.expected = {{"Stop here?", Answer::Cancel}};
-  for (const char* text : {"beep()\nbeep()", "msgbox('Stop here?',okcancel)\nbeep()", "beep()"}) {
-    EXPECT_EQ(desk.Run(text), 0);
-  }
-  EXPECT_EQ(desk.Beeps(), 3);
-  EXPECT_EQ(desk.scripts.Slot(1).linesDone, 4);
-  EXPECT_EQ(desk.Log(), "");
-}
-
-TEST(Runner, TheCountersOfASlotHold16Bits) {
-  ScriptDesk desk;
+TEST_F(Runner, TheCountersOfASlotHold16Bits) {
   std::string text;
   for (int i = 0; i < 32767; ++i) text += "*\n";
-  EXPECT_EQ(desk.Run(text), 0);
-  EXPECT_EQ(desk.Run("beep()"), kOverflow);
-  EXPECT_EQ(desk.Beeps(), 0);
+  EXPECT_EQ(RunText(text), 0);
+  EXPECT_EQ(RunText("beep()"), kOverflow);
+  EXPECT_EQ(Beeps(), 0);
 }
 
-TEST(Runner, AScriptMayStartAnotherFromInsideAndEndsWithTheProgram) {
-  ScriptDesk desk;
-  desk.Script("inner.txt", "beep()\nmsgbox('inner',nostop)");
-  desk.messageBoxes.expected = {{"outer", Answer::Ok,
-                                 [&] {
-                                   EXPECT_EQ(desk.RunByPath("inner.txt"), 0);
-                                   EXPECT_EQ(desk.scripts.CommandAtWork(), "msgbox");
-                                 }},
-                                {"the end", Answer::Ok, [&] { desk.loop.Quit(); }}};
-  EXPECT_EQ(desk.Run("msgbox('outer')\nbeep()\nmsgbox('the end')\nmsgbox('two')\nshutdown()"), 0);
-  EXPECT_EQ(desk.done, (Texts{"beep", "beep"}));
-  EXPECT_EQ(desk.scripts.CommandAtWork(), "");
-  EXPECT_FALSE(desk.scripts.Slot(2).inUse);
+TEST_F(Runner, AScriptMayStartAnotherFromInsideAndEndsWithTheProgram) {
+  Script("inner.txt", "beep()\nmsgbox('inner',nostop)");
+  messageBoxes.expected = {{"outer", Answer::Ok,
+                            [&] {
+                              EXPECT_EQ(RunByPath("inner.txt"), 0);
+                              EXPECT_EQ(scripts.CommandAtWork(), "msgbox");
+                            }},
+                           {"the end", Answer::Ok, [&] { loop.Quit(); }}};
+  EXPECT_EQ(RunText("msgbox('outer')\nbeep()\nmsgbox('the end')\nmsgbox('two')\nshutdown()"), 0);
+  EXPECT_EQ(done, (Texts{"beep", "beep"}));
+  EXPECT_EQ(scripts.CommandAtWork(), "");
+  EXPECT_FALSE(scripts.Slot(2).inUse);
 }
 
 }  // namespace

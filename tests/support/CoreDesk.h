@@ -1,6 +1,7 @@
 // The task scheduling core on a platform of fakes, and short ways to fill its store.
 #pragma once
 
+#include <sstream>
 #include <string>
 
 #include "core/Convert.h"
@@ -61,10 +62,8 @@ struct CoreDesk : FakePlatform {
   TaskExecution execution{store, shell, session, sound, messageBoxes, &scripts};
   Scheduler scheduler{loop, clock, store, sched, execution};
 
-  using Change = std::function<void(TaskEntry&)>;
-
-  // A popup message each day at that time, for the slot behind the last.
-  TaskEntry Entry(const std::string& name, const std::string& time, const Change& change = {}) {
+  // A popup message each day at that time, for the slot after the last.
+  TaskEntry Entry(const std::string& name, const std::string& time) {
     TaskEntry entry;
     entry.name = name;
     entry.index = static_cast<std::int16_t>(store.NoTasks() + 1);
@@ -75,20 +74,26 @@ struct CoreDesk : FakePlatform {
     entry.every = entry.in = 1;
     entry.taskType = kPopupMessage;
     entry.path = name;
-    if (change) change(entry);
     return entry;
   }
-  void Add(const std::string& name, const std::string& time, const Change& change = {}) {
-    store.SaveTask(Entry(name, time, change));
-  }
-  // The same with other stored fields, by name.
-  using Fields = std::vector<std::pair<const char*, const char*>>;
-  void Add(const std::string& name, const std::string& time, const Fields& fields) {
-    Add(name, time);
+  // The same with other stored fields: "TaskType=1 Path=x".
+  void Add(const std::string& name, const std::string& time, const std::string& fields = "") {
+    store.SaveTask(Entry(name, time));
     Put(name, fields);
   }
-  void Put(const std::string& section, const Fields& fields) {
-    for (const auto& [value, text] : fields) settings.WriteSetting(section, value, text);
+  void Put(const std::string& section, const std::string& fields) {
+    std::istringstream parts(fields);
+    for (std::string part; parts >> part;) {
+      const std::size_t equals = part.find('=');
+      settings.WriteSetting(section, part.substr(0, equals), part.substr(equals + 1));
+    }
+  }
+  // A task in words: its line, path, parameters, window style and group.
+  std::string Told(std::int16_t slot) {
+    const std::string line = sched.TreeLine(slot);
+    const TaskRecord& task = store.CurrentTask;
+    return line + ", " + task.path + " " + task.cmdLine + " " + std::to_string(task.winStyle) +
+           " " + task.group;
   }
   Texts Names() {
     Texts names;
