@@ -227,9 +227,9 @@ TEST_F(FileRegistryTest, ADamagedFileIsSetAsideAtTheStartAndLaterByTheNextWrite)
   fs::create_directory(new_);
   EXPECT_EQ(registry.Put("better"), kWriteFault);
   fs::remove(new_);
-  EXPECT_EQ(registry.Put("better"), kSuccess);
+  for (const char* text : {"better", "best"}) EXPECT_EQ(registry.Put(text), kSuccess);
   EXPECT_EQ(said_.size(), 4u) << said_.back();
-  EXPECT_EQ(Store(path_, nullptr).Get(), "better");
+  EXPECT_EQ(Store(path_, nullptr).Get(), "best");
   const char* asides[] = {"older", "Orvanto registry 1\nrubbish\n", "half an edit", ""};
   for (int i = 0; i < 4; ++i) EXPECT_EQ(ReadFile(damaged_ + std::to_string(i + 1)), asides[i]);
 }
@@ -297,13 +297,16 @@ TEST_F(FileRegistryTest, WhatCannotBeReadIsTriedAgainAndNotOverwritten) {
   fs::remove(path_);
   ASSERT_EQ(::mkfifo(path_.c_str(), 0600), 0);
   ASSERT_EQ(Store(path_, nullptr).Put("x"), kSuccess) << "an empty one, which is replaced";
-  std::optional<Limit> noDescriptors(std::in_place, RLIMIT_NOFILE, 0);
   Store registry(path_, report_);
-  for (int i = 0; i < 2; ++i) EXPECT_EQ(registry.Get(), "nothing");
-  noDescriptors.reset();
-  EXPECT_EQ(registry.Get(), "x");
+  for (const std::size_t times : {2U, 3U}) {
+    WriteFile(path_, ReadFile(path_) + "\n");
+    std::optional<Limit> noDescriptors(std::in_place, RLIMIT_NOFILE, 0);
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(registry.Get(), "x");
+    noDescriptors.reset();
+    EXPECT_EQ(said_.size(), times) << "once until it could be read";
+    EXPECT_EQ(registry.Get(), "x");
+  }
   EXPECT_EQ(registry.Put("y"), kSuccess);
-  EXPECT_EQ(said_.size(), 2U);
 }
 
 }  // namespace

@@ -84,6 +84,7 @@ TEST(Paths, FindTheBranchInWhichTheWholePathExists) {
       {"d/fOO/same.txt", "d/FOO/same.txt"},
       {"d/foo/same.txt", "d/foo/same.txt"},  // one that is spelt as given is meant
       {"d/fOO/SUB/New.txt", "d/FOO/sub/New.txt"},
+      {"d/fOO/New.txt", "d/FOO/New.txt"},
       {"D/Foo/", "D/foo/"},
       {"d/fool", "d/Fool"},
       {"d/FOOL", "d/FOOL"},
@@ -96,6 +97,7 @@ TEST(Paths, FindTheBranchInWhichTheWholePathExists) {
 TEST(Paths, MapBetweenTheTwoForms) {
   const std::pair<const char*, const char*> cases[] = {{"Z:\\", "/"},
                                                        {"z:\\no\\Such", "/no/Such"},
+                                                       {"Z:no\\such", "/no/such"},
                                                        {"no\\such", "no/such"},
                                                        {"C:\\no\\such", "C:/no/such"},
                                                        {"/no/such", "/no/such"},
@@ -142,7 +144,8 @@ class ProgramsTest : public testing::Test {
 
 TEST_F(ProgramsTest, FindsTheTargetInTheText) {
   for (const char* name : {"bin/tool", "bin/two words", "two"}) MakeProgram(name);
-  WriteFile(directory_ / "two words.txt", "");
+  for (const char* name : {"two words.txt", "bin/plain"}) WriteFile(directory_ / name, "");
+  fs::create_directory(directory_ / "bin/folder");
   const std::string dir = FromNative(directory_ / "");
   const struct {
     std::string text;
@@ -159,7 +162,8 @@ TEST_F(ProgramsTest, FindsTheTargetInTheText) {
   for (const auto& c : cases) {
     EXPECT_EQ(FindShellTarget(c.text), (ShellTarget{directory_ / c.path, c.arguments})) << c.text;
   }
-  for (const std::string& none : {dir + "bin tool", "none"s, "\"none\" tool"s, " "s, ""s}) {
+  for (const std::string& none :
+       {dir + "bin tool", "folder"s, "plain"s, "\"none\" tool"s, " "s, ""s}) {
     EXPECT_FALSE(FindShellTarget(none)) << none;
   }
 }
