@@ -163,7 +163,7 @@ TEST_F(CommandsTest, SettingsAreReadAndWritten) {
   EXPECT_EQ(Run("set General Users_Share 2"), 0);
   program.Prepare();
   const int writes = fake.registry.Writes();
-  EXPECT_EQ(Run("set General OnTop 1"), kExitRefused);
+  EXPECT_EQ(Run("set Other Users_Share 1"), kExitRefused);
   EXPECT_EQ(get("General OnTop"), "refused");
   EXPECT_EQ(fake.registry.Writes(), writes);
   EXPECT_EQ(Run("set General Users_Share 0"), 0);

@@ -89,7 +89,7 @@ TEST_P(RegistryContract, ReturnsWhatWasWrittenIfThereIsRoom) {
       {"no bytes", ValueType::Binary, ""},
       {"number", ValueType::Dword, "\x0A\0\0\x80"s},
       {"none", ValueType::None, "x"}};
-  ASSERT_EQ(Put(key, "NAME", "former"), kSuccess);
+  ASSERT_EQ(Put(key, "NAME", "text\0"s), kSuccess);
   for (const auto& [name, type, bytes] : cases) ASSERT_EQ(Put(key, name, bytes, type), kSuccess);
   const Registry::Key again = Make("vALUES");  // keeps its values
   for (const auto& [name, type, bytes] : cases) EXPECT_EQ(Read(again, name, type), bytes) << name;

@@ -106,27 +106,30 @@ TEST(Paths, MapBetweenTheTwoForms) {
   EXPECT_EQ(FromNative("/a/b") + FromNative("a/b"), "Z:\\a\\ba\\b");
 }
 
-// Programs that write down how they were called.
+// Writes down its name and its arguments, its folder, its standard input, and what it should not
+// have got from us.
+constexpr const char* kProgram = R"(#!/bin/sh
+PATH=/bin:/usr/bin; exec >"$RECORD.part"
+printf %s "${0##*/}"; printf '|%s' "$@"; echo; pwd; readlink /proc/$$/fd/0
+[ -e /proc/$$/fd/57 ] && echo leaked
+cut -d' ' -f6 /proc/$$/stat | grep -x "$SESSION"
+mv "$RECORD.part" "$RECORD"
+)";
+
 class ProgramsTest : public testing::Test {
  protected:
   ProgramsTest() {
     fs::create_directory(directory_ / "bin");
     ::setenv("PATH", (directory_ / "bin").c_str(), 1);
+    ::setenv("RECORD", record_.c_str(), 1);
+    ::setenv("SESSION", std::to_string(::getsid(0)).c_str(), 1);
   }
   ~ProgramsTest() override { ::setenv("PATH", pathBefore_.c_str(), 1); }
 
   void MakeProgram(const std::string& name) {
-    WriteFile(directory_ / name,
-              "#!/bin/sh\nPATH=/bin:/usr/bin; exec >" + record_ +
-                  ".part\n"
-                  "printf %s \"${0##*/}\"; printf '|%s' \"$@\"; echo; pwd\n"
-                  "readlink /proc/$$/fd/0; [ -e /proc/$$/fd/57 ] && echo leaked\n"
-                  "cut -d' ' -f6 /proc/$$/stat | grep -x " +
-                  std::to_string(::getsid(0)) + "\nmv " + record_ + ".part " + record_ + "\n");
+    WriteFile(directory_ / name, kProgram);
     fs::permissions(directory_ / name, fs::perms::owner_all);
   }
-  // What the next of them writes: its name and its arguments, its folder, its standard input, and
-  // what it should not have got from us.
   std::string Record() {
     for (int i = 0; i < 10000 && !fs::exists(record_); ++i) ::usleep(1000);
     const std::string text = ReadFile(record_);
