@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
-#include <format>
 #include <future>
 #include <thread>
 
@@ -112,9 +112,11 @@ LRESULT CALLBACK NotePressed(int, WPARAM message, LPARAM address) {
   const auto& key = *reinterpret_cast<const KBDLLHOOKSTRUCT*>(address);
   DWORD code = key.vkCode;
   if (code >= VK_LSHIFT && code <= VK_RMENU) code = VK_SHIFT + (code - VK_LSHIFT) / 2;
-  pressed +=
-      std::format("{}{:02x}{}{} ", message == WM_KEYUP || message == WM_SYSKEYUP ? '-' : '+', code,
-                  key.flags & LLKHF_EXTENDED ? "*" : "", key.scanCode ? "" : " no code");
+  char text[32];
+  std::snprintf(text, sizeof text, "%c%02lx%s%s ",
+                message == WM_KEYUP || message == WM_SYSKEYUP ? '-' : '+', code,
+                (key.flags & LLKHF_EXTENDED) ? "*" : "", key.scanCode == 0 ? " without code" : "");
+  pressed += text;
   return 1;  // no window gets it
 }
 
@@ -190,6 +192,7 @@ TEST(Win32Desktop, NothingWaitsLongForAWindowThatHangs) {
   const ULONGLONG began = GetTickCount64();
   EXPECT_EQ(desktop.Title(window), "I hang");
   EXPECT_LT(GetTickCount64() - began, 1000u);
+  EXPECT_EQ(reinterpret_cast<Desktop::Window>(GetForegroundWindow()), window);
   Type("^+{F16 1000}");
   EXPECT_LT(GetTickCount64() - began, 8000u);
   EXPECT_FALSE(AnyModifierDown());
