@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <set>
+#include <tuple>
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/Paths.h"
@@ -150,20 +151,17 @@ TEST_F(ProgramsTest, FindsTheTargetInTheText) {
   for (const char* name : {"two words.txt", "bin/plain"}) WriteFile(directory_ / name, "");
   fs::create_directory(directory_ / "bin/folder");
   const std::string dir = FromNative(directory_ / "");
-  const struct {
-    std::string text;
-    std::string path;
-    std::vector<std::string> arguments;
-  } cases[] = {{"tool", "bin/tool", {}},
-               {"tool  a \"b  c\"d \"\"", "bin/tool", {"a", "b  cd", ""}},
-               {"two words x", "bin/two words", {"x"}},
-               {dir + "TWO WORDS.TXT", "two words.txt", {}},
-               {dir + "two words.txt more", "two", {"words.txt", "more"}},
-               {'"' + dir + "two words.txt\" more", "two words.txt", {"more"}},
-               {"tool " + dir + "TWO", "bin/tool", {directory_ / "two"}},
-               {dir, "", {}}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(FindShellTarget(c.text), (ShellTarget{directory_ / c.path, c.arguments})) << c.text;
+  const std::tuple<std::string, std::string, std::vector<std::string>> cases[] = {
+      {"tool", "bin/tool", {}},
+      {"tool  a \"b  c\"d \"\"", "bin/tool", {"a", "b  cd", ""}},
+      {"two words x", "bin/two words", {"x"}},
+      {dir + "TWO WORDS.TXT", "two words.txt", {}},
+      {dir + "two words.txt more", "two", {"words.txt", "more"}},
+      {'"' + dir + "two words.txt\" more", "two words.txt", {"more"}},
+      {"tool " + dir + "TWO", "bin/tool", {directory_ / "two"}},
+      {dir, "", {}}};
+  for (const auto& [text, path, arguments] : cases) {
+    EXPECT_EQ(FindShellTarget(text), (ShellTarget{directory_ / path, arguments})) << text;
   }
   for (const std::string& none :
        {dir + "bin tool", "folder"s, "plain"s, "\"none\" tool"s, " "s, ""s}) {
@@ -277,26 +275,22 @@ class TerminalTest : public testing::Test {
 };
 
 TEST_F(TerminalTest, AsksUntilItUnderstands) {
+  const std::string kText = "Title?\nSure?\n?[2J ??\n";
   const std::string kOk = "[Enter] ", kOkCancel = "[o]k/[c]ancel: ", kYesNo = "[y]es/[n]o: ";
-  const struct {
-    Buttons buttons;
-    std::string typed;
-    Answer answer;
-    std::string asked;
-  } cases[] = {{Buttons::Ok, "\n", Answer::Ok, kOk},
-               {Buttons::Ok, {kEnd}, Answer::Ok, kOk + '\n'},
-               {Buttons::OkCancel, "o\n", Answer::Ok, kOkCancel},
-               {Buttons::OkCancel, "yes\n Cancel \n", Answer::Cancel, kOkCancel + kOkCancel},
-               {Buttons::OkCancel, {kEnd}, Answer::Cancel, kOkCancel + '\n'},
-               {Buttons::YesNo, "Y\n", Answer::Yes, kYesNo},
-               {Buttons::YesNo, "\nno\n", Answer::No, kYesNo + kYesNo},
-               {Buttons::YesNo, {kEnd}, Answer::No, kYesNo + '\n'}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.typed);
-    ASSERT_TRUE(WriteAll(user_, c.typed.data(), c.typed.size()));
-    EXPECT_EQ(Show(c.buttons, program_), c.answer);
-    const std::string expected = "Title?\nSure?\n?[2J ??\n" + c.asked;
-    EXPECT_EQ(Shown(expected), expected);
+  const std::tuple<Buttons, std::string, Answer, std::string> cases[] = {
+      {Buttons::Ok, "\n", Answer::Ok, kOk},
+      {Buttons::Ok, {kEnd}, Answer::Ok, kOk + '\n'},
+      {Buttons::OkCancel, "o\n", Answer::Ok, kOkCancel},
+      {Buttons::OkCancel, "yes\n Cancel \n", Answer::Cancel, kOkCancel + kOkCancel},
+      {Buttons::OkCancel, {kEnd}, Answer::Cancel, kOkCancel + '\n'},
+      {Buttons::YesNo, "Y\n", Answer::Yes, kYesNo},
+      {Buttons::YesNo, "\nno\n", Answer::No, kYesNo + kYesNo},
+      {Buttons::YesNo, {kEnd}, Answer::No, kYesNo + '\n'}};
+  for (const auto& [buttons, typed, answer, asked] : cases) {
+    SCOPED_TRACE(typed);
+    ASSERT_TRUE(WriteAll(user_, typed.data(), typed.size()));
+    EXPECT_EQ(Show(buttons, program_), answer);
+    EXPECT_EQ(Shown(kText + asked), kText + asked);
   }
 }
 
@@ -319,13 +313,13 @@ TEST_F(TerminalTest, ASignalTakesTheSafeAnswerAndIsHandledBeforeTheReturn) {
 
 TEST_F(TerminalTest, WhereNobodyCanAnswerTheSafeAnswerIsTaken) {
   const Descriptor nobody(::open("/dev/null", O_RDWR));
+  const std::string kTold = "Title?: Sure?\n?[2J ??\n";
   for (const auto& [buttons, answer] : {std::pair(Buttons::Ok, Answer::Ok),
                                         {Buttons::OkCancel, Answer::Cancel},
                                         {Buttons::YesNo, Answer::No},
                                         {Buttons::NoUnlessYes, Answer::No}}) {
     EXPECT_EQ(Show(buttons, nobody.Get()), answer);
-    const std::string expected = "Title?: Sure?\n?[2J ??\n";
-    EXPECT_EQ(Shown(expected), expected);
+    EXPECT_EQ(Shown(kTold), kTold);
   }
 }
 

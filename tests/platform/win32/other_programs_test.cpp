@@ -235,9 +235,8 @@ TEST(Win32Session, ChangesTheResolution) {
                             L"\" --gtest_filter=Win32Session.ChangesTheResolution"),
                      ShowCommand::Normal);
     EXPECT_TRUE(WaitFor([&] { return ReadFile(folder / "report") == "changed"; }));
-    if (WaitForSingleObject(explorer.Get(), 5000) != WAIT_OBJECT_0) {
-      TerminateProcess(explorer.Get(), 1);
-    }
+    WaitForSingleObject(explorer.Get(), 5000);
+    TerminateProcess(explorer.Get(), 1);
     return;
   }
   const auto changesTo = [](int width, int height, int newWidth, int newHeight) {

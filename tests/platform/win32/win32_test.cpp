@@ -18,34 +18,30 @@ using std::chrono::milliseconds;
 // What other programs leave in the registry need not be as we would have written it.
 TEST(Win32Registry, ReadsForeignStrings) {
   using namespace std::string_literals;
-  std::string longText;
-  for (int i = 0; i < 5000; ++i) longText += "\u00e9";
-  const struct {
-    DWORD type;
-    std::wstring stored;  // exactly, without a NUL that is not here
-    std::string read;     // with its NUL
-  } cases[] = {{REG_SZ, L"text\0"s, "text\0"s},
-               {REG_SZ, L"text", "text\0"s},
-               {REG_SZ, L"", "\0"s},
-               {REG_EXPAND_SZ, L"%TEMP%\\x\0"s, "%TEMP%\\x\0"s},
-               {REG_SZ, std::wstring(5000, L'\u00e9') + L'\0', longText + '\0'}};
+  // Type, what is stored exactly (without a NUL that is not here), what is read, with its NUL.
+  const std::tuple<DWORD, std::wstring, std::string> cases[] = {
+      {REG_SZ, L"te\u00e9\U0001F552\0"s, "te\u00e9\U0001F552\0"s},
+      {REG_SZ, L"text", "text\0"s},
+      {REG_SZ, L"", "\0"s},
+      {REG_EXPAND_SZ, L"%TEMP%\\x\0"s, "%TEMP%\\x\0"s},
+      {REG_SZ, std::wstring(9999, L'e') + L'\0', std::string(9999, 'e') + '\0'}};
   const auto registry = NewHostRegistry();
   Registry::Key key = 0;
   ASSERT_EQ(registry->CreateKey(RootKey::CurrentUser, kScratchKey, kQueryValue | kSetValue, key),
             kSuccess);
-  for (const auto& each : cases) {
-    ASSERT_EQ(RegSetValueExW(reinterpret_cast<HKEY>(key), L"foreign", 0, each.type,
-                             reinterpret_cast<const BYTE*>(each.stored.data()),
-                             static_cast<DWORD>(each.stored.size() * sizeof(wchar_t))),
+  for (const auto& [stored, bytes, read] : cases) {
+    ASSERT_EQ(RegSetValueExW(reinterpret_cast<HKEY>(key), L"foreign", 0, stored,
+                             reinterpret_cast<const BYTE*>(bytes.data()),
+                             static_cast<DWORD>(bytes.size() * sizeof(wchar_t))),
               ERROR_SUCCESS);
     ValueType type{};
     std::uint32_t size = 0;
     EXPECT_EQ(registry->QueryValue(key, "foreign", type, nullptr, size), kMoreData);
-    ASSERT_EQ(size, each.read.size()) << each.read;
+    ASSERT_EQ(size, read.size()) << read;
     std::string text(size, '?');
     EXPECT_EQ(registry->QueryValue(key, "foreign", type, text.data(), size), kSuccess);
     EXPECT_EQ(type, ValueType::String);
-    EXPECT_EQ(text, each.read);
+    EXPECT_EQ(text, read);
   }
   registry->CloseKey(key);
 }
