@@ -126,22 +126,25 @@ class FileRegistryTest : public testing::Test {
 TEST_F(FileRegistryTest, KeepsWhatWasWrittenWhereLinksLeadAndLeavesNothingBeside) {
   fs::create_directory(directory_ / "dir");
   fs::create_symlink("dir/second", path_);
-  fs::create_symlink("../new/target", directory_ / "dir/second");
-  const std::string target = directory_ / "new/target";
+  fs::create_symlink("../other/target", directory_ / "dir/second");
+  const std::string target = directory_ / "other/target";
   const fs::path before = fs::current_path();
   fs::current_path(directory_ / "");
-  Store registry("registry", report_);
+  Store relative("new/relative", report_);
   fs::current_path(before);
+  EXPECT_EQ(relative.Put("x"), kSuccess);
+  EXPECT_TRUE(fs::exists(directory_ / "new/relative"));
+  Store registry(path_, report_);
   ASSERT_EQ(registry.Put("x"), kSuccess);
   EXPECT_EQ(Store(path_, report_).Get(), "x");
   const fs::perms own = fs::perms::owner_read | fs::perms::owner_write;
   EXPECT_EQ(fs::status(target).permissions(), own);
   fs::permissions(target, own | fs::perms::group_read);
   // What somebody may have left there.
-  WriteFile(directory_ / "other", "other");
-  fs::create_symlink(directory_ / "other", target + ".new");
+  WriteFile(directory_ / "note", "note");
+  fs::create_symlink(directory_ / "note", target + ".new");
   EXPECT_EQ(registry.Put("y"), kSuccess);
-  EXPECT_EQ(ReadFile(directory_ / "other"), "other");
+  EXPECT_EQ(ReadFile(directory_ / "note"), "note");
   EXPECT_FALSE(fs::exists(fs::symlink_status(target + ".new")));
   EXPECT_EQ(fs::status(target).permissions(), own | fs::perms::group_read) << "as it was";
   EXPECT_TRUE(fs::is_symlink(path_) && fs::is_symlink(directory_ / "dir/second"));
