@@ -240,6 +240,7 @@ TEST_F(ProgramTest, TheServersAreaAndTheTerminalActOnTheClient) {
   EXPECT_EQ(window.shpServerno.Colour(), forms::Lamp::kDark);
   EXPECT_EQ(window.shpServeryes.Colour(), forms::Lamp::kLit);
   EXPECT_THAT(window.txtServer.Text(), HasSubstr("Connection from(IP)"));
+  EXPECT_EQ(window.treTasks.GetBounds().height, 1425);
   window.fraServer.SetText("");
   fake.loop.Advance(1000);
   EXPECT_EQ(window.fraServer.Text(), "10.9.8.7");
