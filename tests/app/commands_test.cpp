@@ -111,7 +111,7 @@ TEST_F(CommandsTest, RefusesWhatIsInvalidAndStoresNothing) {
   }
   EXPECT_EQ(fake.registry.Writes(), writes);
   fake.registry.FailWrite(1, kDiskFull);
-  EXPECT_EQ(Run("set General OnTop 1"), kExitRefused);
+  EXPECT_EQ(Run("add T --reset --at 10:00 --day 1"), kExitRefused);
 }
 
 TEST_F(CommandsTest, WhatItDoesNotUnderstandIsAUsageError) {

@@ -5,6 +5,7 @@
 #include <sys/file.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <csignal>
 
 #include "platform/registry/RegistryText.h"
@@ -82,9 +83,9 @@ TEST(RegistryText, NamesTheLineOfDamage) {
         "\"n\"=hex:1", "\"n\"=hex:01,", "\"n\"=hex(x):01", "\"n\"=text"}) {
     EXPECT_EQ(damage("Orvanto registry 1\n[HKEY_USERS]\n"s + line), 3) << line;
   }
-  EXPECT_EQ(damage("Orvanto registry 1\n[HKEY_USERS]\n# end of registry\nmore"), 4);
+  EXPECT_EQ(damage("Orvanto registry 1\n[HKEY_USERS]\n# end of registry\n[HKEY_USERS]"), 4);
   EXPECT_EQ(damage("Orvanto registry 1\n\"n\"=\"x\""), 2);
-  for (const char* line : {"Orvanto registry 2", "[HKEY_USERS]"}) EXPECT_EQ(damage(line), 1);
+  for (const char* line : {"Orvanto registry 10", "[HKEY_USERS]"}) EXPECT_EQ(damage(line), 1);
 }
 
 // With short ways to one key of it.
@@ -99,14 +100,16 @@ class Store : public FileRegistry {
   }
   std::string Get(const std::string& name = "n") {
     ::usleep(11'000);  // after which the file is looked at again
-    Key key = 0;
+    if (reader_ == 0) OpenKey(RootKey::CurrentUser, "A", kQueryValue, reader_);
     ValueType type = ValueType::None;
     char text[64] = "nothing";
     std::uint32_t size = sizeof text;
-    OpenKey(RootKey::CurrentUser, "A", kQueryValue, key);
-    QueryValue(key, name, type, text, size);
+    QueryValue(reader_, name, type, text, size);
     return text;
   }
+
+ private:
+  Key reader_ = 0;
 };
 
 class FileRegistryTest : public testing::Test {
@@ -194,6 +197,10 @@ TEST_F(FileRegistryTest, TwoOnOneFileLoseNoUpdateAndSeeEachOther) {
     EXPECT_EQ(one.Get() + two.Get(text), std::string(text) + text);
   }
   EXPECT_EQ(one.Get("aa") + two.Get("bb"), "aabb");
+  std::string edited = ReadFile(path_);
+  std::replace(edited.begin(), edited.end(), 'c', 'z');
+  WriteFile(path_, edited);
+  EXPECT_EQ(one.Get(), "zz") << "an edit in place, of the same size";
   EXPECT_THAT(said_, IsEmpty());
   fs::remove(path_);
   for (int i = 0; i < 2; ++i) EXPECT_EQ(one.Get(), "nothing");
