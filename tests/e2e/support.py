@@ -79,5 +79,6 @@ def sleep_until(moment):
     time.sleep(max(0.0, (moment - datetime.datetime.now()).total_seconds()))
 
 
-def lines_of(path):
-    return path.read_text().splitlines() if path.exists() else []
+def lines_of(path, width=None):
+    """The beginnings of a file's lines."""
+    return [line[:width] for line in path.read_text().splitlines()] if path.exists() else []

@@ -22,6 +22,14 @@ def free_port():
         return probe.getsockname()[1]
 
 
+def wait_until(condition, what):
+    deadline = time.monotonic() + PATIENCE
+    while not condition():
+        if time.monotonic() > deadline:
+            raise AssertionError(what)
+        time.sleep(0.05)
+
+
 class Keyboard:
     """Keys go into the descriptor `fd` one at a time, and what comes out is read."""
 
@@ -46,7 +54,7 @@ class Keyboard:
         return came
 
     def line(self, text, then, echo=None):
-        """Types a line and Enter, and waits for a text behind it; returns all that came.
+        """Types a line and Enter, and waits for a text after it; returns all that came.
 
         Each key is waited for: keys that travel together are no line's end.
         """
@@ -67,13 +75,8 @@ class Terminal(Keyboard):
             os.environ.update(environment)
             os.execvp(command[0], command)
 
-    def wait_for_character_mode(self):
-        """Until the client has stopped echoing by itself."""
-        deadline = time.monotonic() + PATIENCE
-        while termios.tcgetattr(self.fd)[3] & termios.ECHO:
-            if time.monotonic() > deadline:
-                raise AssertionError("the client still echoes")
-            time.sleep(0.05)
+    def echoes(self):
+        return termios.tcgetattr(self.fd)[3] & termios.ECHO
 
     def close(self):
         os.kill(self.pid, signal.SIGKILL)
@@ -101,24 +104,15 @@ class Remote(HomeTest):
             self.orvanto(home, "set", "General", name, value)
         return home
 
-    def connect(self):
-        deadline = time.monotonic() + PATIENCE
-        while True:
-            try:
-                return Client(self.port)
-            except ConnectionRefusedError:
-                if time.monotonic() > deadline:
-                    raise
-                time.sleep(0.05)
-
     def wait_until_listening(self):
-        """Without a connection of its own, behind which the next one would be refused."""
-        deadline = time.monotonic() + PATIENCE
+        """Without a connection of its own, after which the next one would be refused."""
         listens = f":{self.port:04X} 00000000:0000 0A"
-        while listens not in pathlib.Path("/proc/net/tcp").read_text(encoding="ascii"):
-            if time.monotonic() > deadline:
-                raise AssertionError("the server does not listen")
-            time.sleep(0.05)
+        wait_until(lambda: listens in pathlib.Path("/proc/net/tcp").read_text(encoding="ascii"),
+                   "the server does not listen")
+
+    def connect(self):
+        self.wait_until_listening()
+        return Client(self.port)
 
     def test_a_flood_keeps_no_task_from_its_minute(self):
         home = self.serve()
@@ -142,7 +136,7 @@ class Remote(HomeTest):
         self.assertEqual(len(lines_of(marks)), 1)
 
     def real_client(self, *command, character_mode=False):
-        """Does with a client all that one can do."""
+        """What a client's keys and its protocol could spoil."""
         home = self.serve(Inet_Passwd_Required="1", Inet_Passwd="Secret", Inet_Chat_Auto="1")
         (home / "scripts" / "night.txt").write_text("*(nothing)\n")
         self.start(home)
@@ -154,7 +148,7 @@ class Remote(HomeTest):
             os.write(terminal.fd, b"\x1d")
             terminal.expect(b"telnet> ")
             os.write(terminal.fd, b"mode character\n")
-        terminal.wait_for_character_mode()
+        wait_until(lambda: not terminal.echoes(), "the client still echoes")
         came = terminal.line("Secret", MENU_END, echo=b"*")
         self.assertIn(b"******", came)
         self.assertNotIn(b"Secret", came)
@@ -170,17 +164,8 @@ class Remote(HomeTest):
             terminal.line(line, then)
         self.assertEqual(self.orvanto(home, "get", "General", "Task1"), "Clean name\n")
         self.assertEqual(self.orvanto(home, "get", "Clean name", "TimeHour"), "10\n")
-        changed = b"Do you want this option changed(y/n)?"
-        terminal.line("3", b"to run?")
-        self.assertIn(b"\r\nStarted Task: Clean name\r\n", terminal.line("1", MENU_END))
-        for line, then in (("4", b"to edit?"), ("1", changed), ("n", changed),
-                           ("y", b"(xx:xx)\r\n>"), ("11:30", changed), ("n", changed),
-                           ("n", b"Keep these changes(y/n)?"), ("y", MENU_END)):
-            terminal.line(line, then)
-        self.assertEqual(self.orvanto(home, "get", "Clean name", "TimeHour"), "11\n")
         terminal.line("2", b"to delete?")
         self.assertIn(b"\r\nDeleted Task: Clean name\r\n", terminal.line("1", MENU_END))
-        self.assertEqual(self.orvanto(home, "get", "General", "NoTasks"), "0\n")
         terminal.line("6", b"Enter to Quit...\r\n\r\n")
         self.assertIn(b"\r\nClient: hello", terminal.line("hello", b"\r\n"))
         self.assertIn(b"\r\nChat Ended by Client\r\n\r\n", terminal.line("/", MENU_END))
