@@ -1,6 +1,6 @@
 // Transfers through the loop and the sockets, and the plain loops that are their limit. Each prints
-// megabytes a second. Sent are files in chunks of 1,024 bytes, each after the one before is complete;
-// received is what arrives, written at once.
+// megabytes a second. Sent are files in chunks of 1,024 bytes, each after the one before is
+// complete; received is what arrives, written at once.
 //   transfer_bench send-plain PORT FILE
 //   transfer_bench send PORT FILE IDLE-CONNECTIONS TRANSFERS-AT-ONCE
 //   transfer_bench receive-plain PORT FILE
@@ -116,7 +116,8 @@ class Ground {
     bool connected = false;
     made->onConnected = [&] { connected = true; };
     made->Connect(kHost, port);
-    loop.WaitFor(owner_, [&] { return connected; }, std::chrono::seconds(10));
+    loop.WaitFor(
+        owner_, [&] { return connected; }, std::chrono::seconds(10));
     if (!connected) Fail("connecting");
     made->onConnected = nullptr;
     return made;
@@ -189,17 +190,20 @@ void Receive(std::uint16_t port, const std::string& path) {
   Ground ground;
   const auto socket = ground.Connect(port, SocketHost::Use::Data);
   std::uint64_t received = 0;
+  long arrivals = 0;
   socket->onDataArrival = [&] {
     const std::string_view bytes = socket->GetData();
     const Files::Opened opened = ground.files.Open(path, Files::Access::Write);
     if (!opened.file || opened.file->WriteAt(received, bytes) != orvanto::kNoError) Fail("writing");
     received += bytes.size();
+    ++arrivals;
   };
   socket->onClosed = [&] { ground.loop.Quit(); };
   const auto begin = Clock::now();
   socket->onDataArrival();  // what came before there was a handler
   ground.loop.Run();
   Report(received, begin);
+  std::cerr << arrivals << " arrivals\n";
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // The other end of a transfer: `transfer_peer sink PORT` takes what comes and prints how much that
-// was for each connection that sent anything; `transfer_peer source PORT FILE` sends the file to who
-// connects.
+// was for each connection that sent anything; `transfer_peer source PORT FILE` sends the file to
+// who connects.
 #include <arpa/inet.h>
 #include <fcntl.h>
 #include <netinet/in.h>

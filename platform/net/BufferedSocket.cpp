@@ -146,7 +146,8 @@ void BufferedSocket::Receive() {
   const Moved moved = ReceiveSome();
   if (paused_) return;
   if (moved.count > 0) {
-    if (readingOut_ || failing_) later_->Post();
+    // A full read leaves more behind, most likely; no report need be waited for.
+    if (readingOut_ || failing_ || moved.count == kMostDataPerArrival) later_->Post();
     if (state_ == State::Connected) Raise(onDataArrival);
     return;
   }

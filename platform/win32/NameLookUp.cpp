@@ -41,10 +41,8 @@ NameLookUp::NameLookUp(Win32Loop& loop, const std::string& name,
                        std::function<void(const std::vector<Ipv4>&)> answer)
     : loop_(loop),
       question_(std::make_shared<Question>()),
-      message_(loop.BeginSocketMessages(
-          [question = question_, answer = std::move(answer)](WPARAM, LPARAM) {
-            answer(question->Addresses());
-          })) {
+      message_(loop.BeginSocketMessages([question = question_, answer = std::move(answer)](
+                                            WPARAM, LPARAM) { answer(question->Addresses()); })) {
   auto call = std::make_unique<Call>();
   call->question = question_;
   call->window = loop.Window();

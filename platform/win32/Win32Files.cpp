@@ -85,13 +85,6 @@ ErrorNumber Number(DWORD error) {
   }
 }
 
-OVERLAPPED At(std::uint64_t offset) {
-  OVERLAPPED place{};
-  place.Offset = static_cast<DWORD>(offset);
-  place.OffsetHigh = static_cast<DWORD>(offset >> 32);
-  return place;
-}
-
 // Of one call.
 DWORD Piece(std::size_t size) { return static_cast<DWORD>(std::min<std::size_t>(size, 1 << 30)); }
 
@@ -102,27 +95,30 @@ class Win32File : public File {
   ReadResult ReadAt(std::uint64_t offset, char* bytes, std::size_t size) override {
     ReadResult read{0, kNoError};
     while (read.count < size) {
-      OVERLAPPED place = At(offset + read.count);
       DWORD count = 0;
-      const bool done = ReadFile(file_.Get(), bytes + read.count, Piece(size - read.count), &count,
-                                 &place) != FALSE;
-      if (!done && GetLastError() != ERROR_HANDLE_EOF) read.error = Number(GetLastError());
-      if (!done || count == 0) break;
+      if (!MoveTo(offset + read.count) ||
+          !ReadFile(file_.Get(), bytes + read.count, Piece(size - read.count), &count, nullptr)) {
+        read.error = Number(GetLastError());
+        break;
+      }
+      if (count == 0) break;
       read.count += count;
+      position_ += count;
     }
     return read;
   }
 
   ErrorNumber WriteAt(std::uint64_t offset, std::string_view bytes) override {
     while (!bytes.empty()) {
-      OVERLAPPED place = At(offset);
       DWORD count = 0;
-      if (!WriteFile(file_.Get(), bytes.data(), Piece(bytes.size()), &count, &place)) {
+      if (!MoveTo(offset) ||
+          !WriteFile(file_.Get(), bytes.data(), Piece(bytes.size()), &count, nullptr)) {
         return Number(GetLastError());
       }
       if (count == 0) return kDiskFullError;
       bytes.remove_prefix(count);
       offset += count;
+      position_ = offset;
     }
     return kNoError;
   }
@@ -138,7 +134,18 @@ class Win32File : public File {
   }
 
  private:
+  // Who goes on where he was needs no call for it.
+  bool MoveTo(std::uint64_t offset) {
+    if (offset == position_) return true;
+    LARGE_INTEGER place = {};
+    place.QuadPart = static_cast<LONGLONG>(offset);
+    if (!SetFilePointerEx(file_.Get(), place, nullptr, FILE_BEGIN)) return false;
+    position_ = offset;
+    return true;
+  }
+
   const FileHandle file_;
+  std::uint64_t position_ = 0;
 };
 
 DateTime LocalTime(const FILETIME& moment) {

@@ -21,7 +21,7 @@ constexpr Kind kKinds[] = {{QS_SENDMESSAGE, 1},
                            {QS_PAINT, 16},
                            {QS_TIMER, 16}};
 // Of posted work for one wake-up, which costs more than a small piece of work.
-constexpr std::chrono::microseconds kSlice(500);
+constexpr std::chrono::microseconds kSlice(1000);
 constexpr int kRoundsPerDoEvents = 256;
 
 template <typename Work>

@@ -21,6 +21,8 @@ namespace {
 // The system takes a large piece as a whole, whatever its buffer holds: in parts the buffer's limit
 // counts.
 constexpr std::size_t kMostPerSend = 256 << 10;
+// For less than this a report is waited for.
+constexpr u_long kWorthwhile = 64 << 10;
 constexpr long kConnectionEvents = FD_READ | FD_WRITE | FD_CLOSE;
 
 SOCKET Number(const SocketHandle& handle) { return reinterpret_cast<SOCKET>(handle.Get()); }
@@ -140,7 +142,18 @@ class Win32Socket : public BufferedSocket {
 
   Moved SystemReceive(char* bytes, std::size_t size) override {
     const int count = recv(Number(handle_), bytes, static_cast<int>(size), 0);
-    return count == 0 ? Moved{.end = true} : Outcome(count);
+    if (count <= 0) return count == 0 ? Moved{.end = true} : Outcome(count);
+    std::size_t received = static_cast<std::size_t>(count);
+    // The system may hand out less than there is, and each report costs more than another call.
+    u_long waiting = 0;
+    while (received < size && ioctlsocket(Number(handle_), FIONREAD, &waiting) == 0 &&
+           waiting > kWorthwhile) {
+      const int more =
+          recv(Number(handle_), bytes + received, static_cast<int>(size - received), 0);
+      if (more <= 0) break;
+      received += static_cast<std::size_t>(more);
+    }
+    return {.count = received};
   }
 
   void SystemEndSending() override { shutdown(Number(handle_), SD_SEND); }
@@ -219,7 +232,8 @@ bool Win32Socket::Listen(std::uint16_t port, const std::string& address) {
   // Without SO_EXCLUSIVEADDRUSE: with it the port is not free again before the last client that was
   // accepted on it has gone altogether. No other user can take a port that is bound.
   const sockaddr_in place = SystemAddress(*own, port);
-  if (handle && bind(Number(handle), reinterpret_cast<const sockaddr*>(&place), sizeof place) == 0 &&
+  if (handle &&
+      bind(Number(handle), reinterpret_cast<const sockaddr*>(&place), sizeof place) == 0 &&
       listen(Number(handle), SOMAXCONN) == 0 &&
       Open(std::move(handle), State::Listening, FD_ACCEPT)) {
     return true;
@@ -241,8 +255,7 @@ void Win32Socket::AcceptOne() {
 bool Win32Socket::Accept(RequestId request) {
   Close();
   SocketHandle handle = requests_.Take(request);
-  return EndOf(handle, getpeername) &&
-         Open(std::move(handle), State::Connected, kConnectionEvents);
+  return EndOf(handle, getpeername) && Open(std::move(handle), State::Connected, kConnectionEvents);
 }
 
 void Win32Socket::SystemLookUp(const std::string& host) {

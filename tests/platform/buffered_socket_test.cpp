@@ -155,11 +155,10 @@ TEST_F(BufferedSocketTest, EndsAfterWhatHasArrived) {
     int receiveError;
     bool ended;
     const char* last;
-  } cases[] = {{None, 0, false, ""},          {None, 0, true, "X"},
-               {None, 7, false, "E7"},        {Rest, 0, false, "X"},
-               {Rest, 0, true, "X"},          {Rest, 7, false, "E7"},
-               {SendFailed, 0, false, "E5"},  {SendFailed, 0, true, "X"},
-               {SendFailed, 7, false, "E7"}};
+  } cases[] = {
+      {None, 0, false, ""},         {None, 0, true, "X"},       {None, 7, false, "E7"},
+      {Rest, 0, false, "X"},        {Rest, 0, true, "X"},       {Rest, 7, false, "E7"},
+      {SendFailed, 0, false, "E5"}, {SendFailed, 0, true, "X"}, {SendFailed, 7, false, "E7"}};
   for (const auto& c : cases) {
     SCOPED_TRACE(&c - cases);
     Begin();

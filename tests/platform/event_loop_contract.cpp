@@ -155,12 +155,13 @@ TEST_P(EventLoopContract, AWaitEndsByItsConditionItsLimitItsOwnerAndTheEnd) {
   std::function<void()> happens;
   const auto timer = loop_.NewTimer([&] {
     ++calls;
-    if (happens) happens();
+    if (const auto now = happens) now();
   });
   timer->Start(kInterval);
   const auto wait = [&](std::optional<milliseconds> limit) {
     reached = false;
-    return loop_.WaitFor(owner, [&] { return !owner || reached; }, limit);
+    return loop_.WaitFor(
+        owner, [&] { return !owner || reached; }, limit);
   };
   const auto reach = [&] { reached = true; };
   EXPECT_EQ(wait(5 * kInterval), Waited::TimedOut);

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <csignal>
+#include <future>
 #include <thread>
 #include <vector>
 
@@ -129,6 +130,36 @@ TEST(PosixSocket, WaitsForNothingButAsksSilentPeers) {
     EXPECT_EQ(::getsockopt(next, level, name, &is, &size), 0);
     EXPECT_EQ(is, value) << level << ' ' << name;
   }
+}
+
+TEST(PosixSocket, ANameThatIsNeverAnsweredHoldsNothingUp) {
+  PosixLoop loop;
+  std::promise<void> end;
+  const auto never = end.get_future().share();
+  PosixSocketHost host(loop, [never](const std::string& name) -> std::vector<Ipv4> {
+    if (name == "silent") never.wait();
+    return {0x7F000002, 0x7F000001};
+  });
+  const auto listener = host.NewSocket(SocketHost::Use::Conversation);
+  ASSERT_TRUE(listener->Listen(0, "127.0.0.1"));
+  const auto stuck = host.NewSocket(SocketHost::Use::Conversation);
+  const auto gone = host.NewSocket(SocketHost::Use::Conversation);
+  const auto client = host.NewSocket(SocketHost::Use::Conversation);
+  for (const auto& socket : {stuck.get(), gone.get()}) {
+    socket->onError = [](int) { ADD_FAILURE(); };
+    socket->Connect("silent", 7);
+  }
+  client->Connect("known", listener->LocalPort());
+  const auto owner = std::make_shared<int>();
+  EXPECT_EQ(loop.WaitFor(
+                owner, [&] { return client->GetState() == TcpSocket::State::Connected; },
+                std::chrono::seconds(10)),
+            EventLoop::Waited::Met);
+  EXPECT_EQ(client->RemoteAddress(), "127.0.0.1") << "the other address refuses";
+  gone->Close();
+  EXPECT_EQ(stuck->GetState(), TcpSocket::State::Connecting);
+  end.set_value();
+  loop.DoEvents();
 }
 
 TEST(PosixSocket, AListenerWithoutDescriptorsTriesAgain) {
