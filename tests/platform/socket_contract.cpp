@@ -334,13 +334,13 @@ TEST_P(SocketContract, ConnectionsOfAnyLifeLeaveNothingBehind) {
     for (auto& socket : *all) socket = NewSocket();
   }
   while (connects < count) {
-    auto& client = clients[random() % clients.size()];
-    if (client->GetState() == State::Closed || client->GetState() == State::Failed) {
-      if (random() % 8 == 0) client = NewSocket();
-      client->Connect(random() % 9 == 0 ? "localhost" : kHost, listener->LocalPort());
+    auto& chosen = clients[random() % clients.size()];
+    if (chosen->GetState() == State::Closed || chosen->GetState() == State::Failed) {
+      if (random() % 8 == 0) chosen = NewSocket();
+      chosen->Connect(random() % 9 == 0 ? "localhost" : kHost, listener->LocalPort());
       ++connects;
     }
-    act(*client);
+    act(*chosen);
     act(*servers[random() % servers.size()]);
     loop->DoEvents();
   }
