@@ -17,6 +17,8 @@
 #include "platform/EventLoop.h"
 #include "remote/Internet.h"
 #include "remote/frmChat.h"
+#include "remote/ftpserver/frmFtpserver.h"
+#include "remote/ftpserver/server_control.h"
 #include "script/FileAction.h"
 #include "script/FileFinder.h"
 #include "script/Script_Interpreter.h"
@@ -96,7 +98,7 @@ struct Windows {
   frmScriptcfg main;
 };
 
-// The telnet server with its area on the main window and its chat.
+// The telnet server with its area on the main window and its chat, and the FTP server beside it.
 struct RemoteControl : RemoteCommands {
   RemoteControl(Platform& platform, Automation& automation, frmScriptcfg& window)
       : area(window),
@@ -111,12 +113,21 @@ struct RemoteControl : RemoteCommands {
                 .messageBoxes = platform.messageBoxes,
                 .area = area,
                 .chat = chat},
-               automation.programSettings) {
+               automation.programSettings),
+        ftpWindow(platform.forms),
+        ftp({.sockets = platform.sockets,
+             .files = platform.files,
+             .clock = platform.clock,
+             .folder = automation.folder,
+             .window = ftpWindow},
+            automation.programSettings) {
     area.ShowLog(telnet.ServerLog());
-    chat.formBehind = &window;
+    chat.formBehind = ftpWindow.formBehind = &window;
+    switched = telnet.switched.Subscribe([this](bool on) { on ? ftp.Load() : ftp.Unload(); });
     window.remoteCommands = this;
     ticks = automation.scheduler.secondPassed.Subscribe([this, &window] {
       if (window.fraServer.ShownToUser()) telnet.RefreshCaption();
+      if (ftpWindow.Visible()) ftp.RefreshClients();
     });
   }
 
@@ -124,10 +135,18 @@ struct RemoteControl : RemoteCommands {
   void StartChat() override { telnet.StartChat(); }
   void Kick() override { telnet.Kick(); }
   void SendTilde() override { telnet.SendTilde(); }
+  void ShowFtpServer() override {
+    ftp.RefreshClients();
+    if (!ftpWindow.Visible()) ftpWindow.CentreOnScreen();
+    ftpWindow.Activate();
+  }
 
   RemoteArea area;
   frmChat chat;
   TelnetServer telnet;
+  frmFtpserver ftpWindow;
+  FtpServer ftp;
+  Subscription switched;
   Subscription ticks;
 };
 
@@ -156,6 +175,7 @@ struct Program::Parts {
 
 Program::Program(Platform& platform, StartOptions options)
     : parts_(std::make_unique<Parts>(*this, platform, std::move(options))) {
+  Ftp().SetPort(parts_->options.ftpPort);
   parts_->automation.execution.onRun = [this](const TaskRecord& task) {
     if (onTaskRun) onTaskRun(task);
   };
@@ -165,7 +185,8 @@ Program::Program(Platform& platform, StartOptions options)
   parts_->windows.main.onOnTop = [this](bool on) {
     // The popup message is above all others anyway.
     for (forms::Form* form :
-         std::initializer_list<forms::Form*>{&Editor(), &parts_->windows.about, &ChatWindow()}) {
+         std::initializer_list<forms::Form*>{&Editor(), &parts_->windows.about, &ChatWindow(),
+                                             &parts_->remote.ftpWindow}) {
       form->SetTopMost(on);
     }
   };
@@ -204,6 +225,7 @@ frmScriptcfg& Program::MainWindow() { return parts_->windows.main; }
 frmEdit& Program::Editor() { return parts_->windows.editor; }
 frmChat& Program::ChatWindow() { return parts_->remote.chat; }
 TelnetServer& Program::Telnet() { return parts_->remote.telnet; }
+FtpServer& Program::Ftp() { return parts_->remote.ftp; }
 
 std::string Program::ScriptCommand() const { return parts_->automation.scripts.CommandAtWork(); }
 

@@ -1,14 +1,17 @@
 // The composition root: what exists, who owns it, who talks to whom.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/Platform.h"
 
 namespace orvanto {
 
+class FtpServer;
 class Sched;
 class Settings;
 class TaskExecution;
@@ -22,6 +25,7 @@ struct TaskRecord;
 struct StartOptions {
   std::string commandLine;    // what follows the program's name
   std::string programFolder;  // where the program is installed, as a Windows path
+  std::optional<std::uint16_t> ftpPort = {};  // of the FTP server, instead of its own
 };
 
 // Made once by the host's entry point, which then calls Start and runs the loop. The loop is quit
@@ -49,6 +53,7 @@ class Program {
   frmEdit& Editor();
   frmChat& ChatWindow();
   TelnetServer& Telnet();
+  FtpServer& Ftp();
 
   // Shows the window that the user is to see: the open dialog, or the main window, also out of the
   // tray. What a second start of the program asks of the first.

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -36,6 +37,7 @@
 #include "platform/posix/TerminalMessageBoxes.h"
 #include "platform/text/Case.h"
 #include "platform/text/PrintableLine.h"
+#include "remote/ftpserver/server_control.h"
 
 namespace orvanto {
 namespace {
@@ -47,6 +49,7 @@ constexpr const char* kLockFile = "orvanto.lock";
 
 struct Arguments {
   std::string home;
+  std::optional<std::uint16_t> ftpPort;
   std::vector<std::string> words;  // what is left
 };
 
@@ -57,15 +60,26 @@ fs::path DefaultHome() {
   return fs::path(home != nullptr ? home : "/") / ".local/share/orvanto";
 }
 
-// False when the words make no sense.
+std::optional<std::uint16_t> PortNumber(std::string_view text) {
+  std::uint16_t port = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return port;
+}
+
+// Options come first. False when the words make no sense.
 bool ParseArguments(int argc, char** argv, Arguments& arguments) {
   for (int i = 1; i < argc; ++i) {
     const std::string word = argv[i];
-    if (word != "--home" || !arguments.words.empty()) {
+    const bool home = word == "--home";
+    if (!arguments.words.empty() || (!home && word != "--ftp-port")) {
       arguments.words.push_back(word);
-    } else if (++i < argc && *argv[i] != '\0') {
+      continue;
+    }
+    if (++i == argc || *argv[i] == '\0') return false;
+    if (home) {
       arguments.home = argv[i];
-    } else {
+    } else if (arguments.ftpPort = PortNumber(argv[i]); !arguments.ftpPort) {
       return false;
     }
   }
@@ -167,12 +181,13 @@ class TerminalLines {
   std::unique_ptr<posix::PosixLoop::Watch> watch_;
 };
 
-int RunScheduler(const std::string& home, const std::string& commandLine) {
+int RunScheduler(const std::string& home, const std::string& commandLine,
+                 std::optional<std::uint16_t> ftpPort) {
   const posix::Descriptor lock = LockHome(home);
   if (!lock) return kExitRefused;
   // Alone in its home, so a damaged registry may be set aside.
   PosixPlatform host(posix::FileRegistry::OnDamage::SetAside);
-  Program program(host.platform, {commandLine, posix::FromNative(home)});
+  Program program(host.platform, {commandLine, posix::FromNative(home), ftpPort});
   program.onTaskRun = [&](const TaskRecord& task) {
     const DateTime now = host.clock.Now();
     std::cout << TwoDigits(now.hour) << ":" << TwoDigits(now.minute) << ":" << TwoDigits(now.second)
@@ -183,6 +198,9 @@ int RunScheduler(const std::string& home, const std::string& commandLine) {
   program.onScriptFailure = [](const std::string& message) {
     std::cerr << PrintableLine(message) << std::endl;
   };
+  const Subscription ftpLog = program.Ftp().logged.Subscribe([](const std::string& line) {
+    std::cout << "FTP: " << PrintableLine(line) << std::endl;
+  });
   ConsoleChat chat(program, std::cout);
   const TerminalLines lines(host.loop, [&](const std::string& line) { chat.Line(line); });
   host.loop.OnSignals({SIGINT, SIGTERM, SIGHUP}, [&](int) { program.Quit(); });
@@ -261,7 +279,7 @@ int Main(int argc, char** argv) {
     return kExitRefused;
   }
   return command ? RunOneCommand(home, start, words)
-                 : RunScheduler(home.string(), words.empty() ? "" : words[0]);
+                 : RunScheduler(home.string(), words.empty() ? "" : words[0], arguments.ftpPort);
 }
 
 }  // namespace

@@ -86,6 +86,8 @@ frmScriptcfg::frmScriptcfg(forms::FormHost& host, const Services& services)
       mnuServersetup(mnuServer, "Setup"),
       mnuInetchat(mnuInternet, "Chat"),
       mnuInetsendfile(mnuInternet, "Send File"),
+      mnuInetseparator(mnuInternet, "-"),
+      mnuInetftpserver(mnuInternet, "FTP Server"),
       services_(services) {
   minimizeButton = true;
   treTasks.spokenName = "Tasks";
@@ -198,11 +200,13 @@ void frmScriptcfg::WireRemoteControl() {
   mnuServersetup.SetEnabled(showSettings != nullptr);
   // It has no function yet.
   mnuInetsendfile.SetEnabled(false);
+  mnuInetftpserver.SetEnabled(false);  // while the server is off
   if (!there) return;
   optIneton.onClick = mnuServeron.onClick = [this] { remoteCommands->SwitchServer(true); };
   optInetoff.onClick = mnuServeroff.onClick = [this] { remoteCommands->SwitchServer(false); };
   mnuServersetup.onClick = [this] { showSettings(); };
   mnuInetchat.onClick = [this] { remoteCommands->SendTilde(); };
+  mnuInetftpserver.onClick = [this] { remoteCommands->ShowFtpServer(); };
   cmdChat.onClick = [this] { remoteCommands->StartChat(); };
   cmdKick.onClick = [this] { remoteCommands->Kick(); };
 }
@@ -334,6 +338,7 @@ void frmScriptcfg::ShowServerArea(bool on) {
   (on ? optIneton : optInetoff).SetValue(true);
   treTasks.SetHeight(on ? kTreeAboveServer : kTreeAlone);
   fraServer.SetVisible(on);
+  mnuInetftpserver.SetEnabled(on);
 }
 
 // Keeps the line selected that was, as long as there is the same. As far as the hundredth task.

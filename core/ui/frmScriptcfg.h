@@ -34,6 +34,7 @@ class RemoteCommands {
   virtual void StartChat() = 0;
   virtual void Kick() = 0;
   virtual void SendTilde() = 0;
+  virtual void ShowFtpServer() = 0;
 };
 
 class frmScriptcfg : public forms::Form {
@@ -100,7 +101,7 @@ class frmScriptcfg : public forms::Form {
       mnuExit;
   forms::MenuItem mnuTasks, mnuNew, mnuDelete, mnuEdit, mnuRun;
   forms::MenuItem mnuInternet, mnuServer, mnuServeron, mnuServeroff, mnuServersetup, mnuInetchat,
-      mnuInetsendfile;
+      mnuInetsendfile, mnuInetseparator, mnuInetftpserver;
 
  private:
   enum Command { kNew, kDelete, kEdit, kRun, kTray, kAbout, kExit };

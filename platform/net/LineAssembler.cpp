@@ -14,6 +14,7 @@ void LineAssembler::Feed(std::string arrival) {
 void LineAssembler::Restart() {
   Feed({});
   afterCr_ = false;
+  halfEnd_ = false;
 }
 
 std::optional<LineAssembler::Piece> LineAssembler::Next() {
@@ -31,8 +32,7 @@ std::optional<LineAssembler::Piece> LineAssembler::Next() {
     case Policy::Lines:
       return PartOfLine(rest);
     case Policy::Commands:
-      taken_ = arrival_.size();
-      return Command(rest);
+      return PartOfCommand(rest);
   }
   return std::nullopt;
 }
@@ -55,15 +55,24 @@ LineAssembler::Piece LineAssembler::PartOfLine(std::string_view rest) {
   return Complete();
 }
 
-LineAssembler::Piece LineAssembler::Command(std::string_view arrival) {
-  std::string command;
-  while (!arrival.empty()) {
-    const std::size_t end = std::min(arrival.find(kCrLf), arrival.size());
-    command += arrival.substr(0, end);
-    arrival.remove_prefix(std::min(end + 2, arrival.size()));
+LineAssembler::Piece LineAssembler::PartOfCommand(std::string_view rest) {
+  if (std::exchange(halfEnd_, false)) {
+    if (rest[0] == '\n') {
+      ++taken_;
+      return Complete();
+    }
+    Typed("\r");
   }
-  Typed(std::move(command));
-  return Complete();
+  const std::size_t end = rest.find(kCrLf);
+  if (end == 0) {
+    taken_ += 2;
+    return Complete();
+  }
+  std::string text(rest.substr(0, end));
+  taken_ += text.size();
+  halfEnd_ = text.ends_with('\r');
+  if (halfEnd_) text.pop_back();
+  return Typed(std::move(text));
 }
 
 LineAssembler::Piece LineAssembler::Typed(std::string text) {

@@ -18,7 +18,7 @@ class LineAssembler {
     // A client that sends lines, in pieces or several at a time: the same ends count wherever they
     // stand, and it does not matter where the arrivals are cut.
     Lines,
-    // Each arrival is one command, without the CR LFs in it.
+    // A client whose lines end in CR LF and nothing else.
     Commands,
   };
 
@@ -45,7 +45,7 @@ class LineAssembler {
  private:
   Piece Key(std::string_view chunk);
   Piece PartOfLine(std::string_view rest);
-  Piece Command(std::string_view arrival);
+  Piece PartOfCommand(std::string_view rest);
   Piece Typed(std::string text);
   Piece Complete() { return {true, std::exchange(line_, {})}; }
 
@@ -54,6 +54,7 @@ class LineAssembler {
   std::string arrival_;
   std::size_t taken_ = 0;  // of arrival_
   bool afterCr_ = false;   // a LF or NUL that comes now belongs to the line end before it
+  bool halfEnd_ = false;   // of a command: the CR has come
   std::string line_;
 };
 

@@ -35,4 +35,8 @@ std::string SocketErrorText(int error) {
   }
 }
 
+std::string NumberedErrorText(int error) {
+  return SocketErrorText(error) + " (" + std::to_string(error) + ")";
+}
+
 }  // namespace orvanto

@@ -23,5 +23,7 @@ enum SocketError : int {
 
 // What it means, without a full stop. Any number has a text.
 std::string SocketErrorText(int error);
+// The same with the number: "The port is in use (10048)".
+std::string NumberedErrorText(int error);
 
 }  // namespace orvanto

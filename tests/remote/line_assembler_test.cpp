@@ -28,10 +28,9 @@ TEST(LineAssembler, EachPolicyHasItsLines) {
       {Policy::Keys, {"\r", "", "a", "\n", "\r", "\nb"}, "<>a<a><>b, b"},
       {Policy::Keys, {"a\r\nb", "\r" + nul + "c\r"}, "a\r\nb\r\nc\r, a\r\nb\r\nc\r"},
       {Policy::Keys, {"123456789", "x", "\n", "y"}, "123456789x<12345678>y, y"},
-      // What arrives is a command, however it is cut.
-      {Policy::Commands, {"USER a b\r\n", "QU", "IT", ""}, "<USER a b><QU><IT>, "},
-      {Policy::Commands, {"A\r\nB\r\n", "\r\n", "C\r", "\nD"}, "<AB><><C\r><\nD>, "},
-      {Policy::Commands, {"STOR 56\r\n789"}, "<STOR 567>, "}};
+      {Policy::Commands, {"A b\r\nB\nC\r\r\n", "\r\n"}, "A b<A b>B\nC\r<B\nC\r><>, "},
+      {Policy::Commands, {"Q\r", "x\r", "\n", "123456789\r", "\n"},
+       "Qx<Q\rx>123456789<12345678>, "}};
   for (const auto& [policy, arrivals, expected] : cases) {
     LineAssembler lines(policy, kLongest);
     std::string pieces;
@@ -40,15 +39,23 @@ TEST(LineAssembler, EachPolicyHasItsLines) {
   }
 }
 
-TEST(LineAssembler, WholeLinesMayBeCutAnywhere) {
-  const std::string stream =
-      "one\r\ntwo\n\nthree\r" + std::string(1, '\0') + "\r\rlonger than 8\r\nx";
-  for (std::size_t at = 0; at <= stream.size(); ++at) {
-    LineAssembler lines(Policy::Lines, kLongest);
-    const std::string first = Pieces(lines, stream.substr(0, at));
-    EXPECT_EQ(first + Pieces(lines, stream.substr(at)),
-              "one<one>two<two><>three<three><><>longer than 8<longer t>x")
-        << at;
+TEST(LineAssembler, LinesMayBeCutAnywhere) {
+  const std::tuple<Policy, std::string, std::string> cases[] = {
+      {Policy::Lines, "one\r\ntwo\n\nthree\r" + std::string(1, '\0') + "\r\rlonger than 8\r\nx",
+       "<one><two><><three><><><longer t>"},
+      {Policy::Commands, "one\r\n\r\n\rtwo\n\r\r\n", "<one><><\rtwo\n\r>"}};
+  for (const auto& [policy, stream, expected] : cases) {
+    for (std::size_t at = 0; at <= stream.size(); ++at) {
+      LineAssembler lines(policy, kLongest);
+      std::string complete;
+      for (const std::string& arrival : {stream.substr(0, at), stream.substr(at)}) {
+        lines.Feed(arrival);
+        while (const auto piece = lines.Next()) {
+          if (piece->complete) complete += "<" + piece->text + ">";
+        }
+      }
+      EXPECT_EQ(complete, expected) << at;
+    }
   }
 }
 

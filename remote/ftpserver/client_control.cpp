@@ -1,0 +1,266 @@
+#include "remote/ftpserver/client_control.h"
+
+#include <array>
+#include <charconv>
+#include <optional>
+
+#include "core/Convert.h"
+#include "core/ProgramSettings.h"
+#include "platform/Files.h"
+#include "platform/net/SocketError.h"
+#include "platform/text/Case.h"
+#include "platform/text/Lines.h"
+#include "remote/ftpserver/FtpPolicy.h"
+#include "remote/ftpserver/data_transfers.h"
+#include "remote/ftpserver/file_control.h"
+
+namespace orvanto {
+namespace {
+
+constexpr const char* kNoSuchFile = ": No such file or directory";
+constexpr const char* kPermissionDenied = "550 Permission denied.";
+
+// The port of "h1,h2,h3,h4,p1,p2"; nothing when it is none.
+std::optional<int> DataPort(std::string_view numbers) {
+  std::array<int, 6> parts{};
+  const char* at = numbers.data();
+  const char* const end = at + numbers.size();
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    if (i > 0 && (at == end || *at++ != ',')) return std::nullopt;
+    const auto [next, error] = std::from_chars(at, end, parts[i]);
+    if (error != std::errc() || parts[i] < 0 || parts[i] > 255) return std::nullopt;
+    at = next;
+  }
+  const int port = parts[4] * 256 + parts[5];
+  return at == end && port > 0 ? std::optional(port) : std::nullopt;
+}
+
+// A number's beginning counts; what is none is 0.
+bool IsAboveZero(std::string_view text) {
+  text = TrimBlanks(text);
+  if (text.starts_with('+')) text.remove_prefix(1);
+  const std::size_t digit = std::min(text.find_first_not_of("0."), text.size());
+  return digit < text.size() && text[digit] >= '1' && text[digit] <= '9';
+}
+
+}  // namespace
+
+// By name; DELE disturbs a transfer only of its own file.
+const FtpClient::Command FtpClient::kCommands[] = {
+    {"USER", &FtpClient::User, nullptr},
+    {"PASS", &FtpClient::Pass, nullptr},
+    {"TYPE", &FtpClient::Type, nullptr},
+    {"REST", &FtpClient::Rest, nullptr},
+    {"PWD", &FtpClient::Pwd, nullptr},
+    {"CWD", &FtpClient::Cwd, nullptr},
+    {"CDUP", &FtpClient::Cwd, nullptr},
+    {"PORT", &FtpClient::Port, &FtpClient::Always},
+    {"LIST", &FtpClient::List, &FtpClient::Always},
+    {"STOR", &FtpClient::Stor, &FtpClient::Always},
+    {"RETR", &FtpClient::Retr, &FtpClient::Always},
+    {"NOOP", &FtpClient::Ok, nullptr},
+    {"DELE", &FtpClient::Dele, &FtpClient::IsOfTransfer},
+    {"RMD", &FtpClient::Rmd, nullptr},
+    {"MKD", &FtpClient::Mkd, nullptr},
+    {"SYST", &FtpClient::Ok, nullptr},
+    {"QUIT", &FtpClient::Quit, nullptr},
+};
+
+FtpClient::FtpClient(const Services& services, std::int16_t index)
+    : services_(services),
+      commandSock_(services.sockets.NewSocket(SocketHost::Use::Conversation)),
+      transfer_(std::make_unique<DataTransfer>(
+          DataTransfer::Services{services.sockets, services.files, services.log,
+                                 [this](const std::string& text) { Reply(text); },
+                                 [this] { GoOn(); }},
+          record_)) {
+  record_.socketIndex = index;
+  commandSock_->onDataArrival = [this] { GoOn(); };
+  commandSock_->onClosed = [this] { EndRecord(); };
+  commandSock_->onError = [this](int error) {
+    services_.log("ERROR - commandSock: " + NumberedErrorText(error));
+    EndRecord();
+  };
+}
+
+FtpClient::~FtpClient() = default;
+
+bool FtpClient::IsFree() const {
+  return !InUse() && commandSock_->GetState() != TcpSocket::State::Closing;
+}
+
+void FtpClient::Accept(TcpSocket::RequestId request, const FtpPolicy& policy,
+                       const std::string& rootFolder, const std::string& greeting) {
+  if (!commandSock_->Accept(request)) return;
+  policy_ = &policy;
+  record_.address = commandSock_->RemoteAddress();
+  record_.rootFolder = record_.currentFolder = rootFolder;
+  record_.currentDirectory = "/";
+  since_ = services_.clock.Now();
+  services_.log("Connected to " + record_.address + ", logging in...");
+  Reply("220 " + greeting);
+}
+
+void FtpClient::Drop() {
+  commandSock_->Close();
+  if (InUse()) EndRecord();
+}
+
+void FtpClient::EndRecord() {
+  transfer_->Cancel();
+  services_.log("User " + record_.userName + " logged out.");
+  const std::int16_t index = record_.socketIndex;
+  record_ = {};
+  record_.socketIndex = index;
+  policy_ = nullptr;
+  loggedIn_ = false;
+  lines_.Restart();
+  lines_.SetLine("");
+  waiting_.clear();
+}
+
+std::string FtpClient::Describe() const {
+  const std::string who = record_.userName.empty() ? "(no name yet)" : record_.userName;
+  return who + "  " + record_.address + "  since " + TimeOfDay(since_) + transfer_->Describe();
+}
+
+// Takes what has arrived and what has waited, as far as it goes. Comes again with every arrival and
+// at the end of every transfer, which may be while it is at work.
+void FtpClient::GoOn() {
+  if (std::exchange(goingOn_, true)) return;
+  while (InUse() && (RunWaiting() || TakePiece())) {
+  }
+  goingOn_ = false;
+}
+
+bool FtpClient::RunWaiting() {
+  if (transfer_->Running() || waiting_.empty()) return false;
+  const std::string line = std::move(waiting_.front());
+  waiting_.pop_front();
+  OnLine(line, Order::Waited);
+  return true;
+}
+
+bool FtpClient::TakePiece() {
+  if (waiting_.size() >= kMostWaiting) return false;
+  if (const auto piece = lines_.Next()) {
+    if (piece->complete) OnLine(piece->text, Order::Fresh);
+    return true;
+  }
+  std::string arrival(commandSock_->GetData());
+  if (arrival.empty()) return false;
+  lines_.Feed(std::move(arrival));
+  return true;
+}
+
+void FtpClient::OnLine(const std::string& line, Order order) {
+  const std::size_t blank = std::min(line.find(' '), line.size());
+  const std::string_view name = std::string_view(line).substr(0, blank);
+  const std::string argument = blank < line.size() ? line.substr(blank + 1) : "";
+  for (const Command& command : kCommands) {
+    if (!EqualIgnoringCase(name, command.name)) continue;
+    if (!loggedIn_ && !policy_->IsAllowedBeforeLogin(command.name)) {
+      return Reply("530 Not logged in.");
+    }
+    // Behind others that wait it waits as well, so that a PORT comes before its RETR.
+    const bool waits = order == Order::Fresh && (transfer_->Running() || !waiting_.empty()) &&
+                       command.disturbs != nullptr && (this->*command.disturbs)(argument);
+    return waits ? waiting_.push_back(line) : (this->*command.run)(argument);
+  }
+  if (const std::string reply = policy_->ReplyToUnknown(); !reply.empty()) Reply(reply);
+}
+
+void FtpClient::Reply(const std::string& text) { commandSock_->Send(text + kCrLf); }
+
+void FtpClient::ReplyWhether(bool done, const std::string& reply, const std::string& failure) {
+  Reply(done ? reply : failure);
+}
+
+bool FtpClient::IsOfTransfer(Argument name) const {
+  return EqualIgnoringCase(policy_->PathOf(record_, name), transfer_->Path());
+}
+
+void FtpClient::User(Argument name) {
+  record_.userName = name;
+  Reply("331 User name ok, need password.");
+}
+
+void FtpClient::Pass(Argument password) {
+  record_.password = password;
+  loggedIn_ = !services_.remote.passwordRequired || password == services_.remote.password;
+  if (loggedIn_) services_.log("User " + record_.userName + " logged in.");
+  ReplyWhether(loggedIn_, "230 User logged in, proceed.", "530 Not logged in.");
+}
+
+void FtpClient::Type(Argument type) { Reply("200 Type set to " + type); }
+
+void FtpClient::Rest(Argument offset) {
+  ReplyWhether(!IsAboveZero(offset), "350 Restarting at 0",
+               "504 Resuming is currently unsupported");
+}
+
+void FtpClient::Pwd(Argument) {
+  Reply("257 \"" + record_.currentDirectory + "\" is current directory.");
+}
+
+void FtpClient::Cwd(Argument folder) {
+  const bool changed = policy_->ChangeDirectory(record_, folder);
+  ReplyWhether(changed, "250 Directory changed to " + record_.currentDirectory,
+               "550 " + folder + kNoSuchFile);
+}
+
+void FtpClient::Port(Argument numbers) {
+  const std::optional<int> port = DataPort(numbers);
+  if (!port) return Reply("501 Syntax error in parameters or arguments.");
+  const int highest = policy_->HighestDataPort();
+  if (*port > highest) {
+    const std::string limit = "data port " + std::to_string(*port) + " is above " +
+                              std::to_string(highest) + ", the highest that can be used.";
+    services_.log("ERROR - PORT: " + limit);
+    return Reply("501 The " + limit);
+  }
+  record_.dataPort = *port;
+  Reply("200 Port command successful.");
+}
+
+void FtpClient::List(Argument) {
+  Reply("150 Opening ASCII mode data connection for /bin/ls.");
+  transfer_->SendListing();
+}
+
+void FtpClient::Stor(Argument name) {
+  Reply("150 Opening BINARY mode data connection for " + name);
+  transfer_->ReceiveFile(policy_->PathOf(record_, name));
+}
+
+void FtpClient::Retr(Argument name) {
+  const std::string path = policy_->PathOf(record_, name);
+  if (!IsFile(services_.files, path)) return Reply("550 " + name + kNoSuchFile);
+  Reply("150 Opening BINARY mode data connection for " + name);
+  transfer_->SendFile(path);
+}
+
+void FtpClient::Ok(Argument) { Reply("200 Command ok."); }
+
+void FtpClient::Dele(Argument name) {
+  const bool done = DeleteOneFile(services_.files, policy_->PathOf(record_, name));
+  ReplyWhether(done, "250 DELE command successful.", kPermissionDenied);
+}
+
+void FtpClient::Rmd(Argument name) {
+  const bool done =
+      !name.empty() && RemoveOneFolder(services_.files, policy_->PathOf(record_, name));
+  ReplyWhether(done, "250 RMD command successful.", "550 Delete directory failed.");
+}
+
+void FtpClient::Mkd(Argument name) { Reply("550 Failed to create " + name); }
+
+void FtpClient::Quit(Argument) {
+  Reply("200 Command ok.");
+  transfer_->Cancel();
+  commandSock_->CloseGently();
+  EndRecord();
+  services_.announceServer();
+}
+
+}  // namespace orvanto

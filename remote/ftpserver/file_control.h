@@ -1,0 +1,26 @@
+// What the FTP server does with files: plain functions on the paths that a policy has made.
+#pragma once
+
+#include <string>
+
+#include "platform/Clock.h"
+
+namespace orvanto {
+
+class Files;
+
+// No folder, and no name that a system would cut short.
+bool IsFile(const Files& files, const std::string& path);
+
+// False when there is no such file, or it cannot be deleted.
+bool DeleteOneFile(Files& files, const std::string& path);
+bool RemoveOneFolder(Files& files, const std::string& path);
+
+// One line for each folder in it, then one for each file, in the system's order, as `ls -l` has
+// them but without a year. A name that would break its line is left out.
+std::string ListingOf(Files& files, const std::string& folder);
+
+// "14:07:09".
+std::string TimeOfDay(const DateTime& time);
+
+}  // namespace orvanto

@@ -1,0 +1,68 @@
+// The FTP server: fetches and stores scripts from another computer. It runs while its window is
+// loaded, from the switching on of the remote control to its switching off.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/Event.h"
+#include "platform/net/TcpSocket.h"
+#include "remote/ftpserver/FtpPolicy.h"
+#include "remote/ftpserver/client_control.h"
+
+namespace orvanto {
+
+class ProgramFolder;
+class frmFtpserver;
+
+class FtpServer {
+ public:
+  struct Services {
+    SocketHost& sockets;
+    Files& files;
+    const Clock& clock;
+    const ProgramFolder& folder;
+    frmFtpserver& window;
+  };
+  // `remote` is read whenever its values are needed.
+  FtpServer(const Services& services, const RemoteSettings& remote);
+  ~FtpServer();
+
+  // For what begins to listen or connects from now on; must outlive that.
+  void SetPolicy(const FtpPolicy& policy) { policy_ = &policy; }
+  // Instead of the policy's port; 0 lets the system choose. Before Load.
+  void SetPort(std::optional<std::uint16_t> port) { port_ = port; }
+  std::uint16_t Port() const { return listener_->LocalPort(); }  // 0: it does not listen
+
+  // Loads the window and starts, or ends and unloads it. Nothing happens when it is so already.
+  void Load();
+  void Unload();
+  // On every tick while the window is shown.
+  void RefreshClients();
+
+  // A line of the log.
+  Event<const std::string&> logged;
+
+ private:
+  static constexpr std::size_t kMostClients = 101;
+
+  void StartServer();
+  void OnConnectionRequest(TcpSocket::RequestId request);
+  FtpClient* FreeClient();
+  void TurnAway(TcpSocket::RequestId request);
+  void Log(const std::string& message);
+
+  const Services services_;
+  const RemoteSettings& remote_;
+  const FtpPolicy defaultPolicy_;
+  const FtpPolicy* policy_ = &defaultPolicy_;
+  std::optional<std::uint16_t> port_;
+  const std::unique_ptr<TcpSocket> listener_;
+  const std::unique_ptr<TcpSocket> errorSock_;  // for those who are too many
+  std::array<std::unique_ptr<FtpClient>, kMostClients> clients_;  // made when they are needed
+};
+
+}  // namespace orvanto
