@@ -184,9 +184,8 @@ Program::Program(Platform& platform, StartOptions options)
   };
   parts_->windows.main.onOnTop = [this](bool on) {
     // The popup message is above all others anyway.
-    for (forms::Form* form :
-         std::initializer_list<forms::Form*>{&Editor(), &parts_->windows.about, &ChatWindow(),
-                                             &parts_->remote.ftpWindow}) {
+    for (forms::Form* form : std::initializer_list<forms::Form*>{
+             &Editor(), &parts_->windows.about, &ChatWindow(), &parts_->remote.ftpWindow}) {
       form->SetTopMost(on);
     }
   };

@@ -198,9 +198,8 @@ int RunScheduler(const std::string& home, const std::string& commandLine,
   program.onScriptFailure = [](const std::string& message) {
     std::cerr << PrintableLine(message) << std::endl;
   };
-  const Subscription ftpLog = program.Ftp().logged.Subscribe([](const std::string& line) {
-    std::cout << "FTP: " << PrintableLine(line) << std::endl;
-  });
+  const Subscription ftpLog = program.Ftp().logged.Subscribe(
+      [](const std::string& line) { std::cout << "FTP: " << PrintableLine(line) << std::endl; });
   ConsoleChat chat(program, std::cout);
   const TerminalLines lines(host.loop, [&](const std::string& line) { chat.Line(line); });
   host.loop.OnSignals({SIGINT, SIGTERM, SIGHUP}, [&](int) { program.Quit(); });

@@ -160,7 +160,7 @@ const Command* FindCommand(const std::string& word) {
 }  // namespace
 
 void PrintUsage(std::ostream& out) {
-  out << "Usage: orvanto [--home DIR] [invisible]   run the scheduler\n"
+  out << "Usage: orvanto [--home DIR] [--ftp-port N] [invisible]   run the scheduler\n"
          "       orvanto [--home DIR] COMMAND\n"
          "Commands:\n";
   for (const Command& command : kCommands) out << "  " << command.usage << "\n";

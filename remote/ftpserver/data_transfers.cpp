@@ -11,7 +11,7 @@
 namespace orvanto {
 namespace {
 
-constexpr std::size_t kChunk = 1024;            // of a file
+constexpr std::size_t kChunk = 1024;  // of a file
 constexpr std::size_t kListingChunk = 64 << 10;
 
 constexpr const char* kComplete = "226 Transfer complete.";

@@ -61,7 +61,7 @@ class FtpServer {
   const FtpPolicy* policy_ = &defaultPolicy_;
   std::optional<std::uint16_t> port_;
   const std::unique_ptr<TcpSocket> listener_;
-  const std::unique_ptr<TcpSocket> errorSock_;  // for those who are too many
+  const std::unique_ptr<TcpSocket> errorSock_;                    // for those who are too many
   std::array<std::unique_ptr<FtpClient>, kMostClients> clients_;  // made when they are needed
 };
 

@@ -78,7 +78,7 @@ class FakeSocketHost : public SocketHost {
   std::set<std::uint16_t> taken;  // ports on which nobody can listen
   bool clientsGo = false;         // before they are accepted
   // Of names; without addresses there is no answer. Others are not known.
-  std::map<std::string, std::vector<Ipv4>> names;
+  std::map<std::string, std::vector<Ipv4>> names{{"10.1.2.3", {0x0A010203}}};
   std::map<Ipv4, int> unreachable;  // refused at once, with that error
 
  private:
