@@ -23,8 +23,8 @@ class frmScriptcfg;
 struct TaskRecord;
 
 struct StartOptions {
-  std::string commandLine;    // what follows the program's name
-  std::string programFolder;  // where the program is installed, as a Windows path
+  std::string commandLine;                    // what follows the program's name
+  std::string programFolder;                  // where the program is installed, as a Windows path
   std::optional<std::uint16_t> ftpPort = {};  // of the FTP server, instead of its own
 };
 

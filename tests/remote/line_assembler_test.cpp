@@ -29,7 +29,8 @@ TEST(LineAssembler, EachPolicyHasItsLines) {
       {Policy::Keys, {"a\r\nb", "\r" + nul + "c\r"}, "a\r\nb\r\nc\r, a\r\nb\r\nc\r"},
       {Policy::Keys, {"123456789", "x", "\n", "y"}, "123456789x<12345678>y, y"},
       {Policy::Commands, {"A b\r\nB\nC\r\r\n", "\r\n"}, "A b<A b>B\nC\r<B\nC\r><>, "},
-      {Policy::Commands, {"Q\r", "x\r", "\n", "123456789\r", "\n"},
+      {Policy::Commands,
+       {"Q\r", "x\r", "\n", "123456789\r", "\n"},
        "Qx<Q\rx>123456789<12345678>, "}};
   for (const auto& [policy, arrivals, expected] : cases) {
     LineAssembler lines(policy, kLongest);
