@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "core/ProgramFolder.h"
 #include "core/modTaskOperations.h"
 #include "platform/Clipboard.h"
 #include "platform/Clock.h"
@@ -48,11 +49,14 @@ class NoLoop : public EventLoop {
     tick = std::move(handler);
     return std::make_unique<NoTimer>();
   }
+  std::unique_ptr<Deferred> NewDeferred(std::function<void()>) override { return nullptr; }
   std::function<void()> tick;
 
  protected:
   void BeginHold() override {}
   void EndHold() override {}
+  bool Held() const override { return false; }
+  void Round() override {}
 };
 
 class NoClock : public Clock {
