@@ -70,6 +70,10 @@ void Run(const std::string& stream) {
   desk.Begin();
   Talk(desk, stream);
   desk.server.Unload();
+  for (auto* const socket : desk.platform.sockets.sockets) {
+    socket->sent.clear();
+    socket->tried.clear();
+  }
   if (desk.platform.files.open != 0) std::abort();
 }
 
