@@ -46,8 +46,8 @@ class Win32Loop::LoopTimer : public Timer {
     // A new number each time: a message of the former run may still be under way.
     id_ = ++loop_.lastTimer_;
     loop_.timers_[id_] = this;
-    const auto period = std::clamp<long long>(interval.count(), 1, USER_TIMER_MAXIMUM);
-    SetTimer(loop_.window_.Get(), id_, static_cast<UINT>(period), nullptr);
+    const auto period = std::clamp(interval, std::chrono::milliseconds(1), kLongest);
+    SetTimer(loop_.window_.Get(), id_, static_cast<UINT>(period.count()), nullptr);
   }
 
   void Stop() override {
