@@ -25,7 +25,8 @@ void BufferedSocket::Connect(const std::string& host, std::uint16_t port) {
   Close();
   state_ = State::Connecting;
   port_ = port;
-  SystemLookUp(host);
+  // To some systems it is a name of this machine.
+  host.empty() ? Found({}, kHostNotFound) : SystemLookUp(host);
 }
 
 void BufferedSocket::Found(std::vector<Ipv4> addresses, int error) {
