@@ -16,7 +16,8 @@ class Timer {
   virtual ~Timer() = default;
 
   // (Re)starts: the first call comes one interval from now, then one each interval.
-  // An interval below one millisecond is taken as one millisecond.
+  // An interval below one millisecond is taken as one millisecond, one above the longest as that.
+  static constexpr std::chrono::milliseconds kLongest{0x7FFFFFFF};  // 24 days
   virtual void Start(std::chrono::milliseconds interval) = 0;
   virtual void Stop() = 0;
   virtual bool Enabled() const = 0;
@@ -46,7 +47,8 @@ class EventLoop {
   virtual bool QuitRequested() const = 0;
 
   // Handles what is pending now and returns; never waits. It re-enters: any handler may run inside.
-  // Does nothing while the loop is held.
+  // What reached the system within the last 100 microseconds may come with the next call. Does
+  // nothing while the loop is held.
   virtual void DoEvents() = 0;
 
   // Queues work to run from the loop, in order, after the caller has returned.
@@ -61,7 +63,8 @@ class EventLoop {
   // Handles events until `condition` holds; sleeps while there are none. The condition is asked at
   // first and after each round of events, and not any more once `owner`, whose members it may use,
   // has expired: the caller must not touch them either then. Inside a Hold, where nothing could
-  // come, it ends at once. Waits nest: an outer one cannot end before those begun inside it.
+  // come, it ends at once, as timed out. Waits nest: an outer one cannot end before those begun
+  // inside it. A limit is kept like a timer's interval.
   enum class Waited { Met, TimedOut, Quit, OwnerGone };
   Waited WaitFor(const std::weak_ptr<const void>& owner, const std::function<bool()>& condition,
                  std::optional<std::chrono::milliseconds> limit) {

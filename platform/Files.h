@@ -34,8 +34,8 @@ class Files {
   using EachEntry = std::function<bool(const std::string& name, EntryKind kind)>;
   virtual void ListFolder(const std::string& folder, const EachEntry& each) = 0;
 
-  // The same with what the listing tells besides, or for a link what it leads to. The size of a
-  // folder is 0; the time is local.
+  // The same with what the listing tells besides: of a link it may be the link's own, or that of
+  // what it leads to. The size of a folder is 0; the time is local.
   struct Entry {
     std::string name;
     EntryKind kind;
@@ -48,8 +48,10 @@ class Files {
   // The roots of the drives, as "C:\\".
   virtual std::vector<std::string> Drives() const = 0;
 
-  // A file to be read, or to be written and read: it is made when it is missing, and keeps what it
-  // holds. No file comes with an error. What is no file (a folder, a device, a pipe) is not opened.
+  // A file to be read, or to be written and read: then it is made when it is missing, and keeps
+  // what it holds. With an error comes no file. The error is kFileNotFoundError in a folder that is
+  // there, else kPathNotFoundError; for what is no file (a folder, a device, a pipe) it is
+  // kPathAccessError.
   enum class Access { Read, Write };
   struct Opened {
     std::unique_ptr<File> file;

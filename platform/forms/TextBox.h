@@ -23,7 +23,8 @@ class TextBox : public Control {
   const Style& GetStyle() const { return style_; }
 
   // Of the keys that make a character, control characters such as backspace included: whether it
-  // is taken. To be set before the form loads. What is pasted is not asked about.
+  // is taken. To be set before the form loads. What is pasted is not asked about. A character
+  // beyond 0xFFFF may come in its two UTF-16 halves. One at which this fails is not taken.
   std::function<bool(char32_t character)> takesKey;
 
   // Raised by Type, not by SetText.

@@ -6,6 +6,8 @@ namespace orvanto {
 namespace {
 
 constexpr int kCompletedAtOnce = 16;
+// Of memory for what waits to be sent: more is given back when it has gone out.
+constexpr std::size_t kMostIdle = 16 << 10;
 
 }  // namespace
 
@@ -23,7 +25,8 @@ void BufferedSocket::Connect(const std::string& host, std::uint16_t port) {
   Close();
   state_ = State::Connecting;
   port_ = port;
-  SystemLookUp(host);
+  // To some systems it is a name of this machine.
+  host.empty() ? Found({}, kHostNotFound) : SystemLookUp(host);
 }
 
 void BufferedSocket::Found(std::vector<Ipv4> addresses, int error) {
@@ -97,8 +100,9 @@ int BufferedSocket::SendUnsent() {
 }
 
 void BufferedSocket::DropUnsent() {
-  unsent_ = {};
+  unsent_.clear();
   sent_ = 0;
+  if (unsent_.capacity() > kMostIdle) unsent_.shrink_to_fit();
 }
 
 void BufferedSocket::SendMore() {
@@ -120,8 +124,8 @@ void BufferedSocket::SendCompleted() {
   for (int i = 0; i < kCompletedAtOnce; ++i) {
     if (WantsToSend() || !std::exchange(completing_, false)) return;
     complete_->Cancel();
-    if (!Raise(onSendComplete)) return;
-    if (!completing_) return CloseIfOver();
+    if (ended_) later_->Post();  // when it is over, even if the handler fails
+    if (!Raise(onSendComplete) || !completing_) return;
   }
 }
 
@@ -236,6 +240,7 @@ void BufferedSocket::End() {
 }
 
 void BufferedSocket::CloseGently() {
+  if (state_ == State::Closing) return;
   if (state_ != State::Connected || failing_) return Close();
   ++generation_;
   state_ = State::Closing;

@@ -32,7 +32,7 @@ class TcpSocket {
   // when it never answers, the connection ends with onError.
   static constexpr std::chrono::seconds kSilence{60};
   static constexpr std::chrono::seconds kBetweenQuestions{15};
-  // How long CloseGently waits for a peer that takes nothing more and says nothing.
+  // How long CloseGently waits for a peer that takes nothing more and does not close.
   static constexpr std::chrono::seconds kLinger{30};
 
   virtual ~TcpSocket() = default;
@@ -79,7 +79,8 @@ class TcpSocket {
 
   // Ends a connection so that the peer gets all that was sent: sends the rest, says that no more
   // comes, and drops what still arrives until the peer has closed as well. Closing meanwhile, then
-  // Closed; no event follows. What is no connection is closed at once.
+  // Closed; no event follows. What is no connection is closed at once. A second call changes
+  // nothing; Close, and the socket's end, cut it short.
   virtual void CloseGently() = 0;
 
   // Numeric addresses; empty without a connection.

@@ -150,10 +150,16 @@ std::vector<std::string> PosixFiles::Drives() const { return {FromNative("/")}; 
 
 Files::Opened PosixFiles::Open(const std::string& path, Access access) {
   const int how = access == Access::Read ? O_RDONLY : O_RDWR | O_CREAT;
-  // Without O_NONBLOCK the opening of a pipe would never return.
-  Descriptor file(::open(ToNative(path).c_str(), how | O_CLOEXEC | O_NONBLOCK, 0666));
-  if (!file) return {nullptr, Number(errno)};
+  const std::string native = ToNative(path);
   struct stat status {};
+  // Without O_NONBLOCK the opening of a pipe would never return.
+  Descriptor file(::open(native.c_str(), how | O_CLOEXEC | O_NONBLOCK, 0666));
+  if (!file) {
+    const int error = errno;
+    const std::string folder = native.substr(0, native.rfind('/') + 1);
+    const bool lost = !folder.empty() && ::stat(folder.c_str(), &status) != 0;
+    return {nullptr, lost && error == ENOENT ? kPathNotFoundError : Number(error)};
+  }
   ::fstat(file.Get(), &status);
   if (!S_ISREG(status.st_mode)) return {nullptr, kPathAccessError};
   return {std::make_unique<PosixFile>(std::move(file)), kNoError};

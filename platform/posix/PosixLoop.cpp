@@ -54,7 +54,7 @@ class PosixLoop::PosixTimer : public Timer {
 
   void Start(milliseconds interval) override {
     Stop();
-    entry_->interval = std::max(interval, milliseconds(1));
+    entry_->interval = std::clamp(interval, milliseconds(1), kLongest);
     entry_->enabled = true;
     entry_->place = loop_.timers_.emplace(Clock::now() + entry_->interval, entry_);
   }
@@ -127,6 +127,7 @@ void PosixLoop::SetEvents(WatchEntry& entry, short events) {
   entry.events = events;
   epoll_event wanted{.events = static_cast<std::uint32_t>(events), .data = {.ptr = &entry}};
   if (::epoll_ctl(epoll_.Get(), operation, entry.fd, &wanted) == 0) return;
+  assert(errno != EEXIST);
   std::erase(unwatchable_, entry.shared_from_this());
   if (events != 0) unwatchable_.push_back(entry.shared_from_this());
 }
@@ -216,7 +217,9 @@ void PosixLoop::Look(bool wait) {
                        static_cast<short>(event.events));
   }
   for (const auto& entry : unwatchable_) ready.emplace_back(entry, entry->events);
+  const unsigned look = ++looks_;
   for (const auto& [watch, events] : ready) {
+    if (look != looks_) break;  // one inside a handler: the rest have come there, or come next
     const short wanted = static_cast<short>(events & (watch->events | POLLERR | POLLHUP));
     if (watch->events != 0 && wanted != 0) Guarded(watch->handler, wanted);
   }

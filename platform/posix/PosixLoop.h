@@ -48,9 +48,8 @@ class PosixLoop : public EventLoop {
   std::unique_ptr<Timer> NewTimer(std::function<void()> handler) override;
 
   // Calls the handler from the loop, with what was reported in poll's terms, as long as the
-  // descriptor is ready. Re-entered events may have used the readiness up, so the descriptor should
-  // be non-blocking. One that the system cannot watch, a file say, counts as ready. One watch for
-  // each descriptor.
+  // descriptor is ready. One that the system cannot watch, a file say, counts as ready. One watch
+  // for each descriptor: the former one ends before another begins.
   std::unique_ptr<Watch> WatchFd(int fd, short events, std::function<void(short)> handler);
 
   // Hands these signals to the handler, from the loop, instead of their usual effect. Those that
@@ -91,6 +90,7 @@ class PosixLoop : public EventLoop {
   std::vector<std::pair<std::shared_ptr<WatchEntry>, short>> ready_;      // empty; for its memory
   std::multimap<Clock::time_point, std::shared_ptr<TimerEntry>> timers_;  // those that run, by due
   WorkQueue work_;
+  unsigned looks_ = 0;
   int holds_ = 0;
   bool quit_ = false;
 

@@ -216,11 +216,16 @@ std::vector<std::string> Win32Files::Drives() const {
 
 Files::Opened Win32Files::Open(const std::string& path, Access access) {
   const bool write = access == Access::Write;
-  FileHandle file(CreateFileW(SystemPath(path).c_str(),
-                              write ? GENERIC_READ | GENERIC_WRITE : GENERIC_READ,
+  const std::wstring name = SystemPath(path);
+  FileHandle file(CreateFileW(name.c_str(), write ? GENERIC_READ | GENERIC_WRITE : GENERIC_READ,
                               FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                               write ? OPEN_ALWAYS : OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-  if (!file) return {nullptr, Number(GetLastError())};
+  if (!file) {
+    const DWORD error = GetLastError();
+    const DWORD found = GetFileAttributesW(name.c_str());
+    const bool folder = found != INVALID_FILE_ATTRIBUTES && (found & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    return {nullptr, folder ? kPathAccessError : Number(error)};
+  }
   if (GetFileType(file.Get()) != FILE_TYPE_DISK) return {nullptr, kPathAccessError};
   return {std::make_unique<Win32File>(std::move(file)), kNoError};
 }

@@ -46,8 +46,8 @@ class Win32Loop::LoopTimer : public Timer {
     // A new number each time: a message of the former run may still be under way.
     id_ = ++loop_.lastTimer_;
     loop_.timers_[id_] = this;
-    const auto period = std::clamp<long long>(interval.count(), 1, USER_TIMER_MAXIMUM);
-    SetTimer(loop_.window_.Get(), id_, static_cast<UINT>(period), nullptr);
+    const auto period = std::clamp(interval, std::chrono::milliseconds(1), kLongest);
+    SetTimer(loop_.window_.Get(), id_, static_cast<UINT>(period.count()), nullptr);
   }
 
   void Stop() override {
@@ -130,9 +130,13 @@ void Win32Loop::Wake() {
 }
 
 void Win32Loop::EndHold() {
-  if (--holds_ == 0 && (!work_.Empty() || !heldTimers_.empty() || !heldSockets_.empty())) {
-    Wake();
-  }
+  --holds_;
+  WakeForRest();
+}
+
+void Win32Loop::WakeForRest() {
+  const bool rest = !work_.Empty() || !heldTimers_.empty() || !heldSockets_.empty();
+  if (rest && holds_ == 0 && !quit_) Wake();
 }
 
 std::optional<LRESULT> Win32Loop::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -190,28 +194,31 @@ void Win32Loop::DeliverSocket(const SocketMessage& message) {
   Guarded("socket", [&, handler = found->second] { handler(message.wParam, message.lParam); });
 }
 
-// Any of this may begin a hold, run DoEvents or stop timers.
+// Any of this may begin a hold, run the loop, for which the rest need not wait, or stop timers.
 void Win32Loop::Deliver() {
   while (holds_ == 0 && !quit_ && !heldTimers_.empty()) {
     const UINT_PTR id = heldTimers_.front();
     heldTimers_.erase(heldTimers_.begin());
+    WakeForRest();
     Fire(id);
   }
   while (holds_ == 0 && !quit_ && !heldSockets_.empty()) {
     const SocketMessage message = heldSockets_.front();
     heldSockets_.pop_front();
-    // The handler may run the loop, and the others need not wait for its return.
-    if (!heldSockets_.empty()) Wake();
+    WakeForRest();
     DeliverSocket(message);
   }
   // What is posted meanwhile comes in the same slice, but for DoEvents, which is to return.
   const auto end = std::chrono::steady_clock::now() + kSlice;
   for (std::size_t left = work_.Size();
        holds_ == 0 && !quit_ && !work_.Empty() && (doEvents_ == 0 || left > 0); --left) {
-    work_.RunFirst([](const auto& work) { Guarded("posted work", work); });
+    work_.RunFirst([this](const auto& work) {
+      WakeForRest();
+      Guarded("posted work", work);
+    });
     if (std::chrono::steady_clock::now() >= end) break;
   }
-  if (holds_ == 0 && !work_.Empty()) Wake();
+  WakeForRest();
 }
 
 std::unique_ptr<Timer> Win32Loop::NewTimer(std::function<void()> handler) {

@@ -68,6 +68,7 @@ class Win32Loop : public EventLoop {
   std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
   bool PumpRound();
   void Wake();
+  void WakeForRest();
   void Deliver();
   void Fire(UINT_PTR id);
   void OnSocket(const SocketMessage& message);

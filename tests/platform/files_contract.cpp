@@ -118,10 +118,13 @@ TEST_F(FilesContract, ReadsAndWritesAnywhereInAFile) {
   ReadAndWriteAnywhere(fake, "C:\\new", 1000);
 
   std::filesystem::create_directory(directory_ / "folder");
-  for (const char* name : {"none\\new", "folder"}) {
-    EXPECT_NE(files_->Open(In(name), Files::Access::Write).error, kNoError) << name;
-  }
   ASSERT_TRUE(files_->Append(In("READ"), "x"));
+  const std::pair<std::string, ErrorNumber> cases[] = {{"none\\new", kPathNotFoundError},
+                                                       {"READ\\new", kPathNotFoundError},
+                                                       {"folder", kPathAccessError}};
+  for (const auto access : {Files::Access::Read, Files::Access::Write}) {
+    for (const auto& [name, error] : cases) EXPECT_EQ(files_->Open(In(name), access).error, error);
+  }
   const auto reader = files_->Open(In("read"), Files::Access::Read).file;
   ASSERT_TRUE(reader);
   EXPECT_NE(reader->WriteAt(0, "no"), kNoError);

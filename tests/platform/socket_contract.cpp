@@ -106,8 +106,10 @@ TEST_P(SocketContract, TheListenerTakesTheClientOnItself) {
   // Nobody listens any more, or nobody is known.
   const auto second = NewSocket();
   const Events refused(*second);
-  const std::pair<const char*, int> cases[] = {
-      {kHost, kConnectionRefused}, {"localhost", kConnectionRefused}, {"no such", kHostNotFound}};
+  const std::pair<const char*, int> cases[] = {{kHost, kConnectionRefused},
+                                               {"localhost", kConnectionRefused},
+                                               {"no such", kHostNotFound},
+                                               {"", kHostNotFound}};
   for (const auto& [name, error] : cases) {
     const std::string before = refused.seen;
     second->Connect(name, port);

@@ -57,7 +57,7 @@ class FakeLoop::FakeTimer : public Timer {
   ~FakeTimer() override { loop_.timers_.remove(this); }
 
   void Start(std::chrono::milliseconds interval) override {
-    interval_ = std::max<std::int64_t>(1, interval.count());
+    interval_ = std::clamp(interval, std::chrono::milliseconds(1), kLongest).count();
     deadline_ = loop_.monotonic_ + interval_;
     enabled_ = true;
   }

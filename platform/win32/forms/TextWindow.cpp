@@ -1,3 +1,4 @@
+#include "platform/win32/HiddenWindow.h"
 #include "platform/win32/forms/ControlKinds.h"
 #include "platform/win32/forms/TextDrop.h"
 
@@ -19,8 +20,13 @@ LRESULT CALLBACK ReadOnlyTextProcedure(HWND window, UINT message, WPARAM wParam,
 // Discards the keys that the box does not take.
 LRESULT CALLBACK KeyProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
                               DWORD_PTR box) {
-  if (message == WM_CHAR &&
-      !reinterpret_cast<const forms::TextBox*>(box)->takesKey(static_cast<char32_t>(wParam))) {
+  try {
+    const auto character = static_cast<char32_t>(wParam);
+    if (message == WM_CHAR && !reinterpret_cast<const forms::TextBox*>(box)->takesKey(character)) {
+      return 0;
+    }
+  } catch (...) {
+    ReportException("key");
     return 0;
   }
   if (message == WM_NCDESTROY) RemoveWindowSubclass(window, KeyProcedure, id);

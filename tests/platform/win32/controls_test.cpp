@@ -5,6 +5,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <stdexcept>
 #include <tuple>
 
 #include "platform/win32/Win32Clipboard.h"
@@ -34,7 +35,10 @@ struct Panel : forms::Form {
     picture.AddText("right", {60, 300, 3480, 300}, 0x008000, PictureBox::Align::Right);
     progress.AddText("48%", {0, 0, 1680, 660}, 0x000000, PictureBox::Align::Centre);
     progress.AddInvertingBar({0, 0, 810, 660}, 0x000080);
-    digits.takesKey = [](char32_t key) { return (key >= '0' && key <= '9') || key == 8; };
+    digits.takesKey = [](char32_t key) {
+      if (key == 'x') throw std::runtime_error("from a key");
+      return (key >= '0' && key <= '9') || key == 8;
+    };
     defaultButton = &save;
   }
   forms::TabStrip tabs{*this, nullptr, {120, 120, 5760, 3360}};
@@ -138,7 +142,7 @@ TEST_F(Win32Controls, ShowWhatTheFormHoldsAndTellWhatAPersonDoes) {
   panel_.tabs.Select(0);
   EXPECT_EQ(TabCtrl_GetCurSel(tabs), 0);
   const HWND digits = GetNextDlgTabItem(host_.MainWindow(), Child(WC_BUTTONW, L"&One"), TRUE);
-  for (const WPARAM key : {'7', 'x', '8', '9', '\b'}) SendMessageW(digits, WM_CHAR, key, 1);
+  for (const WPARAM key : {'7', 'x', '8', '9', ':', '\b'}) SendMessageW(digits, WM_CHAR, key, 1);
   EXPECT_EQ(panel_.digits.Text(), "78");
   const HWND secret = GetNextDlgTabItem(host_.MainWindow(), digits, TRUE);
   EXPECT_EQ(WindowText(secret), "secret");
