@@ -122,6 +122,14 @@ TEST_F(Win32Controls, ShowWhatTheFormHoldsAndTellWhatAPersonDoes) {
   EXPECT_EQ(panel_.list.SelectedIndex(), 1);
   panel_.list.Add("last");
   EXPECT_EQ(SendMessageW(list, LB_GETCOUNT, 0, 0), 4);
+  panel_.list.followsEnd = true;
+  for (const bool scrolledBack : {false, true}) {
+    if (scrolledBack) SendMessageW(list, LB_SETTOPINDEX, 2, 0);
+    for (int i = 0; i < 20; ++i) panel_.list.Add("more");
+    if (scrolledBack) panel_.list.SetItems({panel_.list.Items()});
+    const LRESULT top = SendMessageW(list, LB_GETTOPINDEX, 0, 0);
+    EXPECT_TRUE(scrolledBack ? top == 2 : top > 10) << top;
+  }
 
   const std::tuple<const wchar_t*, int, COLORREF> pixels[] = {
       {L"37% left right", 5, RGB(0x33, 0x99, 0xFF)},
