@@ -50,10 +50,10 @@ struct Panel : forms::Form {
   forms::OptionButton option{*this, &frame, "&One", {180, 300, 1200, 270}};
   forms::OptionButton other{*this, &frame, "&Other", {180, 720, 1200, 270}};
   forms::Button inside{*this, &frame, "&Inside", {3900, 720, 1290, 375}};
-  forms::ListBox list{*this, &second, {180, 180, 5400, 1500}};
-  forms::PictureBox picture{*this, &second, {180, 1860, 3600, 660}};
-  forms::PictureBox progress{*this, &second, {3900, 1860, 1680, 660}};
-  forms::TreeView tree{*this, &second, {180, 2600, 2400, 660}};
+  forms::ListBox list{*this, &second, {180, 180, 5400, 1080}};
+  forms::PictureBox picture{*this, &second, {180, 1380, 3600, 660}};
+  forms::PictureBox progress{*this, &second, {3900, 1380, 1680, 660}};
+  forms::TreeView tree{*this, &second, {180, 2160, 2400, 660}};
   forms::TextBox log{*this, &second, {.multiLine = true, .readOnly = true}, {}};
   forms::UpDown arrows{*this, &second, box, 1, 31, {}};
   forms::ComboBox combo{*this, &second, {}, {}};
