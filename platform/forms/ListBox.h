@@ -22,6 +22,9 @@ class ListBox : public Control {
   int SelectedIndex() const { return selected_; }  // position in Items(), from 0, or kNone
   void Select(int index);                          // out of range: kNone
 
+  // A log: what is added comes into sight, unless a person has scrolled back to read.
+  bool followsEnd = false;
+
   // Raised by Choose, not by Select.
   std::function<void()> onChange;
 

@@ -24,6 +24,7 @@ class frmFtpserver : public forms::Form {
   forms::ListBox lstServerLog;
   forms::Label lblConnectedClients;
   forms::ListBox lstConnectedClients;
+  forms::Button cmdClose;
 };
 
 }  // namespace orvanto

@@ -128,6 +128,12 @@ TEST_F(DesktopTest, TheWindowsTellOfTheClientAndTalkWithHim) {
   EXPECT_TRUE(WaitFor([&] { return !IsWindow(chat); }));
   EXPECT_TRUE(program.MainIsInFront());
 
+  PressWith(VK_MENU, 'I');
+  PressKeys({VK_UP, VK_RETURN});
+  EXPECT_NE(InFront(L"Brisk FTP Server ver .1a"), nullptr);
+  PressKeys({VK_ESCAPE});
+  EXPECT_TRUE(program.MainIsInFront());
+
   // The selection stays in sight when the server's area takes its place.
   const HWND tree = program.TreeWindow();
   program.Press(L"O&ff");

@@ -1,5 +1,11 @@
-"""telnet and plink with orvanto.exe under Wine: the conversations of the console program's tests."""
+"""Clients of the machine with orvanto.exe under Wine: telnet and plink in the conversations of the
+console program's tests, and Python's and curl's FTP."""
+import ftplib
+import io
+import pathlib
+import random
 import shutil
+import socket
 import subprocess
 
 import test_remote
@@ -11,6 +17,15 @@ KEY = "HKCU\\Software\\Quellmark\\Orvanto"
 def reg(*words):
     return subprocess.run(["wine", "reg", *words], capture_output=True, text=True, timeout=60,
                           check=False).stdout
+
+
+class ActiveFtp(ftplib.FTP):
+    passiveserver = False
+
+    def makeport(self):  # no higher than the server can use
+        listener = socket.create_server(("127.0.0.1", random.randrange(20000, 30000)))
+        self.sendport(*listener.getsockname())
+        return listener
 
 
 class RealClients(test_remote.Remote):
@@ -38,3 +53,29 @@ class RealClients(test_remote.Remote):
                                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.running.append(process)
         return process
+
+    def test_ftp(self):
+        try:
+            socket.create_server(("", 22)).close()
+        except OSError as error:
+            self.skipTest(f"port 22, which is the server's, cannot be had: {error}")
+        home, self.port = self.serve(), 22
+        self.start(home)
+        self.wait_until_listening()
+        curl = ["curl", "-sSm", "30", "--disable-eprt", "--ignore-content-length", "-P",
+                "127.0.0.1:20000-30000", "ftp://127.0.0.1:22/"]
+        with ActiveFtp() as ftp:
+            ftp.connect("127.0.0.1", 22, test_remote.PATIENCE)
+            ftp.login("anna")
+            script = bytes(range(256)) * 1000
+            ftp.storbinary("STOR a.scp", io.BytesIO(script))
+            self.assertEqual(subprocess.check_output([*curl[:-1], curl[-1] + "a.scp"]), script)
+            subprocess.check_call([*curl, "-T", PROGRAM])
+            fetched, listing = [], []
+            ftp.retrbinary("RETR orvanto.exe", fetched.append)
+            self.assertEqual(b"".join(fetched), pathlib.Path(PROGRAM).read_bytes())
+            ftp.retrlines("LIST", listing.append)
+            self.assertEqual(subprocess.check_output(curl, text=True).splitlines(), listing)
+            ftp.delete("a.scp")
+            subprocess.check_call([*curl, "-Q", "DELE orvanto.exe"], stdout=subprocess.DEVNULL)
+        self.assertEqual((len(listing), list((home / "scripts").iterdir())), (2, []))

@@ -16,7 +16,11 @@ class ListBoxWindow : public ControlWindow {
 
   void Mirror(Property property) override {
     if (property == Property::Items) Fill();
-    if (property == Property::LastItem) Add(list_.Items().back());
+    if (property == Property::LastItem) {
+      const bool follows = Follows();
+      Add(list_.Items().back());
+      if (follows) ShowEnd();
+    }
     if (property == Property::Selection) MirrorSelection();
   }
 
@@ -31,11 +35,15 @@ class ListBoxWindow : public ControlWindow {
       WS_TABSTOP | WS_VSCROLL | WS_HSCROLL | LBS_NOTIFY | LBS_HASSTRINGS | LBS_NOINTEGRALHEIGHT;
 
   void Fill() {
+    const bool follows = Follows();
+    const LRESULT top = SendMessageW(window_, LB_GETTOPINDEX, 0, 0);
     SendMessageW(window_, WM_SETREDRAW, FALSE, 0);
     SendMessageW(window_, LB_RESETCONTENT, 0, 0);
     widest_ = 0;
     for (const std::string& item : list_.Items()) Add(item);
+    SendMessageW(window_, LB_SETTOPINDEX, static_cast<WPARAM>(top), 0);
     MirrorSelection();
+    if (follows) ShowEnd();
     SendMessageW(window_, WM_SETREDRAW, TRUE, 0);
     InvalidateRect(window_, nullptr, TRUE);
   }
@@ -54,6 +62,23 @@ class ListBoxWindow : public ControlWindow {
     const int margin = GetSystemMetrics(SM_CXEDGE) * 4;
     widest_ = std::max(widest_, static_cast<int>(size.cx) + margin);
     SendMessageW(window_, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest_), 0);
+  }
+
+  WPARAM Last() const { return static_cast<WPARAM>(SendMessageW(window_, LB_GETCOUNT, 0, 0) - 1); }
+
+  // The end is in sight.
+  bool Follows() const {
+    RECT inside = {};
+    RECT last = {};
+    GetClientRect(window_, &inside);
+    SendMessageW(window_, LB_GETITEMRECT, Last(), reinterpret_cast<LPARAM>(&last));
+    return list_.followsEnd && last.top < inside.bottom;
+  }
+
+  // The arrow keys begin there too, unless a person has selected a line.
+  void ShowEnd() const {
+    SendMessageW(window_, LB_SETTOPINDEX, Last(), 0);
+    SendMessageW(window_, LB_SETCARETINDEX, Last(), FALSE);
   }
 
   void MirrorSelection() const {

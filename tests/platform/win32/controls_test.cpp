@@ -54,10 +54,10 @@ struct Panel : forms::Form {
   forms::OptionButton option{*this, &frame, "&One", {180, 300, 1200, 270}};
   forms::OptionButton other{*this, &frame, "&Other", {180, 720, 1200, 270}};
   forms::Button inside{*this, &frame, "&Inside", {3900, 720, 1290, 375}};
-  forms::ListBox list{*this, &second, {180, 180, 5400, 1500}};
-  forms::PictureBox picture{*this, &second, {180, 1860, 3600, 660}};
-  forms::PictureBox progress{*this, &second, {3900, 1860, 1680, 660}};
-  forms::TreeView tree{*this, &second, {180, 2600, 2400, 660}};
+  forms::ListBox list{*this, &second, {180, 180, 5400, 1080}};
+  forms::PictureBox picture{*this, &second, {180, 1380, 3600, 660}};
+  forms::PictureBox progress{*this, &second, {3900, 1380, 1680, 660}};
+  forms::TreeView tree{*this, &second, {180, 2160, 2400, 660}};
   forms::TextBox log{*this, &second, {.multiLine = true, .readOnly = true}, {}};
   forms::UpDown arrows{*this, &second, box, 1, 31, {}};
   forms::ComboBox combo{*this, &second, {}, {}};
@@ -126,6 +126,14 @@ TEST_F(Win32Controls, ShowWhatTheFormHoldsAndTellWhatAPersonDoes) {
   EXPECT_EQ(panel_.list.SelectedIndex(), 1);
   panel_.list.Add("last");
   EXPECT_EQ(SendMessageW(list, LB_GETCOUNT, 0, 0), 4);
+  panel_.list.followsEnd = true;
+  for (const bool scrolledBack : {false, true}) {
+    if (scrolledBack) SendMessageW(list, LB_SETTOPINDEX, 2, 0);
+    for (int i = 0; i < 20; ++i) panel_.list.Add("more");
+    if (scrolledBack) panel_.list.SetItems({panel_.list.Items()});
+    const LRESULT top = SendMessageW(list, LB_GETTOPINDEX, 0, 0);
+    EXPECT_TRUE(scrolledBack ? top == 2 : top > 10) << top;
+  }
 
   const std::tuple<const wchar_t*, int, COLORREF> pixels[] = {
       {L"37% left right", 5, RGB(0x33, 0x99, 0xFF)},
