@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "platform/posix/PosixSocket.h"
+#include "tests/platform/contracts.h"
 
 namespace orvanto::posix {
 namespace {
@@ -158,6 +159,7 @@ TEST(PosixSocket, ANameThatIsNeverAnsweredHoldsNothingUp) {
   const auto stuck = host.NewSocket(SocketHost::Use::Conversation);
   const auto gone = host.NewSocket(SocketHost::Use::Conversation);
   const auto client = host.NewSocket(SocketHost::Use::Conversation);
+  const std::size_t before = OpenHandles();
   for (const auto& socket : {stuck.get(), gone.get()}) {
     socket->onError = [](int) { ADD_FAILURE(); };
     socket->Connect("silent", 7);
@@ -173,6 +175,8 @@ TEST(PosixSocket, ANameThatIsNeverAnsweredHoldsNothingUp) {
   EXPECT_EQ(stuck->GetState(), TcpSocket::State::Connecting);
   end.set_value();
   loop.DoEvents();
+  for (TcpSocket* const socket : {stuck.get(), client.get()}) socket->Close();
+  while (OpenHandles() > before) std::this_thread::yield();  // the threads end by themselves
 }
 
 TEST(PosixSocket, AListenerWithoutDescriptorsTriesAgain) {
