@@ -20,7 +20,7 @@ def reg(*words):
 
 
 class ActiveFtp(ftplib.FTP):
-    passiveserver = False
+    port, passiveserver = 22, False
 
     def makeport(self):  # no higher than the server can use
         listener = socket.create_server(("127.0.0.1", random.randrange(20000, 30000)))
@@ -64,16 +64,13 @@ class RealClients(test_remote.Remote):
         self.wait_until_listening()
         curl = ["curl", "-sSm", "30", "--disable-eprt", "--ignore-content-length", "-P",
                 "127.0.0.1:20000-30000", "ftp://127.0.0.1:22/"]
-        with ActiveFtp() as ftp:
-            ftp.connect("127.0.0.1", 22, test_remote.PATIENCE)
-            ftp.login("anna")
-            script = bytes(range(256)) * 1000
-            ftp.storbinary("STOR a.scp", io.BytesIO(script))
-            self.assertEqual(subprocess.check_output([*curl[:-1], curl[-1] + "a.scp"]), script)
+        fetched, listing = io.BytesIO(), []
+        with ActiveFtp("127.0.0.1", "anna", timeout=test_remote.PATIENCE) as ftp:
             subprocess.check_call([*curl, "-T", PROGRAM])
-            fetched, listing = [], []
-            ftp.retrbinary("RETR orvanto.exe", fetched.append)
-            self.assertEqual(b"".join(fetched), pathlib.Path(PROGRAM).read_bytes())
+            ftp.retrbinary("RETR orvanto.exe", fetched.write)
+            ftp.storbinary("STOR a.scp", io.BytesIO(fetched.getvalue()))
+            came_back = subprocess.check_output([*curl[:-1], curl[-1] + "a.scp"])
+            self.assertEqual(came_back, pathlib.Path(PROGRAM).read_bytes())
             ftp.retrlines("LIST", listing.append)
             self.assertEqual(subprocess.check_output(curl, text=True).splitlines(), listing)
             ftp.delete("a.scp")
