@@ -75,8 +75,8 @@ void FullTick(benchmark::State& state) {
     Settings settings(registry);
     NoFinder finder;
     NoWay nothing;
-    const ProgramFolder folder;
-    TaskStore store(settings, clock, finder, folder);
+    const ProgramFolder programFolder;
+    TaskStore store(settings, clock, finder, programFolder);
     Sched sched(store, clock);
     TaskExecution execution(store, nothing, nothing, nothing, nothing, nullptr);
     Scheduler scheduler(loop, clock, store, sched, execution);
