@@ -62,7 +62,7 @@ void DataTransfer::OnConnected() {
     return SendNext();
   }
   const auto access = task_ == Task::Send ? Files::Access::Read : Files::Access::Write;
-  file_ = services_.files.Open(path_, access).file;
+  file_ = OpenFile(services_.files, path_, access);
   if (!file_) return End(kCannotOpen);
   if (task_ == Task::Receive) return;
   record_.transferPath = path_;

@@ -4,7 +4,6 @@
 #include <array>
 
 #include "core/Convert.h"
-#include "platform/Files.h"
 #include "platform/text/Lines.h"
 
 namespace orvanto {
@@ -29,6 +28,10 @@ bool IsFolder(Files::EntryKind kind) {
 
 bool IsFile(const Files& files, const std::string& path) {
   return CanBeNamed(path) && files.Exists(path);
+}
+
+std::unique_ptr<File> OpenFile(Files& files, const std::string& path, Files::Access access) {
+  return CanBeNamed(path) ? files.Open(path, access).file : nullptr;
 }
 
 bool DeleteOneFile(Files& files, const std::string& path) {

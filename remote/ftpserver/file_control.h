@@ -1,16 +1,18 @@
 // What the FTP server does with files: plain functions on the paths that a policy has made.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "platform/Clock.h"
+#include "platform/Files.h"
 
 namespace orvanto {
 
-class Files;
-
 // No folder, and no name that a system would cut short.
 bool IsFile(const Files& files, const std::string& path);
+// Null when it cannot be opened, or has such a name.
+std::unique_ptr<File> OpenFile(Files& files, const std::string& path, Files::Access access);
 
 // False when there is no such file, or it cannot be deleted.
 bool DeleteOneFile(Files& files, const std::string& path);

@@ -205,13 +205,13 @@ TEST_F(FtpServerTest, TransfersThatFailSaySoAndLeaveNothingOpen) {
   const std::string aborted = "426 Connection closed; transfer aborted.\n";
   const std::string cannot = "425 Can't open data connection.\n";
   const struct {
-    const char* command;
+    std::string command;
     std::function<void()> fault;  // before there is a connection
     std::function<void()> then;
     std::string reply;
   } cases[] = {
       {"RETR f", [&] { files.locked = {kScripts + "f"}; }, [] {}, denied},
-      {"STOR f", [&] { files.locked = {kScripts + "f"}; }, [] {}, denied},
+      {{"STOR f\0x", 8}, [] {}, [] {}, denied},
       {"RETR f", [&] { files.readsLeft = 1; }, [&] { loop.DoEvents(); },
        "451 Requested action aborted: local error in processing.\n"},
       {"RETR f", [] {}, [&] { files.contents[kScripts + "f"] = "cut", loop.DoEvents(); },
