@@ -99,10 +99,11 @@ posix::Descriptor LockHome(const std::string& home) {
   return {};
 }
 
-// What is written to a terminal or a pipe that has gone must not end the program, nor must a file
-// that it opens be taken for one of the standard streams.
+// What is written to a terminal or a pipe that has gone, or beyond a limit on file sizes, must not
+// end the program, nor must a file that it opens be taken for one of the standard streams.
 void SecureStandardStreams() {
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; ++fd) {
     // The lowest free number is taken, so these become the missing ones in turn.
     if (::fcntl(fd, F_GETFD) < 0 && errno == EBADF && ::open("/dev/null", O_RDWR) < 0) std::abort();

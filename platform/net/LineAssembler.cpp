@@ -70,7 +70,7 @@ LineAssembler::Piece LineAssembler::PartOfCommand(std::string_view rest) {
   }
   std::string text(rest.substr(0, end));
   taken_ += text.size();
-  halfEnd_ = end == rest.npos && text.ends_with('\r');
+  halfEnd_ = end == std::string_view::npos && text.ends_with('\r');
   if (halfEnd_) text.pop_back();
   return Typed(std::move(text));
 }

@@ -52,13 +52,14 @@ NameLookUp::NameLookUp(PosixLoop& loop, const AddressesOf& ask, const std::strin
     question->addresses = std::move(found);
     ::eventfd_write(question->answered.Get(), 1);
   }).detach();
-  watch_ = loop.WatchFd(question_->answered.Get(), POLLIN, [this, answer](short) {
-    watch_->SetEvents(0);
-    std::unique_lock lock(question_->mutex);
-    const std::vector<Ipv4> addresses = std::move(question_->addresses);
-    lock.unlock();
-    answer(addresses);  // this may be destroyed in it
-  });
+  watch_ =
+      loop.WatchFd(question_->answered.Get(), POLLIN, [this, answer = std::move(answer)](short) {
+        watch_->SetEvents(0);
+        std::unique_lock lock(question_->mutex);
+        const std::vector<Ipv4> addresses = std::move(question_->addresses);
+        lock.unlock();
+        answer(addresses);  // this may be destroyed in it
+      });
 }
 
 }  // namespace orvanto::posix

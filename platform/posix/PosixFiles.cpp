@@ -46,7 +46,7 @@ void Walk(const std::string& folder, Each&& each) {
   if (!directory) return;
   while (const dirent* entry = ::readdir(directory.get())) {
     const std::string_view name = entry->d_name;
-    if (name == "." || name == ".." || name.find('\\') != name.npos) continue;
+    if (name == "." || name == ".." || name.find('\\') != std::string_view::npos) continue;
     if (!each(::dirfd(directory.get()), *entry)) return;
   }
 }

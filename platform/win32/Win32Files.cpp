@@ -98,7 +98,7 @@ class Win32File : public File {
       DWORD count = 0;
       if (!MoveTo(offset + read.count) ||
           !ReadFile(file_.Get(), bytes + read.count, Piece(size - read.count), &count, nullptr)) {
-        read.error = Number(GetLastError());
+        read.error = Failed();
         break;
       }
       if (count == 0) break;
@@ -113,7 +113,7 @@ class Win32File : public File {
       DWORD count = 0;
       if (!MoveTo(offset) ||
           !WriteFile(file_.Get(), bytes.data(), Piece(bytes.size()), &count, nullptr)) {
-        return Number(GetLastError());
+        return Failed();
       }
       if (count == 0) return kDiskFullError;
       bytes.remove_prefix(count);
@@ -144,6 +144,12 @@ class Win32File : public File {
     return true;
   }
 
+  ErrorNumber Failed() {
+    position_ = kUnknown;
+    return Number(GetLastError());
+  }
+
+  static constexpr std::uint64_t kUnknown = ~std::uint64_t{0};
   const FileHandle file_;
   std::uint64_t position_ = 0;
 };

@@ -142,7 +142,6 @@ bool FtpClient::RunWaiting() {
 }
 
 bool FtpClient::TakePiece() {
-  if (waiting_.size() >= kMostWaiting) return false;
   if (const auto piece = lines_.Next()) {
     if (piece->complete) OnLine(piece->text, Order::Fresh);
     return true;
@@ -165,7 +164,9 @@ void FtpClient::OnLine(const std::string& line, Order order) {
     // Behind others that wait it waits as well, so that a PORT comes before its RETR.
     const bool waits = order == Order::Fresh && (transfer_->Running() || !waiting_.empty()) &&
                        command.disturbs != nullptr && (this->*command.disturbs)(argument);
-    return waits ? waiting_.push_back(line) : (this->*command.run)(argument);
+    if (!waits) return (this->*command.run)(argument);
+    if (waiting_.size() == kMostWaiting) return SayGoodbye("421 Too many commands are waiting.");
+    return waiting_.push_back(line);
   }
   if (const std::string reply = policy_->ReplyToUnknown(); !reply.empty()) Reply(reply);
 }
@@ -256,11 +257,14 @@ void FtpClient::Rmd(Argument name) {
 void FtpClient::Mkd(Argument name) { Reply("550 Failed to create " + name); }
 
 void FtpClient::Quit(Argument) {
-  Reply("200 Command ok.");
-  transfer_->Cancel();
+  SayGoodbye("200 Command ok.");
+  services_.announceServer();
+}
+
+void FtpClient::SayGoodbye(const std::string& reply) {
+  Reply(reply);
   commandSock_->CloseGently();
   EndRecord();
-  services_.announceServer();
 }
 
 }  // namespace orvanto

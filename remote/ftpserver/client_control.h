@@ -67,8 +67,9 @@ class FtpClient {
  private:
   // An endless line is cut here.
   static constexpr std::size_t kLongestLine = 4 << 10;
-  // Commands that wait for the end of a transfer; what comes after those waits in the socket.
-  static constexpr std::size_t kMostWaiting = 64;
+  // Commands that wait for the end of a transfer. Who sends more has to go: whoever stops reading
+  // would not see him go either.
+  static constexpr std::size_t kMostWaiting = 256;
 
   using Argument = const std::string&;
   struct Command {
@@ -105,6 +106,7 @@ class FtpClient {
   void Rmd(Argument name);
   void Mkd(Argument name);
   void Quit(Argument);
+  void SayGoodbye(const std::string& reply);
 
   const Services services_;
   const std::unique_ptr<TcpSocket> commandSock_;

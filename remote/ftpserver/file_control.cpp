@@ -9,7 +9,7 @@
 namespace orvanto {
 namespace {
 
-bool CanBeNamed(const std::string& path) { return path.find('\0') == path.npos; }
+bool CanBeNamed(const std::string& path) { return path.find('\0') == std::string::npos; }
 
 // " Nov 05 14:07 "
 std::string TimeInListing(const DateTime& time) {
@@ -46,7 +46,7 @@ std::string ListingOf(Files& files, const std::string& folder) {
   std::string folders;
   std::string others;
   files.ListDetails(folder, [&](const Files::Entry& entry) {
-    if (entry.name.find_first_of(kCrLf) != entry.name.npos) return true;
+    if (entry.name.find_first_of(kCrLf) != std::string::npos) return true;
     const bool isFolder = IsFolder(entry.kind);
     std::string& lines = isFolder ? folders : others;
     lines += isFolder ? "drwx------ 1 user group 0 "

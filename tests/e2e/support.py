@@ -32,12 +32,13 @@ class HomeTest(unittest.TestCase):
         self.last_error = done.stderr
         return done.stdout
 
-    def start(self, home, first="runs the tasks in"):
-        """Starts a scheduler and returns once it has said what its first line holds."""
-        process = subprocess.Popen([PROGRAM, "--home", home], stdin=subprocess.DEVNULL,
-                                   stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+    def start(self, home, first="runs the tasks in", ftp_port="0"):
+        """Starts a scheduler and returns once it has said what `first` holds."""
+        process = subprocess.Popen([PROGRAM, "--home", home, "--ftp-port", ftp_port],
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                   stderr=subprocess.STDOUT, text=True)
         self.running.append(process)
-        self.assertIn(first, process.stdout.readline())
+        self.assertTrue(any(first in line for line in process.stdout), first)
         return process
 
     def stop(self, process):

@@ -22,7 +22,7 @@ class Ftp(HomeTest):
         home = self.home()
         for name, value in (("Inet_ServerOn", "1"), ("Inet_ServerPort", "6000")):
             self.orvanto(home, "set", "General", name, value)
-        process = self.start(home, "FTP: ")
+        process = self.start(home, ftp_port="22")
         self.scripts = home / "scripts"
         return process
 
