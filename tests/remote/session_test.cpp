@@ -232,7 +232,8 @@ TEST_F(SessionTest, ChatStartedHere) {
   server.StartChat();
   EXPECT_TRUE(Log().ends_with("Server Started Chat"));
   EXPECT_EQ(socket.Sent(), "\r\n\r\nServer Started Chat...\r\n\r\nPress '/' to Quit...\r\n\r\n");
-  EXPECT_EQ(Send("h") + Send("i") + Line(""), "\r\nClient: hi\r\n");
+  EXPECT_EQ(Send("h"), "\r\nClient: h");
+  EXPECT_EQ(Line("i"), "\r\n");
   ASSERT_TRUE(chat.txtSend.Type("hello"));
   for (int i = 0; i < 2; ++i) ASSERT_TRUE(chat.txtSend.PressEnter());
   EXPECT_EQ(socket.Sent(), "\r\nServer: hello\r\n\r\nServer: \r\n");
@@ -275,7 +276,8 @@ TEST_F(SessionTest, ChatAskedForByTheClient) {
     Connect();
     EXPECT_EQ(Line("6"), starting + "and then Enter to Quit...\r\n\r\n");
     EXPECT_TRUE(Log().ends_with("Client Started Chat"));
-    EXPECT_EQ(Send("x") + Line(""), "\r\nClient: x\r\n");
+    EXPECT_EQ(Send("x"), "\r\nClient: x");
+    EXPECT_EQ(Line(""), "\r\n");
     on ? server.ServerOn() : server.ServerOff();
     EXPECT_EQ(area.Text(), on ? kIdle : kOff);
     EXPECT_FALSE(chat.Visible());
