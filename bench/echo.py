@@ -31,12 +31,14 @@ def main():
         orvanto = [programs / "orvanto", "--home", home]
         for name, value in (("Inet_ServerOn", "1"), ("Inet_ServerPort", str(ports["orvanto"]))):
             subprocess.run([*orvanto, "set", "General", name, value], check=True)
-        servers = [
-            subprocess.Popen(orvanto, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL),
-            subprocess.Popen([programs / "echo_bench", "server", str(ports["limit"])]),
-            subprocess.Popen(["socat", f"TCP-LISTEN:{ports['socat']},bind=127.0.0.1,reuseaddr,fork,"
-                              "nodelay", "PIPE"])]
+        servers = []
         try:
+            for command in ([*orvanto, "--ftp-port", "0"],
+                            [programs / "echo_bench", "server", str(ports["limit"])],
+                            ["socat", f"TCP-LISTEN:{ports['socat']},bind=127.0.0.1,reuseaddr,fork,"
+                             "nodelay", "PIPE"]):
+                servers.append(subprocess.Popen(command, stdin=subprocess.DEVNULL,
+                                                stdout=subprocess.DEVNULL))
             time.sleep(1)
             rates = {who: [] for who in ports}
             for _ in range(ROUNDS):
