@@ -285,7 +285,8 @@ TEST_F(TerminalTest, AsksUntilItUnderstands) {
       {Buttons::OkCancel, {kEnd}, Answer::Cancel, kOkCancel + '\n'},
       {Buttons::YesNo, "Y\n", Answer::Yes, kYesNo},
       {Buttons::YesNo, "\nno\n", Answer::No, kYesNo + kYesNo},
-      {Buttons::YesNo, {kEnd}, Answer::No, kYesNo + '\n'}};
+      {Buttons::YesNo, {kEnd}, Answer::No, kYesNo + '\n'},
+      {Buttons::RetryCancel, "R\n", Answer::Retry, "[r]etry/[c]ancel: "}};
   for (const auto& [buttons, typed, answer, asked] : cases) {
     SCOPED_TRACE(typed);
     ASSERT_TRUE(WriteAll(user_, typed.data(), typed.size()));
@@ -317,7 +318,8 @@ TEST_F(TerminalTest, WhereNobodyCanAnswerTheSafeAnswerIsTaken) {
   for (const auto& [buttons, answer] : {std::pair(Buttons::Ok, Answer::Ok),
                                         {Buttons::OkCancel, Answer::Cancel},
                                         {Buttons::YesNo, Answer::No},
-                                        {Buttons::NoUnlessYes, Answer::No}}) {
+                                        {Buttons::NoUnlessYes, Answer::No},
+                                        {Buttons::RetryCancel, Answer::Cancel}}) {
     EXPECT_EQ(Show(buttons, nobody.Get()), answer);
     EXPECT_EQ(Shown(kTold), kTold);
   }

@@ -57,7 +57,9 @@ TEST(Win32MessageBoxes, HoldsTimersAndPosts) {
       {Buttons::OkCancel, IDOK, Answer::Ok},
       {Buttons::OkCancel, IDCANCEL, Answer::Cancel},
       {Buttons::YesNo, IDYES, Answer::Yes},
-      {Buttons::NoUnlessYes, IDNO, Answer::No}};
+      {Buttons::NoUnlessYes, IDNO, Answer::No},
+      {Buttons::RetryCancel, IDRETRY, Answer::Retry},
+      {Buttons::RetryCancel, IDCANCEL, Answer::Cancel}};
   for (const auto& [buttons, id, answer] : cases) {
     int ticks = 0;
     int posts = 0;
