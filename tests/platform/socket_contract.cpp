@@ -207,7 +207,6 @@ TEST_P(SocketContract, ACloseOnBothSidesLosesNothingThatWasSent) {
   server->onSendComplete = [&] { atServer.seen += 'S'; };
   client->Send("last words");
   server->Send(std::string(TcpSocket::kMostUnsent, 'x'));
-  EXPECT_GT(server->Unsent(), 0U);
   client->CloseGently();
   EXPECT_EQ(client->GetState(), State::Closing);
   ASSERT_TRUE(Until([&] { return atServer.Ended(); }));
