@@ -1,5 +1,8 @@
 #include "platform/net/BufferedSocket.h"
 
+#include <optional>
+
+#include "platform/net/Octets.h"
 #include "platform/net/SocketError.h"
 
 namespace orvanto {
@@ -8,6 +11,14 @@ namespace {
 constexpr int kCompletedAtOnce = 16;
 // Of memory for what waits to be sent: more is given back when it has gone out.
 constexpr std::size_t kMostIdle = 16 << 10;
+
+std::optional<Ipv4> NumericAddress(std::string_view text) {
+  const auto octets = ParseOctets<4>(text, '.');
+  if (!octets) return std::nullopt;
+  Ipv4 address = 0;
+  for (const std::uint8_t octet : *octets) address = address << 8 | octet;
+  return address;
+}
 
 }  // namespace
 
@@ -25,6 +36,7 @@ void BufferedSocket::Connect(const std::string& host, std::uint16_t port) {
   Close();
   state_ = State::Connecting;
   port_ = port;
+  if (const auto address = NumericAddress(host)) return Found({*address}, 0);
   // To some systems it is a name of this machine.
   host.empty() ? Found({}, kHostNotFound) : SystemLookUp(host);
 }
@@ -51,10 +63,11 @@ void BufferedSocket::TryNextAddress(int error) {
   later_->Post();
 }
 
-bool BufferedSocket::Refuse(int error) {
+bool BufferedSocket::Listen(std::uint16_t port, const std::string& address) {
   Close();
-  lastError_ = error;
-  return false;
+  const auto own = NumericAddress(address);
+  lastError_ = own ? SystemListen(*own, port) : kAddressNotAvailable;
+  return lastError_ == 0;
 }
 
 void BufferedSocket::Connected() {

@@ -42,6 +42,7 @@ class BufferedSocket : public TcpSocket {
   ~BufferedSocket() override;
   State GetState() const override { return state_; }
   int LastError() const override { return lastError_; }
+  bool Listen(std::uint16_t port, const std::string& address) override;
   void Connect(const std::string& host, std::uint16_t port) override;
   void Send(std::string_view bytes) override;
   std::size_t Unsent() const override { return unsent_.size() - sent_; }
@@ -60,7 +61,9 @@ class BufferedSocket : public TcpSocket {
 
   BufferedSocket(const SocketGround& ground, SocketHost::Use use);
 
-  // Calls Found, at once or from the loop and then not after SystemClose.
+  // Listens, or returns why not.
+  virtual int SystemListen(Ipv4 address, std::uint16_t port) = 0;
+  // Of a name. Calls Found, at once or from the loop and then not after SystemClose.
   virtual void SystemLookUp(const std::string& host) = 0;
   // Begins to connect. Connected or ConnectFailed follows unless it returns an error.
   virtual int SystemConnect(Ipv4 address, std::uint16_t port) = 0;
@@ -76,7 +79,6 @@ class BufferedSocket : public TcpSocket {
   bool IsForData() const { return use_ == SocketHost::Use::Data; }
 
   void SetState(State state) { state_ = state; }
-  bool Refuse(int error);  // Listen: false, with that error
 
   // No address: the name is not known, for the reason `error`.
   void Found(std::vector<Ipv4> addresses, int error);

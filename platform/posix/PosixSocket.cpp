@@ -68,12 +68,6 @@ sockaddr_in SystemAddress(Ipv4 address, std::uint16_t port) {
   return made;
 }
 
-std::optional<Ipv4> NumericAddress(const std::string& text) {
-  in_addr address{};
-  if (::inet_pton(AF_INET, text.c_str(), &address) != 1) return std::nullopt;
-  return ntohl(address.s_addr);
-}
-
 // Of the system's error.
 int Number(int error) {
   constexpr std::pair<int, SocketError> kNumbers[] = {
@@ -110,7 +104,6 @@ class PosixSocket : public BufferedSocket {
         requests_(requests) {}
   ~PosixSocket() override { Close(); }
 
-  bool Listen(std::uint16_t port, const std::string& address) override;
   std::uint16_t LocalPort() const override;
   std::string BoundAddress() const override;
   bool Accept(RequestId request) override;
@@ -118,6 +111,7 @@ class PosixSocket : public BufferedSocket {
   std::string LocalAddress() const override { return OwnAddress(); }
 
  protected:
+  int SystemListen(Ipv4 address, std::uint16_t port) override;
   void SystemLookUp(const std::string& host) override;
   int SystemConnect(Ipv4 address, std::uint16_t port) override;
 
@@ -185,20 +179,17 @@ void PosixSocket::OnReady(short ready) {
   if ((ready & POLLOUT) != 0 && generation == Generation()) SendMore();
 }
 
-bool PosixSocket::Listen(std::uint16_t port, const std::string& address) {
-  Close();
-  const std::optional<Ipv4> own = NumericAddress(address);
-  if (!own) return Refuse(kAddressNotAvailable);
+int PosixSocket::SystemListen(Ipv4 address, std::uint16_t port) {
   Descriptor fd(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-  if (!fd) return Refuse(Number(errno));
+  if (!fd) return Number(errno);
   SetOption(fd, SOL_SOCKET, SO_REUSEADDR, 1);
-  const sockaddr_in place = SystemAddress(*own, port);
+  const sockaddr_in place = SystemAddress(address, port);
   if (::bind(fd.Get(), reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0 ||
       ::listen(fd.Get(), SOMAXCONN) != 0) {
-    return Refuse(Number(errno));
+    return Number(errno);
   }
   Open(std::move(fd), State::Listening);
-  return true;
+  return 0;
 }
 
 void PosixSocket::AcceptWaiting() {
@@ -236,7 +227,6 @@ bool PosixSocket::Accept(RequestId request) {
 }
 
 void PosixSocket::SystemLookUp(const std::string& host) {
-  if (const auto address = NumericAddress(host)) return Found({*address}, 0);
   try {
     lookUp_ = std::make_unique<NameLookUp>(loop_, addressesOf_, host,
                                            [this](const std::vector<Ipv4>& found) {

@@ -77,12 +77,6 @@ sockaddr_in SystemAddress(Ipv4 address, std::uint16_t port) {
   return made;
 }
 
-std::optional<Ipv4> NumericAddress(const std::string& text) {
-  in_addr address{};
-  if (inet_pton(AF_INET, text.c_str(), &address) != 1) return std::nullopt;
-  return ntohl(address.s_addr);
-}
-
 // The first address of this machine that is not its own loop.
 std::string OwnAddress() {
   constexpr ULONG kFlags =
@@ -115,7 +109,6 @@ class Win32Socket : public BufferedSocket {
       : BufferedSocket({loop, arrivals}, use), loop_(loop), requests_(requests) {}
   ~Win32Socket() override { Close(); }
 
-  bool Listen(std::uint16_t port, const std::string& address) override;
   bool Accept(RequestId request) override;
 
   std::uint16_t LocalPort() const override {
@@ -133,6 +126,7 @@ class Win32Socket : public BufferedSocket {
   std::string LocalAddress() const override { return OwnAddress(); }
 
  protected:
+  int SystemListen(Ipv4 address, std::uint16_t port) override;
   void SystemLookUp(const std::string& host) override;
   int SystemConnect(Ipv4 address, std::uint16_t port) override;
 
@@ -224,21 +218,18 @@ void Win32Socket::OnMessage(WPARAM socket, LPARAM event) {
   }
 }
 
-bool Win32Socket::Listen(std::uint16_t port, const std::string& address) {
-  Close();
-  const std::optional<Ipv4> own = NumericAddress(address);
-  if (!own) return Refuse(WSAEADDRNOTAVAIL);
+int Win32Socket::SystemListen(Ipv4 address, std::uint16_t port) {
   SocketHandle handle = MakeSocket();
   // Without SO_EXCLUSIVEADDRUSE: with it the port is not free again before the last client that was
   // accepted on it has gone altogether. No other user can take a port that is bound.
-  const sockaddr_in place = SystemAddress(*own, port);
+  const sockaddr_in place = SystemAddress(address, port);
   if (handle &&
       bind(Number(handle), reinterpret_cast<const sockaddr*>(&place), sizeof place) == 0 &&
       listen(Number(handle), SOMAXCONN) == 0 &&
       Open(std::move(handle), State::Listening, FD_ACCEPT)) {
-    return true;
+    return 0;
   }
-  return Refuse(WSAGetLastError());
+  return WSAGetLastError();
 }
 
 // One for each message: accepting has the next one reported.
@@ -259,7 +250,6 @@ bool Win32Socket::Accept(RequestId request) {
 }
 
 void Win32Socket::SystemLookUp(const std::string& host) {
-  if (const auto address = NumericAddress(host)) return Found({*address}, 0);
   lookUp_ = std::make_unique<NameLookUp>(loop_, host, [this](const std::vector<Ipv4>& found) {
     lookUp_.reset();
     Found(found, WSAHOST_NOT_FOUND);

@@ -320,7 +320,7 @@ TEST_F(BufferedSocketTest, NothingOfAConnectionReachesTheNext) {
 }
 
 TEST_F(BufferedSocketTest, ConnectsToTheFirstAddressThatAnswers) {
-  host.names = {{"many", {1, 2, 3, 4}}, {"silent", {}}};
+  host.names = {{"many", {1, 2, 3, 4}}, {"silent", {}}, {"", {7}}};
   host.unreachable = {{2, 5}, {4, 6}};
   const auto tried = [&](std::initializer_list<Ipv4> addresses) {
     std::vector<std::pair<Ipv4, std::uint16_t>> wanted;
@@ -345,13 +345,27 @@ TEST_F(BufferedSocketTest, ConnectsToTheFirstAddressThatAnswers) {
     const char* name;
     bool closed;
     const char* seen;
-  } cases[] = {{"nobody", false, "E11001"}, {"nobody", true, ""}, {"silent", true, ""}};
+  } cases[] = {{"nobody", false, "E11001"},
+               {"", false, "E11001"},
+               {"nobody", true, ""},
+               {"silent", true, ""}};
   for (const auto& c : cases) {
     socket.Connect(c.name, kPort);
     EXPECT_EQ(socket.GetState(), State::Connecting);
     if (c.closed) socket.Close();
     EXPECT_EQ(Seen(), c.seen);
     EXPECT_EQ(socket.GetState(), c.closed ? State::Closed : State::Failed);
+  }
+}
+
+TEST_F(BufferedSocketTest, NeedsNoLookUpForANumericAddressAndListensOnNothingElse) {
+  socket.Connect("10.0.255.3", kPort);
+  EXPECT_EQ(socket.tried, (std::vector<std::pair<Ipv4, std::uint16_t>>{{0x0A00FF03, kPort}}));
+  EXPECT_TRUE(socket.Listen(kPort, "10.0.255.3"));
+  for (const char* text : {"", "name", "1.2.3", "1.2.3.", "1.2.3.4.5", "1.2.3.4 ", " 1.2.3.4",
+                           "1.2.3.256", "1.2.3.04", "1.2.3.-0", "1..2.3", "1,2,3,4"}) {
+    EXPECT_FALSE(socket.Listen(kPort, text)) << text;
+    EXPECT_EQ(socket.LastError(), kAddressNotAvailable);
   }
 }
 

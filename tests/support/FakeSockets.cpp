@@ -18,12 +18,11 @@ FakeSocketHost::Socket::~Socket() {
   host_.sockets.remove(this);
 }
 
-bool FakeSocketHost::Socket::Listen(std::uint16_t port, const std::string&) {
-  Close();
-  if (host_.taken.contains(port)) return Refuse(kAddressInUse);
+int FakeSocketHost::Socket::SystemListen(Ipv4, std::uint16_t port) {
+  if (host_.taken.contains(port)) return kAddressInUse;
   port_ = port;
   SetState(State::Listening);
-  return true;
+  return 0;
 }
 
 bool FakeSocketHost::Socket::Accept(RequestId) {

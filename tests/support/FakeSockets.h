@@ -31,7 +31,6 @@ class FakeSocketHost : public SocketHost {
     using BufferedSocket::ReceiveRest;
     using BufferedSocket::SendMore;
 
-    bool Listen(std::uint16_t port, const std::string& address) override;
     std::uint16_t LocalPort() const override { return port_; }
     std::string BoundAddress() const override { return "10.9.8.7"; }
     bool Accept(RequestId) override;
@@ -58,6 +57,7 @@ class FakeSocketHost : public SocketHost {
     std::vector<std::pair<Ipv4, std::uint16_t>> tried;  // to connect to
 
    protected:
+    int SystemListen(Ipv4 address, std::uint16_t port) override;
     void SystemLookUp(const std::string& host) override;
     int SystemConnect(Ipv4 address, std::uint16_t port) override;
     Moved SystemSend(const char* bytes, std::size_t size) override;
@@ -78,7 +78,7 @@ class FakeSocketHost : public SocketHost {
   std::set<std::uint16_t> taken;  // ports on which nobody can listen
   bool clientsGo = false;         // before they are accepted
   // Of names; without addresses there is no answer. Others are not known.
-  std::map<std::string, std::vector<Ipv4>> names{{"10.1.2.3", {0x0A010203}}};
+  std::map<std::string, std::vector<Ipv4>> names;
   std::map<Ipv4, int> unreachable;  // refused at once, with that error
 
  private:
