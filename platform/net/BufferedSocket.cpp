@@ -1,6 +1,7 @@
 #include "platform/net/BufferedSocket.h"
 
 #include <optional>
+#include <utility>
 
 #include "platform/net/Octets.h"
 #include "platform/net/SocketError.h"

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/net/BufferedSocket.h"
+#include "platform/net/ConnectionRequests.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/NameLookUp.h"
 #include "platform/posix/PosixLoop.h"

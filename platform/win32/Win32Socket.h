@@ -4,6 +4,7 @@
 #include <winsock2.h>  // before windows.h
 
 #include "platform/net/BufferedSocket.h"
+#include "platform/net/ConnectionRequests.h"
 #include "platform/win32/Handle.h"
 #include "platform/win32/Win32Loop.h"
 

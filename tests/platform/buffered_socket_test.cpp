@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/net/ConnectionRequests.h"
 #include "platform/net/SocketError.h"
 #include "tests/support/FakePlatform.h"
 
