@@ -46,14 +46,7 @@ class WorkQueue {
   }
 
   void Clear() {
-    for (std::list<Work> dropped; !works_.empty(); dropped.clear()) {
-      while (!works_.empty()) {
-        if (Item* const item = works_.front().item; item != nullptr)
-          item->Cancel();
-        else
-          dropped.splice(dropped.end(), works_, works_.begin());
-      }
-    }
+    while (!Empty()) RunFirst([](const auto&) {});
   }
 
  private:
