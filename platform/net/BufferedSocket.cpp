@@ -217,8 +217,9 @@ void BufferedSocket::FailSending(int error) {
 // What has not waited for the system to report it.
 void BufferedSocket::GoOnLater() {
   // A peer that lets the buffers fill may go on sending, so this does not wait for its end.
-  if (state_ == State::Connecting || (failing_ && lastError_ == kNoBufferSpace))
+  if (state_ == State::Connecting || (failing_ && lastError_ == kNoBufferSpace)) {
     return Fail(lastError_);
+  }
   Receive();
 }
 
