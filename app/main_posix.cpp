@@ -190,10 +190,8 @@ int RunScheduler(const std::string& home, const std::string& commandLine,
   PosixPlatform host(posix::FileRegistry::OnDamage::SetAside);
   Program program(host.platform, {commandLine, posix::FromNative(home), ftpPort});
   program.onTaskRun = [&](const TaskRecord& task) {
-    const DateTime now = host.clock.Now();
-    std::cout << TwoDigits(now.hour) << ":" << TwoDigits(now.minute) << ":" << TwoDigits(now.second)
-              << "  " << PrintableLine(task.name) << " (" << TaskTypeName(task.taskType) << ")"
-              << std::endl;
+    std::cout << TimeOfDay(host.clock.Now()) << "  " << PrintableLine(task.name) << " ("
+              << TaskTypeName(task.taskType) << ")" << std::endl;
   };
   TellOfScripts(program, host);
   program.onScriptFailure = [](const std::string& message) {

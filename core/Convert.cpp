@@ -69,4 +69,8 @@ std::string TwoDigits(std::string_view text) {
 
 std::string TwoDigits(int number) { return TwoDigits(std::to_string(number)); }
 
+std::string TimeOfDay(const DateTime& time) {
+  return TwoDigits(time.hour) + ":" + TwoDigits(time.minute) + ":" + TwoDigits(time.second);
+}
+
 }  // namespace orvanto

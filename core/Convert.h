@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/Clock.h"
 #include "platform/text/Error.h"
 
 namespace orvanto {
@@ -24,5 +25,8 @@ std::string_view TrimBlanks(std::string_view text);
 // At least two digits: "7" becomes "07", longer text stays.
 std::string TwoDigits(std::string_view text);
 std::string TwoDigits(int number);
+
+// "14:07:09".
+std::string TimeOfDay(const DateTime& time);
 
 }  // namespace orvanto

@@ -57,8 +57,4 @@ std::string ListingOf(Files& files, const std::string& folder) {
   return folders + others;
 }
 
-std::string TimeOfDay(const DateTime& time) {
-  return TwoDigits(time.hour) + ":" + TwoDigits(time.minute) + ":" + TwoDigits(time.second);
-}
-
 }  // namespace orvanto

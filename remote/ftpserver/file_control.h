@@ -4,7 +4,6 @@
 #include <memory>
 #include <string>
 
-#include "platform/Clock.h"
 #include "platform/Files.h"
 
 namespace orvanto {
@@ -21,8 +20,5 @@ bool RemoveOneFolder(Files& files, const std::string& path);
 // One line for each folder in it, then one for each file, in the system's order, as `ls -l` has
 // them but without a year. A name that would break its line is left out.
 std::string ListingOf(Files& files, const std::string& folder);
-
-// "14:07:09".
-std::string TimeOfDay(const DateTime& time);
 
 }  // namespace orvanto

@@ -2,9 +2,9 @@
 
 #include <vector>
 
+#include "core/Convert.h"
 #include "core/ProgramFolder.h"
 #include "platform/net/SocketError.h"
-#include "remote/ftpserver/file_control.h"
 #include "remote/ftpserver/frmFtpserver.h"
 
 namespace orvanto {
