@@ -178,7 +178,7 @@ void FtpClient::ReplyWhether(bool done, const std::string& reply, const std::str
 }
 
 bool FtpClient::IsOfTransfer(Argument name) const {
-  return EqualIgnoringCase(policy_->PathOf(record_, name), transfer_->Path());
+  return EqualIgnoringCase(policy_->PathOf(record_, name), record_.transferPath);
 }
 
 void FtpClient::User(Argument name) {

@@ -30,7 +30,7 @@ struct ClientRecord {
   std::string currentDirectory;  // as it is shown to the client
   std::string currentFolder;     // where file commands work
   std::int32_t dataPort = 0;     // 0 before PORT
-  std::string transferPath;      // of the file that is sent
+  std::string transferPath;      // of the file that is sent or received
   std::uint64_t transferLength = 0;
   std::uint64_t bytesSent = 0;
 };

@@ -33,7 +33,8 @@ DataTransfer::DataTransfer(const Services& services, ClientRecord& record)
 
 std::string DataTransfer::Describe() const {
   if (Running() && !connected_) return "  waits for its data connection";
-  const std::string name = path_.substr(path_.find_last_of("\\/") + 1);
+  const std::string& path = record_.transferPath;
+  const std::string name = path.substr(path.find_last_of("\\/") + 1);
   switch (task_) {
     case Task::List:
       return "  lists the folder";
@@ -50,7 +51,7 @@ std::string DataTransfer::Describe() const {
 void DataTransfer::Begin(Task task, const std::string& path) {
   dataSock_->Close();
   task_ = task;
-  path_ = path;
+  record_.transferPath = path;
   if (record_.dataPort == 0) return Fail("No PORT was given (0)");
   dataSock_->Connect(record_.address, static_cast<std::uint16_t>(record_.dataPort));
 }
@@ -62,10 +63,9 @@ void DataTransfer::OnConnected() {
     return SendNext();
   }
   const auto access = task_ == Task::Send ? Files::Access::Read : Files::Access::Write;
-  file_ = OpenFile(services_.files, path_, access);
+  file_ = OpenFile(services_.files, record_.transferPath, access);
   if (!file_) return End(kCannotOpen);
   if (task_ == Task::Receive) return;
-  record_.transferPath = path_;
   record_.transferLength = file_->Size();
   record_.bytesSent = 0;
   SendNext();
@@ -116,7 +116,6 @@ void DataTransfer::Cancel() {
 void DataTransfer::Forget() {
   task_ = Task::None;
   connected_ = false;
-  path_.clear();
   file_.reset();
   listing_ = {};
   listed_ = 0;

@@ -28,8 +28,6 @@ class DataTransfer {
   DataTransfer(const Services& services, ClientRecord& record);
 
   bool Running() const { return task_ != Task::None; }
-  // Of the file that is transferred; empty for none.
-  const std::string& Path() const { return path_; }
   // What runs and how far, for people; empty when nothing does.
   std::string Describe() const;
 
@@ -59,7 +57,6 @@ class DataTransfer {
   const std::unique_ptr<TcpSocket> dataSock_;
   Task task_ = Task::None;
   bool connected_ = false;
-  std::string path_;
   std::unique_ptr<File> file_;
   std::string listing_;
   std::size_t listed_ = 0;      // of it
