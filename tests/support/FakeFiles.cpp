@@ -75,9 +75,12 @@ class FakeFiles::OpenFile : public File {
 
 Files::Opened FakeFiles::Open(const std::string& path, Access access) {
   if (locked.contains(path)) return {nullptr, kPermissionError};
-  const auto file = Find(path);
-  if (access == Access::Read && file == contents.end()) return {nullptr, kFileNotFoundError};
-  return {std::make_unique<OpenFile>(*this, file == contents.end() ? path : file->first), kNoError};
+  auto file = Find(path);
+  if (file == contents.end()) {
+    if (access == Access::Read) return {nullptr, kFileNotFoundError};
+    file = contents.try_emplace(path).first;
+  }
+  return {std::make_unique<OpenFile>(*this, file->first), kNoError};
 }
 
 bool FakeFiles::Read(const std::string& path, std::string& text) {

@@ -20,7 +20,7 @@ FakeSocketHost::Socket::~Socket() {
 
 int FakeSocketHost::Socket::SystemListen(Ipv4, std::uint16_t port) {
   if (host_.taken.contains(port)) return kAddressInUse;
-  port_ = port;
+  port_ = port != 0 ? port : 5000;
   SetState(State::Listening);
   return 0;
 }

@@ -1,0 +1,405 @@
+// The FTP client, and a server that follows a script.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <deque>
+#include <memory>
+#include <string>
+
+#include "download/ftp/CFtpConnection.h"
+#include "tests/support/FakePlatform.h"
+
+namespace orvanto {
+namespace {
+
+constexpr const char* kLogIn = "c|220 hello|> USER anna|331 who|> PASS secret|230 in";
+constexpr const char* kPassive = "> TYPE I|200 ok|> PASV|227 here (10,0,0,5,4,1)|+|";
+constexpr const char* kTimeOut =
+    "A time-out occurred while communicating with the server.The server took too long to "
+    "respond.\r\n\r\nWould you like to wait for server response?";
+
+struct Desk : FakePlatform {
+  explicit Desk(const std::string& begin = kLogIn) {
+    ftp = std::make_unique<CFtpConnection>(
+        CFtpConnection::Services{loop, sockets, files, clock, messageBoxes});
+    ftp->FtpServer = "10.1.2.3";
+    ftp->UserName = "anna";
+    ftp->Password = "secret";
+    ftp->PassiveMode = true;
+    ftp->StateChanged = [this](CFtpConnection::State state) {
+      log += "(" + std::to_string(static_cast<int>(state)) + ")";
+    };
+    ftp->DownloadProgress = [this](std::uint64_t bytes) {
+      log += "[" + std::to_string(bytes) + "]";
+    };
+    ftp->UploadProgress = ftp->DownloadProgress;
+    ftp->ReplyMessage = [this](const std::string& lines) { log += lines; };
+    server = loop.NewTimer([this] { Serve(); });
+    server->Start(std::chrono::milliseconds(10));
+    if (Says(begin); begin == kLogIn) {
+      EXPECT_TRUE(ftp->Connect());
+      log.clear();
+    }
+  }
+
+  FakeSocketHost::Socket& Control() { return *sockets.sockets.front(); }
+  FakeSocketHost::Socket& Data() { return *sockets.sockets.back(); }
+
+  // The steps stand between bars.
+  Desk& Says(const std::string& steps) {
+    for (std::size_t begin = 0; begin < steps.size();) {
+      const std::size_t bar = std::min(steps.find('|', begin), steps.size());
+      script.push_back(steps.substr(begin, bar - begin));
+      begin = bar + 1;
+    }
+    return *this;
+  }
+
+  // One step every ten milliseconds: "> x" waits until the client has sent x; "c" connects, "x"
+  // closes the control connection; "+" connects, "D x" sends, "." closes, "!" breaks the data
+  // connection. Any other step is a reply.
+  void Serve() {
+    ++ticks;
+    if (each) each();
+    if (script.empty() || !ftp) return;
+    const std::string step = script.front();
+    const bool heeds = step.starts_with("> ");
+    const std::string line = step.substr(heeds ? 2 : 0) + "\r\n";
+    if (heeds && Control().sent.size() < line.size()) return;
+    script.pop_front();
+    if (heeds) {
+      EXPECT_EQ(Control().Sent(), line);
+    } else if (step == "c") {
+      Control().Connected();
+    } else if (step == "x") {
+      Control().PeerCloses();
+    } else if (step == "+") {
+      if (!Data().PeerConnects()) Data().Connected();
+    } else if (step.starts_with("D ")) {
+      Arrives(Data(), step.substr(2));
+    } else if (step == ".") {
+      Data().PeerCloses();
+    } else if (step == "!") {
+      Data().receiveError = 10054;
+      Data().Receive();
+    } else {
+      for (std::size_t i = 0; i < line.size(); i += atOnce) {
+        Arrives(Control(), line.substr(i, atOnce));
+      }
+    }
+  }
+
+  // Nothing does where nobody is connected.
+  static void Arrives(FakeSocketHost::Socket& socket, const std::string& bytes) {
+    if (socket.GetState() == TcpSocket::State::Connected) socket.PeerSends(bytes);
+  }
+
+  // What became of a method: the error's number and source.
+  std::string Outcome(bool done) const {
+    const std::string source = ftp->GetFtpErrorSource();
+    if (done) return "true" + source;
+    return std::to_string(ftp->FtpGetLastError()) + " " + source.substr(source.find('.') + 1);
+  }
+  std::string Fetch(std::uint64_t offset = 0) {
+    return Outcome(ftp->DownloadFile("big", "C:\\big", offset));
+  }
+
+  std::unique_ptr<CFtpConnection> ftp;
+  std::unique_ptr<Timer> server;
+  std::deque<std::string> script;
+  std::size_t atOnce = std::string::npos;  // bytes of a reply
+  std::function<void()> each;              // time that the server looks
+  int ticks = 0;
+  std::string log;  // states in (), progress in [], lines
+};
+
+TEST(FtpClient, LogsIn) {
+  struct {
+    const char* user;
+    const char* password;
+    const char* script;
+    const char* outcome;
+    const char* states;
+  } const kCases[] = {
+      {"anna", "x",
+       "c|220-long\r\n 220 not yet\r\n220 hello|> USER anna|331 who|> PASS x|230-in\r\n230 in",
+       "true", "01234"},
+      {"anna", "x", "c|120 soon|220 hello|> USER anna|230 in", "true", "01234"},
+      {"", "", "c|220 hello|> USER anonymous|331 who|> PASS anonymous@example.com|230 in", "true",
+       "01234"},
+      {"anna", "", "c|220 hello", "62 Connect", "0123"},
+      {"anna", "x", "c|220 hello|> USER anna|332 who", "39 ProcessUSERCommand", "0123"},
+      {"anna", "x", "c|220 hello|> USER anna|331 who|> PASS x|202 in", "0 ProcessPASSCommand",
+       "0123"},
+      {"anna", "x\r\nDELE y", "c|220 hello|> USER anna|331 who", "48 ProcessPASSCommand", "0123"},
+      {"anna", "x", "c|421 full|x", "41 Connect", "012"},
+      {"anna", "x", "c|x", "9 Connect", "012"},
+  };
+  for (const auto& row : kCases) {
+    for (const std::size_t atOnce : {std::string::npos, std::size_t{1}}) {
+      Desk desk(row.script);
+      desk.atOnce = atOnce;
+      desk.ftp->UserName = row.user;
+      desk.ftp->Password = row.password;
+      EXPECT_EQ(desk.Outcome(desk.ftp->Connect()), row.outcome) << row.script;
+      std::string states;
+      for (std::size_t i = 0; (i = desk.log.find('(', i)) != std::string::npos; ++i) {
+        states += desk.log[i + 1];
+      }
+      EXPECT_EQ(states, row.states);
+      EXPECT_EQ(desk.log.find("PASS x"), std::string::npos);
+    }
+  }
+  Desk unknown("");
+  unknown.ftp->FtpServer = "nowhere";
+  EXPECT_EQ(unknown.Outcome(unknown.ftp->Connect()), "15 Connect");
+}
+
+// Every command, and every code.
+TEST(FtpClient, ComparesTheReplyWithWhatIsExpected) {
+  struct {
+    bool (*method)(CFtpConnection&);
+    const char* script;
+    const char* step;
+  } const kMethods[] = {
+      {[](CFtpConnection& ftp) { return ftp.GetCurrentDirectory(); },
+       "> PWD|257 \"a \"\"b\"\"\" is it", "PWD"},
+      {[](CFtpConnection& ftp) { return ftp.SetCurrentDirectory("x y"); },
+       "> CWD x y|250-file\r\n250 x", "CWD"},
+      {[](CFtpConnection& ftp) { return ftp.SetParentAsCurrentDirectory(); }, "> CDUP|250 x",
+       "CDUP"},
+      {[](CFtpConnection& ftp) { return ftp.CreateDirectory("x"); }, "> MKD x|257 x", "MKD"},
+      {[](CFtpConnection& ftp) { return ftp.RemoveDirectory("x"); }, "> RMD x|250 x", "RMD"},
+      {[](CFtpConnection& ftp) { return ftp.DeleteFile("x"); }, "> DELE x|250 x", "DELE"},
+      {[](CFtpConnection& ftp) { return ftp.RenameFile("x", "y"); },
+       "> RNFR x|350 x|> RNTO y|250 x", "RNTO"},
+      {[](CFtpConnection& ftp) { return ftp.CancelTransfer(); }, "> ABOR|225 x", "ABOR"},
+      {[](CFtpConnection& ftp) { return ftp.CloseConnection(); }, "> QUIT|221 x", "QUIT"},
+  };
+  const std::pair<const char*, int> kCodes[] = {
+      {"331 x", 38}, {"332 x", 39}, {"350 x", 40}, {"421 x", 41}, {"425 x", 42}, {"450 x", 46},
+      {"451 x", 45}, {"452 x", 46}, {"500 x", 47}, {"501 x", 48}, {"502 x", 49}, {"503 x", 50},
+      {"504 x", 51}, {"530 x", 52}, {"532 x", 53}, {"550 x", 54}, {"551 x", 55}, {"552 x", 56},
+      {"553 x", 57}, {"599 x", 0},  {"200 x", 0},  {"25", 0}};
+  for (const auto& row : kMethods) {
+    for (const auto& [reply, number] : kCodes) {
+      Desk desk;
+      desk.Says(row.script);
+      EXPECT_EQ(desk.Outcome(row.method(*desk.ftp)), "true");
+      if (row.step == std::string("QUIT")) break;
+      desk.Says(row.script).script.back() = reply;
+      EXPECT_EQ(desk.Outcome(row.method(*desk.ftp)),
+                std::to_string(number) + " Process" + row.step + "Command")
+          << reply;
+    }
+  }
+  Desk desk;
+  desk.Says("> PWD|257 \"/a \"\"b\"\"\" it|> CWD c|250 x|> CDUP|250 x|> CDUP|250 x|> RNFR x|550 x");
+  EXPECT_TRUE(desk.ftp->GetCurrentDirectory());
+  EXPECT_EQ(desk.ftp->CurrentDirectory(), "/a \"b\"");
+  EXPECT_TRUE(desk.ftp->SetCurrentDirectory("c") && desk.ftp->SetCurrentDirectory(""));
+  EXPECT_EQ(desk.ftp->CurrentDirectory(), "/a \"b\"/c");
+  EXPECT_TRUE(desk.ftp->SetParentAsCurrentDirectory() && desk.ftp->SetParentAsCurrentDirectory());
+  EXPECT_EQ(desk.ftp->CurrentDirectory(), "/");
+  EXPECT_EQ(desk.Outcome(desk.ftp->RenameFile("x", "y")), "54 ProcessRNFRCommand");
+  EXPECT_EQ(desk.ftp->GetLastServerResponse(), "550 x\r\n");
+  desk.Says("> QUIT|500 x");
+  EXPECT_EQ(desk.Outcome(desk.ftp->CloseConnection()), "47 ProcessQUITCommand");
+  EXPECT_EQ(desk.Outcome(desk.ftp->DeleteFile("x")), "19 ProcessDELECommand");
+}
+
+TEST(FtpClient, MovesFilesAndListingsAndTellsAllInOrder) {
+  Desk desk;
+  desk.files.contents["C:\\big"] = "012345";
+  desk.Says(
+      "> TYPE I|200 ok|> PASV|227 here (10,0,0,5,4,1)|+|> REST 4|350 ok|> RETR big|"
+      "D abc|150 here\r\n226 done|D de|.");
+  EXPECT_EQ(desk.Fetch(4), "true");
+  EXPECT_EQ(desk.files.contents["C:\\big"], "0123abcde");
+  EXPECT_EQ(desk.Data().tried.back(), std::pair(Ipv4{0x0A000005}, std::uint16_t{1025}));
+  EXPECT_EQ(
+      desk.log,
+      "TYPE I\r\n200 ok\r\nPASV\r\n227 here (10,0,0,5,4,1)\r\n(6)Connecting to: 10.0.0.5:1025\r\n"
+      "REST 4\r\n350 ok\r\nRETR big\r\n150 here\r\n226 done\r\n(9)[3][5](10)");
+  EXPECT_EQ(desk.files.open, 0);
+
+  desk.log.clear();
+  desk.ftp->PassiveMode = false;
+  desk.files.contents["C:\\up"] = std::string(8192 + 1, 'u');
+  desk.Says("> TYPE I|200 ok|> PORT 10,9,8,7,19,136|200 ok|> STOR up|+|150 here|226 done");
+  EXPECT_TRUE(desk.ftp->UploadFile("C:\\up", "up"));
+  EXPECT_EQ(desk.Data().sent, desk.files.contents["C:\\up"]);
+  EXPECT_EQ(desk.Data().pieces, 3);
+  EXPECT_EQ(desk.log,
+            "TYPE I\r\n200 ok\r\n(5)PORT 10,9,8,7,19,136\r\n200 ok\r\nSTOR up\r\n(6)150 here\r\n(9)"
+            "[4096][8192][8193]226 done\r\n(10)");
+
+  desk.log.clear();
+  desk.ftp->TransferMode = CFtpConnection::Type::Ascii;
+  desk.Says(
+      "> TYPE A|200 ok|> PORT 10,9,8,7,19,136|200 ok|> LIST|150 here|+|"
+      "D 11-21-26 02:04PM 12|D 34 x\r\n|.|226 done");
+  CFTPFiles listed;
+  EXPECT_TRUE(desk.ftp->EnumFiles(listed));
+  EXPECT_EQ(listed.Item("x").FileSize, 1234);
+  EXPECT_EQ(desk.log,
+            "TYPE A\r\n200 ok\r\n(5)PORT 10,9,8,7,19,136\r\n200 ok\r\n(7)LIST\r\n150 here\r\n(6)"
+            "226 done\r\n(8)");
+}
+
+// What follows the data connection's making, and what becomes of the download.
+TEST(FtpClient, TheFinalReplyDecides) {
+  struct {
+    const char* script;
+    const char* outcome;
+    const char* file;
+  } const kCases[] = {
+      {"> RETR big|150 a|D abc|.|226 b", "true", "abc"},
+      {"> RETR big|.|125 a|226 b", "true", ""},
+      {"> RETR big|D abc|.|226 b", "true", "abc"},
+      {"> RETR big|550 a", "54 ProcessRETRCommand", nullptr},
+      {"> RETR big|150 a|D abc|.|451 b", "45 ProcessRETRCommand", "abc"},
+      {"> RETR big|150 a|D abc|426 b", "43 ProcessRETRCommand", "abc"},
+      {"> RETR big|150 a|D abc|!|226 b", "9 ProcessRETRCommand", "abc"},
+      {"> RETR big|150 a|D abc|!|451 b", "45 ProcessRETRCommand", "abc"},
+      {"> RETR big|150 a|D abcdef|426 b", "64 ProcessRETRCommand", "abcde"},
+      {"> RETR big|150 a|D abc|x", "9 ProcessRETRCommand", "abc"},
+  };
+  for (const auto& row : kCases) {
+    Desk desk;
+    desk.files.diskLeft = 5;
+    desk.Says(std::string(kPassive) + row.script);
+    EXPECT_EQ(desk.Fetch(), row.outcome) << row.script;
+    EXPECT_EQ(desk.files.contents.contains("C:\\big"), row.file != nullptr);
+    if (row.file != nullptr) EXPECT_EQ(desk.files.contents["C:\\big"], row.file);
+    EXPECT_EQ(desk.files.open, 0);
+    EXPECT_EQ(desk.Data().GetState(), TcpSocket::State::Closed);
+  }
+}
+
+TEST(FtpClient, FailsBeforeAnythingMoves) {
+  const char* const kCases[][2] = {
+      {"> TYPE I|504 a", "51 ProcessTYPECommand"},
+      {"> TYPE I|200 a|> PASV|502 b", "49 ProcessPASVCommand"},
+      {"> TYPE I|200 a|> PASV|227 10,0,0,5,4,1", "63 ProcessPASVCommand"},
+      {"> TYPE I|200 a|> PASV|227 (10,0,0,5,256,1)", "63 ProcessPASVCommand"},
+      {"> TYPE I|200 a|> PASV|227 (10,0,0,5,0,0)", "63 ProcessPASVCommand"},
+      {"> TYPE I|200 a|> PASV|227 (10,0,0,6,4,1)", "12 MakePassiveDataConnection"},
+      {"> TYPE I|200 a|> PASV|227 (10,0,0,5,4,1)|+|> REST 7|504 b", "51 ProcessRESTCommand"}};
+  for (const auto& [script, outcome] : kCases) {
+    Desk desk;
+    desk.sockets.unreachable[0x0A000006] = 10061;
+    desk.Says(script);
+    EXPECT_EQ(desk.Fetch(7), outcome) << script;
+  }
+  Desk desk;
+  desk.ftp->PassiveMode = false;
+  desk.Says("> TYPE I|200 a|> PORT 10,9,8,7,19,136|425 b");
+  EXPECT_EQ(desk.Fetch(), "42 ProcessPORTCommand");
+  EXPECT_EQ(desk.Data().GetState(), TcpSocket::State::Closed);
+  desk.Says("> TYPE I|200 a");
+  desk.sockets.taken.insert(0);
+  EXPECT_EQ(desk.Fetch(), "4 ProcessPORTCommand");
+  EXPECT_EQ(desk.Outcome(desk.ftp->UploadFile("C:\\none", "x")), "64 UploadData");
+  desk.ftp->PassiveMode = true;
+  desk.files.contents["C:\\up"] = std::string(9000, 'u');
+  for (const auto& [reply, outcome] :
+       {std::pair("226 b", "9 UploadData"), {"452 b", "46 UploadData"}}) {
+    desk.Says(std::string(kPassive) + "> STOR up|150 a|!|" + reply).Data().room = 5000;
+    EXPECT_EQ(desk.Outcome(desk.ftp->UploadFile("C:\\up", "up")), outcome);
+    desk.Data().receiveError = 0;
+  }
+}
+
+TEST(FtpClient, AsksWhetherToWaitLonger) {
+  Desk desk;
+  desk.ftp->Timeout = 3;
+  std::string asked;
+  const auto box = [&](Answer answer) {
+    return FakeMessageBoxes::Expected{
+        kTimeOut, answer, [&] { asked += std::to_string((desk.ticks + 50) / 100) + " "; }};
+  };
+  desk.messageBoxes.expected = {box(Answer::Yes), box(Answer::No)};
+  desk.ticks = 0;
+  desk.Says("> DELE x");
+  EXPECT_EQ(desk.Outcome(desk.ftp->DeleteFile("x")), "58 ProcessDELECommand");
+  // Data put it off; then the server falls silent.
+  desk.messageBoxes.expected = {box(Answer::Yes), box(Answer::No)};
+  desk.ticks = 0;
+  desk.Says(std::string(kPassive) + "> RETR big|150 a");
+  desk.each = [&] {
+    if (desk.ticks == 200) desk.Says("D abc");
+  };
+  EXPECT_EQ(desk.Fetch(), "58 ProcessRETRCommand");
+  EXPECT_EQ(asked, "3 6 4 7 ");
+}
+
+// What the server answers to ABOR, and how long that takes.
+TEST(FtpClient, CancelsATransfer) {
+  struct {
+    const char* answers;
+    bool cancelled;
+    int seconds;
+  } const kCases[] = {{"426 a|226 b", true, 0},    {"226 a|225 b", true, 0},
+                      {"426 a\r\n225 b", true, 0}, {"226 a", true, 4},
+                      {"502 a", false, 4},         {"", false, 4}};
+  for (const auto& row : kCases) {
+    for (const bool upload : {false, true}) {
+      Desk desk;
+      desk.files.contents["C:\\up"] = std::string(100'000, 'u');
+      desk.Data().room = 9000;
+      desk.Says(std::string(kPassive) + (upload ? "> STOR up|150 a" : "> RETR big|150 a|D abc"));
+      int begun = 0;
+      int ended = 0;
+      desk.each = [&] {
+        if (!desk.script.empty() || begun != 0) return;
+        begun = desk.ticks;
+        desk.Says(std::string("> ABOR|") + row.answers + "|D xyz");
+        EXPECT_FALSE(desk.ftp->CloseConnection());
+        EXPECT_EQ(desk.ftp->FtpGetLastError(), 59);
+        EXPECT_FALSE(desk.ftp->DeleteFile("x"));
+        EXPECT_EQ(desk.ftp->CancelTransfer(), row.cancelled) << row.answers;
+        ended = desk.ticks;
+      };
+      desk.script.push_back("200 spare");
+      const bool done = upload ? desk.ftp->UploadFile("C:\\up", "up")
+                               : desk.ftp->DownloadFile("big", "C:\\big", 0);
+      EXPECT_EQ(desk.Outcome(done), upload ? "43 UploadData" : "43 ProcessRETRCommand");
+      EXPECT_EQ((ended - begun) / 100, row.seconds);
+      EXPECT_EQ(desk.files.open, 0);
+    }
+  }
+}
+
+// Whatever it waits for.
+TEST(FtpClient, EndsInsideEveryWait) {
+  const std::string script =
+      std::string(kLogIn) + "|" + kPassive + "> RETR big|150 a|D abc|.|226 b|> QUIT|221 c";
+  const std::size_t steps = static_cast<std::size_t>(std::count(script.begin(), script.end(), '|'));
+  enum { kBreak, kDestroy, kQuit };
+  for (const int how : {kBreak, kDestroy, kQuit}) {
+    for (std::size_t left = steps; left > 0; --left) {
+      Desk desk("");
+      desk.Says(script);
+      bool over = false;
+      desk.each = [&] {
+        if (desk.script.size() != left || std::exchange(over, true)) return;
+        if (how == kBreak) desk.ftp->BreakeConnection();
+        if (how == kDestroy) desk.ftp.reset();
+        if (how == kQuit) desk.loop.Quit();
+        desk.script.clear();
+      };
+      CFtpConnection& ftp = *desk.ftp;
+      EXPECT_FALSE(ftp.Connect() && ftp.DownloadFile("big", "C:\\big", 0) && ftp.CloseConnection());
+      EXPECT_TRUE(over);
+      EXPECT_EQ(desk.files.open, 0);
+      if (how == kDestroy) continue;
+      EXPECT_EQ(ftp.FtpGetLastError(), 61) << left;
+      EXPECT_FALSE(ftp.Busy());
+    }
+  }
+}
+
+}  // namespace
+}  // namespace orvanto
