@@ -16,6 +16,9 @@ import tempfile
 import threading
 import time
 
+sys.path.append(str(pathlib.Path(__file__).resolve().parents[1] / "tests/e2e"))
+import ftp_servers  # pylint: disable=wrong-import-position
+
 ROUNDS = 5
 FILES = 500
 HOST = "127.0.0.1"
@@ -122,21 +125,9 @@ def memory(pid):
     return total / 1024
 
 
-def pure_ftpd():
-    """Cannot be installed beside vsftpd, so it is unpacked."""
-    there = pathlib.Path("build/bench").resolve()
-    program = there / "usr/sbin/pure-ftpd"
-    if not program.exists():
-        there.mkdir(parents=True, exist_ok=True)
-        subprocess.run("apt-get download -qq pure-ftpd && dpkg -x pure-ftpd_*.deb .", cwd=there,
-                       shell=True, check=True)
-    return program
-
-
 def main():
     programs = pathlib.Path(sys.argv[1]).resolve()
     size = int(sys.argv[2] if len(sys.argv) > 2 else 1024) << 20
-    pure = pure_ftpd()
     if "OWN_NETWORK" not in os.environ:
         os.execvpe("unshare", ["unshare", "-nm", sys.executable, *sys.argv],
                    {**os.environ, "OWN_NETWORK": "1"})
@@ -158,14 +149,16 @@ def main():
             subprocess.run([*orvanto, "set", "General", name, value], check=True)
         # Where pure-ftpd lets the anonymous in.
         subprocess.run(["mount", "--bind", folder, pwd.getpwnam("ftp").pw_dir], check=True)
+        pure = ftp_servers.PEERS / "usr/sbin/pure-ftpd"
         commands = {
             "orvanto": (2100, [*orvanto, "--ftp-port", "2100"]),
             "vsftpd": (2101, ["vsftpd", home / "vsftpd.conf"]),
             "pure-ftpd": (2102, [pure, "-S", f"{HOST},2102", "-e", "-H", "-c", "500", "-C",
                                  "500", "-I", "60", "-U", "133:022"]),
             "pyftpdlib": (2103, ["/usr/bin/python3", "-c", PYFTPD, folder, "2103"])}
-        servers = {name: subprocess.Popen(command, stdin=subprocess.DEVNULL,
-                                          stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        servers = {name: subprocess.Popen(command, env={**os.environ, **ftp_servers.LIBRARIES},
+                                          stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                          stderr=subprocess.DEVNULL)
                    for name, (_, command) in commands.items()}
         results = {}
 

@@ -1,0 +1,90 @@
+"""Stock FTP servers on loopback for the FTP client: `with serve("vsftpd", folder) as server: ...`
+
+To be run by own-network; `tools/setup peers` unpacks the servers. They want root, and more users
+than there are: wrapper libraries pretend both, and give them a list of users of their own.
+"""
+import contextlib
+import os
+import pathlib
+import signal
+import socket
+import subprocess
+import tempfile
+import time
+import types
+
+HOST = "127.0.0.1"
+PEERS = pathlib.Path(__file__).resolve().parents[2] / "build/peers"
+LIBRARIES = {"LD_LIBRARY_PATH": ":".join(str(path) for path in PEERS.rglob("*-linux-gnu*"))}
+# vsftpd wants a folder that not even root can write to: /proc/sys.
+FILES = {
+    "passwd": """root:x:0:0::/:/bin/sh
+nobody:x:65534:65534::/:/bin/false
+anna:$1$orvanto$VVO5VtLRJnifl3CeiXTjM.:1000:1000::{folder}:/bin/sh
+""",
+    "group": "root:x:0:\nnogroup:x:65534:\nusers:x:1000:\n",
+    "vsftpd": """listen=YES
+listen_address=127.0.0.1
+listen_port={port}
+anonymous_enable=NO
+local_enable=YES
+pam_service_name=other
+chroot_local_user=YES
+allow_writeable_chroot=YES
+secure_chroot_dir=/proc/sys
+write_enable=YES
+dirmessage_enable=YES
+seccomp_sandbox=NO
+""",
+    "proftpd": """DefaultAddress 127.0.0.1
+Port {port}
+User nobody
+Group nogroup
+AuthPAM off
+DefaultRoot ~
+AllowOverwrite on
+AllowStoreRestart on
+DisplayChdir .message
+UseReverseDNS off
+ControlsEngine off
+DelayEngine off
+PidFile {home}/pid
+ScoreboardFile none
+SystemLog none
+WtmpLog off
+"""}
+COMMANDS = {"vsftpd": "{home}/vsftpd", "proftpd": "-n -q -c {home}/proftpd",
+            "pure-ftpd": "-A -E -H -S 127.0.0.1,{port} -f none -g {home}/pid -l unix"}
+
+
+def await_greeting(port):
+    for _ in range(1000):
+        with contextlib.suppress(ConnectionRefusedError):
+            with socket.create_connection((HOST, port), 10) as connection:
+                assert connection.recv(3) == b"220"
+                return
+        time.sleep(0.01)
+    raise TimeoutError("the FTP server does not listen")
+
+
+@contextlib.contextmanager
+def serve(name, folder):
+    """Lets one user do everything in one folder until the block ends; in both modes."""
+    with socket.create_server((HOST, 0)) as free:
+        port = free.getsockname()[1]
+    with tempfile.TemporaryDirectory() as home:
+        words = {"folder": folder, "home": home, "port": port}
+        for file, text in FILES.items():
+            pathlib.Path(home, file).write_text(text.format(**words))
+        process = subprocess.Popen(
+            [PEERS / "usr/sbin" / name, *COMMANDS[name].format(**words).split()],
+            env={**os.environ, **LIBRARIES, "LD_PRELOAD": "libuid_wrapper.so libnss_wrapper.so",
+                 "UID_WRAPPER": "1", "UID_WRAPPER_ROOT": "1",
+                 "NSS_WRAPPER_PASSWD": f"{home}/passwd", "NSS_WRAPPER_GROUP": f"{home}/group"},
+            stdin=subprocess.DEVNULL, start_new_session=True)
+        try:
+            await_greeting(port)
+            yield types.SimpleNamespace(port=port, user="anna", password="secret")
+        finally:
+            os.killpg(process.pid, signal.SIGKILL)  # Its sessions are of its group.
+            process.wait()
