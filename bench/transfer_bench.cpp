@@ -1,7 +1,7 @@
 // Transfers through the loop and the sockets, and the plain loops that are their limit. Each prints
 // megabytes a second. Sent are files in chunks of 1,024 bytes, each after the one before is
 // complete; received is what arrives, written at once.
-//   transfer_bench send-plain PORT FILE
+//   transfer_bench send-plain PORT FILE [CHUNK]
 //   transfer_bench send PORT FILE IDLE-CONNECTIONS TRANSFERS-AT-ONCE
 //   transfer_bench receive-plain PORT FILE
 //   transfer_bench receive PORT FILE       opens, writes and closes for each arrival
@@ -78,16 +78,16 @@ auto ConnectPlain(std::uint16_t port) {
   return fd;
 }
 
-void SendPlain(std::uint16_t port, const char* path) {
+void SendPlain(std::uint16_t port, const char* path, std::size_t chunkSize) {
   const auto fd = ConnectPlain(port);
   const int file = open(path, O_RDONLY | kBinary);
   const auto begin = Clock::now();
   std::uint64_t sent = 0;
-  char chunk[kChunk];
+  std::vector<char> chunk(chunkSize);
   for (;;) {
-    const auto count = read(file, chunk, sizeof chunk);
+    const auto count = read(file, chunk.data(), static_cast<unsigned>(chunk.size()));
     if (count <= 0) break;
-    if (send(fd, chunk, static_cast<unsigned>(count), 0) != count) Fail("sending");
+    if (send(fd, chunk.data(), static_cast<unsigned>(count), 0) != count) Fail("sending");
     sent += static_cast<std::uint64_t>(count);
   }
   Report(sent, begin);
@@ -219,7 +219,9 @@ int main(int argc, char** argv) {
 #else
   const std::string path = orvanto::posix::FromNative(argv[3]);
 #endif
-  if (what == "send-plain") SendPlain(port, argv[3]);
+  if (what == "send-plain") {
+    SendPlain(port, argv[3], argc > 4 ? static_cast<std::size_t>(std::atoi(argv[4])) : kChunk);
+  }
   if (what == "send" && argc == 6) Send(port, path, std::atoi(argv[4]), std::atoi(argv[5]));
   if (what == "receive-plain") ReceivePlain(port, argv[3]);
   if (what == "receive") Receive(port, path);

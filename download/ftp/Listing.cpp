@@ -74,9 +74,11 @@ DateTime DosTime(std::string_view date, std::string_view time) {
   }
   if (year < 100) year += year < 30 ? 2000 : 1900;
   auto [hour, minute, second] = Numbers(time);
-  const char half = time.empty() ? ' ' : time[time.find_last_not_of("mM")];
-  if (half == 'P' || half == 'p') hour = hour % 12 + 12;
-  if ((half == 'A' || half == 'a') && hour == 12) hour = 0;
+  if (time.find_first_of("Pp") != std::string_view::npos) {
+    hour = hour % 12 + 12;
+  } else if (time.find_first_of("Aa") != std::string_view::npos && hour == 12) {
+    hour = 0;
+  }
   return Moment(year, month, day, hour, minute);
 }
 

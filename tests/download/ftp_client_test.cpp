@@ -5,6 +5,7 @@
 #include <chrono>
 #include <deque>
 #include <memory>
+#include <sstream>
 #include <string>
 
 #include "download/ftp/CFtpConnection.h"
@@ -28,7 +29,9 @@ struct Desk : FakePlatform {
     ftp->Password = "secret";
     ftp->PassiveMode = true;
     ftp->StateChanged = [this](CFtpConnection::State state) {
-      log += "(" + std::to_string(static_cast<int>(state)) + ")";
+      const std::string number = std::to_string(static_cast<int>(state));
+      states += number;
+      log += "(" + number + ")";
     };
     ftp->DownloadProgress = [this](std::uint64_t bytes) {
       log += "[" + std::to_string(bytes) + "]";
@@ -37,10 +40,12 @@ struct Desk : FakePlatform {
     ftp->ReplyMessage = [this](const std::string& lines) { log += lines; };
     server = loop.NewTimer([this] { Serve(); });
     server->Start(std::chrono::milliseconds(10));
-    if (Says(begin); begin == kLogIn) {
-      EXPECT_TRUE(ftp->Connect());
-      log.clear();
-    }
+    begin == kLogIn ? LogIn() : Says(begin);
+  }
+  Desk& LogIn() {
+    EXPECT_TRUE(Says(kLogIn).ftp->Connect());
+    log.clear();
+    return *this;
   }
 
   FakeSocketHost::Socket& Control() { return *sockets.sockets.front(); }
@@ -111,43 +116,31 @@ struct Desk : FakePlatform {
   std::size_t atOnce = std::string::npos;  // bytes of a reply
   std::function<void()> each;              // time that the server looks
   int ticks = 0;
+  std::string states;
   std::string log;  // states in (), progress in [], lines
 };
 
+// Name and password, what the server says, and the outcome with the states until then.
 TEST(FtpClient, LogsIn) {
-  struct {
-    const char* user;
-    const char* password;
-    const char* script;
-    const char* outcome;
-    const char* states;
-  } const kCases[] = {
-      {"anna", "x",
-       "c|220-long\r\n 220 not yet\r\n220 hello|> USER anna|331 who|> PASS x|230-in\r\n230 in",
-       "true", "01234"},
-      {"anna", "x", "c|120 soon|220 hello|> USER anna|230 in", "true", "01234"},
-      {"", "", "c|220 hello|> USER anonymous|331 who|> PASS anonymous@example.com|230 in", "true",
-       "01234"},
-      {"anna", "", "c|220 hello", "62 Connect", "0123"},
-      {"anna", "x", "c|220 hello|> USER anna|332 who", "39 ProcessUSERCommand", "0123"},
-      {"anna", "x", "c|220 hello|> USER anna|331 who|> PASS x|202 in", "0 ProcessPASSCommand",
-       "0123"},
-      {"anna", "x\r\nDELE y", "c|220 hello|> USER anna|331 who", "48 ProcessPASSCommand", "0123"},
-      {"anna", "x", "c|421 full|x", "41 Connect", "012"},
-      {"anna", "x", "c|x", "9 Connect", "012"},
-  };
-  for (const auto& row : kCases) {
+  const char* const kCases[][3] = {
+      {"anna x", "220-a\r\n 220 b\r\n220 c|> USER anna|331 d|> PASS x|230-e\r\n230 f", "true01234"},
+      {"anna x", "120 soon|220 hello|> USER anna|230 in", "true01234"},
+      {" ", "220 a|> USER anonymous|331 b|> PASS anonymous@example.com|230 c", "true01234"},
+      {"anna ", "220 hello", "62 Connect0123"},
+      {"anna x", "220 hello|> USER anna|332 who", "39 ProcessUSERCommand0123"},
+      {"anna x", "220 hello|> USER anna|331 who|> PASS x|202 in", "0 ProcessPASSCommand0123"},
+      {"anna x\r\nNOOP", "220 hello|> USER anna|331 who", "48 ProcessPASSCommand0123"},
+      {"anna x", "421 full|x", "41 Connect012"},
+      {"anna x", "x", "9 Connect012"}};
+  for (const auto& [who, script, outcome] : kCases) {
     for (const std::size_t atOnce : {std::string::npos, std::size_t{1}}) {
-      Desk desk(row.script);
+      Desk desk(std::string("c|") + script);
       desk.atOnce = atOnce;
-      desk.ftp->UserName = row.user;
-      desk.ftp->Password = row.password;
-      EXPECT_EQ(desk.Outcome(desk.ftp->Connect()), row.outcome) << row.script;
-      std::string states;
-      for (std::size_t i = 0; (i = desk.log.find('(', i)) != std::string::npos; ++i) {
-        states += desk.log[i + 1];
-      }
-      EXPECT_EQ(states, row.states);
+      const std::string words = who;
+      desk.ftp->UserName = words.substr(0, words.find(' '));
+      desk.ftp->Password = words.substr(words.find(' ') + 1);
+      const bool done = desk.ftp->Connect();
+      EXPECT_EQ(desk.Outcome(done) + desk.states, outcome) << script;
       EXPECT_EQ(desk.log.find("PASS x"), std::string::npos);
     }
   }
@@ -156,42 +149,30 @@ TEST(FtpClient, LogsIn) {
   EXPECT_EQ(unknown.Outcome(unknown.ftp->Connect()), "15 Connect");
 }
 
-// Every command, and every code.
+// Every method that is one command, or two, and every code.
 TEST(FtpClient, ComparesTheReplyWithWhatIsExpected) {
-  struct {
-    bool (*method)(CFtpConnection&);
-    const char* script;
-    const char* step;
-  } const kMethods[] = {
-      {[](CFtpConnection& ftp) { return ftp.GetCurrentDirectory(); },
-       "> PWD|257 \"a \"\"b\"\"\" is it", "PWD"},
-      {[](CFtpConnection& ftp) { return ftp.SetCurrentDirectory("x y"); },
-       "> CWD x y|250-file\r\n250 x", "CWD"},
-      {[](CFtpConnection& ftp) { return ftp.SetParentAsCurrentDirectory(); }, "> CDUP|250 x",
-       "CDUP"},
-      {[](CFtpConnection& ftp) { return ftp.CreateDirectory("x"); }, "> MKD x|257 x", "MKD"},
-      {[](CFtpConnection& ftp) { return ftp.RemoveDirectory("x"); }, "> RMD x|250 x", "RMD"},
-      {[](CFtpConnection& ftp) { return ftp.DeleteFile("x"); }, "> DELE x|250 x", "DELE"},
-      {[](CFtpConnection& ftp) { return ftp.RenameFile("x", "y"); },
-       "> RNFR x|350 x|> RNTO y|250 x", "RNTO"},
-      {[](CFtpConnection& ftp) { return ftp.CancelTransfer(); }, "> ABOR|225 x", "ABOR"},
-      {[](CFtpConnection& ftp) { return ftp.CloseConnection(); }, "> QUIT|221 x", "QUIT"},
-  };
-  const std::pair<const char*, int> kCodes[] = {
-      {"331 x", 38}, {"332 x", 39}, {"350 x", 40}, {"421 x", 41}, {"425 x", 42}, {"450 x", 46},
-      {"451 x", 45}, {"452 x", 46}, {"500 x", 47}, {"501 x", 48}, {"502 x", 49}, {"503 x", 50},
-      {"504 x", 51}, {"530 x", 52}, {"532 x", 53}, {"550 x", 54}, {"551 x", 55}, {"552 x", 56},
-      {"553 x", 57}, {"599 x", 0},  {"200 x", 0},  {"25", 0}};
-  for (const auto& row : kMethods) {
-    for (const auto& [reply, number] : kCodes) {
+  using F = CFtpConnection;
+  const std::pair<const char*, bool (*)(F&)> kMethods[] = {
+      {"> PWD|257 \"a\" is it", [](F& ftp) { return ftp.GetCurrentDirectory(); }},
+      {"> CWD x y|250-a\r\n250 x", [](F& ftp) { return ftp.SetCurrentDirectory("x y"); }},
+      {"> CDUP|250 x", [](F& ftp) { return ftp.SetParentAsCurrentDirectory(); }},
+      {"> MKD x|257 x", [](F& ftp) { return ftp.CreateDirectory("x"); }},
+      {"> RMD x|250 x", [](F& ftp) { return ftp.RemoveDirectory("x"); }},
+      {"> DELE x|250 x", [](F& ftp) { return ftp.DeleteFile("x"); }},
+      {"> RNFR x|350 x|> RNTO y|250 x", [](F& ftp) { return ftp.RenameFile("x", "y"); }},
+      {"> QUIT|221 x", [](F& ftp) { return ftp.CloseConnection(); }}};
+  const char* const kNumbers =
+      "331 38 332 39 350 40 421 41 425 42 450 46 451 45 452 46 500 47 501 48 502 49 503 50 504 51 "
+      "530 52 532 53 550 54 551 55 552 56 553 57 599 0 200 0 25 0 ";
+  for (const auto& [script, method] : kMethods) {
+    std::istringstream numbers(kNumbers);
+    for (std::string code, number; numbers >> code >> number;) {
       Desk desk;
-      desk.Says(row.script);
-      EXPECT_EQ(desk.Outcome(row.method(*desk.ftp)), "true");
-      if (row.step == std::string("QUIT")) break;
-      desk.Says(row.script).script.back() = reply;
-      EXPECT_EQ(desk.Outcome(row.method(*desk.ftp)),
-                std::to_string(number) + " Process" + row.step + "Command")
-          << reply;
+      EXPECT_EQ(desk.Says(script).Outcome(method(*desk.ftp)), "true");
+      desk.LogIn().Says(script).script.back() = code;
+      const std::string verb = std::string(script).substr(std::string(script).rfind('>') + 2);
+      EXPECT_EQ(desk.Outcome(method(*desk.ftp)),
+                number + " Process" + verb.substr(0, verb.find_first_of(" |")) + "Command");
     }
   }
   Desk desk;
@@ -204,8 +185,8 @@ TEST(FtpClient, ComparesTheReplyWithWhatIsExpected) {
   EXPECT_EQ(desk.ftp->CurrentDirectory(), "/");
   EXPECT_EQ(desk.Outcome(desk.ftp->RenameFile("x", "y")), "54 ProcessRNFRCommand");
   EXPECT_EQ(desk.ftp->GetLastServerResponse(), "550 x\r\n");
-  desk.Says("> QUIT|500 x");
-  EXPECT_EQ(desk.Outcome(desk.ftp->CloseConnection()), "47 ProcessQUITCommand");
+  EXPECT_TRUE(desk.Says("> ABOR|225 x").ftp->CancelTransfer());
+  EXPECT_TRUE(desk.Says("> QUIT|221 x").ftp->CloseConnection());
   EXPECT_EQ(desk.Outcome(desk.ftp->DeleteFile("x")), "19 ProcessDELECommand");
 }
 
@@ -248,31 +229,25 @@ TEST(FtpClient, MovesFilesAndListingsAndTellsAllInOrder) {
             "226 done\r\n(8)");
 }
 
-// What follows the data connection's making, and what becomes of the download.
+// What follows the making of the data connection, the outcome, and what the file holds then.
 TEST(FtpClient, TheFinalReplyDecides) {
-  struct {
-    const char* script;
-    const char* outcome;
-    const char* file;
-  } const kCases[] = {
-      {"> RETR big|150 a|D abc|.|226 b", "true", "abc"},
-      {"> RETR big|.|125 a|226 b", "true", ""},
-      {"> RETR big|D abc|.|226 b", "true", "abc"},
-      {"> RETR big|550 a", "54 ProcessRETRCommand", nullptr},
-      {"> RETR big|150 a|D abc|.|451 b", "45 ProcessRETRCommand", "abc"},
-      {"> RETR big|150 a|D abc|426 b", "43 ProcessRETRCommand", "abc"},
-      {"> RETR big|150 a|D abc|!|226 b", "9 ProcessRETRCommand", "abc"},
-      {"> RETR big|150 a|D abc|!|451 b", "45 ProcessRETRCommand", "abc"},
-      {"> RETR big|150 a|D abcdef|426 b", "64 ProcessRETRCommand", "abcde"},
-      {"> RETR big|150 a|D abc|x", "9 ProcessRETRCommand", "abc"},
-  };
-  for (const auto& row : kCases) {
+  const char* const kCases[][3] = {{"150 a|D abc|.|226 b", "true", "abc"},
+                                   {".|125 a|226 b", "true", ""},
+                                   {"D abc|.|226 b", "true", "abc"},
+                                   {"550 a", "54 ProcessRETRCommand", "none"},
+                                   {"150 a|D abc|.|451 b", "45 ProcessRETRCommand", "abc"},
+                                   {"150 a|D abc|426 b", "43 ProcessRETRCommand", "abc"},
+                                   {"150 a|D abc|!|226 b", "9 ProcessRETRCommand", "abc"},
+                                   {"150 a|D abc|!|451 b", "45 ProcessRETRCommand", "abc"},
+                                   {"150 a|D abcdef|426 b", "64 ProcessRETRCommand", "abcde"},
+                                   {"150 a|D abc|x", "9 ProcessRETRCommand", "abc"}};
+  for (const auto& [script, outcome, held] : kCases) {
     Desk desk;
     desk.files.diskLeft = 5;
-    desk.Says(std::string(kPassive) + row.script);
-    EXPECT_EQ(desk.Fetch(), row.outcome) << row.script;
-    EXPECT_EQ(desk.files.contents.contains("C:\\big"), row.file != nullptr);
-    if (row.file != nullptr) EXPECT_EQ(desk.files.contents["C:\\big"], row.file);
+    desk.Says(std::string(kPassive) + "> RETR big|" + script);
+    EXPECT_EQ(desk.Fetch(), outcome) << script;
+    const auto file = desk.files.contents.find("C:\\big");
+    EXPECT_EQ(file == desk.files.contents.end() ? "none" : file->second, held);
     EXPECT_EQ(desk.files.open, 0);
     EXPECT_EQ(desk.Data().GetState(), TcpSocket::State::Closed);
   }
