@@ -18,10 +18,8 @@ PEERS = pathlib.Path(__file__).resolve().parents[2] / "build/peers"
 LIBRARIES = {"LD_LIBRARY_PATH": ":".join(str(path) for path in PEERS.rglob("*-linux-gnu*"))}
 # vsftpd wants a folder that not even root can write to: /proc/sys.
 FILES = {
-    "passwd": """root:x:0:0::/:/bin/sh
-nobody:x:65534:65534::/:/bin/false
-anna:$1$orvanto$VVO5VtLRJnifl3CeiXTjM.:1000:1000::{folder}:/bin/sh
-""",
+    "passwd": "root:x:0:0::/:/bin/sh\nnobody:x:65534:65534::/:/bin/false\n"
+              "anna:$1$orvanto$VVO5VtLRJnifl3CeiXTjM.:1000:1000::{folder}:/bin/sh\n",
     "group": "root:x:0:\nnogroup:x:65534:\nusers:x:1000:\n",
     "vsftpd": """listen=YES
 listen_address=127.0.0.1
@@ -38,6 +36,7 @@ seccomp_sandbox=NO
 """,
     "proftpd": """DefaultAddress 127.0.0.1
 Port {port}
+UseIPv6 off
 User nobody
 Group nogroup
 AuthPAM off
