@@ -34,4 +34,10 @@ bool ListBox::Choose(int index) {
   return true;
 }
 
+bool ListBox::PressEnter() {
+  if (!Usable() || !onEnter || selected_ == kNone) return false;
+  Raise(onEnter);
+  return true;
+}
+
 }  // namespace orvanto::forms

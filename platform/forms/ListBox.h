@@ -27,9 +27,13 @@ class ListBox : public Control {
 
   // Raised by Choose, not by Select.
   std::function<void()> onChange;
+  // The selected line was double-clicked, or the Enter key pressed on it. Without it, or without a
+  // selected line, Enter presses the form's default button.
+  std::function<void()> onEnter;
 
   // user
   bool Choose(int index);
+  bool PressEnter();
 
  private:
   bool IsItem(int index) const { return index >= 0 && index < static_cast<int>(items_.size()); }

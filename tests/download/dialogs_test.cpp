@@ -2,7 +2,9 @@
 
 #include "download/frmFetchwellOptions.h"
 #include "download/frmFtpOptions.h"
+#include "download/frmHeader.h"
 #include "download/frmProxy.h"
+#include "download/frmSave.h"
 #include "tests/support/FakePlatform.h"
 
 namespace orvanto {
@@ -20,13 +22,14 @@ struct FullRegistry : MemoryRegistry {
   Status EndChange() override { return MemoryRegistry::EndChange(), kDiskFull; }
 };
 
-// The contents of the boxes, in the tab order.
+// The contents of the boxes in the tab order, in brackets those that are disabled.
 std::string Shown(const forms::Form& form) {
   std::string shown;
   for (forms::Control* control : form.Controls()) {
-    if (auto* check = dynamic_cast<forms::CheckBox*>(control))
-      shown += check->Value() ? "1," : "0,";
-    if (auto* box = dynamic_cast<forms::TextBox*>(control)) shown += box->Text() + ",";
+    const auto* check = dynamic_cast<forms::CheckBox*>(control);
+    if (check == nullptr && dynamic_cast<forms::TextBox*>(control) == nullptr) continue;
+    const std::string text = check == nullptr ? control->Text() : check->Value() ? "1" : "0";
+    shown += (control->Enabled() ? text : "(" + text + ")") + ",";
   }
   return shown;
 }
@@ -41,39 +44,30 @@ void ChangeAll(const forms::Form& form) {
 TEST_F(Dialogs, ShowWhatIsStoredAndStoreAllOfItOrSayThatTheyMayNot) {
   const struct {
     OptionsDialog& dialog;
-    forms::Button& save;
-    forms::Button& cancel;
     std::string defaults, changed;
     Texts names;
-  } cases[] = {{general,
-                general.cmdSave,
-                general.cmdCancel,
-                "1,1024,1,1,",
-                "0,10245,0,0,",
-                {"Rollback", "Rollback Amount", "Clipboard", "Download Drop"}},
-               {ftp, ftp.cmdSave, ftp.cmdCancel, "30,1,", "305,0,", {"FTP Timeout", "FTP PASV"}},
-               {proxy,
-                proxy.cmdSave,
-                proxy.cmdCancel,
-                "0,,,0,",
-                "1,x5,x5,1,",
-                {"Proxy Use", "Proxy IP", "Proxy Port", "Proxy FTP"}}};
-  for (const auto& [dialog, save, cancel, defaults, changed, names] : cases) {
-    for (forms::Button* button : {&cancel, &save}) {
+  } cases[] = {
+      {general,
+       "1,1024,1,1,",
+       "0,10245,0,0,",
+       {"Rollback", "Rollback Amount", "Clipboard", "Download Drop"}},
+      {ftp, "30,1,", "305,0,", {"FTP Timeout", "FTP PASV"}},
+      {proxy, "0,(),(),0,", "1,x5,x5,1,", {"Proxy Use", "Proxy IP", "Proxy Port", "Proxy FTP"}}};
+  for (const auto& [dialog, defaults, changed, names] : cases) {
+    for (forms::Button* button : {dialog.cancelButton, dialog.defaultButton}) {
       dialog.Open();
       EXPECT_EQ(Shown(dialog), defaults);
       ChangeAll(dialog);
-      if (button == &save) {
-        dialog.Open();  // again: what was typed stays
+      dialog.Open();  // what was typed stays
+      if (button == dialog.defaultButton) {
         registry.FailWrite(1, kAccessDenied);
         messageBoxes.expected.push_back(
             {"The options were not saved. They hold for everyone who uses this computer, and the "
              "system did not let you change them."});
-        EXPECT_TRUE(save.Press() && dialog.Visible());
-        EXPECT_EQ(Shown(dialog), changed);
+        EXPECT_TRUE(button->Press() && dialog.Visible());
       }
-      EXPECT_TRUE(button->Press());
-      EXPECT_FALSE(dialog.Loaded());
+      EXPECT_EQ(Shown(dialog), changed);
+      EXPECT_TRUE(button->Press() && !dialog.Loaded());
     }
     dialog.Open();
     EXPECT_EQ(Shown(dialog), changed);
@@ -90,22 +84,76 @@ TEST_F(Dialogs, ShowWhatIsStoredAndStoreAllOfItOrSayThatTheyMayNot) {
   }
 }
 
-TEST_F(Dialogs, TheProxyIsAskedForWhereOneIsUsed) {
-  proxy.Open();
-  EXPECT_FALSE(proxy.txtProxyIP.Enabled() || proxy.txtProxyPort.Enabled());
-  EXPECT_TRUE(proxy.chkProxy.Press() && proxy.txtProxyIP.Enabled() && proxy.txtProxyPort.Enabled());
-  EXPECT_TRUE(proxy.cmdSave.Press());
-  proxy.Open();
-  EXPECT_TRUE(proxy.txtProxyIP.Enabled() && proxy.txtProxyPort.Enabled());
-}
-
 TEST_F(Dialogs, WhatIsNoNumberCountsAsTheDefaultAndAFullStoreIsSaid) {
   for (const auto& [text, isOn] : {std::pair{"yes", true}, {"", true}, {"0", false}, {"2", true}}) {
     EXPECT_TRUE(options.Save({{DownloadOptions::kClipboard, text}}));
     EXPECT_EQ(options.IsOn(DownloadOptions::kClipboard), isOn) << text;
   }
+  for (const char32_t key : {U'0', U'9', U'\b', U'\r'}) EXPECT_TRUE(ftp.txtTimeout.takesKey(key));
   FullRegistry full;
   EXPECT_FALSE(DownloadOptions(full).Save({{DownloadOptions::kClipboard, "1"}}));
+}
+
+// Each step is one act of a user and the path that is shown then.
+TEST_F(Dialogs, SaveAsWalksThroughDrivesAndFoldersToAPath) {
+  files.listings = {{"C:\\", {"b.txt", "Zoo\\", "a@", "A.txt", "h*"}},
+                    {"C:\\Zoo\\", {"z.txt", "In\\"}},
+                    {"C:\\Zoo\\In\\", {}}};
+  frmSave save(forms, files);
+  Texts told;
+  save.onPicked = [&](const auto& path) { told.push_back(path.value_or("nothing")); };
+  save.Open("c:\\Zoo\\new.txt");
+  EXPECT_EQ(save.cmbDrive.Text(), "C:\\");
+  const auto enter = [&](int index) {
+    return save.lstFolders.Choose(index) && save.lstFolders.PressEnter();
+  };
+  const auto ok = [&](const char* typed) { return save.txtPath.Type(typed) && save.cmdOK.Press(); };
+  const std::pair<std::function<bool()>, const char*> steps[] = {
+      {[&] { return true; }, "c:\\Zoo\\new.txt"},
+      {[&] { return save.cmbDrive.Choose(1); }, "D:\\new.txt"},
+      {[&] { return save.cmbDrive.Choose(0); }, "C:\\new.txt"},
+      {[&] { return save.lstFiles.Choose(1); }, "C:\\b.txt"},
+      {[&] { return enter(1); }, "C:\\Zoo\\b.txt"},
+      {[&] { return enter(1); }, "C:\\Zoo\\In\\b.txt"},
+      {[&] { return enter(0); }, "C:\\Zoo\\b.txt"},
+      {[&] { return save.lstFolders.SelectedIndex() == 1; }, "C:\\Zoo\\b.txt"},
+      {[&] { return enter(0); }, "C:\\b.txt"},
+      {[&] { return ok("zoo\\"); }, "C:\\zoo\\"},
+      {[&] { return ok("\\\\server\\share\\"); }, "\\\\server\\share\\"},
+      {[&] { return !enter(0) && ok("C:"); }, "C:\\"},
+      {[&] { return ok(" "); }, "C:\\"}};
+  for (const auto& [act, path] : steps) {
+    EXPECT_TRUE(act()) << path;
+    EXPECT_EQ(save.txtPath.Text(), path);
+  }
+  EXPECT_EQ(save.lstFolders.Items(), (Texts{"a", "Zoo"}));
+  EXPECT_EQ(save.lstFiles.Items(), (Texts{"A.txt", "b.txt"}));
+  for (const char* typed :
+       {"d.txt", "\\d.txt", "D:d.txt", "D:\\d.txt", "\\\\server\\share\\d.txt"}) {
+    save.Open("");
+    EXPECT_TRUE(ok(typed));
+  }
+  save.Open("C:\\");
+  EXPECT_TRUE(save.lstFiles.Choose(0) && save.txtPath.Type("d") && save.lstFiles.PressEnter());
+  save.onPicked = [&](const auto& path) {
+    EXPECT_FALSE(path || save.Loaded());
+    if (told.size() == 6) save.Open("again");
+    told.push_back("nothing");
+  };
+  save.Open("");
+  EXPECT_TRUE(!save.lstFiles.PressEnter() && save.cmdCancel.Press() && save.Close());
+  EXPECT_EQ(told, (Texts{"C:\\d.txt", "C:\\d.txt", "D:\\d.txt", "D:\\d.txt",
+                         "\\\\server\\share\\d.txt", "C:\\A.txt", "nothing", "nothing"}));
+}
+
+TEST_F(Dialogs, TheLogIsShownAndStaysWhileItsWindowIsClosed) {
+  frmHeader header(forms);
+  header.Log().Begin("HTTP/1.0 200 OK\r\n");
+  header.Open();
+  EXPECT_TRUE(header.cmdClose.Press());
+  header.Log().Append("more");
+  header.Open();
+  EXPECT_EQ(header.txtHeader.Text(), "HTTP/1.0 200 OK\r\nmore");
 }
 
 }  // namespace

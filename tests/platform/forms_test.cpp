@@ -63,6 +63,7 @@ TEST(Forms, APersonCanActOnlyOnWhatIsShownAndEnabledWithAllAroundIt) {
   const auto count = [&] { ++events; };
   form.tabs.onChange = form.button.onClick = form.check.onClick = form.option.onClick = count;
   form.box.onChange = form.box.onEnter = form.combo.onChange = form.list.onChange = count;
+  form.list.onEnter = count;
   form.tree.onNodeClick = form.item.onClick = count;
   form.box.onDrop = [&](const std::string&) { ++events; };
   form.combo.SetItems({"a"});
@@ -89,6 +90,7 @@ TEST(Forms, APersonCanActOnlyOnWhatIsShownAndEnabledWithAllAroundIt) {
       {&form.combo, [&] { return form.combo.Type("1"); }},
       {&form.upDown, [&] { return form.upDown.Step(1); }},
       {&form.list, [&] { return form.list.Choose(1); }},
+      {&form.list, [&] { return form.list.PressEnter(); }},
       {&form.tree, [&] { return form.tree.ClickNode(0); }},
       {&form.tabs, [&] { return form.tabs.Choose(1); }}};
   for (const auto& [control, act] : acts) {

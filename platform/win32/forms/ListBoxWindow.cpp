@@ -28,6 +28,11 @@ class ListBoxWindow : public ControlWindow {
 
   void OnCommand(WORD code) override {
     if (code == LBN_SELCHANGE) list_.Choose(WindowSelection());
+    if (code == LBN_DBLCLK || code == BN_CLICKED) list_.PressEnter();
+  }
+
+  bool TakesEnter() const override {
+    return list_.onEnter != nullptr && list_.SelectedIndex() != forms::ListBox::kNone;
   }
 
  private:

@@ -124,6 +124,13 @@ TEST_F(Win32Controls, ShowWhatTheFormHoldsAndTellWhatAPersonDoes) {
   SendMessageW(list, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, item + item / 2));
   SendMessageW(list, WM_LBUTTONUP, 0, MAKELPARAM(5, item + item / 2));
   EXPECT_EQ(panel_.list.SelectedIndex(), 1);
+  int entered = 0;
+  panel_.list.onEnter = [&] { ++entered; };
+  SendMessageW(list, WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(5, item + item / 2));
+  SendMessageW(list, WM_LBUTTONUP, 0, MAKELPARAM(5, item + item / 2));
+  SetFocus(list);
+  Press(list, WM_KEYDOWN, VK_RETURN);
+  EXPECT_EQ(entered, 2);
   panel_.list.Add("last");
   EXPECT_EQ(SendMessageW(list, LB_GETCOUNT, 0, 0), 4);
   panel_.list.followsEnd = true;
