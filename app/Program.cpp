@@ -14,6 +14,7 @@
 #include "core/ui/frmEdit.h"
 #include "core/ui/frmScriptcfg.h"
 #include "core/ui/frmmsg.h"
+#include "download/Downloads.h"
 #include "platform/EventLoop.h"
 #include "remote/Internet.h"
 #include "remote/frmChat.h"
@@ -31,7 +32,8 @@ namespace {
 
 // The tasks, their schedule, and what carries them out.
 struct Automation {
-  Automation(Platform& platform, std::function<void(const std::string&)> showPopup)
+  Automation(Platform& platform, std::function<void(const std::string&)> showPopup,
+             std::function<void(const std::string&)> beginDownload)
       : fileActions(platform.files, platform.shell, folder),
         search(platform.loop, platform.files, fileActions),
         settings(platform.registry),
@@ -47,7 +49,8 @@ struct Automation {
                  .search = search,
                  .windows = windowActions,
                  .showPopup = std::move(showPopup),
-                 .download = nullptr}),
+                 .download = [begin = std::move(beginDownload)](
+                                 const std::string& url, const std::string&) { begin(url); }}),
         execution(store, platform.shell, platform.session, platform.sound, platform.messageBoxes,
                   &scripts),
         scheduler(platform.loop, platform.clock, store, sched, execution) {}
@@ -157,18 +160,35 @@ struct Program::Parts {
       : options(std::move(startOptions)),
         loop(platform.loop),
         message(platform.forms),
-        automation(platform,
-                   [this, &program](const std::string& text) {
-                     message.ShowText(text);
-                     if (program.onPopup) program.onPopup(text);
-                   }),
+        automation(
+            platform,
+            [this, &program](const std::string& text) {
+              message.ShowText(text);
+              if (program.onPopup) program.onPopup(text);
+            },
+            [this](const std::string& url) { downloads.BeginDownload(url); }),
+        downloads(platform.forms, {.loop = platform.loop,
+                                   .sockets = platform.sockets,
+                                   .files = platform.files,
+                                   .clock = platform.clock,
+                                   .clipboard = platform.clipboard,
+                                   .shell = platform.shell,
+                                   .messageBoxes = platform.messageBoxes,
+                                   .registry = platform.registry,
+                                   .settings = automation.settings,
+                                   .folder = automation.folder}),
         windows(platform, automation, message),
-        remote(platform, automation, windows.main) {}
+        remote(platform, automation, windows.main) {
+    windows.main.showDownload = [this] { downloads.window.Open(); };
+    downloads.window.formBehind = &windows.main;
+    downloads.ForEachDialog([this](forms::Form& form) { form.formBehind = &downloads.window; });
+  }
 
   StartOptions options;
   EventLoop& loop;
   frmmsg message;
   Automation automation;
+  Downloads downloads;
   Windows windows;
   RemoteControl remote;
 };
@@ -188,9 +208,12 @@ Program::Program(Platform& platform, StartOptions options)
              &Editor(), &parts_->windows.about, &ChatWindow(), &parts_->remote.ftpWindow}) {
       form->SetTopMost(on);
     }
+    GetDownloads().window.SetTopMost(on);
+    GetDownloads().ForEachDialog([on](forms::Form& form) { form.SetTopMost(on); });
   };
   parts_->windows.main.onEnded = [this] {
     Telnet().ServerOff();
+    GetDownloads().Unload();
     Editor().Unload();
     parts_->windows.about.Unload();
     parts_->loop.Quit();
@@ -225,12 +248,21 @@ frmEdit& Program::Editor() { return parts_->windows.editor; }
 frmChat& Program::ChatWindow() { return parts_->remote.chat; }
 TelnetServer& Program::Telnet() { return parts_->remote.telnet; }
 FtpServer& Program::Ftp() { return parts_->remote.ftp; }
+Downloads& Program::GetDownloads() { return parts_->downloads; }
 
 std::string Program::ScriptCommand() const { return parts_->automation.scripts.CommandAtWork(); }
 
 void Program::RunUntilIdle() {
-  if (!parts_->automation.scripts.Waiting()) return;
-  parts_->automation.scripts.onIdle = [this] { parts_->loop.Quit(); };
+  const auto idle = [this] {
+    return !parts_->automation.scripts.Waiting() && !GetDownloads().Busy();
+  };
+  const auto quitWhenIdle = [this, idle] {
+    if (idle()) parts_->loop.Quit();
+  };
+  if (idle()) return;
+  parts_->automation.scripts.onIdle = quitWhenIdle;
+  const Subscription ended =
+      GetDownloads().ended.Subscribe([quitWhenIdle](const DownloadEnd&) { quitWhenIdle(); });
   parts_->loop.Run();
 }
 

@@ -11,6 +11,7 @@
 
 namespace orvanto {
 
+class Downloads;
 class FtpServer;
 class Sched;
 class Settings;
@@ -42,7 +43,7 @@ class Program {
   // Throws Error, last of all, for a storage mode that does not convert: it stays 0 then.
   void Prepare();
 
-  // Runs the loop until no script waits for a delay any more.
+  // Runs the loop until no script waits for a delay and no download runs any more.
   void RunUntilIdle();
 
   Settings& GetSettings();
@@ -54,6 +55,7 @@ class Program {
   frmChat& ChatWindow();
   TelnetServer& Telnet();
   FtpServer& Ftp();
+  Downloads& GetDownloads();
 
   // Shows the window that the user is to see: the open dialog, or the main window, also out of the
   // tray. What a second start of the program asks of the first.

@@ -17,6 +17,7 @@
 #include "app/Program.h"
 #include "app/console/Commands.h"
 #include "app/console/ConsoleChat.h"
+#include "app/console/ConsoleDownloads.h"
 #include "core/Convert.h"
 #include "core/ProgramTitle.h"
 #include "core/Sched.h"
@@ -200,6 +201,8 @@ int RunScheduler(const std::string& home, const std::string& commandLine,
   const Subscription ftpLog = program.Ftp().logged.Subscribe(
       [](const std::string& line) { std::cout << "FTP: " << PrintableLine(line) << std::endl; });
   ConsoleChat chat(program, std::cout);
+  const ConsoleDownloads downloads(program.GetDownloads(), host.clock, std::cout, std::cerr,
+                                   ::isatty(STDOUT_FILENO) != 0);
   const TerminalLines lines(host.loop, [&](const std::string& line) { chat.Line(line); });
   host.loop.OnSignals({SIGINT, SIGTERM, SIGHUP}, [&](int) { program.Quit(); });
   program.Start();
@@ -236,10 +239,10 @@ int RunOneCommand(const fs::path& home, const fs::path& start,
     std::cerr << "Users_Share does not hold a number; per-user tasks are used." << std::endl;
   }
   TellOfScripts(program, host);
-  return RunCommand(
-      words, {program, std::cout, std::cerr, [&](const std::string& text, std::int16_t taskType) {
-                return TaskPath(home, start, text, taskType);
-              }});
+  return RunCommand(words, {program, std::cout, std::cerr, host.clock, ::isatty(STDOUT_FILENO) != 0,
+                            [&](const std::string& text, std::int16_t taskType) {
+                              return TaskPath(home, start, text, taskType);
+                            }});
 }
 
 int Main(int argc, char** argv) {

@@ -107,7 +107,7 @@ std::int16_t ToInt16Or(std::string_view text, std::int16_t fallback) {
 float LeadingSingle(std::string_view text) {
   text = Trim(text, " ");
   double number = 0;
-  if (!text.empty() && text[0] >= '0' && text[0] <= '9') {
+  if (!text.empty() && text[0] != '-') {
     std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
   }
   return static_cast<float>(number);

@@ -125,11 +125,7 @@ Result PlaySound(const Line& line) {
 }
 
 Result Download(const Line& line) {
-  if (line.services.download) {
-    line.services.download(line.arg1, line.arg2);
-  } else if (line.onTrouble) {
-    line.onTrouble("Download: " + line.arg1 + " is not fetched, this version has no downloads yet");
-  }
+  if (line.services.download) line.services.download(line.arg1, line.arg2);
   return Result::GoOn;
 }
 

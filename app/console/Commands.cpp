@@ -4,11 +4,13 @@
 
 #include "app/Program.h"
 #include "app/console/AddArguments.h"
+#include "app/console/ConsoleDownloads.h"
 #include "core/Convert.h"
 #include "core/Sched.h"
 #include "core/TaskExecution.h"
 #include "core/modRegistry.h"
 #include "core/modTaskOperations.h"
+#include "download/Downloads.h"
 #include "platform/text/Case.h"
 #include "platform/text/PrintableLine.h"
 
@@ -109,6 +111,19 @@ int Delete(const Words& words, const CommandContext& context) {
   return Finish(context, change);
 }
 
+// Runs what has been started to its end.
+int RunToTheEnd(const CommandContext& context) {
+  ConsoleDownloads downloads(context.program.GetDownloads(), context.clock, context.out,
+                             context.err, context.terminal);
+  context.program.RunUntilIdle();
+  return downloads.AllWell() ? 0 : kExitRefused;
+}
+
+int Download(const Words& words, const CommandContext& context) {
+  context.program.GetDownloads().BeginDownload(words[1]);
+  return RunToTheEnd(context);
+}
+
 int Run(const Words& words, const CommandContext& context) {
   const std::int16_t slot = SlotOf(words[1], context);
   if (slot == 0) return kExitRefused;
@@ -122,9 +137,9 @@ int Run(const Words& words, const CommandContext& context) {
   } catch (const Error&) {
     if (!failed) throw;
   }
-  context.program.RunUntilIdle();
+  const int status = RunToTheEnd(context);
   context.program.onScriptFailure = nullptr;
-  return failed ? kExitRefused : 0;
+  return failed ? kExitRefused : status;
 }
 
 struct Command {
@@ -137,7 +152,7 @@ struct Command {
 
 constexpr std::size_t kAnyNumber = 1000;
 
-constexpr std::array<Command, 6> kCommands{{
+constexpr std::array<Command, 7> kCommands{{
     {"get", 3, 3, Get, "get SECTION NAME              print a setting"},
     {"set", 4, 4, Set, "set SECTION NAME TEXT         store a setting"},
     {"list", 1, 1, List, "list                          print the tasks with their numbers"},
@@ -148,6 +163,7 @@ constexpr std::array<Command, 6> kCommands{{
      "            --reset | --shutdown | --message T | --sound F"},
     {"delete", 2, 2, Delete, "delete N                      delete task N"},
     {"run", 2, 2, Run, "run N                         run task N now, in this process"},
+    {"download", 2, 2, Download, "download URL                  fetch a file into the home"},
 }};
 
 const Command* FindCommand(const std::string& word) {

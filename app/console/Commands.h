@@ -9,6 +9,7 @@
 
 namespace orvanto {
 
+class Clock;
 class Program;
 
 inline constexpr int kExitRefused = 1;  // understood, but not valid, or its script failed
@@ -23,6 +24,8 @@ struct CommandContext {
   Program& program;  // prepared, not started
   std::ostream& out;
   std::ostream& err;
+  const Clock& clock;
+  bool terminal;  // `out` is one
   // A file as the user names it on this system, as a task of that type stores it.
   std::function<std::string(const std::string& file, std::int16_t taskType)> taskPath;
 };

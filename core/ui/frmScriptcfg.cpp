@@ -88,6 +88,7 @@ frmScriptcfg::frmScriptcfg(forms::FormHost& host, const Services& services)
       mnuInetsendfile(mnuInternet, "Send File"),
       mnuInetseparator(mnuInternet, "-"),
       mnuInetftpserver(mnuInternet, "FTP Server"),
+      mnuInetdownload(mnuInternet, "Download..."),
       services_(services) {
   minimizeButton = true;
   treTasks.spokenName = "Tasks";
@@ -201,6 +202,8 @@ void frmScriptcfg::WireRemoteControl() {
   // It has no function yet.
   mnuInetsendfile.SetEnabled(false);
   mnuInetftpserver.SetEnabled(false);  // while the server is off
+  mnuInetdownload.SetEnabled(showDownload != nullptr);
+  mnuInetdownload.onClick = showDownload;
   if (!there) return;
   optIneton.onClick = mnuServeron.onClick = [this] { remoteCommands->SwitchServer(true); };
   optInetoff.onClick = mnuServeroff.onClick = [this] { remoteCommands->SwitchServer(false); };

@@ -61,6 +61,8 @@ class frmScriptcfg : public forms::Form {
   std::function<void(std::optional<std::int16_t> slot)> showEditor;
   std::function<void()> showAbout;
   std::function<void()> showSettings;
+  // Opened beside this one.
+  std::function<void()> showDownload;
 
   // "Always on Top", as it was stored and whenever it is switched: for the windows beside this one.
   std::function<void(bool on)> onOnTop;
@@ -101,7 +103,7 @@ class frmScriptcfg : public forms::Form {
       mnuExit;
   forms::MenuItem mnuTasks, mnuNew, mnuDelete, mnuEdit, mnuRun;
   forms::MenuItem mnuInternet, mnuServer, mnuServeron, mnuServeroff, mnuServersetup, mnuInetchat,
-      mnuInetsendfile, mnuInetseparator, mnuInetftpserver;
+      mnuInetsendfile, mnuInetseparator, mnuInetftpserver, mnuInetdownload;
 
  private:
   enum Command { kNew, kDelete, kEdit, kRun, kTray, kAbout, kExit };

@@ -54,6 +54,7 @@ class CFtpConnection {
   bool PassiveMode = false;          // the client makes the data connection
   std::int32_t Timeout = 30;         // seconds that the server may be silent
   bool Busy() const { return busy_; }
+  bool IsConnected() const { return control_.IsConnected(); }
   // As far as it is known: what PWD told, or where CWD and CDUP have led since.
   const std::string& CurrentDirectory() const { return currentDirectory_; }
 

@@ -30,7 +30,8 @@ class CommandsTest : public testing::Test {
   int Run(const Texts& words) {
     out.str("");
     err.str("");
-    return RunCommand(words, {program, out, err, [](const std::string& path, std::int16_t) {
+    return RunCommand(words, {program, out, err, platform.clock, false,
+                              [](const std::string& path, std::int16_t) {
                                 return path == "tool" ? "C:\\tool.exe" : path;
                               }});
   }

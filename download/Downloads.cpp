@@ -1,0 +1,79 @@
+#include "download/Downloads.h"
+
+#include "core/Convert.h"
+#include "core/ProgramFolder.h"
+#include "core/ProgramTitle.h"
+
+namespace orvanto {
+
+Downloads::Downloads(forms::FormHost& host, const Services& services)
+    : options_(services.registry),
+      header(host),
+      options(host, options_, services.messageBoxes),
+      ftpOptions(host, options_, services.messageBoxes),
+      proxy(host, options_, services.messageBoxes),
+      save(host, services.files),
+      window(host,
+             {.loop = services.loop,
+              .sockets = services.sockets,
+              .files = services.files,
+              .clock = services.clock,
+              .clipboard = services.clipboard,
+              .shell = services.shell,
+              .messageBoxes = services.messageBoxes,
+              .settings = services.settings,
+              .options = options_,
+              .log = header.Log(),
+              .policy = policy_},
+             state_),
+      services_(services),
+      next_(services.loop.NewDeferred([this] { BeginNext(); })) {
+  WireMenu();
+  window.onDownload = [this](const std::string& url) { BeginDownload(url); };
+  window.onEnded = [this](const DownloadEnd& end) {
+    ended.Raise(end);
+    next_->Post();
+  };
+}
+
+void Downloads::WireMenu() {
+  window.mnuOptions.onClick = [this] { options.Open(); };
+  window.mnuFtpOptions.onClick = [this] { ftpOptions.Open(); };
+  window.mnuProxy.onClick = [this] { proxy.Open(); };
+  window.mnuHeader.onClick = [this] { header.Open(); };
+  window.mnuSave.onClick = [this] { save.Open(state_.LocalPath); };
+  save.onPicked = [this](const std::optional<std::string>& path) {
+    if (!path) return;
+    const std::string trouble = services_.files.Copy(state_.LocalPath, *path);
+    if (trouble.empty()) return;
+    services_.messageBoxes.Show("The file could not be saved:\r\n" + trouble, kProgramTitle,
+                                Buttons::Ok, BoxIcon::Critical);
+  };
+}
+
+void Downloads::BeginDownload(const std::string& url) {
+  waiting_.emplace_back(TrimBlanks(url));
+  next_->Post();
+}
+
+void Downloads::BeginNext() {
+  if (waiting_.empty() || window.Running()) return;
+  const std::string url = std::move(waiting_.front());
+  waiting_.pop_front();
+  window.Begin(url, services_.folder.AppDir);
+}
+
+void Downloads::Unload() {
+  waiting_.clear();
+  ForEachDialog([](forms::Form& form) { form.Unload(); });
+  window.Unload();
+}
+
+void Downloads::ForEachDialog(const std::function<void(forms::Form& form)>& each) {
+  for (forms::Form* form :
+       std::initializer_list<forms::Form*>{&header, &options, &ftpOptions, &proxy, &save}) {
+    each(*form);
+  }
+}
+
+}  // namespace orvanto

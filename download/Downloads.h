@@ -1,0 +1,71 @@
+// The downloads of the program: their window, its dialogs, and who waits for the window.
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <string>
+
+#include "download/frmDownload.h"
+#include "download/frmFetchwellOptions.h"
+#include "download/frmFtpOptions.h"
+#include "download/frmHeader.h"
+#include "download/frmProxy.h"
+#include "download/frmSave.h"
+#include "platform/Event.h"
+
+namespace orvanto {
+
+class ProgramFolder;
+
+class Downloads {
+ public:
+  struct Services {
+    EventLoop& loop;
+    SocketHost& sockets;
+    Files& files;
+    const Clock& clock;
+    Clipboard& clipboard;
+    Shell& shell;
+    MessageBoxes& messageBoxes;
+    Registry& registry;
+    Settings& settings;
+    const ProgramFolder& folder;
+  };
+  Downloads(forms::FormHost& host, const Services& services);
+
+  // Fetches the file into the program's folder as soon as those before it have ended. Begins from
+  // the loop.
+  void BeginDownload(const std::string& url);
+  // Whether one runs or waits.
+  bool Busy() const { return !waiting_.empty() || window.Running(); }
+  // Of the windows beside the download's own.
+  void ForEachDialog(const std::function<void(forms::Form& form)>& each);
+  // Closes all windows, and ends with them what runs and what waits.
+  void Unload();
+
+  // After it the next one begins.
+  Event<const DownloadEnd&> ended;
+
+ private:
+  DownloadOptions options_;
+  const DownloadPolicy policy_;
+  DownloadState state_;
+
+ public:
+  frmHeader header;
+  frmFetchwellOptions options;
+  frmFtpOptions ftpOptions;
+  frmProxy proxy;
+  frmSave save;
+  frmDownload window;
+
+ private:
+  void WireMenu();
+  void BeginNext();
+
+  const Services services_;
+  std::deque<std::string> waiting_;
+  const std::unique_ptr<Deferred> next_;
+};
+
+}  // namespace orvanto

@@ -1,0 +1,106 @@
+#include "download/Url.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string_view>
+
+#include "core/Convert.h"
+#include "platform/text/Case.h"
+#include "platform/text/Utf8.h"
+
+namespace orvanto {
+namespace {
+
+constexpr std::string_view kAfterScheme = "://";
+constexpr std::string_view kNotStored = "\\/:*?\"<>|";
+
+constexpr const char* kAnonymous = "anonymous";
+constexpr const char* kAnonymousPassword = "anonymous@example.com";
+
+// Of "beginning:rest", or all of it.
+std::string BeforeColon(const std::string& text) { return text.substr(0, text.find(':')); }
+
+std::string WithoutScheme(const std::string& url) {
+  const std::size_t at = url.find(kAfterScheme);
+  return at == std::string::npos ? url : url.substr(at + kAfterScheme.size());
+}
+
+// Whatever follows its first point. In small letters.
+bool IsDevice(std::string_view name) {
+  const std::string_view stem = TrimBlanks(name.substr(0, name.find('.')));
+  for (const char* const device : {"con", "prn", "aux", "nul", "conin$", "conout$"}) {
+    if (stem == device) return true;
+  }
+  return stem.size() == 4 && (stem.starts_with("com") || stem.starts_with("lpt")) &&
+         stem[3] >= '0' && stem[3] <= '9';
+}
+
+// What stands in the program's folder already, and is not for others to write. In small letters.
+bool IsOurs(std::string_view name) {
+  for (const char* const own :
+       {"orvtask.log", "orvscrpt.log", "orvanto.exe", "orvanto", "orvanto.lock", "scripts"}) {
+    if (name == own) return true;
+  }
+  return name.starts_with("registry.txt");
+}
+
+}  // namespace
+
+void ParseUrl(const std::string& url, DownloadState& state) {
+  const std::string rest = WithoutScheme(url);
+  const std::size_t slash = rest.find('/');
+  if (slash == std::string::npos) return;
+  state.UrlFileName = BeforeColon(rest.substr(rest.rfind('/') + 1));
+  if (!state.UseProxy) state.ConnectHost = rest.substr(0, slash);
+}
+
+Scheme SchemeOf(const std::string& url) {
+  const std::string lower = LowerCase(url);
+  if (lower.starts_with("http://")) return Scheme::Http;
+  return lower.starts_with("ftp://") ? Scheme::Ftp : Scheme::None;
+}
+
+FtpAddress ParseFtpUrl(const std::string& url) {
+  const std::string rest = WithoutScheme(url);
+  const std::size_t slash = std::min(rest.find('/'), rest.size());
+  std::string host = rest.substr(0, slash);
+  FtpAddress address{.user = kAnonymous, .password = kAnonymousPassword};
+  if (const std::size_t at = host.rfind('@'); at != std::string::npos) {
+    const std::string login = host.substr(0, at);
+    address.user = BeforeColon(login);
+    address.password = login.substr(std::min(address.user.size() + 1, login.size()));
+    host.erase(0, at + 1);
+  }
+  address.host = BeforeColon(host);
+  if (address.host.size() < host.size()) {
+    std::uint16_t port = 0;
+    std::from_chars(host.data() + address.host.size() + 1, host.data() + host.size(), port);
+    if (port > 0) address.port = port;
+  }
+  const std::string path = rest.substr(std::min(slash + 1, rest.size()));
+  const std::size_t last = path.rfind('/');
+  if (last != std::string::npos) address.directory = path.substr(0, std::max<std::size_t>(last, 1));
+  address.file = path.substr(last + 1);
+  return address;
+}
+
+std::string LocalFileName(const std::string& name) {
+  std::string stored;
+  for (std::size_t at = 0; at < name.size();) {
+    char32_t character = 0;
+    const std::size_t length = DecodeUtf8(name, at, character);
+    const bool bad = length == 0 || character < ' ' || character == 0x7F ||
+                     kNotStored.find(name[at]) != std::string_view::npos;
+    stored += bad ? "_" : name.substr(at, length);
+    at += std::max<std::size_t>(length, 1);
+  }
+  // Windows drops what these end in.
+  for (std::size_t at = stored.size();
+       at > 0 && (stored[at - 1] == '.' || stored[at - 1] == ' ');) {
+    stored[--at] = '_';
+  }
+  const std::string lower = LowerCase(stored);
+  return IsDevice(lower) || IsOurs(lower) ? "" : stored;
+}
+
+}  // namespace orvanto

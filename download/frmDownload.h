@@ -1,0 +1,122 @@
+// The window through which a file is fetched: one download at a time, its figures and its buttons.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "download/DownloadOptions.h"
+#include "download/Figures.h"
+#include "download/FtpDownload.h"
+#include "download/HttpDownload.h"
+#include "platform/forms/forms.h"
+
+namespace orvanto {
+
+class Clipboard;
+class Shell;
+class TextLog;
+
+// How a download has ended.
+struct DownloadEnd {
+  std::string url;
+  std::string path;    // empty where it has not come so far
+  bool whole = false;  // it is there, and of the length that was told
+  std::string trouble;
+};
+
+class frmDownload : public forms::Form {
+ public:
+  struct Services {
+    EventLoop& loop;
+    SocketHost& sockets;
+    Files& files;
+    const Clock& clock;
+    Clipboard& clipboard;
+    Shell& shell;
+    MessageBoxes& messageBoxes;
+    Settings& settings;
+    DownloadOptions& options;
+    TextLog& log;  // of headers and FTP
+    const DownloadPolicy& policy;
+  };
+  // The state outlives it. Destroyed while an FTP download runs it is lost: end that first.
+  frmDownload(forms::FormHost& host, const Services& services, DownloadState& state);
+
+  // Shows the window.
+  void Open();
+  // Opens the window and fetches the URL into that folder. Not while a download runs. From the
+  // loop: boxes may come.
+  void Begin(const std::string& url, const std::string& folder);
+  // From Begin until onEnded; also while it is paused, and when its connection has failed.
+  bool Running() const { return phase_ != Phase::Idle; }
+
+  // Takes the URL over as what is fetched next; during a download only as a text.
+  void StartUpdate(const std::string& url);
+  void StartDownload(const std::string& localPath);
+  void Reset();
+
+  // `percent` of the box is filled by a bar that inverts the text.
+  static void DrawProgress(forms::PictureBox& box, std::int16_t percent, bool showText);
+
+  std::function<void(const std::string& url)> onDownload;  // the button
+  std::function<void()> onProgress;                        // the figures have been renewed
+  // The connection has failed, or could not be made: nothing more happens until Stop.
+  std::function<void(int error)> onStalled;
+  std::function<void(const DownloadEnd& end)> onEnded;
+
+  forms::MenuItem mnuDownload, mnuOptions, mnuFtpOptions, mnuProxy, mnuSeparator, mnuHeader,
+      mnuSave;
+  forms::Label lblURL;
+  forms::TextBox txtURL;
+  forms::PictureBox picDownloadProgress;
+  forms::Label lblStatus;
+  forms::Label lblRecieveTitle, lblRecieve, lblSizeTitle, lblSize, lblSpeedTitle, lblSpeed;
+  forms::Label lblElapsedTitle, lblElapsed, lblRemainingTitle, lblRemaining;
+  forms::Button cmdDownload, cmdPause, cmdStop, cmdRun;
+
+ private:
+  // Shown: the window says that it is complete, and the last bytes are still to come.
+  enum class Phase { Idle, Running, Paused, Shown };
+
+  void WireButtons();
+  void FillFromClipboard();
+  void TakeUrl(const std::string& url);
+  void BeginTransfer();
+  void RunFtp();
+  void OnReceived();
+  void OnTrouble(HttpDownload::Trouble trouble);
+  void OnWhole();
+  void OnEndOfConnection();
+  void RenewFigures();
+  void CountTime();
+  void PauseOrResume();
+  void Stop();
+  void Abort();
+  void ForgetTransfer();
+  void Finish(bool whole, const std::string& trouble);
+  void ShowBox(bool shown);
+  void ShowStatus(const std::string& text);
+  void ShowTrouble(HttpDownload::Trouble trouble);
+  void ShowCompletion();
+  float SecondsOfDay() const;
+
+  const Services services_;
+  DownloadState& state_;
+  HttpDownload http_;
+  FtpDownload ftp_;
+  const std::unique_ptr<Timer> tmrUpdateProgress_;
+  const std::unique_ptr<Timer> tmrTimeLeft_;
+  const std::unique_ptr<Deferred> ftpStart_;
+  Phase phase_ = Phase::Idle;
+  bool FtpMode_ = false;
+  bool ProxyFtp_ = false;  // nothing sets it
+  bool ftpAgain_ = false;  // as soon as the path that was paused has returned
+  std::string trouble_;    // that ends the download
+  float StartTime_ = 0;
+  float SpeedKbps_ = 0;
+  std::int16_t Percent_ = 0;
+  ElapsedTime Elapsed_;
+};
+
+}  // namespace orvanto
