@@ -30,7 +30,7 @@ class CommandsTest : public testing::Test {
   int Run(const Texts& words) {
     out.str("");
     err.str("");
-    return RunCommand(words, {program, out, err, platform.clock, false,
+    return RunCommand(words, {program, out, err, fake.clock, false,
                               [](const std::string& path, std::int16_t) {
                                 return path == "tool" ? "C:\\tool.exe" : path;
                               }});
