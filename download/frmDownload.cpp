@@ -404,9 +404,7 @@ void frmDownload::PauseOrResume() {
 }
 
 void frmDownload::Stop() {
-  if (!FtpMode_ && !http_.IsOpen()) return;
-  ShowStatus(kAborted);
-  Abort();
+  if (FtpMode_ || http_.IsOpen()) Abort();
 }
 
 // An FTP download ends when its path has returned.
@@ -415,6 +413,7 @@ void frmDownload::Abort() {
   phase_ = Phase::Running;
   ftpAgain_ = false;
   trouble_ = kAborted;
+  ShowStatus(kAborted);
   Reset();
   ftp_.IsRunning() ? ftp_.Stop() : Finish(false, kAborted);
 }

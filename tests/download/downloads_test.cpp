@@ -1,0 +1,308 @@
+#include "download/Downloads.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+#include "tests/support/CoreDesk.h"
+
+namespace orvanto {
+namespace {
+
+constexpr const char* kUrl = "http://host/dir/file";
+constexpr const char* kPath = "C:\\Orvanto\\file";
+constexpr const char* kHeader = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\nContent-Type: x\r\n\r\n";
+constexpr const char* kNoResuming = "Server did not accept resuming.";
+const std::string kNotFound =
+    "The file requested was not found on the server!\r\n\r\nPossible Reasons:\r\n"
+    "- File Does Not Exist On Server\r\n- URL Given Was Script And Data Returned Was Invalid\r\n"
+    "- URL Entered Was Incorrect\r\n- Server Is Excessively Busy\r\n\r\n"
+    "You may reattempt to download.  If its still failure then most likely invalid url.";
+
+struct DownloadDesk : CoreDesk {
+  DownloadDesk() {
+    sockets.names["host"] = {0x01020304};
+    files.diskLeft = std::size_t{1} << 20;
+  }
+  ~DownloadDesk() { downloads.Unload(); }
+
+  Downloads downloads{forms,
+                      {.loop = loop,
+                       .sockets = sockets,
+                       .files = files,
+                       .clock = clock,
+                       .clipboard = clipboard,
+                       .shell = shell,
+                       .messageBoxes = messageBoxes,
+                       .registry = registry,
+                       .settings = settings,
+                       .folder = folder}};
+  frmDownload& window = downloads.window;
+  std::string ends;  // "whole" or what went wrong, each in brackets
+  Subscription listening = downloads.ended.Subscribe(
+      [this](const DownloadEnd& end) { ends += "[" + (end.whole ? "whole" : end.trouble) + "]"; });
+
+  FakeSocketHost::Socket& Http() { return *sockets.sockets.front(); }
+
+  // Until the request has been sent; returns it.
+  std::string Begin(const std::string& url = kUrl) {
+    downloads.BeginDownload(url);
+    loop.DoEvents();
+    if (Http().GetState() == TcpSocket::State::Connecting) Http().Connected();
+    return Http().Sent();
+  }
+  void Expect(const std::string& text, Answer answer = Answer::Ok) {
+    messageBoxes.expected.push_back({text, answer});
+  }
+  std::string File() { return files.contents.contains(kPath) ? files.contents[kPath] : "none"; }
+  // Of Download, Pause, Stop and Run those that can be pressed, and what is shown.
+  std::string Shown() {
+    std::string text;
+    for (const forms::Button* button :
+         {&window.cmdDownload, &window.cmdPause, &window.cmdStop, &window.cmdRun}) {
+      text += button->Usable() ? "x" : "-";
+    }
+    return text + " " + (window.picDownloadProgress.Visible() ? "box" : window.lblStatus.Text());
+  }
+};
+
+std::string RequestFor(const std::string& path, const std::string& range, const std::string& host) {
+  return "GET " + path + " HTTP/1.0\r\nAccept: *.*, */*\r\n" + range +
+         "User-Agent: Tarnwell Downloader\r\nReferer: " + host + "\r\nHost: " + host + "\r\n\r\n";
+}
+
+// What is on the disk, the rollback and its amount, and the line of the request.
+TEST(Download, AsksForTheRest) {
+  const struct {
+    std::size_t length;
+    const char* rollback;
+    const char* amount;
+    const char* range;
+  } kCases[] = {{0, "", "", "Range: bytes=0-\r\n"},
+                {5000, "0", "1024", "Range: bytes=5000-\r\n"},
+                {5000, "1", "1024", "Range: bytes=3976-\r\n"},
+                {5000, "1", "5000", "Range: bytes=5000-\r\n"},
+                {5000, "-1", "many", "Range: bytes=3976-\r\n"},
+                {5000, "x", "1", "Range: bytes=5000-\r\n"},
+                {10'000'001, "0", "", "Range: bytes=1E+07-\r\n"}};
+  for (const auto& [length, rollback, amount, range] : kCases) {
+    DownloadDesk desk;
+    desk.files.contents[kPath] = std::string(length, 'o');
+    desk.settings.WriteSetting("Internet", "Rollback", rollback);
+    desk.settings.WriteSetting("Internet", "Rollback Amount", amount);
+    EXPECT_EQ(desk.Begin(), RequestFor("/dir/file", range, "host"));
+  }
+  DownloadDesk desk;
+  EXPECT_EQ(desk.Begin("HTTP://host//a b?c"), RequestFor("//a b?c", "", "host"));
+  EXPECT_EQ(desk.Http().tried.back(), std::pair(Ipv4{0x01020304}, std::uint16_t{80}));
+}
+
+// What is there, what arrives (in pieces) before the other side closes, what is there then, and how
+// it ends.
+TEST(Download, PutsEveryByteWhereItBelongs) {
+  const std::string header = kHeader;
+  const std::string partial =
+      "HTTP/1.1 206 Partial Content\r\nContent-Type: x\r\nContent-Length: 4\r\n";
+  const struct {
+    const char* before;
+    Texts pieces;
+    const char* after;
+    const char* end;
+    std::string box;
+  } kCases[] = {
+      {"", {header + "0123456789"}, "0123456789", "[whole]", ""},
+      {"",
+       {header, "01234", "content-type: \r\n\r\n"},
+       "01234content-type: \r\n\r\n",
+       "[The connection ended at byte 23 of 10.]",
+       ""},
+      {"", {header + "0123"}, "0123", "[The connection ended at byte 4 of 10.]", ""},
+      {"",
+       {"HTTP/1.0 200 OK\r\ncontent-type: x\r\n\r\n404 not found"},
+       "404 not found",
+       "[whole]",
+       ""},
+      {"", {"plain", " data"}, "plain data", "[whole]", ""},
+      {"", {"Content-Type: never ends"}, "Content-Type: never ends", "[whole]", ""},
+      {"", {}, "none", "[whole]", ""},
+      {"",
+       {"HTTP/1.1 404 Not Found\r\nContent-Type: x\r\n\r\nsorry"},
+       "none",
+       "[File Not Found]",
+       kNotFound},
+      {"abcdef", {partial + "\r\nghij"}, "abcdefghij", "[whole]", ""},
+      {"abcdef",
+       {partial + "Content-Range: bytes 6-9/10\r\n\r\nghij"},
+       "abcdefghij",
+       "[whole]",
+       ""},
+      {"abcdef",
+       {partial + "Content-Range: bytes 0-9/10\r\n\r\nghij"},
+       "abcdef",
+       "[No Resuming Support]",
+       kNoResuming},
+      {"abcdef", {header + "206 partial content"}, "abcdef", "[No Resuming Support]", kNoResuming},
+      {"abcdef", {"no header"}, "abcdefno header", "[whole]", ""},
+  };
+  for (const auto& [before, pieces, after, end, box] : kCases) {
+    DownloadDesk desk;
+    if (*before != '\0') desk.files.contents[kPath] = before;
+    if (!box.empty()) desk.Expect(box);
+    desk.Begin();
+    for (const std::string& piece : pieces) desk.Http().PeerSends(piece);
+    desk.Http().PeerCloses();
+    EXPECT_EQ(desk.File(), after);
+    EXPECT_EQ(desk.ends, end);
+  }
+}
+
+// An arrival without its type is not known for a header.
+TEST(Download, TakesAHeaderThatIsCutAnywhere) {
+  const std::string stream = std::string(kHeader) + "0123456789";
+  const std::size_t type = stream.find("Content-Type:");
+  for (std::size_t cut = 1; cut < stream.size(); ++cut) {
+    DownloadDesk desk;
+    desk.Begin();
+    desk.Http().PeerSends(stream.substr(0, cut));
+    desk.Http().PeerSends(stream.substr(cut));
+    desk.Http().PeerCloses();
+    EXPECT_EQ(desk.File(), (cut <= type       ? stream.substr(0, cut) + "0123456789"
+                            : cut < type + 13 ? stream
+                                              : "0123456789"))
+        << cut;
+  }
+  DownloadDesk desk;
+  desk.Begin();
+  desk.Http().PeerSends("Content-Type:" + std::string(64 << 10, 'x'));
+  EXPECT_EQ(desk.File().size(), (64U << 10) + 13);
+}
+
+// The figures say early that it is complete; the last bytes still come.
+TEST(Download, ShowsCompletionEarlyAndKeepsTheLastByte) {
+  DownloadDesk desk;
+  desk.Begin();
+  desk.Http().PeerSends(kHeader);
+  desk.loop.Advance(1000);
+  desk.Http().PeerSends("01234567");
+  EXPECT_EQ(desk.Shown(), "-xx- box");
+  desk.loop.Advance(1000);
+  EXPECT_EQ(desk.window.lblRecieve.Text() + desk.window.lblSize.Text(), "9 Bytes10 Bytes");
+  EXPECT_EQ(desk.window.picDownloadProgress.Drawings().front().text, "90%");
+  desk.Http().PeerSends("8");
+  desk.loop.Advance(1000);
+  EXPECT_EQ(desk.Shown(), "---x Download Completed");
+  EXPECT_EQ(desk.ends, "");
+  desk.Http().PeerSends("9");
+  EXPECT_EQ(desk.Http().GetState(), TcpSocket::State::Closed);
+  EXPECT_EQ(desk.File() + desk.ends, "0123456789[whole]");
+  EXPECT_TRUE(desk.window.cmdRun.Press());
+  EXPECT_EQ(desk.done.back(), "Open C:\\Orvanto\\file in '' 1");
+  EXPECT_TRUE(desk.window.mnuSave.Choose());
+  desk.downloads.save.txtPath.Type("C:\\copy");
+  desk.downloads.save.cmdOK.Press();
+  EXPECT_EQ(desk.files.contents["C:\\copy"], "0123456789");
+}
+
+TEST(Download, WaitsForTheOneBefore) {
+  DownloadDesk desk;
+  desk.Begin();
+  desk.downloads.BeginDownload(" ftp://host ");
+  desk.downloads.BeginDownload("http://host/second");
+  desk.window.StartUpdate("http://host/other");
+  desk.Http().PeerSends(kHeader + std::string("0123456789"));
+  desk.Http().PeerCloses();
+  EXPECT_FALSE(desk.window.Visible());
+  desk.Expect("This is no address of a file that can be downloaded.\r\nftp://host");
+  desk.loop.DoEvents();
+  desk.loop.DoEvents();
+  ASSERT_EQ(desk.Http().GetState(), TcpSocket::State::Connecting);
+  EXPECT_TRUE(desk.window.Visible());
+  desk.Http().Connected();
+  EXPECT_EQ(desk.Http().Sent(), RequestFor("/second", "", "host"));
+  EXPECT_EQ(desk.ends, "[whole][This is no address of a file that can be downloaded.]");
+}
+
+// Each button in each state: what it does to what is shown and to the connection.
+TEST(Download, ButtonsDoWhatTheStateAllows) {
+  using State = TcpSocket::State;
+  const struct {
+    const char* steps;  // h header, d data, P pause or resume, S stop, c closes, e fails, u unloads
+    const char* shown;
+    State state;
+    const char* ends;
+  } kCases[] = {
+      {"", "-xx- box", State::Connected, ""},
+      {"P", "-xx- box", State::Connected, ""},
+      {"S", "x--- Download Aborted", State::Closed, "[Download Aborted]"},
+      {"hd", "-xx- box", State::Connected, ""},
+      {"hdP", "-x-- Download Paused", State::Closed, ""},
+      {"hdPS", "-x-- Download Paused", State::Closed, ""},
+      {"hdPP", "-xx- box", State::Connecting, ""},
+      {"hdPPS", "x--- Download Aborted", State::Closed, "[Download Aborted]"},
+      {"hdPPnS", "x--- Download Aborted", State::Closed, "[Download Aborted]"},
+      {"hdS", "x--- Download Aborted", State::Closed, "[Download Aborted]"},
+      {"hde", "-xx- box", State::Failed, ""},
+      {"hdeS", "x--- Download Aborted", State::Closed, "[Download Aborted]"},
+      {"hdeP", "-x-- Download Paused", State::Closed, ""},
+      {"hdu", "---- Download Aborted", State::Closed, "[Download Aborted]"},
+      {"hdPu", "---- Download Aborted", State::Closed, "[Download Aborted]"},
+      {"hdc", "---- Download Completed", State::Closed, "[The connection ended at byte 5 of 10.]"}};
+  for (const auto& [steps, shown, state, ends] : kCases) {
+    DownloadDesk desk;
+    desk.Begin();
+    for (const char step : std::string(steps)) {
+      if (step == 'h') desk.Http().PeerSends(kHeader);
+      if (step == 'd') desk.Http().PeerSends("01234");
+      if (step == 'n') desk.Http().Connected();
+      if (step == 'P') desk.window.cmdPause.Press();
+      if (step == 'S') desk.window.cmdStop.Press();
+      if (step == 'c') desk.Http().PeerCloses();
+      if (step == 'u') desk.window.Close();
+      desk.Http().receiveError = step == 'e' ? 10054 : 0;
+      if (step == 'e') desk.Http().Receive();
+      desk.loop.Advance(1000);
+    }
+    EXPECT_EQ(desk.Shown(), shown) << steps;
+    EXPECT_EQ(desk.Http().GetState(), state) << steps;
+    EXPECT_EQ(desk.ends, ends) << steps;
+  }
+}
+
+// While it is paused the file decides where it goes on.
+TEST(Download, GoesOnAfterAPauseWhereTheFileEnds) {
+  DownloadDesk desk;
+  desk.settings.WriteSetting("Internet", "Rollback", "1");
+  desk.settings.WriteSetting("Internet", "Rollback Amount", "2");
+  desk.Begin();
+  desk.Http().PeerSends(kHeader + std::string("01234"));
+  desk.window.cmdPause.Press();
+  desk.window.txtURL.Type("http://else/where");
+  desk.window.cmdPause.Press();
+  desk.Http().Connected();
+  EXPECT_EQ(desk.Http().Sent(), RequestFor("/dir/file", "Range: bytes=5-\r\n", "host"));
+  desk.Http().PeerSends(
+      "HTTP/1.1 206 Partial Content\r\nContent-Type: x\r\n"
+      "Content-Length: 5\r\n\r\n56789");
+  desk.Http().PeerCloses();
+  EXPECT_EQ(desk.File() + desk.ends, "0123456789[whole]");
+}
+
+TEST(Download, TakesUrlsFromTheClipboardAndFromDrops) {
+  DownloadDesk desk;
+  desk.clipboard.text = "  see ftp://host/x \r\n";
+  desk.window.Open();
+  EXPECT_EQ(desk.window.txtURL.Text(), "see ftp://host/x \r\n");
+  desk.window.txtURL.Drop(" http://host/a ");
+  EXPECT_EQ(desk.window.txtURL.Text(), "http://host/a");
+  desk.window.Close();
+  CRegister(desk.registry)
+      .REGSaveSetting("HKLM", "\\Software\\Orvanto\\Settings", "Clipboard", "0");
+  desk.window.txtURL.SetText("");
+  desk.window.Open();
+  EXPECT_EQ(desk.window.txtURL.Text(), "");
+}
+
+}  // namespace
+}  // namespace orvanto
