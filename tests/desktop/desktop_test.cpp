@@ -40,7 +40,7 @@ TEST_F(DesktopTest, ASecondStartShowsTheFirst) {
   ShowWindow(editor, SW_MINIMIZE);
   EXPECT_EQ(RunningProgram().ExitCode(), 0);
   EXPECT_EQ(InFront(L"New Task"), editor);
-  EXPECT_FALSE(IsIconic(editor));
+  EXPECT_TRUE(WaitFor([&] { return !IsIconic(editor); }));
   EXPECT_FALSE(IsWindowVisible(main));
 }
 
