@@ -1,68 +1,52 @@
 // The remote control of the finished program: a telnet client at one end, the windows at the other.
-#include <winsock2.h>
-
+#include "platform/text/Lines.h"
+#include "platform/win32/Win32Socket.h"
 #include "tests/desktop/DesktopTest.h"
 
 namespace orvanto::desktop {
 namespace {
 
-sockaddr_in Loopback(u_short port) {
-  sockaddr_in address = {};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(port);
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  return address;
-}
-
-// One that is free: the system chooses it.
-u_short FreePort() {
-  const SOCKET probe = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address = Loopback(0);
-  int size = sizeof address;
-  bind(probe, reinterpret_cast<const sockaddr*>(&address), size);
-  getsockname(probe, reinterpret_cast<sockaddr*>(&address), &size);
-  closesocket(probe);
-  return ntohs(address.sin_port);
-}
+constexpr const char* kHost = "127.0.0.1";
 
 // A telnet client as small as can be: keys one at a time, each waited for.
 class Client {
  public:
-  explicit Client(u_short port) {
-    const sockaddr_in address = Loopback(port);
-    EXPECT_EQ(connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    const DWORD patience = 20000;
-    setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, reinterpret_cast<const char*>(&patience),
-               sizeof patience);
+  // One that is free: the system chooses it.
+  std::uint16_t FreePort() {
+    EXPECT_TRUE(socket_->Listen(0, kHost));
+    const std::uint16_t port = socket_->LocalPort();
+    socket_->Close();
+    return port;
   }
-  ~Client() { closesocket(socket_); }
-  Client(const Client&) = delete;
-  Client& operator=(const Client&) = delete;
+  void Connect(std::uint16_t port) {
+    socket_->onDataArrival = [this] { seen_ += socket_->GetData(); };
+    socket_->Connect(kHost, port);
+  }
 
   // Waits for what comes up to the end of this text.
   void Expect(const std::string& text) {
-    std::size_t at = 0;
-    while ((at = seen_.find(text)) == std::string::npos) {
-      char bytes[4096];
-      const int count = recv(socket_, bytes, sizeof bytes, 0);
-      ASSERT_GT(count, 0) << text << " did not come: " << seen_;
-      seen_.append(bytes, static_cast<std::size_t>(count));
-    }
-    seen_.erase(0, at + text.size());
+    const auto at = [&] { return seen_.find(text); };
+    loop_.WaitFor(
+        life_, [&] { return at() != seen_.npos; }, std::chrono::seconds(20));
+    ASSERT_NE(at(), seen_.npos) << text << " did not come: " << seen_;
+    seen_.erase(0, at() + text.size());
   }
 
   // Types a line and Enter, and waits for a text after it.
   void Line(const std::string& line, const std::string& then) {
     for (const char key : line) {
-      send(socket_, &key, 1, 0);
+      socket_->Send({&key, 1});
       Expect(std::string(1, key));
     }
-    send(socket_, "\r\n", 2, 0);
+    socket_->Send(kCrLf);
     Expect(then);
   }
 
  private:
-  const SOCKET socket_ = socket(AF_INET, SOCK_STREAM, 0);
+  win32::Win32Loop loop_;
+  win32::Win32SocketHost host_{loop_};
+  const std::unique_ptr<TcpSocket> socket_ = host_.NewSocket(SocketHost::Use::Conversation);
+  const std::shared_ptr<int> life_ = std::make_shared<int>();
   std::string seen_;
 };
 
@@ -80,9 +64,8 @@ bool Shows(const RunningProgram& program, bool connected) {
 }
 
 TEST_F(DesktopTest, TheWindowsTellOfTheClientAndTalkWithHim) {
-  WSADATA data;
-  WSAStartup(MAKEWORD(2, 2), &data);
-  const u_short port = FreePort();
+  Client client;
+  const std::uint16_t port = client.FreePort();
   Store(L"General", L"Inet_ServerPort", std::to_wstring(port));
   Store(L"General", L"Inet_ServerOn", L"1");
   Store(L"General", L"OnTop", L"1");
@@ -91,7 +74,7 @@ TEST_F(DesktopTest, TheWindowsTellOfTheClientAndTalkWithHim) {
   ASSERT_TRUE(Shows(program, false));
   const HWND log = RunningProgram::Children(program.MainWindow(), WC_EDITW).at(0);
   EXPECT_EQ(TextOf(log), L"Waiting for Connection...");
-  Client client(port);
+  client.Connect(port);
   client.Expect("7) Logout\r\n>");
   EXPECT_TRUE(Shows(program, true));
   EXPECT_TRUE(WaitFor([&] { return TextOf(log).find(L"1: Main Menu") != std::wstring::npos; }));
