@@ -83,21 +83,18 @@ TEST_F(DesktopTest, TheWindowsTellOfTheClientAndTalkWithHim) {
     EXPECT_EQ(program.BoxInFront(), L"Accept Chat Request?");
     EXPECT_TRUE(IsTopMost(program.Box())) << "as the main window is";
     // What is typed when it comes is no consent.
-    if (accepted) PressKeys({VK_LEFT});
-    PressKeys({VK_RETURN});
+    Type(accepted ? "{LEFT}~" : "~");
     client.Expect(accepted ? "Press '/' to Quit...\r\n\r\n" : "7) Logout\r\n>");
   }
   const HWND chat = InFront(L"Chat");
   const std::vector<HWND> texts = RunningProgram::Children(chat, WC_EDITW);
   const HWND line = texts.at(0);
   const HWND transcript = texts.at(1);
-  TypeText(L"Good evening");
-  PressKeys({VK_RETURN});
+  Type("Good evening~");
   client.Expect("\r\nServer: Good evening\r\n");
   EXPECT_TRUE(WaitFor([&] { return TextOf(line).empty(); }));
   // The newest line is in sight, wherever the keyboard is; a letter beside the box ends no chat.
-  PressWith(VK_SHIFT, VK_TAB);
-  PressKeys({'Q'});
+  Type("+{TAB}q");
   std::wstring said = L"Server: Good evening\r\n";
   for (int i = 0; i < 12; ++i) {
     client.Line("Hi", "\r\n");
@@ -105,16 +102,15 @@ TEST_F(DesktopTest, TheWindowsTellOfTheClientAndTalkWithHim) {
   }
   EXPECT_TRUE(WaitFor([&] { return TextOf(transcript) == said; }));
   EXPECT_GT(SendMessageW(transcript, EM_GETFIRSTVISIBLELINE, 0, 0), 5);
-  PressKeys({VK_ESCAPE});  // ends no conversation
-  PressWith(VK_MENU, 'Q');
+  Type("{ESC}");  // ends no conversation
+  Type("%q");
   client.Expect("\r\nChat Ended by Server\r\n\r\n");
   EXPECT_TRUE(WaitFor([&] { return !IsWindow(chat); }));
   EXPECT_TRUE(program.MainIsInFront());
 
-  PressWith(VK_MENU, 'I');
-  PressKeys({VK_UP, VK_RETURN});
+  Type("%i{UP}~");
   EXPECT_NE(InFront(L"Brisk FTP Server ver .1a"), nullptr);
-  PressKeys({VK_ESCAPE});
+  Type("{ESC}");
   EXPECT_TRUE(program.MainIsInFront());
 
   // The selection stays in sight when the server's area takes its place.
