@@ -40,7 +40,7 @@ TEST_F(DesktopTest, ASecondStartShowsTheFirst) {
   ShowWindow(editor, SW_MINIMIZE);
   EXPECT_EQ(RunningProgram().ExitCode(), 0);
   EXPECT_EQ(InFront(L"New Task"), editor);
-  EXPECT_FALSE(IsIconic(editor));
+  EXPECT_TRUE(WaitFor([&] { return !IsIconic(editor); }));
   EXPECT_FALSE(IsWindowVisible(main));
 }
 
@@ -51,9 +51,9 @@ TEST_F(DesktopTest, SavesAtTheEndOfTheSession) {
     ASSERT_TRUE(program.MainIsInFront());
     const HWND main = program.MainWindow();
     EXPECT_EQ(IsTopMost(main), wasOnTop);
-    PressKeys({VK_MENU, 'S'});
+    Type("%()s");
     ASSERT_TRUE(WaitFor([&] { return !TopLevel(program.Id(), L"#32768").empty(); })) << "a menu";
-    PressKeys({VK_DOWN, VK_RETURN});
+    Type("{DOWN}~");
     ASSERT_TRUE(WaitFor([&] { return IsTopMost(main) != wasOnTop; }));
     if (wasOnTop) {  // with the editor open this time
       program.Press(L"&New Task");

@@ -1,68 +1,52 @@
 // The remote control of the finished program: a telnet client at one end, the windows at the other.
-#include <winsock2.h>
-
+#include "platform/text/Lines.h"
+#include "platform/win32/Win32Socket.h"
 #include "tests/desktop/DesktopTest.h"
 
 namespace orvanto::desktop {
 namespace {
 
-sockaddr_in Loopback(u_short port) {
-  sockaddr_in address = {};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(port);
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  return address;
-}
-
-// One that is free: the system chooses it.
-u_short FreePort() {
-  const SOCKET probe = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address = Loopback(0);
-  int size = sizeof address;
-  bind(probe, reinterpret_cast<const sockaddr*>(&address), size);
-  getsockname(probe, reinterpret_cast<sockaddr*>(&address), &size);
-  closesocket(probe);
-  return ntohs(address.sin_port);
-}
+constexpr const char* kHost = "127.0.0.1";
 
 // A telnet client as small as can be: keys one at a time, each waited for.
 class Client {
  public:
-  explicit Client(u_short port) {
-    const sockaddr_in address = Loopback(port);
-    EXPECT_EQ(connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    const DWORD patience = 20000;
-    setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, reinterpret_cast<const char*>(&patience),
-               sizeof patience);
+  // One that is free: the system chooses it.
+  std::uint16_t FreePort() {
+    EXPECT_TRUE(socket_->Listen(0, kHost));
+    const std::uint16_t port = socket_->LocalPort();
+    socket_->Close();
+    return port;
   }
-  ~Client() { closesocket(socket_); }
-  Client(const Client&) = delete;
-  Client& operator=(const Client&) = delete;
+  void Connect(std::uint16_t port) {
+    socket_->onDataArrival = [this] { seen_ += socket_->GetData(); };
+    socket_->Connect(kHost, port);
+  }
 
   // Waits for what comes up to the end of this text.
   void Expect(const std::string& text) {
-    std::size_t at = 0;
-    while ((at = seen_.find(text)) == std::string::npos) {
-      char bytes[4096];
-      const int count = recv(socket_, bytes, sizeof bytes, 0);
-      ASSERT_GT(count, 0) << text << " did not come: " << seen_;
-      seen_.append(bytes, static_cast<std::size_t>(count));
-    }
-    seen_.erase(0, at + text.size());
+    const auto at = [&] { return seen_.find(text); };
+    loop_.WaitFor(
+        life_, [&] { return at() != seen_.npos; }, std::chrono::seconds(20));
+    ASSERT_NE(at(), seen_.npos) << text << " did not come: " << seen_;
+    seen_.erase(0, at() + text.size());
   }
 
   // Types a line and Enter, and waits for a text after it.
   void Line(const std::string& line, const std::string& then) {
     for (const char key : line) {
-      send(socket_, &key, 1, 0);
+      socket_->Send({&key, 1});
       Expect(std::string(1, key));
     }
-    send(socket_, "\r\n", 2, 0);
+    socket_->Send(kCrLf);
     Expect(then);
   }
 
  private:
-  const SOCKET socket_ = socket(AF_INET, SOCK_STREAM, 0);
+  win32::Win32Loop loop_;
+  win32::Win32SocketHost host_{loop_};
+  const std::unique_ptr<TcpSocket> socket_ = host_.NewSocket(SocketHost::Use::Conversation);
+  const std::shared_ptr<int> life_ = std::make_shared<int>();
   std::string seen_;
 };
 
@@ -80,9 +64,8 @@ bool Shows(const RunningProgram& program, bool connected) {
 }
 
 TEST_F(DesktopTest, TheWindowsTellOfTheClientAndTalkWithHim) {
-  WSADATA data;
-  WSAStartup(MAKEWORD(2, 2), &data);
-  const u_short port = FreePort();
+  Client client;
+  const std::uint16_t port = client.FreePort();
   Store(L"General", L"Inet_ServerPort", std::to_wstring(port));
   Store(L"General", L"Inet_ServerOn", L"1");
   Store(L"General", L"OnTop", L"1");
@@ -91,7 +74,7 @@ TEST_F(DesktopTest, TheWindowsTellOfTheClientAndTalkWithHim) {
   ASSERT_TRUE(Shows(program, false));
   const HWND log = RunningProgram::Children(program.MainWindow(), WC_EDITW).at(0);
   EXPECT_EQ(TextOf(log), L"Waiting for Connection...");
-  Client client(port);
+  client.Connect(port);
   client.Expect("7) Logout\r\n>");
   EXPECT_TRUE(Shows(program, true));
   EXPECT_TRUE(WaitFor([&] { return TextOf(log).find(L"1: Main Menu") != std::wstring::npos; }));
@@ -100,21 +83,18 @@ TEST_F(DesktopTest, TheWindowsTellOfTheClientAndTalkWithHim) {
     EXPECT_EQ(program.BoxInFront(), L"Accept Chat Request?");
     EXPECT_TRUE(IsTopMost(program.Box())) << "as the main window is";
     // What is typed when it comes is no consent.
-    if (accepted) PressKeys({VK_LEFT});
-    PressKeys({VK_RETURN});
+    Type(accepted ? "{LEFT}~" : "~");
     client.Expect(accepted ? "Press '/' to Quit...\r\n\r\n" : "7) Logout\r\n>");
   }
   const HWND chat = InFront(L"Chat");
   const std::vector<HWND> texts = RunningProgram::Children(chat, WC_EDITW);
   const HWND line = texts.at(0);
   const HWND transcript = texts.at(1);
-  TypeText(L"Good evening");
-  PressKeys({VK_RETURN});
+  Type("Good evening~");
   client.Expect("\r\nServer: Good evening\r\n");
   EXPECT_TRUE(WaitFor([&] { return TextOf(line).empty(); }));
   // The newest line is in sight, wherever the keyboard is; a letter beside the box ends no chat.
-  PressWith(VK_SHIFT, VK_TAB);
-  PressKeys({'Q'});
+  Type("+{TAB}q");
   std::wstring said = L"Server: Good evening\r\n";
   for (int i = 0; i < 12; ++i) {
     client.Line("Hi", "\r\n");
@@ -122,16 +102,15 @@ TEST_F(DesktopTest, TheWindowsTellOfTheClientAndTalkWithHim) {
   }
   EXPECT_TRUE(WaitFor([&] { return TextOf(transcript) == said; }));
   EXPECT_GT(SendMessageW(transcript, EM_GETFIRSTVISIBLELINE, 0, 0), 5);
-  PressKeys({VK_ESCAPE});  // ends no conversation
-  PressWith(VK_MENU, 'Q');
+  Type("{ESC}");  // ends no conversation
+  Type("%q");
   client.Expect("\r\nChat Ended by Server\r\n\r\n");
   EXPECT_TRUE(WaitFor([&] { return !IsWindow(chat); }));
   EXPECT_TRUE(program.MainIsInFront());
 
-  PressWith(VK_MENU, 'I');
-  PressKeys({VK_UP, VK_RETURN});
+  Type("%i{UP}~");
   EXPECT_NE(InFront(L"Brisk FTP Server ver .1a"), nullptr);
-  PressKeys({VK_ESCAPE});
+  Type("{ESC}");
   EXPECT_TRUE(program.MainIsInFront());
 
   // The selection stays in sight when the server's area takes its place.

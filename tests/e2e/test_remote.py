@@ -8,9 +8,8 @@ import socket
 import termios
 import time
 import unittest
-from datetime import datetime, timedelta
 
-from support import HomeTest, PROGRAM, hh_mm, lines_of, next_minute, sleep_until
+from support import HomeTest, PROGRAM
 
 MENU_END = b"7) Logout\r\n>"
 PATIENCE = 15
@@ -110,31 +109,6 @@ class Remote(HomeTest):
         wait_until(lambda: listens in pathlib.Path("/proc/net/tcp").read_text(encoding="ascii"),
                    "the server does not listen")
 
-    def connect(self):
-        self.wait_until_listening()
-        return Client(self.port)
-
-    def test_a_flood_keeps_no_task_from_its_minute(self):
-        home = self.serve()
-        program, marks = self.marker(home, "made")
-        self.start(home)
-        due = next_minute(margin=15)
-        self.orvanto(home, "add", "made", "--at", hh_mm(due), "--day", str(due.day), "--program",
-                     program)
-        sleep_until(due - timedelta(seconds=5))
-        block = b"x" * (64 << 10)
-        sent = 0
-        while datetime.now() < due + timedelta(seconds=5):
-            with self.connect().socket as client:
-                client.settimeout(0.2)
-                try:
-                    while datetime.now() < due + timedelta(seconds=5):
-                        sent += client.send(block)
-                except OSError:
-                    pass  # ended by the server, or full until it is
-        self.assertGreater(sent, 1 << 20)
-        self.assertEqual(len(lines_of(marks)), 1)
-
     def real_client(self, *command, character_mode=False):
         """What a client's keys and its protocol could spoil."""
         home = self.serve(Inet_Passwd_Required="1", Inet_Passwd="Secret", Inet_Chat_Auto="1")
@@ -182,7 +156,8 @@ class Remote(HomeTest):
         host = Terminal(PROGRAM, "--home", str(home))
         self.addCleanup(host.close)
         host.expect(b"runs the tasks in")
-        client = self.connect()
+        self.wait_until_listening()
+        client = Client(self.port)
         client.expect(MENU_END)
         client.line("6", b"Asking for Chat...\r\n")
         host.expect(b"Accept Chat Request?")

@@ -212,55 +212,6 @@ TEST_P(SocketContract, ACloseOnBothSidesLosesNothingThatWasSent) {
   EXPECT_EQ(atClient.seen, "CDXC") << "no event comes of a gentle close";
 }
 
-// The peer goes while data of both ways are under way: the system resets the connection.
-TEST_P(SocketContract, WhatArrivedComesBeforeTheEndEvenWhenSendingFails) {
-  ConnectEnds();
-  server->onDataArrival = [&, fetch = server->onDataArrival] {
-    fetch();
-    server->Send("answer");
-  };
-  const std::string text = Pattern(100 << 10);
-  client->Send(text);
-  ASSERT_TRUE(Until([&] { return !atServer.data.empty(); }));
-  client->Close();
-  ASSERT_TRUE(Until([&] { return atServer.Ended(); }));
-  EXPECT_TRUE(text.starts_with(atServer.data));
-  EXPECT_EQ(atServer.seen.find_first_of("XE"), atServer.seen.size() - 1);
-}
-
-TEST_P(SocketContract, NothingOfAClosedConnectionReachesTheNext) {
-  ConnectEnds();
-  client->Send(Pattern(200 << 10));
-  const auto fetch = server->onDataArrival;
-  server->onDataArrival = [&] { server->Close(); };
-  ASSERT_TRUE(Until([&] { return server->GetState() == State::Closed; }));
-  server->onDataArrival = fetch;
-  ConnectEnds();
-  client->Send("fresh");
-  ASSERT_TRUE(Until([&] { return !atServer.data.empty(); }));
-  Settle();
-  EXPECT_EQ(atServer.seen, "D");
-  EXPECT_EQ(atServer.data, "fresh");
-}
-
-TEST_P(SocketContract, WithoutGetDataReadingStopsAndTheRestIsThere) {
-  ConnectEnds();
-  const auto fetch = server->onDataArrival;
-  int arrivals = 0;
-  server->onDataArrival = [&] { ++arrivals; };
-  const std::string text = Pattern(400 << 10);
-  client->Send(text);
-  ASSERT_TRUE(Until([&] { return arrivals > 0; }));
-  client->CloseGently();
-  Settle();
-  EXPECT_EQ(server->GetState(), State::Connected);
-  server->onDataArrival = fetch;
-  fetch();
-  ASSERT_TRUE(Until([&] { return atServer.Ended(); }));
-  EXPECT_TRUE(atServer.data == text) << atServer.data.size();
-  EXPECT_EQ(atServer.seen, "DX");
-}
-
 TEST_P(SocketContract, AHoldKeepsEverythingUntilItsEnd) {
   const auto second = NewSocket();
   const auto listener = NewSocket();

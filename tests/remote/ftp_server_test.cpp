@@ -180,6 +180,7 @@ TEST_F(FtpServerTest, SendsFilesInChunks) {
     EXPECT_EQ(Data().sent.size(), std::min<std::size_t>(size, 1024)) << "one at a time";
     for (int i = 0; i < 3; ++i) loop.DoEvents();
     EXPECT_EQ(Data().pieces, static_cast<int>((size + 1023) / 1024));
+    EXPECT_EQ(Data().GetState(), TcpSocket::State::Closing);
     EXPECT_TRUE(Data().Sent() == contents);
     EXPECT_EQ(Answered(), kComplete);
     EXPECT_EQ(files.open, 0);
@@ -302,7 +303,8 @@ TEST_F(FtpServerTest, TheTableHoldsAHundredAndOne) {
   SocketAt(0).PeerConnects();
   EXPECT_EQ(SocketAt(1).sent, "421 Too many users.\r\n");
   EXPECT_EQ(SocketAt(1).GetState(), TcpSocket::State::Closing);
-  Say("USER bob", 50);
+  Say(kPort + "|LIST", 49);  // which holds nobody up
+  EXPECT_EQ(Say("USER bob", 50), "331 User name ok, need password.\n");
   Command(50).receiveError = kConnectionReset;
   Command(50).Receive();
   EXPECT_EQ(log.end()[-2], "ERROR - commandSock: The other side has broken the connection (10054)");

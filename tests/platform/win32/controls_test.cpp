@@ -233,46 +233,5 @@ TEST_F(Win32Controls, AClosedGroupTakesTheSelection) {
   EXPECT_EQ(clicks, 1);
 }
 
-int GdiObjects() {
-  if (const DWORD count = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS)) return int(count);
-  // Wine counts nothing, but keeps the table of them that Windows had before version 10.
-  struct Entry {
-    ULONG64 object;
-    WORD owner, unique, type, flags;
-    ULONG64 data;
-  };
-  const auto* block = reinterpret_cast<const BYTE* (*)()>(reinterpret_cast<void*>(
-      GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetCurrentPeb")))();
-  const auto* table = *reinterpret_cast<const Entry* const*>(block + 0xF8);
-  return int(
-      std::count_if(table, table + 0x4000, [](const Entry& each) { return each.type != 0; }));
-}
-
-TEST_F(Win32Controls, OpeningsLeaveNothingBehind) {
-  const auto openWindows = [] {
-    int count = 0;
-    const auto add = [](HWND, LPARAM counted) -> BOOL {
-      return ++*reinterpret_cast<int*>(counted);
-    };
-    EnumThreadWindows(GetCurrentThreadId(), add, reinterpret_cast<LPARAM>(&count));
-    return count;
-  };
-  int windows[2] = {};
-  int objects[2] = {};
-  constexpr int kOpenings = 50;
-  for (const int round : {0, 1}) {
-    for (int i = 0; i < kOpenings; ++i) {
-      panel_.Unload();
-      panel_.Show();
-      loop_.DoEvents();
-    }
-    windows[round] = openWindows();
-    objects[round] = GdiObjects();
-  }
-  EXPECT_EQ(windows[1], windows[0]);
-  EXPECT_GT(objects[0], 0);
-  EXPECT_LT(objects[1], objects[0] + kOpenings) << "what the system caches comes now and then";
-}
-
 }  // namespace
 }  // namespace orvanto::win32

@@ -13,10 +13,8 @@
 #include "platform/win32/Text.h"
 #include "platform/win32/Win32Clipboard.h"
 #include "platform/win32/Win32Desktop.h"
-#include "platform/win32/Win32Keyboard.h"
 #include "platform/win32/Win32Process.h"
 #include "platform/win32/Win32Session.h"
-#include "script/KeySequence.h"
 #include "tests/desktop/RunningProgram.h"
 #include "tests/support/TemporaryDirectory.h"
 
@@ -24,6 +22,7 @@ namespace orvanto::win32 {
 namespace {
 
 using desktop::TextOf;
+using desktop::Type;
 using desktop::WaitFor;
 using std::chrono::milliseconds;
 
@@ -62,8 +61,6 @@ class Notepad {
  private:
   ProcessHandle process_;
 };
-
-void Type(const std::string& keys) { Win32Keyboard().Type(ParseKeySequence(keys)); }
 
 bool AnyModifierDown() {
   return std::ranges::any_of(std::initializer_list<int>{VK_SHIFT, VK_CONTROL, VK_MENU},
