@@ -30,10 +30,10 @@ class CommandsTest : public testing::Test {
   int Run(const Texts& words) {
     out.str("");
     err.str("");
-    return RunCommand(words, {program, out, err, fake.clock, false,
-                              [](const std::string& path, std::int16_t) {
-                                return path == "tool" ? "C:\\tool.exe" : path;
-                              }});
+    return RunCommand(
+        words, {program, out, err, fake.clock, false, [](const std::string& path, std::int16_t) {
+                  return path == "tool" ? "C:\\tool.exe" : path;
+                }});
   }
   // A blank parts words, and "~" is a blank in one.
   int Run(const std::string& line) {
@@ -233,7 +233,9 @@ TEST_F(ProgramTest, TheServersAreaAndTheTerminalActOnTheClient) {
   program.GetSettings().WriteSetting(kGeneral, "Inet_ServerOn", "1");
   std::ostringstream said;
   ConsoleChat terminal(program, said);
-  FakeSocketHost::Socket& socket = *fake.sockets.sockets.front();
+  FakeSocketHost::Socket& socket = **std::find_if(
+      fake.sockets.sockets.begin(), fake.sockets.sockets.end(),
+      [](const auto* each) { return each->GetState() == TcpSocket::State::Listening; });
   program.Start();
   frmScriptcfg& window = program.MainWindow();
   EXPECT_EQ(window.shpServerno.Colour(), forms::Lamp::kLit);
