@@ -43,7 +43,9 @@ class FtpDownload {
   bool Arrive(const FtpAddress& address);
   bool Fetch(const FtpAddress& address);
   std::string Trouble() const;
-  bool IsOver() const { return stopRequested_ || transferDone_; }
+  bool IsOver() const {
+    return stopRequested_ || transferDone_ || services_.ftp.loop.QuitRequested();
+  }
 
   const Services services_;
   DownloadState& state_;

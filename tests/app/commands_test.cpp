@@ -233,10 +233,10 @@ TEST_F(ProgramTest, TheServersAreaAndTheTerminalActOnTheClient) {
   program.GetSettings().WriteSetting(kGeneral, "Inet_ServerOn", "1");
   std::ostringstream said;
   ConsoleChat terminal(program, said);
+  program.Start();
   FakeSocketHost::Socket& socket = **std::find_if(
       fake.sockets.sockets.begin(), fake.sockets.sockets.end(),
       [](const auto* each) { return each->GetState() == TcpSocket::State::Listening; });
-  program.Start();
   frmScriptcfg& window = program.MainWindow();
   EXPECT_EQ(window.shpServerno.Colour(), forms::Lamp::kLit);
   ASSERT_TRUE(socket.PeerConnects());

@@ -1,4 +1,3 @@
-// The FTP client, and a server that follows a script.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,7 +8,7 @@
 #include <string>
 
 #include "download/ftp/CFtpConnection.h"
-#include "tests/support/FakePlatform.h"
+#include "tests/download/ScriptedFtpServer.h"
 
 namespace orvanto {
 namespace {
@@ -20,8 +19,9 @@ constexpr const char* kTimeOut =
     "A time-out occurred while communicating with the server.The server took too long to "
     "respond.\r\n\r\nWould you like to wait for server response?";
 
-struct Desk : FakePlatform {
-  explicit Desk(const std::string& begin = kLogIn) {
+struct Desk : FakePlatform, ScriptedFtpServer {
+  explicit Desk(const std::string& begin = kLogIn)
+      : ScriptedFtpServer(static_cast<FakePlatform&>(*this)) {
     ftp = std::make_unique<CFtpConnection>(
         CFtpConnection::Services{loop, sockets, files, clock, messageBoxes});
     ftp->FtpServer = "10.1.2.3";
@@ -38,66 +38,16 @@ struct Desk : FakePlatform {
     };
     ftp->UploadProgress = ftp->DownloadProgress;
     ftp->ReplyMessage = [this](const std::string& lines) { log += lines; };
-    server = loop.NewTimer([this] { Serve(); });
-    server->Start(std::chrono::milliseconds(10));
     begin == kLogIn ? LogIn() : Says(begin);
+  }
+  Desk& Says(const std::string& steps) {
+    ScriptedFtpServer::Says(steps);
+    return *this;
   }
   Desk& LogIn() {
     EXPECT_TRUE(Says(kLogIn).ftp->Connect());
     log.clear();
     return *this;
-  }
-
-  FakeSocketHost::Socket& Control() { return *sockets.sockets.front(); }
-  FakeSocketHost::Socket& Data() { return *sockets.sockets.back(); }
-
-  // The steps stand between bars.
-  Desk& Says(const std::string& steps) {
-    for (std::size_t begin = 0; begin < steps.size();) {
-      const std::size_t bar = std::min(steps.find('|', begin), steps.size());
-      script.push_back(steps.substr(begin, bar - begin));
-      begin = bar + 1;
-    }
-    return *this;
-  }
-
-  // One step every ten milliseconds: "> x" waits until the client has sent x; "c" connects, "x"
-  // closes the control connection; "+" connects, "D x" sends, "." closes, "!" breaks the data
-  // connection. Any other step is a reply.
-  void Serve() {
-    ++ticks;
-    if (each) each();
-    if (script.empty() || !ftp) return;
-    const std::string step = script.front();
-    const bool heeds = step.starts_with("> ");
-    const std::string line = step.substr(heeds ? 2 : 0) + "\r\n";
-    if (heeds && Control().sent.size() < line.size()) return;
-    script.pop_front();
-    if (heeds) {
-      EXPECT_EQ(Control().Sent(), line);
-    } else if (step == "c") {
-      Control().Connected();
-    } else if (step == "x") {
-      Control().PeerCloses();
-    } else if (step == "+") {
-      if (!Data().PeerConnects()) Data().Connected();
-    } else if (step.starts_with("D ")) {
-      Arrives(Data(), step.substr(2));
-    } else if (step == ".") {
-      Data().PeerCloses();
-    } else if (step == "!") {
-      Data().receiveError = 10054;
-      Data().Receive();
-    } else {
-      for (std::size_t i = 0; i < line.size(); i += atOnce) {
-        Arrives(Control(), line.substr(i, atOnce));
-      }
-    }
-  }
-
-  // Nothing does where nobody is connected.
-  static void Arrives(FakeSocketHost::Socket& socket, const std::string& bytes) {
-    if (socket.GetState() == TcpSocket::State::Connected) socket.PeerSends(bytes);
   }
 
   // What became of a method: the error's number and source.
@@ -111,11 +61,6 @@ struct Desk : FakePlatform {
   }
 
   std::unique_ptr<CFtpConnection> ftp;
-  std::unique_ptr<Timer> server;
-  std::deque<std::string> script;
-  std::size_t atOnce = std::string::npos;  // bytes of a reply
-  std::function<void()> each;              // time that the server looks
-  int ticks = 0;
   std::string states;
   std::string log;  // states in (), progress in [], lines
 };

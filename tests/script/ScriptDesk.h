@@ -24,7 +24,10 @@ struct ScriptDesk : CoreDesk {
                             files,
                             folder,
                             {shell, session, sound, messageBoxes, fileActions, search, windows,
-                             [this](const std::string& text) { popups.push_back(text); }, nullptr}};
+                             [this](const std::string& text) { popups.push_back(text); },
+                             [this](const std::string& url, const std::string& second) {
+                               done.push_back("download " + url + " " + second);
+                             }}};
 
   void Script(const std::string& name, const std::string& text) {
     files.contents["C:\\Orvanto\\scripts\\" + name] = text;

@@ -119,8 +119,7 @@ bool FakeLoop::DeliverNext(std::int64_t until) {
 void FakeLoop::Advance(std::int64_t milliseconds) {
   const std::int64_t until = monotonic_ + milliseconds;
   DoEvents();
-  while (monotonic_ < until && DeliverNext(until)) {
-  }
+  while (monotonic_ < until && DeliverNext(until)) DoEvents();
   if (monotonic_ < until) Pass(until - monotonic_);
 }
 
