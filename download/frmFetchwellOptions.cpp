@@ -7,7 +7,7 @@ frmFetchwellOptions::frmFetchwellOptions(forms::FormHost& host, DownloadOptions&
     : OptionsDialog(host, "Fetchwell! Options", {6000, 2745}, options, messageBoxes),
       chkRollback(*this, nullptr, "Cut the end off a partial file before &resuming it",
                   {240, 240, 5520, 270}),
-      lblRollback(*this, nullptr, "&Bytes to cut:", {525, 660, 1500, 240}),
+      lblRollback(*this, nullptr, "Bytes to cut:", {525, 660, 1500, 240}),
       txtRollback(*this, nullptr, {}, {2100, 615, 1290, 345}),
       chkClipboard(*this, nullptr, "&Take the URL from the clipboard when the window opens",
                    {240, 1125, 5520, 270}),

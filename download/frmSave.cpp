@@ -40,13 +40,13 @@ std::vector<std::string> Sorted(Names names) {
 
 frmSave::frmSave(forms::FormHost& host, Files& files)
     : Form(host, "Save As", {7200, 5595}),
-      lblDrive(*this, nullptr, "&Drive:", {180, 225, 900, 240}),
+      lblDrive(*this, nullptr, "Drive:", {180, 225, 900, 240}),
       cmbDrive(*this, nullptr, {}, {1140, 180, 1500, 345}),
-      lblFolders(*this, nullptr, "&Folders:", {180, 675, 3330, 240}),
-      lblFiles(*this, nullptr, "F&iles:", {3690, 675, 3330, 240}),
+      lblFolders(*this, nullptr, "Folders:", {180, 675, 3330, 240}),
       lstFolders(*this, nullptr, {180, 945, 3330, 3300}),
+      lblFiles(*this, nullptr, "Files:", {3690, 675, 3330, 240}),
       lstFiles(*this, nullptr, {3690, 945, 3330, 3300}),
-      lblPath(*this, nullptr, "&Path:", {180, 4470, 900, 240}),
+      lblPath(*this, nullptr, "Path:", {180, 4470, 900, 240}),
       txtPath(*this, nullptr, {}, {1140, 4425, 5880, 345}),
       cmdOK(*this, nullptr, "&OK", {4290, 5040, 1290, 375}),
       cmdCancel(*this, nullptr, "&Cancel", {5730, 5040, 1290, 375}),

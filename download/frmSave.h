@@ -25,8 +25,10 @@ class frmSave : public forms::Form {
 
   forms::Label lblDrive;
   forms::ComboBox cmbDrive;
-  forms::Label lblFolders, lblFiles;
-  forms::ListBox lstFolders, lstFiles;  // the first folder is ".." but in the root of a drive
+  forms::Label lblFolders;
+  forms::ListBox lstFolders;  // the first one is ".." but in the root of a drive
+  forms::Label lblFiles;
+  forms::ListBox lstFiles;
   forms::Label lblPath;
   forms::TextBox txtPath;  // what is typed may also be a name for the folder shown, or a folder
   forms::Button cmdOK, cmdCancel;

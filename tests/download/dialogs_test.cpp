@@ -17,11 +17,6 @@ struct Dialogs : testing::Test, FakePlatform {
   frmProxy proxy{forms, options, messageBoxes};
 };
 
-// A store that takes every write and then cannot keep them.
-struct FullRegistry : MemoryRegistry {
-  Status EndChange() override { return MemoryRegistry::EndChange(), kDiskFull; }
-};
-
 // The contents of the boxes in the tab order, in brackets those that are disabled.
 std::string Shown(const forms::Form& form) {
   std::string shown;
@@ -84,14 +79,12 @@ TEST_F(Dialogs, ShowWhatIsStoredAndStoreAllOfItOrSayThatTheyMayNot) {
   }
 }
 
-TEST_F(Dialogs, WhatIsNoNumberCountsAsTheDefaultAndAFullStoreIsSaid) {
+TEST_F(Dialogs, WhatIsNoNumberCountsAsTheDefault) {
   for (const auto& [text, isOn] : {std::pair{"yes", true}, {"", true}, {"0", false}, {"2", true}}) {
     EXPECT_TRUE(options.Save({{DownloadOptions::kClipboard, text}}));
     EXPECT_EQ(options.IsOn(DownloadOptions::kClipboard), isOn) << text;
   }
   for (const char32_t key : {U'0', U'9', U'\b', U'\r'}) EXPECT_TRUE(ftp.txtTimeout.takesKey(key));
-  FullRegistry full;
-  EXPECT_FALSE(DownloadOptions(full).Save({{DownloadOptions::kClipboard, "1"}}));
 }
 
 // Each step is one act of a user and the path that is shown then.

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <span>
 
 #include "platform/win32/Text.h"
 #include "platform/win32/forms/ControlKinds.h"
@@ -18,7 +19,7 @@ class ListBoxWindow : public ControlWindow {
     if (property == Property::Items) Fill();
     if (property == Property::LastItem) {
       const bool follows = Follows();
-      Add(list_.Items().back());
+      Add({&list_.Items().back(), 1});
       if (follows) ShowEnd();
     }
     if (property == Property::Selection) MirrorSelection();
@@ -45,7 +46,7 @@ class ListBoxWindow : public ControlWindow {
     SendMessageW(window_, WM_SETREDRAW, FALSE, 0);
     SendMessageW(window_, LB_RESETCONTENT, 0, 0);
     widest_ = 0;
-    for (const std::string& item : list_.Items()) Add(item);
+    Add(list_.Items());
     SendMessageW(window_, LB_SETTOPINDEX, static_cast<WPARAM>(top), 0);
     MirrorSelection();
     if (follows) ShowEnd();
@@ -54,18 +55,20 @@ class ListBoxWindow : public ControlWindow {
   }
 
   // The window does not see by itself how far there is to scroll sideways.
-  void Add(const std::string& item) {
-    const std::wstring text = ToWide(item);
-    SendMessageW(window_, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+  void Add(std::span<const std::string> items) {
     const HDC context = GetDC(window_);
     const HGDIOBJ old =
         SelectObject(context, reinterpret_cast<HFONT>(SendMessageW(window_, WM_GETFONT, 0, 0)));
-    SIZE size = {};
-    GetTextExtentPoint32W(context, text.c_str(), static_cast<int>(text.size()), &size);
+    const int margin = GetSystemMetrics(SM_CXEDGE) * 4;
+    for (const std::string& item : items) {
+      const std::wstring text = ToWide(item);
+      SendMessageW(window_, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+      SIZE size = {};
+      GetTextExtentPoint32W(context, text.c_str(), static_cast<int>(text.size()), &size);
+      widest_ = std::max(widest_, static_cast<int>(size.cx) + margin);
+    }
     SelectObject(context, old);
     ReleaseDC(window_, context);
-    const int margin = GetSystemMetrics(SM_CXEDGE) * 4;
-    widest_ = std::max(widest_, static_cast<int>(size.cx) + margin);
     SendMessageW(window_, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest_), 0);
   }
 
