@@ -44,6 +44,12 @@ void Downloads::WireMenu() {
   window.mnuSave.onClick = [this] { save.Open(state_.LocalPath); };
   save.onPicked = [this](const std::optional<std::string>& path) {
     if (!path) return;
+    if (services_.files.Exists(*path) &&
+        services_.messageBoxes.Show("This file exists already. Replace it?\r\n" + *path,
+                                    kProgramTitle, Buttons::NoUnlessYes,
+                                    BoxIcon::Question) != Answer::Yes) {
+      return;
+    }
     const std::string trouble = services_.files.Copy(state_.LocalPath, *path);
     if (trouble.empty()) return;
     services_.messageBoxes.Show("The file could not be saved:\r\n" + trouble, kProgramTitle,
