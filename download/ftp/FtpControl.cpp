@@ -24,7 +24,6 @@ FtpControl::FtpControl(const Services& services)
   wscControl_->onDataArrival = [this] { OnArrival(); };
   wscControl_->onClosed = [this] { lost_ = kConnectionReset; };
   wscControl_->onError = [this](int error) { lost_ = error; };
-  timeout_.Timeout = [this] { OnTimeout(); };
 }
 
 bool FtpControl::Open(const std::string& host, std::uint16_t port) {
@@ -78,12 +77,16 @@ void FtpControl::OnTimeout() {
 
 bool FtpControl::WaitUntil(const std::function<bool()>& condition) {
   const std::string step = step_;
+  const auto over = [&] { return lost_ != 0 || interruption_ != kFtpNoError || condition(); };
   timedOut_ = false;
+  // Nobody is asked while only another wait, begun inside this one, keeps it from ending.
+  timeout_.Timeout = [this, &over] {
+    if (!over()) OnTimeout();
+  };
   timeout_.Reset();
   timeout_.StartTimer();
-  const auto over = [&] { return interruption_ != kFtpNoError || condition(); };
   const auto ended = services_.loop.WaitFor(
-      alive_, [&] { return timedOut_ || lost_ != 0 || over(); }, std::nullopt);
+      alive_, [&] { return timedOut_ || over(); }, std::nullopt);
   if (ended == EventLoop::Waited::OwnerGone) return false;
   timeout_.StopTimer();
   step_ = step;

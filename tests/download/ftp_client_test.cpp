@@ -308,6 +308,15 @@ TEST(FtpClient, AsksWhetherToWaitLonger) {
   };
   EXPECT_EQ(desk.Fetch(), "58 ProcessRETRCommand");
   EXPECT_EQ(asked, "3 6 4 7 ");
+  // Answered, but kept from returning by a wait begun inside its own: nobody is asked.
+  desk.Says("> DELE x|250 a");
+  desk.each = [&, other = std::shared_ptr<int>()]() mutable {
+    if (desk.script.size() != 1 || other) return;
+    other = std::make_shared<int>();
+    desk.loop.WaitFor(
+        other, [] { return false; }, std::chrono::seconds(10));
+  };
+  EXPECT_TRUE(desk.ftp->DeleteFile("x"));
 }
 
 // What the server answers to ABOR, and how long that takes.
