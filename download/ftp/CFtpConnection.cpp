@@ -246,9 +246,9 @@ bool CFtpConnection::CancelTransfer() {
 }
 
 bool CFtpConnection::Abort(std::size_t replies) {
+  if (!transfer_.Pause()) return control_.Fail(kFtpBusy);
   if (!control_.Send(kAbor)) return false;
   control_.Interrupt(kFtpTransferAborted);
-  transfer_.Pause();
   const auto answers = [this] { return control_.Waiting({kAborted, kNothingToAbort, kComplete}); };
   for (int i = 0; i < 2; ++i) {
     const auto ended = control_.WaitBriefly([&] { return answers() >= replies; });

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "download/ftp/FtpControl.h"
 #include "platform/Files.h"
@@ -39,8 +40,8 @@ class FtpTransfer {
   bool Finish();
   const std::string& Listing() const { return listing_; }
 
-  // Takes nothing more: the server cannot go on sending.
-  void Pause() { paused_ = true; }
+  // Takes nothing more: the server cannot go on sending. False when it was paused already.
+  bool Pause() { return !std::exchange(paused_, true); }
   void CloseData() { wscData_->Close(); }
   // Closes the connection and the file, and forgets the transfer.
   void End();

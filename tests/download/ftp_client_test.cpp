@@ -346,6 +346,10 @@ TEST(FtpClient, CancelsATransfer) {
         EXPECT_EQ(desk.ftp->CancelTransfer(), row.cancelled) << row.answers;
         ended = desk.ticks;
       };
+      // Once is enough.
+      desk.ftp->ReplyMessage = [&](const std::string& line) {
+        if (line == "ABOR\r\n") EXPECT_FALSE(desk.ftp->CancelTransfer());
+      };
       desk.script.push_back("200 spare");
       const bool done = upload ? desk.ftp->UploadFile("C:\\up", "up")
                                : desk.ftp->DownloadFile("big", "C:\\big", 0);
