@@ -41,7 +41,7 @@ std::string DirectoryIn(const std::string& reply) {
   if (at == std::string::npos) {
     return reply.substr(4, reply.find_first_of("\r\n", 4) - 4);
   }
-  while (++at < reply.size()) {
+  while (reply[++at] != '\r') {
     if (reply[at] == '"' && reply[++at] != '"') break;
     directory += reply[at];
   }

@@ -185,6 +185,8 @@ TEST(FtpClient, ComparesTheReplyWithWhatIsExpected) {
   EXPECT_EQ(desk.ftp->CurrentDirectory(), "/");
   EXPECT_EQ(desk.Outcome(desk.ftp->RenameFile("x", "y")), "54 ProcessRNFRCommand");
   EXPECT_EQ(desk.ftp->GetLastServerResponse(), "550 x\r\n");
+  EXPECT_TRUE(desk.Says("> PWD|257 \"/b").ftp->GetCurrentDirectory());
+  EXPECT_EQ(desk.ftp->CurrentDirectory(), "/b");
   EXPECT_TRUE(desk.Says("> ABOR|225 x").ftp->CancelTransfer());
   EXPECT_TRUE(desk.Says("> QUIT|221 x").ftp->CloseConnection());
   EXPECT_EQ(desk.Outcome(desk.ftp->DeleteFile("x")), "19 ProcessDELECommand");
