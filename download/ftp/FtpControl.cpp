@@ -85,8 +85,8 @@ bool FtpControl::WaitUntil(const std::function<bool()>& condition) {
   };
   timeout_.Reset();
   timeout_.StartTimer();
-  const auto ended =
-      services_.loop.WaitFor(alive_, [&] { return timedOut_ || over(); }, std::nullopt);
+  const auto ended = services_.loop.WaitFor(
+      alive_, [&] { return timedOut_ || over(); }, std::nullopt);
   if (ended == EventLoop::Waited::OwnerGone) return false;
   timeout_.StopTimer();
   step_ = step;
@@ -106,6 +106,10 @@ EventLoop::Waited FtpControl::WaitBriefly(const std::function<bool()>& condition
 
 bool FtpControl::Send(const FtpCommand& command, const std::string& argument,
                       const std::string& shown) {
+  // What has come while nobody handled events, too, is no reply.
+  const std::weak_ptr<const void> alive = alive_;
+  services_.loop.DoEvents();
+  if (alive.expired()) return false;
   step_ = std::string("Process") + command.verb + "Command";
   if (argument.find_first_of(kNotInAnArgument) != std::string::npos) return Fail(kFtpBadArgument);
   if (interruption_ != kFtpNoError) return Fail(interruption_);

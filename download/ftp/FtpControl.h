@@ -60,8 +60,8 @@ class FtpControl {
   const FtpError& LastError() const { return error_; }
   void ForgetError() { error_ = {}; }
 
-  // Sends a command, of which `shown` is reported where it is to differ. What has come before is
-  // no reply to it.
+  // Handles what is pending, which is no reply to it, and sends a command, of which `shown` is
+  // reported where it is to differ.
   bool Send(const FtpCommand& command, const std::string& argument = {},
             const std::string& shown = {});
   bool TakeReply();

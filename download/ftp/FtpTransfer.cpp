@@ -12,8 +12,8 @@ namespace orvanto {
 namespace {
 
 constexpr std::size_t kUploadBlock = 4096;
-// Some hundred thousand entries.
-constexpr std::size_t kLongestListing = 32 << 20;
+// A hundred thousand entries; of the shortest lines a million, some 200 MB.
+constexpr std::size_t kLongestListing = 8 << 20;
 
 constexpr FtpCommand kPasv{"PASV", 227};
 constexpr FtpCommand kPort{"PORT", 200};

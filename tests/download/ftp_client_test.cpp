@@ -264,6 +264,12 @@ TEST(FtpClient, AsksWhetherToWaitLonger) {
         other, [] { return false; }, std::chrono::seconds(10));
   };
   EXPECT_TRUE(desk.ftp->DeleteFile("x"));
+  // What comes while the question is open answers no later command.
+  const auto late = [&] { Desk::Arrives(desk.Control(), "250 late\r\n"); };
+  desk.messageBoxes.expected = {{kTimeOut, Answer::No, [&] { desk.loop.Post(late); }}};
+  desk.Says("> DELE x");
+  EXPECT_FALSE(desk.ftp->DeleteFile("x"));
+  EXPECT_TRUE(desk.Says("> PWD|257 a").ftp->GetCurrentDirectory());
 }
 
 // What the server answers to ABOR, and how long that takes.
