@@ -17,7 +17,7 @@ import threading
 import time
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[1] / "tests/e2e"))
-import ftp_servers  # pylint: disable=wrong-import-position
+import stock_servers  # pylint: disable=wrong-import-position
 
 ROUNDS = 5
 FILES = 500
@@ -149,14 +149,14 @@ def main():
             subprocess.run([*orvanto, "set", "General", name, value], check=True)
         # Where pure-ftpd lets the anonymous in.
         subprocess.run(["mount", "--bind", folder, pwd.getpwnam("ftp").pw_dir], check=True)
-        pure = ftp_servers.PEERS / "usr/sbin/pure-ftpd"
+        pure = stock_servers.PEERS / "usr/sbin/pure-ftpd"
         commands = {
             "orvanto": (2100, [*orvanto, "--ftp-port", "2100"]),
             "vsftpd": (2101, ["vsftpd", home / "vsftpd.conf"]),
             "pure-ftpd": (2102, [pure, "-S", f"{HOST},2102", "-e", "-H", "-c", "500", "-C",
                                  "500", "-I", "60", "-U", "133:022"]),
             "pyftpdlib": (2103, ["/usr/bin/python3", "-c", PYFTPD, folder, "2103"])}
-        servers = {name: subprocess.Popen(command, env={**os.environ, **ftp_servers.LIBRARIES},
+        servers = {name: subprocess.Popen(command, env={**os.environ, **stock_servers.LIBRARIES},
                                           stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                           stderr=subprocess.DEVNULL)
                    for name, (_, command) in commands.items()}

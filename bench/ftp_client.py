@@ -16,7 +16,7 @@ import time
 
 TOP = pathlib.Path(__file__).resolve().parents[1]
 sys.path.append(str(TOP / "tests/e2e"))
-import ftp_servers  # pylint: disable=wrong-import-position
+import stock_servers  # pylint: disable=wrong-import-position
 
 ROUNDS = 5
 BLOCK = "4096"
@@ -24,7 +24,7 @@ BLOCK = "4096"
 
 def store_plain(program, server, path):
     with ftplib.FTP() as ftp:
-        ftp.connect(ftp_servers.HOST, server.port)
+        ftp.connect(stock_servers.HOST, server.port)
         ftp.login(server.user, server.password)
         ftp.voidcmd("TYPE I")
         _, port = ftp.makepasv()
@@ -50,11 +50,11 @@ def main():
                 file.write(os.urandom(1 << 10) * 1024)
         took = {}
         for name in ("vsftpd", "pure-ftpd"):
-            with ftp_servers.serve(name, folder) as server:
+            with stock_servers.serve(name, folder) as server:
                 ours = [programs / "ftp_client", str(server.port), server.user, server.password,
                         "passive"]
                 curl = ["curl", "-sS", "-u", f"{server.user}:{server.password}"]
-                url = f"ftp://{ftp_servers.HOST}:{server.port}/"
+                url = f"ftp://{stock_servers.HOST}:{server.port}/"
                 works = [("fetch", "ours", lambda: run(*ours, f"get:big:{got}:0"), got),
                          ("fetch", "curl", lambda: run(*curl, "-o", got, url + "big"), got),
                          ("store", "ours", lambda: run(*ours, f"put:{big}:up"), up),

@@ -64,7 +64,9 @@ FtpAddress ParseFtpUrl(const std::string& url) {
   const std::string rest = WithoutScheme(url);
   const std::size_t slash = std::min(rest.find('/'), rest.size());
   std::string host = rest.substr(0, slash);
-  FtpAddress address{.user = kAnonymous, .password = kAnonymousPassword};
+  FtpAddress address;
+  address.user = kAnonymous;
+  address.password = kAnonymousPassword;
   if (const std::size_t at = host.rfind('@'); at != std::string::npos) {
     const std::string login = host.substr(0, at);
     address.user = BeforeColon(login);

@@ -152,7 +152,7 @@ void frmDownload::WireButtons() {
   cmdPause.onClick = [this] { PauseOrResume(); };
   cmdStop.onClick = [this] { Stop(); };
   cmdRun.onClick = [this] {
-    services_.shell.Execute({.operation = "Open", .file = state_.LocalPath});
+    services_.shell.Execute({"Open", state_.LocalPath, "", "", ShowCommand::Normal});
   };
   onUnload = [this] { Abort(); };
 }

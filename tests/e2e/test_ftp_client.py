@@ -3,7 +3,7 @@ import os
 import subprocess
 import unittest
 
-import ftp_servers
+import stock_servers
 from support import HomeTest
 
 HUGE = 60 << 20
@@ -32,7 +32,7 @@ class FtpClient(HomeTest):
     def test_stock_servers(self):
         for name in ("vsftpd", "pure-ftpd", "proftpd"):
             for mode in ("passive", "active"):
-                with self.subTest(name, mode=mode), ftp_servers.serve(name, self.folder) as server:
+                with self.subTest(name, mode=mode), stock_servers.serve(name, self.folder) as server:
                     (self.folder / "big").write_bytes(self.big)
                     (self.folder / "file  with -> blanks").touch()
                     os.utime(self.folder / "file  with -> blanks", (1262606400, 1262606400))

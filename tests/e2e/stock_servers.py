@@ -1,4 +1,4 @@
-"""Stock FTP servers on loopback for the FTP client: `with serve("vsftpd", folder) as server: ...`
+"""Stock servers of files on loopback: `with serve("vsftpd", folder) as server: ...`
 
 To be run by own-network; `tools/setup peers` unpacks the servers. They want root, and more users
 than there are: wrapper libraries pretend both, and give them a list of users of their own.
@@ -19,7 +19,8 @@ LIBRARIES = {"LD_LIBRARY_PATH": ":".join(str(path) for path in PEERS.rglob("*-li
 # vsftpd wants a folder that not even root can write to: /proc/sys.
 FILES = {
     "passwd": "root:x:0:0::/:/bin/sh\nnobody:x:65534:65534::/:/bin/false\n"
-              "anna:$1$orvanto$VVO5VtLRJnifl3CeiXTjM.:1000:1000::{folder}:/bin/sh\n",
+              "anna:$1$orvanto$VVO5VtLRJnifl3CeiXTjM.:1000:1000::{folder}:/bin/sh\n"
+             "ftp:x:1001:1000::{folder}:/bin/false\n",
     "group": "root:x:0:\nnogroup:x:65534:\nusers:x:1000:\n",
     "vsftpd": """listen=YES
 listen_address=127.0.0.1
@@ -51,25 +52,55 @@ PidFile {home}/pid
 ScoreboardFile none
 SystemLog none
 WtmpLog off
+""",
+    "nginx": """daemon off;
+master_process off;
+user root users;
+pid {home}/pid;
+error_log stderr crit;
+events {{}}
+http {{
+  access_log off;
+  client_body_temp_path {home};
+  fastcgi_temp_path {home};
+  proxy_temp_path {home};
+  scgi_temp_path {home};
+  uwsgi_temp_path {home};
+  default_type application/octet-stream;
+  sendfile on;
+  server {{
+    listen 127.0.0.1:{port};
+    root {folder};
+    location /slow/ {{
+      alias {folder}/;
+      limit_rate 40m;
+    }}
+  }}
+}}
 """}
 COMMANDS = {"vsftpd": "{home}/vsftpd", "proftpd": "-n -q -c {home}/proftpd",
-            "pure-ftpd": "-A -E -H -S 127.0.0.1,{port} -f none -g {home}/pid -l unix"}
+            "pure-ftpd": "-A -t 20000 -H -S 127.0.0.1,{port} -f none -g {home}/pid -l unix",
+            "nginx": "-c {home}/nginx -e stderr"}
 
 
-def await_greeting(port):
+def await_server(port, greeting):
     for _ in range(1000):
         with contextlib.suppress(ConnectionRefusedError):
             with socket.create_connection((HOST, port), 10) as connection:
-                assert connection.recv(3) == b"220"
+                assert connection.recv(len(greeting)) == greeting
                 return
         time.sleep(0.01)
-    raise TimeoutError("the FTP server does not listen")
+    raise TimeoutError("the server does not listen")
 
 
 @contextlib.contextmanager
-def serve(name, folder):
-    """Lets one user do everything in one folder until the block ends; in both modes."""
-    with socket.create_server((HOST, 0)) as free:
+def serve(name, folder, port=0):
+    """Serves a folder until the block ends; at any free port, if none is told.
+
+    By FTP one user may do everything, in both modes; pure-ftpd lets the anonymous read, at 20 MB a
+    second. nginx serves the folder once more as /slow, at 40 MiB a second, the first at once.
+    """
+    with socket.create_server((HOST, port)) as free:
         port = free.getsockname()[1]
     with tempfile.TemporaryDirectory() as home:
         words = {"folder": folder, "home": home, "port": port}
@@ -82,8 +113,8 @@ def serve(name, folder):
                  "NSS_WRAPPER_PASSWD": f"{home}/passwd", "NSS_WRAPPER_GROUP": f"{home}/group"},
             stdin=subprocess.DEVNULL, start_new_session=True)
         try:
-            await_greeting(port)
-            yield types.SimpleNamespace(port=port, user="anna", password="secret")
+            await_server(port, b"" if name == "nginx" else b"220")
+            yield types.SimpleNamespace(process=process, port=port, user="anna", password="secret")
         finally:
             os.killpg(process.pid, signal.SIGKILL)  # Its sessions are of its group.
             process.wait()
