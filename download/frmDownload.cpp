@@ -180,7 +180,8 @@ void frmDownload::Begin(const std::string& url, const std::string& folder) {
     state_.Url = url;
     state_.LocalPath.clear();
     txtURL.SetText(url);
-    services_.messageBoxes.Show(refusal + kCrLf + url, kProgramTitle, Buttons::Ok, BoxIcon::Critical);
+    services_.messageBoxes.Show(refusal + kCrLf + url, kProgramTitle, Buttons::Ok,
+                                BoxIcon::Critical);
     return Finish(false, refusal);
   }
   if (state_.UseProxy) {

@@ -35,8 +35,8 @@ struct ScriptedFtpServer {
   }
 
   // One step every ten milliseconds: "> x" waits until the client has sent x; "c" that it
-  // connects; "x" closes the control connection; "+" connects, "D x" sends, "." closes, "!" breaks the data
-  // connection. Any other step is a reply.
+  // connects; "x" closes the control connection; "+" connects, "D x" sends, "." closes, "!" breaks
+  // the data connection. Any other step is a reply.
   void Serve() {
     ++ticks;
     if (each) each();
