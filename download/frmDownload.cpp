@@ -57,6 +57,13 @@ bool HasControls(const std::string& text) {
   return false;
 }
 
+// What is copied from elsewhere often ends with its line.
+std::string Trimmed(const std::string& text) {
+  constexpr const char* kBlanks = " \t\r\n";
+  const std::size_t first = std::min(text.find_first_not_of(kBlanks), text.size());
+  return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
+}
+
 // Why no file can be fetched from there; empty when one can be.
 std::string Refusal(const std::string& url) {
   DownloadState parsed;
@@ -138,11 +145,11 @@ frmDownload::frmDownload(forms::FormHost& host, const Services& services, Downlo
 void frmDownload::WireButtons() {
   defaultButton = &cmdDownload;
   txtURL.onChange = [this] {
-    const std::string trimmed(TrimBlanks(txtURL.Text()));
+    const std::string trimmed = Trimmed(txtURL.Text());
     if (trimmed != txtURL.Text()) txtURL.SetText(trimmed);
   };
   txtURL.onDrop = [this](const std::string& text) {
-    const std::string trimmed(TrimBlanks(text));
+    const std::string trimmed = Trimmed(text);
     txtURL.SetText(trimmed);
     if (services_.options.IsOn(DownloadOptions::kDownloadDrop)) StartUpdate(trimmed);
   };
@@ -170,7 +177,7 @@ void frmDownload::FillFromClipboard() {
   if (!services_.options.IsOn(DownloadOptions::kClipboard)) return;
   const std::string text = services_.clipboard.Text();
   const auto holds = [&text](const char* what) { return text.find(what) != std::string::npos; };
-  if (holds("http://") || holds("ftp://")) txtURL.SetText(std::string(TrimBlanks(text)));
+  if (holds("http://") || holds("ftp://")) txtURL.SetText(Trimmed(text));
 }
 
 void frmDownload::Begin(const std::string& url, const std::string& folder) {
@@ -228,6 +235,9 @@ void frmDownload::StartDownload(const std::string& localPath) {
   state_.LocalPath = localPath;
   SpeedKbps_ = 0;
   Elapsed_.Restart();
+  for (forms::Label* label : {&lblRecieve, &lblSize, &lblSpeed, &lblElapsed, &lblRemaining}) {
+    label->SetText("");
+  }
   tmrUpdateProgress_->Start(kFigures);
   tmrTimeLeft_->Start(kSecond);
   // Fetched by HTTP through a proxy is what the user has not been asked about.
@@ -237,8 +247,9 @@ void frmDownload::StartDownload(const std::string& localPath) {
 
 void frmDownload::BeginTransfer() {
   if (!FtpMode_) return http_.Connect();
-  // With no frame of anybody's below it.
-  ftp_.IsRunning() ? ftpAgain_ = true : (ftpStart_->Post(), false);
+  ftpAgain_ = ftp_.IsRunning();
+  // From the loop, with no frame of anybody's below it.
+  if (!ftpAgain_) ftpStart_->Post();
 }
 
 void frmDownload::RunFtp() {
