@@ -37,9 +37,8 @@ class HttpDownload {
     std::function<void()> requested;  // the request has been sent
     std::function<void(const std::string& header)> header;
     std::function<void()> received;          // the file has grown
-    std::function<void()> whole;             // see CloseWhenWhole
     std::function<void(Trouble)> trouble;    // the connection is closed already
-    std::function<void()> ended;             // the other side has closed
+    std::function<void()> ended;             // the other side has closed; see CloseWhenWhole, too
     std::function<void(int error)> stalled;  // it has failed, or could not be made
   };
   // The state outlives it.
@@ -50,8 +49,10 @@ class HttpDownload {
   void Close();
   // From Connect to Close, or the end; also when it has failed.
   bool IsOpen() const { return sckDownload_->GetState() != TcpSocket::State::Closed; }
-  // Closes as soon as all that was told of is in the file, which may be now.
+  // Ends, to be closed, as soon as all that was told of is in the file, which may be now.
   void CloseWhenWhole();
+  // Whether anything has come on this connection.
+  bool Answered() const { return answered_; }
 
  private:
   // A header that is longer is taken for the file's.
@@ -73,6 +74,7 @@ class HttpDownload {
   bool headerTaken_ = false;
   std::string waiting_;  // what may be half a header
   bool closesWhenWhole_ = false;
+  bool answered_ = false;
 };
 
 }  // namespace orvanto

@@ -115,11 +115,11 @@ frmDownload::frmDownload(forms::FormHost& host, const Services& services, Downlo
            .header =
                [this](const std::string& header) { services_.log.Append(header + kCrLf + kCrLf); },
            .received = [this] { OnReceived(); },
-           .whole = [this] { OnWhole(); },
            .trouble = [this](HttpDownload::Trouble trouble) { OnTrouble(trouble); },
            .ended = [this] { OnEndOfConnection(); },
            .stalled =
                [this](int error) {
+                 if (phase_ == Phase::Shown) return OnEndOfConnection();  // Stop is gone
                  if (onStalled) onStalled(error);
                }},
           state),
@@ -282,24 +282,21 @@ void frmDownload::ShowTrouble(HttpDownload::Trouble trouble) {
 
 void frmDownload::OnEndOfConnection() {
   const bool complete = services_.policy.IsComplete(state_);
-  const bool whole = complete && (!state_.length || *state_.length == state_.position);
-  const std::string trouble = whole ? ""
-                                    : "The connection ended at byte " +
-                                          std::to_string(state_.position) + " of " +
-                                          std::to_string(state_.length.value_or(0)) + ".";
+  std::string trouble;
+  if (!http_.Answered()) {
+    trouble = "The server has sent nothing.";
+  } else if (!complete || state_.length.value_or(state_.position) != state_.position) {
+    trouble = "The connection ended at byte " + std::to_string(state_.position) + " of " +
+              std::to_string(state_.length.value_or(0)) + ".";
+  }
   const bool shown = phase_ == Phase::Shown;
   if (complete) DrawProgress(picDownloadProgress, 100, true);
   ShowStatus(complete ? kCompleted : kAborted);
   ForgetTransfer();
   cmdDownload.SetEnabled(!shown);
   cmdRun.SetEnabled(complete);
-  Finish(whole, trouble);
+  Finish(trouble.empty(), trouble);
   if (complete && !shown) Unload();
-}
-
-void frmDownload::OnWhole() {
-  ForgetTransfer();
-  Finish(true, "");
 }
 
 void frmDownload::Reset() {

@@ -86,7 +86,6 @@ class frmDownload : public forms::Form {
   void RunFtp();
   void OnReceived();
   void OnTrouble(HttpDownload::Trouble trouble);
-  void OnWhole();
   void OnEndOfConnection();
   void RenewFigures();
   void CountTime();

@@ -130,7 +130,20 @@ TEST(Download, PutsEveryByteWhereItBelongs) {
        ""},
       {"", {"plain", " data"}, "plain data", "[whole]", ""},
       {"", {"Content-Type: never ends"}, "Content-Type: never ends", "[whole]", ""},
-      {"", {}, "none", "[whole]", ""},
+      {"", {}, "none", "[The server has sent nothing.]", ""},
+      {"abcdef", {}, "abcdef", "[The server has sent nothing.]", ""},
+      {"", {"HTTP/1.1 200 OK\r\nContent-Length: 0\r\nContent-Type: x\r\n\r\n"}, "", "[whole]", ""},
+      {"",
+       {"HTTP/1.1 200 OK\r\ncontent-length:12\r\nContent-Type: x\r\n\r\n0123"},
+       "0123",
+       "[The connection ended at byte 4 of 12.]",
+       ""},
+      {"abcdef",
+       {"HTTP/1.1 206 Partial Content\r\nContent-Type: x\r\n"
+        "Content-Length: 99999999999999999999\r\n\r\nghij"},
+       "abcdefghij",
+       "[The connection ended at byte 10 of 18446744073709551615.]",
+       ""},
       {"",
        {"HTTP/1.1 404 Not Found\r\nContent-Type: x\r\n\r\nsorry"},
        "none",
@@ -143,7 +156,7 @@ TEST(Download, PutsEveryByteWhereItBelongs) {
        "[whole]",
        ""},
       {"abcdef",
-       {partial + "Content-Range: bytes 0-9/10\r\n\r\nghij"},
+       {partial + "Content-Range:  bytes 0-9/10\r\n\r\nghij"},
        "abcdef",
        "[No Resuming Support]",
        kNoResuming},
@@ -181,6 +194,38 @@ TEST(Download, TakesAHeaderThatIsCutAnywhere) {
   desk.Begin();
   desk.Http().PeerSends("Content-Type:" + std::string(64 << 10, 'x'));
   EXPECT_EQ(desk.File().size(), (64U << 10) + 13);
+}
+
+// What arrives before the figures say that it is complete and what after that ("!" breaks the
+// connection), and how it ends: by what was told of the length, whatever the figures say.
+TEST(Download, EndsWithTheLastByteWhateverTheFiguresSay) {
+  const std::string other = "X-Content-Length: 4\r\n";
+  const struct {
+    std::string header;
+    const char* early;
+    const char* late;
+    const char* ends;
+  } kCases[] = {{kHeader, "12345678", "9", "0123456789[whole]"},
+                {kHeader, "12345678", "!", "012345678[The connection ended at byte 9 of 10.]"},
+                {kHeader, "12345678!!", "", "012345678!![The connection ended at byte 11 of 10.]"},
+                {other + kHeader, "123", "456789", "0123456789[whole]"}};
+  for (const auto& [header, early, late, ends] : kCases) {
+    DownloadDesk desk;
+    desk.Begin();
+    desk.Http().PeerSends(header + "0");
+    desk.loop.Advance(1000);
+    desk.Http().PeerSends(early);
+    desk.loop.Advance(1000);
+    EXPECT_EQ(desk.Shown(), "---x Download Completed");
+    desk.Http().receiveError = *late == '!' ? 10054 : 0;
+    if (*late == '!') {
+      desk.Http().Receive();
+    } else if (*late != '\0') {
+      desk.Http().PeerSends(late);
+    }
+    EXPECT_EQ(desk.File() + desk.ends, ends);
+    EXPECT_EQ(desk.Http().GetState(), TcpSocket::State::Closed);
+  }
 }
 
 // The figures say early that it is complete; the last bytes still come.
