@@ -41,20 +41,24 @@ void Downloads::WireMenu() {
   window.mnuFtpOptions.onClick = [this] { ftpOptions.Open(); };
   window.mnuProxy.onClick = [this] { proxy.Open(); };
   window.mnuHeader.onClick = [this] { header.Open(); };
-  window.mnuSave.onClick = [this] { save.Open(state_.LocalPath); };
-  save.onPicked = [this](const std::optional<std::string>& path) {
-    if (!path) return;
-    if (services_.files.Exists(*path) &&
-        services_.messageBoxes.Show("This file exists already. Replace it?\r\n" + *path,
-                                    kProgramTitle, Buttons::NoUnlessYes,
-                                    BoxIcon::Question) != Answer::Yes) {
-      return;
-    }
-    const std::string trouble = services_.files.Copy(state_.LocalPath, *path);
-    if (trouble.empty()) return;
-    services_.messageBoxes.Show("The file could not be saved:\r\n" + trouble, kProgramTitle,
-                                Buttons::Ok, BoxIcon::Critical);
+  window.mnuSave.onClick = [this] {
+    save.onPicked = [this, from = state_.LocalPath](const std::optional<std::string>& path) {
+      if (path) SaveAs(from, *path);
+    };
+    save.Open(state_.LocalPath);
   };
+}
+
+void Downloads::SaveAs(const std::string& from, const std::string& path) {
+  if (services_.files.Exists(path) &&
+      services_.messageBoxes.Show("This file exists already. Replace it?\r\n" + path, kProgramTitle,
+                                  Buttons::NoUnlessYes, BoxIcon::Question) != Answer::Yes) {
+    return;
+  }
+  const std::string trouble = services_.files.Copy(from, path);
+  if (trouble.empty()) return;
+  services_.messageBoxes.Show("The file could not be saved:\r\n" + trouble, kProgramTitle,
+                              Buttons::Ok, BoxIcon::Critical);
 }
 
 void Downloads::BeginDownload(const std::string& url) {

@@ -61,6 +61,7 @@ class Downloads {
 
  private:
   void WireMenu();
+  void SaveAs(const std::string& from, const std::string& path);
   void BeginNext();
 
   const Services services_;

@@ -183,13 +183,16 @@ void frmDownload::FillFromClipboard() {
 void frmDownload::Begin(const std::string& url, const std::string& folder) {
   Open();
   phase_ = Phase::Running;
+  cmdRun.SetEnabled(false);
+  mnuSave.SetEnabled(false);
   if (const std::string refusal = Refusal(url); !refusal.empty()) {
     state_.Url = url;
     state_.LocalPath.clear();
     txtURL.SetText(url);
     services_.messageBoxes.Show(refusal + kCrLf + url, kProgramTitle, Buttons::Ok,
                                 BoxIcon::Critical);
-    return Finish(false, refusal);
+    if (Running()) Finish(false, refusal);  // the window may have been closed meanwhile
+    return;
   }
   if (state_.UseProxy) {
     state_.ConnectHost = services_.options.Text(DownloadOptions::kProxyIP);
@@ -219,8 +222,6 @@ void frmDownload::StartDownload(const std::string& localPath) {
   cmdPause.SetEnabled(true);
   cmdStop.SetEnabled(true);
   cmdDownload.SetEnabled(false);
-  cmdRun.SetEnabled(false);
-  mnuSave.SetEnabled(false);
   const auto number = [this](const char* name, std::int16_t otherwise) {
     return ToInt16Or(services_.settings.ReadSetting(kInternet, name, std::to_string(otherwise)),
                      otherwise);
@@ -270,13 +271,14 @@ void frmDownload::OnReceived() {
 
 void frmDownload::OnTrouble(HttpDownload::Trouble trouble) {
   ShowTrouble(trouble);
+  if (!Running()) return;  // the window has been closed meanwhile
   Reset();
   Finish(false, trouble_);
 }
 
 void frmDownload::ShowTrouble(HttpDownload::Trouble trouble) {
   const Box& box = kBoxes[static_cast<std::size_t>(trouble)];
-  trouble_ = box.title;
+  trouble_ = box.title == std::string_view(kProgramTitle) ? box.text : box.title;
   services_.messageBoxes.Show(box.text, box.title, Buttons::Ok, box.icon);
 }
 

@@ -249,9 +249,25 @@ TEST(Download, ShowsCompletionEarlyAndKeepsTheLastByte) {
   EXPECT_TRUE(desk.window.cmdRun.Press());
   EXPECT_EQ(desk.done.back(), "Open C:\\Orvanto\\file in '' 1");
   EXPECT_TRUE(desk.window.mnuSave.Choose());
+  desk.downloads.BeginDownload("http://host/next");
+  desk.loop.DoEvents();
   desk.downloads.save.txtPath.Type("C:\\copy");
   desk.downloads.save.cmdOK.Press();
   EXPECT_EQ(desk.files.contents["C:\\copy"], "0123456789");
+}
+
+TEST(Download, EndsOnceWhenItsWindowIsClosedInABox) {
+  DownloadDesk desk;
+  for (const std::string& text :
+       {kNotFound, std::string("This is no address of a file that can be downloaded.\r\nx")}) {
+    desk.messageBoxes.expected.push_back(
+        {text, Answer::Ok, [&] { EXPECT_TRUE(desk.window.Close()); }});
+  }
+  desk.Begin();
+  desk.downloads.BeginDownload("x");
+  desk.Http().PeerSends("HTTP/1.1 404 Not Found\r\nContent-Type: x\r\n\r\n");
+  desk.loop.DoEvents();
+  EXPECT_EQ(desk.ends, "[Download Aborted][Download Aborted]");
 }
 
 TEST(Download, WaitsForTheOneBefore) {
@@ -263,7 +279,9 @@ TEST(Download, WaitsForTheOneBefore) {
   desk.Http().PeerSends(kHeader + std::string("0123456789"));
   desk.Http().PeerCloses();
   EXPECT_FALSE(desk.window.Visible());
-  desk.Expect("This is no address of a file that can be downloaded.\r\nftp://host");
+  desk.messageBoxes.expected.push_back(
+      {"This is no address of a file that can be downloaded.\r\nftp://host", Answer::Ok,
+       [&] { EXPECT_EQ(desk.Shown().substr(0, 4), "x---"); }});
   desk.loop.DoEvents();
   desk.loop.DoEvents();
   ASSERT_EQ(desk.Http().GetState(), TcpSocket::State::Connecting);
