@@ -203,6 +203,28 @@ TEST(Download, ShowsCompletionEarlyAndKeepsTheLastByte) {
   EXPECT_EQ(desk.File() + desk.ends, "0123456789[whole]");
   EXPECT_TRUE(desk.window.cmdRun.Press());
   EXPECT_EQ(desk.done.back(), "Open C:\\Orvanto\\file in '' 1");
+  // At 32 MiB the figures are right to four bytes.
+  const std::size_t length = (32U << 20) + 4;
+  desk.files.diskLeft = FakeFiles::kAny;
+  desk.Begin("http://host/large");
+  desk.Http().PeerSends("Content-Type: x\r\nContent-Length: " + std::to_string(length) +
+                        "\r\n\r\n");
+  desk.loop.Advance(1000);
+  desk.Http().PeerSends(std::string(length - 2, 'x'));
+  desk.loop.Advance(1000);
+  EXPECT_EQ(desk.Shown(), "---x Download Completed");
+  desk.Http().PeerSends("yz");
+  EXPECT_EQ(desk.ends, "[whole][whole]");
+  EXPECT_EQ(desk.files.contents["C:\\Orvanto\\large"].size(), length);
+}
+
+TEST(Download, SavesACopyOfTheFinishedFile) {
+  DownloadDesk desk;
+  desk.Begin();
+  EXPECT_FALSE(desk.window.mnuSave.Choose());
+  desk.Http().PeerSends(kHeader + std::string("0123456789"));
+  desk.Http().PeerCloses();
+  desk.window.Open();
   EXPECT_TRUE(desk.window.mnuSave.Choose());
   desk.downloads.save.txtPath.Type("C:\\copy");
   desk.downloads.save.cmdOK.Press();
@@ -400,6 +422,37 @@ TEST(FtpPath, EndsInsideEveryWait) {
       EXPECT_EQ(desk.files.open, 0);
     }
   }
+}
+
+// The figures of an FTP download have no total; where there is one, it can be paused.
+TEST(FtpPath, GoesOnAfterAPauseWhenTheOldPathHasReturned) {
+  DownloadDesk desk;
+  DownloadState state;
+  DownloadOptions options(desk.registry);
+  const DownloadPolicy policy;
+  frmDownload window(
+      desk.forms,
+      {desk.loop, desk.sockets, desk.files, desk.clock, desk.clipboard, desk.shell,
+       desk.messageBoxes, desk.settings, options, desk.downloads.header.Log(), policy},
+      state);
+  ScriptedFtpServer server(desk);
+  desk.settings.WriteSetting("Internet", "FTP PASV", "1");
+  server.Says(kLogIn + kGo + "|> RETR file|150 f|D abc|> ABOR|426 x|226 y|" + kLogIn + kGo +
+              "|> REST 3|350 r|> RETR file|150 f|D de|.|226 g");
+  std::string pressAt = "> ABOR";
+  server.each = [&] {
+    state.TotalSize = 100;
+    if (server.script.empty() || server.script.front() != pressAt) return;
+    // Again while the old path waits for the answer.
+    pressAt = pressAt == "> ABOR" ? "226 y" : "";
+    EXPECT_TRUE(window.cmdPause.Press());
+  };
+  std::string ends;
+  window.onEnded = [&](const DownloadEnd& end) { ends += end.whole ? "whole" : end.trouble; };
+  window.Begin(kFtpUrl, desk.folder.AppDir);
+  desk.loop.DoEvents();
+  desk.loop.DoEvents();
+  EXPECT_EQ(desk.File() + ends, "abcdewhole");
 }
 
 }  // namespace
