@@ -58,7 +58,7 @@ void HttpDownload::Connect() {
 
 void HttpDownload::Close() {
   sckDownload_->Close();
-  headerTaken_ = false;
+  received_ = headerTaken_ = false;
   waiting_.clear();
   closesWhenWhole_ = false;
 }
@@ -88,6 +88,7 @@ void HttpDownload::OnConnected() {
 
 void HttpDownload::OnArrival() {
   const std::string_view bytes = sckDownload_->GetData();
+  received_ = true;
   if (!headerTaken_) return OnFirstBytes(bytes);
   Store(bytes);
 }
@@ -139,10 +140,9 @@ bool HttpDownload::IsOfAnotherPart(const std::string& lower) const {
   return first && *first != state_.resumeOffset;
 }
 
-// Opens and closes the file each time: others may use it meanwhile. False when the download has
-// been stopped.
+// Opens and closes the file each time: others may use it meanwhile. With no bytes, too, there is a
+// file then. False when the download has been stopped.
 bool HttpDownload::Store(std::string_view bytes) {
-  if (bytes.empty()) return true;
   const std::uint64_t at =
       state_.Resuming ? std::max(state_.position, state_.resumeOffset) : state_.position;
   const Files::Opened opened = services_.files.Open(state_.LocalPath, Files::Access::Write);
@@ -164,7 +164,8 @@ void HttpDownload::CloseWhenWhole() {
 }
 
 void HttpDownload::OnClosed() {
-  if (Store(std::exchange(waiting_, {}))) services_.ended();
+  const std::string rest = std::exchange(waiting_, {});
+  if (rest.empty() || Store(rest)) services_.ended();
 }
 
 void HttpDownload::Stop(Trouble trouble) {

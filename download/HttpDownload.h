@@ -50,6 +50,8 @@ class HttpDownload {
   void Close();
   // From Connect to Close, or the end; also when it has failed.
   bool IsOpen() const { return sckDownload_->GetState() != TcpSocket::State::Closed; }
+  // Anything since Connect.
+  bool HasReceived() const { return received_; }
   // Closes as soon as all that was told of is in the file, which may be now.
   void CloseWhenWhole();
 
@@ -70,6 +72,7 @@ class HttpDownload {
   const Services services_;
   DownloadState& state_;
   const std::unique_ptr<TcpSocket> sckDownload_;
+  bool received_ = false;
   bool headerTaken_ = false;
   std::string waiting_;  // what may be half a header
   bool closesWhenWhole_ = false;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <string_view>
 #include <utility>
 
 #include "core/Convert.h"
@@ -276,17 +277,19 @@ void frmDownload::OnTrouble(HttpDownload::Trouble trouble) {
 
 void frmDownload::ShowTrouble(HttpDownload::Trouble trouble) {
   const Box& box = kBoxes[static_cast<std::size_t>(trouble)];
-  trouble_ = box.title;
+  trouble_ = std::string_view(box.title) == kProgramTitle ? box.text : box.title;
   services_.messageBoxes.Show(box.text, box.title, Buttons::Ok, box.icon);
 }
 
 void frmDownload::OnEndOfConnection() {
   const bool complete = services_.policy.IsComplete(state_);
-  const bool whole = complete && (!state_.length || *state_.length == state_.position);
-  const std::string trouble = whole ? ""
-                                    : "The connection ended at byte " +
-                                          std::to_string(state_.position) + " of " +
-                                          std::to_string(state_.length.value_or(0)) + ".";
+  const bool came = http_.HasReceived();
+  const bool whole = complete && came && (!state_.length || *state_.length == state_.position);
+  const std::string trouble = whole   ? ""
+                              : !came ? "The server has sent nothing."
+                                      : "The connection ended at byte " +
+                                            std::to_string(state_.position) + " of " +
+                                            std::to_string(state_.length.value_or(0)) + ".";
   const bool shown = phase_ == Phase::Shown;
   if (complete) DrawProgress(picDownloadProgress, 100, true);
   ShowStatus(complete ? kCompleted : kAborted);

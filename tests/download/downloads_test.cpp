@@ -130,7 +130,14 @@ TEST(Download, PutsEveryByteWhereItBelongs) {
        ""},
       {"", {"plain", " data"}, "plain data", "[whole]", ""},
       {"", {"Content-Type: never ends"}, "Content-Type: never ends", "[whole]", ""},
-      {"", {}, "none", "[whole]", ""},
+      {"", {"HTTP/1.0 200 OK\r\ncontent-type: x\r\n\r\n"}, "", "[whole]", ""},
+      {"", {}, "none", "[The server has sent nothing.]", ""},
+      {"abcdef", {}, "abcdef", "[The server has sent nothing.]", ""},
+      {"",
+       {header + std::string(31, 'x')},
+       "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxx",
+       "[The file cannot be written.]",
+       "The file cannot be written."},
       {"",
        {"HTTP/1.1 404 Not Found\r\nContent-Type: x\r\n\r\nsorry"},
        "none",
@@ -153,6 +160,7 @@ TEST(Download, PutsEveryByteWhereItBelongs) {
   for (const auto& [before, pieces, after, end, box] : kCases) {
     DownloadDesk desk;
     if (*before != '\0') desk.files.contents[kPath] = before;
+    desk.files.diskLeft = 30;
     if (!box.empty()) desk.Expect(box);
     desk.Begin();
     for (const std::string& piece : pieces) desk.Http().PeerSends(piece);
