@@ -19,6 +19,8 @@ TEST(Url, HasAHostAndAFileName) {
     ParseUrl(url, state);
     EXPECT_EQ(state.ConnectHost + "|" + state.UrlFileName, host + std::string("|") + name) << url;
   }
+  EXPECT_EQ(WithoutLogin("ftp://u:p@q@host/a@b") + WithoutLogin("u:p@host") + WithoutLogin("x/a@b"),
+            "ftp://host/a@bhostx/a@b");
   const char* const kFtp[][2] = {
       {"ftp://host/file", "anonymous anonymous@example.com host 21  file"},
       {"FTP://u:p:q@r@host:2100/a/b/file", "u p:q@r host 2100 a/b file"},
