@@ -88,7 +88,7 @@ frmDownload::frmDownload(forms::FormHost& host, const Services& services, Downlo
       mnuHeader(mnuDownload, "&Header && FTP Log"),
       mnuSave(mnuDownload, "Save &As..."),
       lblURL(*this, nullptr, "URL:", {120, 165, 600, kTextHeight}),
-      txtURL(*this, nullptr, {}, {780, 120, 5700, 315}),
+      txtURL(*this, nullptr, {}, {780, 120, 5700, 345}),
       picDownloadProgress(*this, nullptr, kProgress),
       lblStatus(*this, nullptr, "", {120, 660, 6360, kTextHeight}),
       lblRecieveTitle(*this, nullptr, "Recieved Size:", kTitles[0]),
