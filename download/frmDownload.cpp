@@ -88,8 +88,8 @@ frmDownload::frmDownload(forms::FormHost& host, const Services& services, Downlo
       mnuSeparator(mnuDownload, "-"),
       mnuHeader(mnuDownload, "&Header && FTP Log"),
       mnuSave(mnuDownload, "Save &As..."),
-      lblURL(*this, nullptr, "&URL:", {120, 165, 600, kTextHeight}),
-      txtURL(*this, nullptr, {}, {780, 120, 5700, 315}),
+      lblURL(*this, nullptr, "URL:", {120, 165, 600, kTextHeight}),
+      txtURL(*this, nullptr, {}, {780, 120, 5700, 345}),
       picDownloadProgress(*this, nullptr, kProgress),
       lblStatus(*this, nullptr, "", {120, 660, 6360, kTextHeight}),
       lblRecieveTitle(*this, nullptr, "Recieved Size:", kTitles[0]),
@@ -354,8 +354,7 @@ void frmDownload::DrawProgress(forms::PictureBox& box, std::int16_t percent, boo
   const auto [left, top, width, height] = box.GetBounds();
   box.Clear();
   if (showText) {
-    box.AddText(FormatNumber(percent, "###0") + "%",
-                {0, height / 2 - kTextHeight, width, kTextHeight}, kTextColour,
+    box.AddText(FormatNumber(percent, "###0") + "%", {0, 0, width, height}, kTextColour,
                 forms::PictureBox::Align::Centre);
   }
   box.AddInvertingBar({0, 0, width * percent / 100, height}, kBarColour);

@@ -15,7 +15,8 @@ TEST(Url, HasAHostAndAFileName) {
                                    {"http://host", "old", "old"},
                                    {"", "old", "old"}};
   for (const auto& [url, host, name] : kCases) {
-    DownloadState state{.ConnectHost = "old", .UrlFileName = "old"};
+    DownloadState state;
+    state.ConnectHost = state.UrlFileName = "old";
     ParseUrl(url, state);
     EXPECT_EQ(state.ConnectHost + "|" + state.UrlFileName, host + std::string("|") + name) << url;
   }
