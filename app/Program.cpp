@@ -13,6 +13,7 @@
 #include "core/ui/frmAbout.h"
 #include "core/ui/frmEdit.h"
 #include "core/ui/frmScriptcfg.h"
+#include "core/ui/frmSettings.h"
 #include "core/ui/frmmsg.h"
 #include "download/Downloads.h"
 #include "platform/EventLoop.h"
@@ -27,6 +28,8 @@
 
 namespace orvanto {
 namespace {
+
+constexpr const char* kUpdateUrl = "http://www.quellmark.example/orvanto/orvanto_update.txt";
 
 // In each of these the members stand in the order of construction: each sees what stands above it.
 
@@ -77,6 +80,7 @@ struct Windows {
                                 .messageBoxes = platform.messageBoxes,
                                 .fileDialogs = platform.fileDialogs}),
         about(platform.forms, platform.shell),
+        settings(platform.forms, automation.settings, automation.programSettings),
         main(platform.forms, {.settings = automation.settings,
                               .programSettings = automation.programSettings,
                               .folder = automation.folder,
@@ -91,13 +95,15 @@ struct Windows {
                               .message = message}) {
     main.showEditor = [this](std::optional<std::int16_t> slot) { editor.Open(slot); };
     main.showAbout = [this] { about.Open(); };
+    main.showSettings = [this] { settings.Open(); };
     editor.onSaved = [this](std::int16_t slot) { main.SelectTask(slot); };
     editor.onClosed = [this] { main.Return(); };
-    about.onClosed = [this] { main.Return(); };
+    about.onClosed = settings.onClosed = [this] { main.Return(); };
   }
 
   frmEdit editor;
   frmAbout about;
+  frmSettings settings;
   frmScriptcfg main;
 };
 
@@ -166,7 +172,7 @@ struct Program::Parts {
               message.ShowText(text);
               if (program.onPopup) program.onPopup(text);
             },
-            [this](const std::string& url) { downloads.BeginDownload(url); }),
+            [this](const std::string& url) { Download(url); }),
         downloads(platform.forms, {.loop = platform.loop,
                                    .sockets = platform.sockets,
                                    .files = platform.files,
@@ -179,9 +185,16 @@ struct Program::Parts {
                                    .folder = automation.folder}),
         windows(platform, automation, message),
         remote(platform, automation, windows.main) {
+    windows.settings.onPortChanged = [this] { remote.telnet.Restart(); };
+    windows.settings.onCheckNow = [this] { Download(kUpdateUrl); };
     windows.main.showDownload = [this] { downloads.window.Open(); };
     downloads.window.formBehind = &windows.main;
     downloads.ForEachDialog([this](forms::Form& form) { form.formBehind = &downloads.window; });
+  }
+
+  void Download(const std::string& url) {
+    downloads.updateCheckRequested = true;
+    downloads.BeginDownload(url);
   }
 
   StartOptions options;
@@ -204,8 +217,9 @@ Program::Program(Platform& platform, StartOptions options)
   };
   parts_->windows.main.onOnTop = [this](bool on) {
     // The popup message is above all others anyway.
-    for (forms::Form* form : std::initializer_list<forms::Form*>{
-             &Editor(), &parts_->windows.about, &ChatWindow(), &parts_->remote.ftpWindow}) {
+    for (forms::Form* form :
+         std::initializer_list<forms::Form*>{&Editor(), &parts_->windows.about, &SettingsWindow(),
+                                             &ChatWindow(), &parts_->remote.ftpWindow}) {
       form->SetTopMost(on);
     }
     GetDownloads().window.SetTopMost(on);
@@ -216,6 +230,7 @@ Program::Program(Platform& platform, StartOptions options)
     GetDownloads().Unload();
     Editor().Unload();
     parts_->windows.about.Unload();
+    SettingsWindow().Unload();
     parts_->loop.Quit();
   };
 }
@@ -223,7 +238,8 @@ Program::Program(Platform& platform, StartOptions options)
 Program::~Program() = default;
 
 void Program::BringToFront() {
-  for (forms::Form* form : std::initializer_list<forms::Form*>{&Editor(), &parts_->windows.about}) {
+  for (forms::Form* form :
+       std::initializer_list<forms::Form*>{&Editor(), &parts_->windows.about, &SettingsWindow()}) {
     if (form->Visible()) return form->Activate();
   }
   MainWindow().Return();
@@ -244,6 +260,7 @@ TaskStore& Program::Store() { return parts_->automation.store; }
 Sched& Program::GetSched() { return parts_->automation.sched; }
 TaskExecution& Program::Execution() { return parts_->automation.execution; }
 frmScriptcfg& Program::MainWindow() { return parts_->windows.main; }
+frmSettings& Program::SettingsWindow() { return parts_->windows.settings; }
 frmEdit& Program::Editor() { return parts_->windows.editor; }
 frmChat& Program::ChatWindow() { return parts_->remote.chat; }
 TelnetServer& Program::Telnet() { return parts_->remote.telnet; }

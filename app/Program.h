@@ -21,6 +21,7 @@ class TelnetServer;
 class frmChat;
 class frmEdit;
 class frmScriptcfg;
+class frmSettings;
 struct TaskRecord;
 
 struct StartOptions {
@@ -52,6 +53,7 @@ class Program {
   TaskExecution& Execution();
   frmScriptcfg& MainWindow();
   frmEdit& Editor();
+  frmSettings& SettingsWindow();
   frmChat& ChatWindow();
   TelnetServer& Telnet();
   FtpServer& Ftp();

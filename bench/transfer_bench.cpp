@@ -3,7 +3,7 @@
 // complete; received is what arrives, written at once.
 //   transfer_bench send-plain PORT FILE [CHUNK]
 //   transfer_bench send PORT FILE IDLE-CONNECTIONS TRANSFERS-AT-ONCE
-//   transfer_bench receive-plain PORT FILE
+//   transfer_bench receive-plain PORT FILE    port 0: the connection is the standard input
 //   transfer_bench receive PORT FILE       opens, writes and closes for each arrival
 // bench/transfer_peer is the other end.
 #ifdef _WIN32
@@ -94,7 +94,7 @@ void SendPlain(std::uint16_t port, const char* path, std::size_t chunkSize) {
 }
 
 void ReceivePlain(std::uint16_t port, const char* path) {
-  const auto fd = ConnectPlain(port);
+  const auto fd = port == 0 ? decltype(ConnectPlain(port)){} : ConnectPlain(port);
   const int file = open(path, O_WRONLY | O_CREAT | O_TRUNC | kBinary, 0666);
   std::vector<char> buffer(256 << 10);
   const auto begin = Clock::now();

@@ -43,6 +43,9 @@ class Downloads {
   // Closes all windows, and ends with them what runs and what waits.
   void Unload();
 
+  // An update check, or a script, has asked for one; nobody reads it.
+  bool updateCheckRequested = false;
+
   // After it the next one begins.
   Event<const DownloadEnd&> ended;
 

@@ -60,10 +60,9 @@ void HttpDownload::Connect() {
 
 void HttpDownload::Close() {
   sckDownload_->Close();
-  headerTaken_ = false;
+  received_ = headerTaken_ = false;
   waiting_.clear();
   closesWhenWhole_ = false;
-  answered_ = false;
 }
 
 // A file that is fetched by FTP through a proxy must not name a port.
@@ -91,7 +90,7 @@ void HttpDownload::OnConnected() {
 
 void HttpDownload::OnArrival() {
   const std::string_view bytes = sckDownload_->GetData();
-  answered_ = true;
+  received_ = true;
   if (!headerTaken_) return OnFirstBytes(bytes);
   Store(bytes);
 }
@@ -130,8 +129,9 @@ bool HttpDownload::TakeHeader(const std::string& header, const std::string& lowe
   if (state_.Resuming) {
     state_.SetPosition(state_.resumeOffset);
     state_.TotalSize += state_.ResumeOffset;
-    if (state_.length)
+    if (state_.length) {
       state_.length = std::max(*state_.length, *state_.length + state_.resumeOffset);
+    }
   }
   services_.header(header);
   return true;
@@ -144,8 +144,8 @@ bool HttpDownload::IsOfAnotherPart(const std::string& lower) const {
   return first && *first != state_.resumeOffset;
 }
 
-// Opens and closes the file each time: others may use it meanwhile. False when the download has
-// been stopped.
+// Opens and closes the file each time: others may use it meanwhile. With no bytes, too, there is a
+// file then. False when the download has been stopped.
 bool HttpDownload::Store(std::string_view bytes) {
   const std::uint64_t at =
       state_.Resuming ? std::max(state_.position, state_.resumeOffset) : state_.position;

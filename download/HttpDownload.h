@@ -49,10 +49,10 @@ class HttpDownload {
   void Close();
   // From Connect to Close, or the end; also when it has failed.
   bool IsOpen() const { return sckDownload_->GetState() != TcpSocket::State::Closed; }
+  // Anything since Connect.
+  bool HasReceived() const { return received_; }
   // Ends, to be closed, as soon as all that was told of is in the file, which may be now.
   void CloseWhenWhole();
-  // Whether anything has come on this connection.
-  bool Answered() const { return answered_; }
 
  private:
   // A header that is longer is taken for the file's.
@@ -71,10 +71,10 @@ class HttpDownload {
   const Services services_;
   DownloadState& state_;
   const std::unique_ptr<TcpSocket> sckDownload_;
+  bool received_ = false;
   bool headerTaken_ = false;
   std::string waiting_;  // what may be half a header
   bool closesWhenWhole_ = false;
-  bool answered_ = false;
 };
 
 }  // namespace orvanto

@@ -88,6 +88,12 @@ FtpAddress ParseFtpUrl(const std::string& url) {
   return address;
 }
 
+std::string WithoutLogin(const std::string& url) {
+  const std::size_t host = url.size() - WithoutScheme(url).size();
+  const std::size_t at = url.substr(0, url.find('/', host)).rfind('@');
+  return at == std::string::npos || at < host ? url : url.substr(0, host) + url.substr(at + 1);
+}
+
 std::string LocalFileName(const std::string& name) {
   std::string stored;
   for (std::size_t at = 0; at < name.size();) {

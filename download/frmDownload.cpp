@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <string_view>
 #include <utility>
 
 #include "core/Convert.h"
@@ -87,8 +88,8 @@ frmDownload::frmDownload(forms::FormHost& host, const Services& services, Downlo
       mnuSeparator(mnuDownload, "-"),
       mnuHeader(mnuDownload, "&Header && FTP Log"),
       mnuSave(mnuDownload, "Save &As..."),
-      lblURL(*this, nullptr, "&URL:", {120, 165, 600, kTextHeight}),
-      txtURL(*this, nullptr, {}, {780, 120, 5700, 315}),
+      lblURL(*this, nullptr, "URL:", {120, 165, 600, kTextHeight}),
+      txtURL(*this, nullptr, {}, {780, 120, 5700, 345}),
       picDownloadProgress(*this, nullptr, kProgress),
       lblStatus(*this, nullptr, "", {120, 660, 6360, kTextHeight}),
       lblRecieveTitle(*this, nullptr, "Recieved Size:", kTitles[0]),
@@ -278,14 +279,14 @@ void frmDownload::OnTrouble(HttpDownload::Trouble trouble) {
 
 void frmDownload::ShowTrouble(HttpDownload::Trouble trouble) {
   const Box& box = kBoxes[static_cast<std::size_t>(trouble)];
-  trouble_ = box.title == std::string_view(kProgramTitle) ? box.text : box.title;
+  trouble_ = std::string_view(box.title) == kProgramTitle ? box.text : box.title;
   services_.messageBoxes.Show(box.text, box.title, Buttons::Ok, box.icon);
 }
 
 void frmDownload::OnEndOfConnection() {
   const bool complete = services_.policy.IsComplete(state_);
   std::string trouble;
-  if (!http_.Answered()) {
+  if (!http_.HasReceived()) {
     trouble = "The server has sent nothing.";
   } else if (!complete || state_.length.value_or(state_.position) != state_.position) {
     trouble = "The connection ended at byte " + std::to_string(state_.position) + " of " +
@@ -350,8 +351,7 @@ void frmDownload::DrawProgress(forms::PictureBox& box, std::int16_t percent, boo
   const auto [left, top, width, height] = box.GetBounds();
   box.Clear();
   if (showText) {
-    box.AddText(FormatNumber(percent, "###0") + "%",
-                {0, height / 2 - kTextHeight, width, kTextHeight}, kTextColour,
+    box.AddText(FormatNumber(percent, "###0") + "%", {0, 0, width, height}, kTextColour,
                 forms::PictureBox::Align::Centre);
   }
   box.AddInvertingBar({0, 0, width * percent / 100, height}, kBarColour);

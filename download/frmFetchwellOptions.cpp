@@ -11,7 +11,7 @@ frmFetchwellOptions::frmFetchwellOptions(forms::FormHost& host, DownloadOptions&
       txtRollback(*this, nullptr, {}, {2100, 615, 1290, 345}),
       chkClipboard(*this, nullptr, "&Take the URL from the clipboard when the window opens",
                    {240, 1125, 5520, 270}),
-      chkDownloadDrop(*this, nullptr, "&Download a URL as soon as it is dropped",
+      chkDownloadDrop(*this, nullptr, "Take a &URL over as soon as it is dropped",
                       {240, 1545, 5520, 270}),
       cmdSave(*this, nullptr, "&Save", {3030, 2130, 1290, 375}),
       cmdCancel(*this, nullptr, "&Cancel", {4470, 2130, 1290, 375}) {

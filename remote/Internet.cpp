@@ -53,15 +53,24 @@ void TelnetServer::ServerOn() {
   services_.area.SetCaption("Internet Server Status:" + sck_->LocalAddress());
   RefreshCaption();
   services_.area.SetLamps(false, true);
+  on_ = true;
   switched.Raise(true);
   StartListening();
 }
 
 void TelnetServer::ServerOff() {
+  on_ = false;
   EndConnection();
   switched.Raise(false);
   services_.area.SetLamps(false, false);
   services_.area.ShowServer(false);
+}
+
+void TelnetServer::Restart() {
+  if (!on_) return;
+  Disconnect();
+  sck_->Close();
+  StartListening();
 }
 
 void TelnetServer::RefreshCaption() { services_.area.SetCaption(sck_->LocalAddress()); }

@@ -51,6 +51,8 @@ class TelnetServer : public Conversation {
 
   void ServerOn();
   void ServerOff();
+  // The port that is stored has changed: ends the connection, and listens there, if it is on.
+  void Restart();
   bool Listening() const { return sck_->GetState() == TcpSocket::State::Listening; }
   bool Connected() const { return sck_->GetState() == TcpSocket::State::Connected; }
   std::uint16_t Port() const { return sck_->LocalPort(); }
@@ -117,6 +119,7 @@ class TelnetServer : public Conversation {
   TelnetProtocol protocol_;
   TaskWizard wizard_;
   std::string clientAddress_ = "0.0.0.0";
+  bool on_ = false;
   std::int32_t serverPort_ = 0;
   LineAssembler input_{LineAssembler::Policy::Keys, kLongestLine};
   std::string outgoing_;             // sent, and not flushed

@@ -34,7 +34,7 @@ ConsoleDownloads::ConsoleDownloads(Downloads& downloads, const Clock& clock, std
       out_ << PrintableLine("Downloaded " + name) << std::endl;
     } else {
       allWell_ = false;
-      err_ << PrintableLine("Not downloaded: " + end.url + ": " +
+      err_ << PrintableLine("Not downloaded: " + WithoutLogin(end.url) + ": " +
                             (trouble.empty() ? end.trouble : trouble))
            << std::endl;
     }

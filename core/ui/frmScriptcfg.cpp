@@ -112,7 +112,10 @@ void frmScriptcfg::WireCommands() {
   for (const auto& [item, command] : items) {
     item->onClick = [this, command = command] { OnCommand(command); };
   }
-  mnuSettings.onClick = [this] { showSettings(); };
+  mnuSettings.onClick = [this] {
+    Hide();
+    showSettings();
+  };
   mnuOnTop.onClick = [this] {
     mnuOnTop.SetChecked(!mnuOnTop.Checked());
     SetOnTop(mnuOnTop.Checked());
@@ -207,7 +210,7 @@ void frmScriptcfg::WireRemoteControl() {
   if (!there) return;
   optIneton.onClick = mnuServeron.onClick = [this] { remoteCommands->SwitchServer(true); };
   optInetoff.onClick = mnuServeroff.onClick = [this] { remoteCommands->SwitchServer(false); };
-  mnuServersetup.onClick = [this] { showSettings(); };
+  mnuServersetup.onClick = mnuSettings.onClick;
   mnuInetchat.onClick = [this] { remoteCommands->SendTilde(); };
   mnuInetftpserver.onClick = [this] { remoteCommands->ShowFtpServer(); };
   cmdChat.onClick = [this] { remoteCommands->StartChat(); };

@@ -12,6 +12,8 @@
 #include "core/modTaskOperations.h"
 #include "core/ui/frmEdit.h"
 #include "core/ui/frmScriptcfg.h"
+#include "core/ui/frmSettings.h"
+#include "download/Downloads.h"
 #include "remote/frmChat.h"
 #include "tests/support/FakePlatform.h"
 
@@ -230,6 +232,14 @@ TEST_F(ProgramTest, OneWindowStandsForAnother) {
   EXPECT_EQ(editor.Caption(), "Edit Task - Made here");
   fake.loop.Advance(60000);
   EXPECT_EQ(told, (Texts{"Made here"}));
+  editor.cmdCancel.Press();
+  ASSERT_TRUE(window.mnuServersetup.Choose());
+  EXPECT_FALSE(window.Visible());
+  program.SettingsWindow().cmdCheckNow.Press();
+  fake.loop.DoEvents();
+  EXPECT_TRUE(program.GetDownloads().window.txtURL.Text().ends_with("/orvanto_update.txt"));
+  program.SettingsWindow().cmdClose.Press();
+  EXPECT_TRUE(window.Visible());
   program.Quit();
   EXPECT_FALSE(editor.Visible() || window.Visible()) << "nor does it come back";
   EXPECT_TRUE(fake.loop.QuitRequested());

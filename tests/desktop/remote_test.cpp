@@ -108,7 +108,7 @@ TEST_F(DesktopTest, TheWindowsTellOfTheClientAndTalkWithHim) {
   EXPECT_TRUE(WaitFor([&] { return !IsWindow(chat); }));
   EXPECT_TRUE(program.MainIsInFront());
 
-  Type("%i{UP}~");
+  Type("%i{UP 2}~");
   EXPECT_NE(InFront(L"Brisk FTP Server ver .1a"), nullptr);
   Type("{ESC}");
   EXPECT_TRUE(program.MainIsInFront());

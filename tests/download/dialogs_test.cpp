@@ -32,7 +32,8 @@ std::string Shown(const forms::Form& form) {
 void ChangeAll(const forms::Form& form) {
   for (forms::Control* control : form.Controls()) {
     if (auto* check = dynamic_cast<forms::CheckBox*>(control)) check->Press();
-    if (auto* box = dynamic_cast<forms::TextBox*>(control)) EXPECT_TRUE(box->Press("x5"));
+    auto* box = dynamic_cast<forms::TextBox*>(control);
+    EXPECT_TRUE(box == nullptr || box->Press("x5"));
   }
 }
 

@@ -130,9 +130,14 @@ TEST(Download, PutsEveryByteWhereItBelongs) {
        ""},
       {"", {"plain", " data"}, "plain data", "[whole]", ""},
       {"", {"Content-Type: never ends"}, "Content-Type: never ends", "[whole]", ""},
+      {"", {"HTTP/1.0 200 OK\r\ncontent-type: x\r\n\r\n"}, "", "[whole]", ""},
       {"", {}, "none", "[The server has sent nothing.]", ""},
       {"abcdef", {}, "abcdef", "[The server has sent nothing.]", ""},
-      {"", {"HTTP/1.1 200 OK\r\nContent-Length: 0\r\nContent-Type: x\r\n\r\n"}, "", "[whole]", ""},
+      {"",
+       {header + std::string(31, 'x')},
+       "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxx",
+       "[The file cannot be written.]",
+       "The file cannot be written."},
       {"",
        {"HTTP/1.1 200 OK\r\ncontent-length:12\r\nContent-Type: x\r\n\r\n0123"},
        "0123",
@@ -166,6 +171,7 @@ TEST(Download, PutsEveryByteWhereItBelongs) {
   for (const auto& [before, pieces, after, end, box] : kCases) {
     DownloadDesk desk;
     if (*before != '\0') desk.files.contents[kPath] = before;
+    desk.files.diskLeft = 30;
     if (!box.empty()) desk.Expect(box);
     desk.Begin();
     for (const std::string& piece : pieces) desk.Http().PeerSends(piece);
@@ -248,6 +254,28 @@ TEST(Download, ShowsCompletionEarlyAndKeepsTheLastByte) {
   EXPECT_EQ(desk.File() + desk.ends, "0123456789[whole]");
   EXPECT_TRUE(desk.window.cmdRun.Press());
   EXPECT_EQ(desk.done.back(), "Open C:\\Orvanto\\file in '' 1");
+  // At 32 MiB the figures are right to four bytes.
+  const std::size_t length = (32U << 20) + 4;
+  desk.files.diskLeft = FakeFiles::kAny;
+  desk.Begin("http://host/large");
+  desk.Http().PeerSends("Content-Type: x\r\nContent-Length: " + std::to_string(length) +
+                        "\r\n\r\n");
+  desk.loop.Advance(1000);
+  desk.Http().PeerSends(std::string(length - 2, 'x'));
+  desk.loop.Advance(1000);
+  EXPECT_EQ(desk.Shown(), "---x Download Completed");
+  desk.Http().PeerSends("yz");
+  EXPECT_EQ(desk.ends, "[whole][whole]");
+  EXPECT_EQ(desk.files.contents["C:\\Orvanto\\large"].size(), length);
+}
+
+TEST(Download, SavesACopyOfTheFinishedFile) {
+  DownloadDesk desk;
+  desk.Begin();
+  EXPECT_FALSE(desk.window.mnuSave.Choose());
+  desk.Http().PeerSends(kHeader + std::string("0123456789"));
+  desk.Http().PeerCloses();
+  desk.window.Open();
   EXPECT_TRUE(desk.window.mnuSave.Choose());
   desk.downloads.BeginDownload("http://host/next");
   desk.loop.DoEvents();
@@ -449,8 +477,8 @@ TEST(FtpPath, EndsInsideEveryWait) {
       server.each = [&] {
         if (server.script.size() != left) return;
         server.script.clear();
-        if (how == 'S') EXPECT_TRUE(desk.window.cmdStop.Press());
-        if (how == 'u') EXPECT_TRUE(desk.window.Close());
+        EXPECT_TRUE(how != 'S' || desk.window.cmdStop.Press());
+        EXPECT_TRUE(how != 'u' || desk.window.Close());
         if (how == 'q') desk.loop.Quit();
       };
       desk.downloads.BeginDownload(kFtpUrl);
@@ -463,6 +491,37 @@ TEST(FtpPath, EndsInsideEveryWait) {
       EXPECT_EQ(desk.files.open, 0);
     }
   }
+}
+
+// The figures of an FTP download have no total; where there is one, it can be paused.
+TEST(FtpPath, GoesOnAfterAPauseWhenTheOldPathHasReturned) {
+  DownloadDesk desk;
+  DownloadState state;
+  DownloadOptions options(desk.registry);
+  const DownloadPolicy policy;
+  frmDownload window(
+      desk.forms,
+      {desk.loop, desk.sockets, desk.files, desk.clock, desk.clipboard, desk.shell,
+       desk.messageBoxes, desk.settings, options, desk.downloads.header.Log(), policy},
+      state);
+  ScriptedFtpServer server(desk);
+  desk.settings.WriteSetting("Internet", "FTP PASV", "1");
+  server.Says(kLogIn + kGo + "|> RETR file|150 f|D abc|> ABOR|426 x|226 y|" + kLogIn + kGo +
+              "|> REST 3|350 r|> RETR file|150 f|D de|.|226 g");
+  std::string pressAt = "> ABOR";
+  server.each = [&] {
+    state.TotalSize = 100;
+    if (server.script.empty() || server.script.front() != pressAt) return;
+    // Again while the old path waits for the answer.
+    pressAt = pressAt == "> ABOR" ? "226 y" : "";
+    EXPECT_TRUE(window.cmdPause.Press());
+  };
+  std::string ends;
+  window.onEnded = [&](const DownloadEnd& end) { ends += end.whole ? "whole" : end.trouble; };
+  window.Begin(kFtpUrl, desk.folder.AppDir);
+  desk.loop.DoEvents();
+  desk.loop.DoEvents();
+  EXPECT_EQ(desk.File() + ends, "abcdewhole");
 }
 
 }  // namespace

@@ -51,9 +51,9 @@ struct Desk : FakePlatform, ScriptedFtpServer {
   }
 
   // What became of a method: the error's number and source.
-  std::string Outcome(bool done) const {
+  std::string Outcome(bool succeeded) const {
     const std::string source = ftp->GetFtpErrorSource();
-    if (done) return "true" + source;
+    if (succeeded) return "true" + source;
     return std::to_string(ftp->FtpGetLastError()) + " " + source.substr(source.find('.') + 1);
   }
   std::string Fetch(std::uint64_t offset = 0) {
@@ -301,7 +301,7 @@ TEST(FtpClient, CancelsATransfer) {
       };
       // Once is enough.
       desk.ftp->ReplyMessage = [&](const std::string& line) {
-        if (line == "ABOR\r\n") EXPECT_FALSE(desk.ftp->CancelTransfer());
+        EXPECT_FALSE(line == "ABOR\r\n" && desk.ftp->CancelTransfer());
       };
       desk.script.push_back("200 spare");
       const bool done = upload ? desk.ftp->UploadFile("C:\\up", "up")

@@ -15,10 +15,13 @@ TEST(Url, HasAHostAndAFileName) {
                                    {"http://host", "old", "old"},
                                    {"", "old", "old"}};
   for (const auto& [url, host, name] : kCases) {
-    DownloadState state{.ConnectHost = "old", .UrlFileName = "old"};
+    DownloadState state;
+    state.ConnectHost = state.UrlFileName = "old";
     ParseUrl(url, state);
     EXPECT_EQ(state.ConnectHost + "|" + state.UrlFileName, host + std::string("|") + name) << url;
   }
+  EXPECT_EQ(WithoutLogin("ftp://u:p@q@host/a@b") + WithoutLogin("u:p@host") + WithoutLogin("x/a@b"),
+            "ftp://host/a@bhostx/a@b");
   const char* const kFtp[][2] = {
       {"ftp://host/file", "anonymous anonymous@example.com host 21  file"},
       {"FTP://u:p:q@r@host:2100/a/b/file", "u p:q@r host 2100 a/b file"},

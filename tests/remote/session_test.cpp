@@ -14,8 +14,15 @@ TEST_F(SessionTest, SwitchedOnItWaitsWhereItCan) {
   std::string switched;
   const Subscription listens =
       server.switched.Subscribe([&](bool on) { switched += on ? "1" : "0"; });
+  server.Restart();
+  EXPECT_FALSE(server.Listening()) << "off stays off";
   server.ServerOn();
   EXPECT_EQ(server.Port(), 600);
+  EXPECT_EQ(area.Text(), kIdle);
+  settings.WriteSetting(kGeneral, "Inet_ServerPort", "601");
+  ASSERT_TRUE(socket.PeerConnects());
+  server.Restart();
+  EXPECT_EQ(server.Port(), 601);
   EXPECT_EQ(area.Text(), kIdle);
   server.ServerOff();
   EXPECT_FALSE(server.Listening());

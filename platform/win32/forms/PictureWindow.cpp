@@ -49,22 +49,22 @@ class PictureWindow : public ControlWindow {
     std::vector<RECT> bars;
     for (const auto& drawing : picture_.Drawings()) {
       const RECT place = ToPixels(drawing.place);
-      if (drawing.text.empty()) {
-        bars.push_back(place);
-        const COLORREF colour = few ? GetSysColor(COLOR_HIGHLIGHT) : ToColour(drawing.colour);
-        const Handle<HBRUSH, DeleteObject> brush(CreateSolidBrush(colour));
-        if (inverts && drawing.inverts) {
-          Invert(context, place, brush.Get());
-        } else {
-          FillRect(context, &place, brush.Get());
-        }
+      if (!drawing.text.empty()) {
+        if (!few) DrawLine(context, drawing, place, ToColour(drawing.colour));
         continue;
       }
-      if (few) {
-        DrawReadable(context, drawing, place, bars);
+      bars.push_back(place);
+      const COLORREF colour = few ? GetSysColor(COLOR_HIGHLIGHT) : ToColour(drawing.colour);
+      const Handle<HBRUSH, DeleteObject> brush(CreateSolidBrush(colour));
+      if (inverts && drawing.inverts) {
+        Invert(context, place, brush.Get());
       } else {
-        DrawLine(context, drawing, place, ToColour(drawing.colour));
+        FillRect(context, &place, brush.Get());
       }
+    }
+    // On all bars: in these colours nothing shows through one that lies on it.
+    for (const auto& drawing : picture_.Drawings()) {
+      if (few) DrawReadable(context, drawing, ToPixels(drawing.place), bars);
     }
     const Handle<HBRUSH, DeleteObject> edge(CreateSolidBrush(EdgeColour()));
     FrameRect(context, &all, edge.Get());

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <ole2.h>
 #include <windows.h>
 
 #include <commctrl.h>
@@ -10,6 +9,7 @@
 
 #include "platform/win32/Win32Clipboard.h"
 #include "platform/win32/forms/Win32FormHost.h"
+#include "tests/support/DragAndDrop.h"
 
 namespace orvanto::win32 {
 namespace {
@@ -64,23 +64,6 @@ struct Panel : forms::Form {
   forms::Lamp lamp{*this, &second, {}};
   forms::MenuItem menu{*this, "Menu"}, item{menu, "Item"};
   forms::Button save{*this, nullptr, "&Save", {4590, 3660, 1290, 375}};
-};
-
-// Moves the mouse a little, and drops.
-struct DropNow final : IDropSource {
-  STDMETHODIMP QueryInterface(REFIID, void** object) override {
-    *object = this;
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return 1; }
-  STDMETHODIMP_(ULONG) Release() override { return 1; }
-  STDMETHODIMP QueryContinueDrag(BOOL, DWORD) override {
-    if (std::exchange(moved, true)) return DRAGDROP_S_DROP;
-    mouse_event(MOUSEEVENTF_MOVE, 1, 1, 0, 0);
-    return S_OK;
-  }
-  STDMETHODIMP GiveFeedback(DWORD) override { return DRAGDROP_S_USEDEFAULTCURSORS; }
-  bool moved = false;
 };
 
 class Win32Controls : public testing::Test {
@@ -173,24 +156,14 @@ TEST_F(Win32Controls, TakeTextThatIsDropped) {
   Win32Clipboard clipboard;
   ASSERT_TRUE(clipboard.SetText("http://caf\u00e9/"));
   EXPECT_EQ(clipboard.Text(), "http://caf\u00e9/");
-  IDataObject* data = nullptr;
-  ASSERT_EQ(OleGetClipboard(&data), S_OK);
   const HWND box = GetNextDlgTabItem(host_.MainWindow(), Child(WC_BUTTONW, L"&Checked"), FALSE);
   for (const bool open : {false, true}) {  // a message box disables the form
     EnableWindow(host_.MainWindow(), open);
-    RECT place = {};
-    GetWindowRect(box, &place);
-    SetCursorPos(place.left + 5, place.top + 5);
-    mouse_event(MOUSEEVENTF_MOVE, 1, 1, 0, 0);
-    DropNow source;
-    DWORD effect = 0;
-    EXPECT_EQ(DoDragDrop(data, &source, DROPEFFECT_COPY, &effect), DRAGDROP_S_DROP);
-    EXPECT_EQ(effect, open ? DROPEFFECT_COPY : DROPEFFECT_NONE);
+    EXPECT_EQ(DropClipboardOn(box), open);
     EXPECT_EQ(panel_.box.Text(), "");  // not while the other program waits
     loop_.DoEvents();
     EXPECT_EQ(panel_.box.Text(), open ? "http://caf\u00e9/" : "");
   }
-  data->Release();
 }
 
 // Enter in a line that acts on it itself; in any other it is the default button's.

@@ -1,0 +1,225 @@
+#include "core/ui/frmSettings.h"
+
+#include <optional>
+
+#include "core/Convert.h"
+#include "core/modRegistry.h"
+
+namespace orvanto {
+namespace {
+
+constexpr int kHeight = 240;
+constexpr const char* kServerPort = "Inet_ServerPort";
+constexpr const char* kDefaultServerPort = "600";
+constexpr const char* kDefaultFtpPort = "21";
+
+constexpr forms::TextBox::Style kPassword{.password = true};
+constexpr forms::TextBox::Style kPort{.maxLength = 5};
+
+const char* Flag(bool on) { return on ? "1" : "0"; }
+
+// Nothing for what is no number.
+std::optional<std::int32_t> Number(const std::string& text) {
+  try {
+    return ToInt32(text);
+  } catch (const Error&) {
+    return std::nullopt;
+  }
+}
+
+}  // namespace
+
+// In the order of the pages.
+// In the order of the pages.
+const frmSettings::Tab frmSettings::kTabs[] = {
+    {&frmSettings::LoadUpdate, &frmSettings::SaveUpdate, &frmSettings::LoadUpdate,
+     &frmSettings::ResetUpdate},
+    {&frmSettings::LoadProxy, &frmSettings::SaveProxy, &frmSettings::CheckProxy,
+     &frmSettings::ResetProxy},
+    {&frmSettings::LoadRemote, &frmSettings::SaveRemote, &frmSettings::CheckRemote,
+     &frmSettings::ResetRemote},
+    {&frmSettings::LoadUsers, &frmSettings::SaveUsers, &frmSettings::CheckUsers,
+     &frmSettings::ResetUsers},
+};
+
+frmSettings::frmSettings(forms::FormHost& host, Settings& settings,
+                         ProgramSettings& programSettings)
+    : Form(host, "Settings", {6840, 4320}),
+      tabSettings(*this, nullptr, {120, 120, 6600, 3540}),
+      pagUpdate(*this, tabSettings, "Update"),
+      chkAutoUpdate(*this, &pagUpdate, "Check for &Update when Orvanto starts",
+                    {240, 240, 6000, 270}),
+      cmdCheckNow(*this, &pagUpdate, "Check &Now...", {240, 660, 1560, 375}),
+      pagProxy(*this, tabSettings, "Proxy"),
+      chkProxy(*this, &pagProxy, "Use an HTTP &proxy for downloading :", {240, 240, 6000, 270}),
+      lblProxy(*this, &pagProxy, "Address :", {525, 660, 1200, kHeight}),
+      txtProxy(*this, &pagProxy, {}, {1740, 615, 4500, 345}),
+      lblPort(*this, &pagProxy, "Port :", {525, 1110, 1200, kHeight}),
+      txtPort(*this, &pagProxy, kPort, {1740, 1065, 1200, 345}),
+      chkFTPthroughHTTP(*this, &pagProxy, "Access &FTP through this Proxy", {240, 1575, 6000, 270}),
+      pagRemote(*this, tabSettings, "Remote Access"),
+      chkServeron(*this, &pagRemote, "Ser&ver is On at Orvanto Startup", {240, 180, 6000, 270}),
+      chkPwd(*this, &pagRemote,
+             "Password &Required (for FTP and Telnet Access) :", {240, 525, 6000, 270}),
+      txtPwd(*this, &pagRemote, kPassword, {525, 840, 3000, 345}),
+      chkChat(*this, &pagRemote, "&Auto-Accept Chat Request", {240, 1290, 6000, 270}),
+      lblServerPort(*this, &pagRemote, "Telnet Port :", {240, 1755, 1260, kHeight}),
+      txtServerPort(*this, &pagRemote, kPort, {1560, 1710, 1200, 345}),
+      lblFTPPort(*this, &pagRemote, "FTP Port :", {3240, 1755, 1260, kHeight}),
+      txtFTPPort(*this, &pagRemote, kPort, {4560, 1710, 1200, 345}),
+      lblShared(*this, &pagRemote,
+                "Settings are shared: what is saved here is kept for all users of this computer, "
+                "but each start reads it from the user's own settings.",
+                {240, 2220, 6000, 2 * kHeight}),
+      pagUsers(*this, tabSettings, "Users"),
+      optUsersShare(*this, &pagUsers, "Windows Users S&hare Tasks and Settings",
+                    {240, 240, 6000, 270}),
+      optUsersDontShare(*this, &pagUsers, "Windows Users Have &Individual Tasks and Settings",
+                        {240, 600, 6000, 270}),
+      cmdSave(*this, nullptr, "&Save", {2640, 3795, 1290, 375}),
+      cmdDefaults(*this, nullptr, "&Defaults", {4020, 3795, 1290, 375}),
+      cmdClose(*this, nullptr, "&Close", {5430, 3795, 1290, 375}),
+      settings_(settings),
+      values_(programSettings) {
+  for (forms::TextBox* box : {&txtPort, &txtServerPort, &txtFTPPort}) {
+    box->takesKey = [](char32_t key) { return (key >= '0' && key <= '9') || key < ' '; };
+  }
+  txtPwd.spokenName = "Password";
+  txtFTPPort.SetText(kDefaultFtpPort);
+  chkProxy.onClick = [this] {
+    txtProxy.SetEnabled(chkProxy.Value());
+    txtPort.SetEnabled(chkProxy.Value());
+  };
+  chkPwd.onClick = [this] { txtPwd.SetEnabled(chkPwd.Value()); };
+  cmdCheckNow.onClick = [this] {
+    if (onCheckNow) onCheckNow();
+  };
+  cmdSave.onClick = [this] {
+    const Tab& tab = TabInSight();
+    (this->*tab.save)();
+    (this->*tab.check)();
+  };
+  cmdDefaults.onClick = [this] { (this->*TabInSight().reset)(); };
+  cmdClose.onClick = [this] { Unload(); };
+  defaultButton = &cmdSave;
+  cancelButton = &cmdClose;
+  onUnload = [this] {
+    if (onClosed) onClosed();
+  };
+}
+
+const frmSettings::Tab& frmSettings::TabInSight() const { return kTabs[tabSettings.Selected()]; }
+
+void frmSettings::Open() {
+  if (!Loaded()) {
+    for (const Tab& tab : kTabs) (this->*tab.load)();
+    lblShared.SetVisible(settings_.StorageMode() != 0);
+    CentreOnScreen();
+  }
+  Activate();
+}
+
+bool frmSettings::IsOn(const char* name) {
+  return settings_.ReadSetting(kGeneral, name, "0") == "1";
+}
+
+void frmSettings::LoadUpdate() { chkAutoUpdate.SetValue(IsOn(kCheckAutoUpdate.name)); }
+
+void frmSettings::SaveUpdate() {
+  settings_.WriteSetting(kGeneral, kCheckAutoUpdate.name, Flag(chkAutoUpdate.Value()));
+}
+
+void frmSettings::ResetUpdate() { chkAutoUpdate.SetValue(true); }
+
+void frmSettings::LoadProxy() {
+  ShowProxy(!values_.proxyHost.empty(), values_.proxyHost);
+  txtPort.SetText(values_.proxyHost.empty() ? "" : std::to_string(values_.proxyPort));
+  chkFTPthroughHTTP.SetValue(values_.ftpThroughProxy != 0);
+}
+
+// The port is not stored; it lasts as long as the program runs.
+void frmSettings::SaveProxy() {
+  const bool on = chkProxy.Value();
+  settings_.WriteSetting(kGeneral, "Use_Proxy", Flag(on));
+  settings_.WriteSetting(kGeneral, kProxyHost.name, txtProxy.Text());
+  values_.proxyHost = on ? txtProxy.Text() : "";
+  if (on) values_.proxyPort = ToInt16Or(txtPort.Text(), values_.proxyPort);
+}
+
+void frmSettings::CheckProxy() {
+  ShowProxy(IsOn("Use_Proxy"), settings_.ReadSetting(kGeneral, kProxyHost.name, ""));
+}
+
+void frmSettings::ShowProxy(bool on, const std::string& host) {
+  chkProxy.SetValue(on);
+  chkProxy.onClick();
+  txtProxy.SetText(host);
+}
+
+void frmSettings::ResetProxy() {
+  chkProxy.SetValue(false);
+  chkProxy.onClick();
+  chkFTPthroughHTTP.SetValue(false);
+}
+
+void frmSettings::LoadRemote() { ShowRemote(values_.passwordRequired, values_.chatAutoAccept); }
+
+void frmSettings::CheckRemote() {
+  ShowRemote(IsOn("Inet_Passwd_Required"), IsOn("Inet_Chat_Auto"));
+}
+
+void frmSettings::ShowRemote(bool required, bool chat) {
+  chkPwd.SetValue(required);
+  chkPwd.onClick();
+  txtPwd.SetText(required ? settings_.ReadSetting(kGeneral, "Inet_Passwd", "") : "");
+  chkChat.SetValue(chat);
+  chkServeron.SetValue(IsOn("Inet_ServerOn"));
+  txtServerPort.SetText(settings_.ReadSetting(kGeneral, kServerPort, kDefaultServerPort));
+}
+
+void frmSettings::SaveRemote() {
+  values_.passwordRequired = chkPwd.Value();
+  values_.password = chkPwd.Value() ? txtPwd.Text() : "";
+  values_.chatAutoAccept = chkChat.Value();
+  settings_.WriteSetting(kGeneral, "Inet_Passwd_Required", Flag(values_.passwordRequired));
+  settings_.WriteSetting(kGeneral, "Inet_Passwd", values_.password);
+  settings_.WriteSetting(kGeneral, "Inet_Chat_Auto", Flag(values_.chatAutoAccept));
+  settings_.WriteSetting(kGeneral, "Inet_ServerOn", Flag(chkServeron.Value()));
+  SavePort();
+}
+
+void frmSettings::SavePort() {
+  const std::string stored = settings_.ReadSetting(kGeneral, kServerPort, kDefaultServerPort);
+  const auto port = Number(txtServerPort.Text());
+  if (txtServerPort.Text() == stored || !port) return;
+  settings_.WriteSetting(kGeneral, kServerPort, std::to_string(*port));
+  if (onPortChanged) onPortChanged();
+}
+
+void frmSettings::ResetRemote() {
+  chkPwd.SetValue(false);
+  chkPwd.onClick();
+  chkChat.SetValue(false);
+  chkServeron.SetValue(true);
+  txtServerPort.SetText(kDefaultServerPort);
+  txtFTPPort.SetText(kDefaultFtpPort);
+}
+
+void frmSettings::LoadUsers() { ShowUsers(settings_.StorageMode() != 0); }
+
+// Holds from the next start on.
+void frmSettings::SaveUsers() {
+  settings_.WriteMachineSetting(kGeneral, "Users_Share", Flag(optUsersShare.Value()));
+}
+
+void frmSettings::CheckUsers() {
+  ShowUsers(settings_.ReadMachineSetting(kGeneral, "Users_Share", "0") != "0");
+}
+
+void frmSettings::ResetUsers() { ShowUsers(true); }
+
+void frmSettings::ShowUsers(bool share) {
+  (share ? optUsersShare : optUsersDontShare).SetValue(true);
+}
+
+}  // namespace orvanto

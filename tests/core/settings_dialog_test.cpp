@@ -1,0 +1,111 @@
+#include <gtest/gtest.h>
+
+#include "core/ui/frmSettings.h"
+#include "tests/support/CoreDesk.h"
+
+namespace orvanto {
+namespace {
+
+struct SettingsDialogTest : testing::Test, CoreDesk {
+  SettingsDialogTest() {
+    dialog.onPortChanged = [this] { ++portChanges; };
+    dialog.onCheckNow = [this] { ++checks; };
+  }
+  // Opened anew, with that tab in sight.
+  void Open(int tab) {
+    dialog.Unload();
+    dialog.Open();
+    dialog.tabSettings.Choose(tab);
+  }
+  std::string Stored(const std::string& names) {
+    std::string texts;
+    std::istringstream each(names);
+    for (std::string name; each >> name;) {
+      texts += settings.ReadSetting("General", name, "none") + " ";
+    }
+    return texts;
+  }
+
+  ProgramSettings values;
+  frmSettings dialog{forms, settings, values};
+  int portChanges = 0;
+  int checks = 0;
+};
+
+TEST_F(SettingsDialogTest, UpdatesAndUsers) {
+  Open(0);
+  EXPECT_FALSE(dialog.chkAutoUpdate.Value());
+  dialog.cmdDefaults.Press();
+  EXPECT_EQ(Stored("Check_Auto_Update"), "none ");
+  dialog.cmdSave.Press();
+  EXPECT_TRUE(dialog.cmdCheckNow.Press());
+  EXPECT_EQ(Stored("Check_Auto_Update Use_Proxy Inet_Passwd") + std::to_string(checks),
+            "1 none none 1");
+  Open(3);
+  EXPECT_TRUE(dialog.chkAutoUpdate.Value() && dialog.optUsersDontShare.Value());
+  dialog.cmdDefaults.Press();
+  dialog.cmdClose.Press();
+  EXPECT_EQ(settings.ReadMachineSetting("General", "Users_Share", "none"), "none");
+  Open(3);
+  dialog.optUsersShare.Choose();
+  dialog.cmdSave.Press();
+  EXPECT_TRUE(dialog.optUsersShare.Value());
+  EXPECT_EQ(settings.ReadMachineSetting("General", "Users_Share", "none"), "1");
+  EXPECT_EQ(settings.StorageMode(), 0);
+  dialog.optUsersDontShare.Choose();
+  registry.FailWrite(1, kAccessDenied);
+  dialog.cmdSave.Press();
+  EXPECT_TRUE(dialog.optUsersShare.Value()) << "what is stored still";
+}
+
+TEST_F(SettingsDialogTest, TheProxysPortLastsAsLongAsTheProgram) {
+  values.proxyHost = "0";
+  Open(1);
+  EXPECT_EQ(dialog.txtProxy.Text() + dialog.txtPort.Text(), "00");
+  dialog.txtProxy.Type("proxy");
+  dialog.txtPort.Press("8x0");
+  dialog.cmdSave.Press();
+  EXPECT_EQ(Stored("Use_Proxy Proxy ProxyPort"), "1 proxy none ");
+  EXPECT_EQ(values.proxyHost + std::to_string(values.proxyPort), "proxy80");
+  dialog.txtPort.Type("99999");
+  dialog.cmdSave.Press();
+  EXPECT_EQ(values.proxyPort, 80);
+  dialog.cmdDefaults.Press();
+  EXPECT_FALSE(dialog.txtProxy.Usable() || dialog.txtPort.Usable());
+  dialog.cmdSave.Press();
+  EXPECT_EQ(Stored("Use_Proxy Proxy") + values.proxyHost, "0 proxy ");
+}
+
+TEST_F(SettingsDialogTest, RemoteAccess) {
+  Open(2);
+  EXPECT_EQ(dialog.txtServerPort.Text() + dialog.txtFTPPort.Text(), "60021");
+  EXPECT_FALSE(dialog.txtPwd.Usable() || dialog.lblShared.ShownToUser());
+  dialog.chkPwd.Press();
+  dialog.txtPwd.Type("secret");
+  dialog.chkChat.Press();
+  dialog.chkServeron.Press();
+  dialog.cmdSave.Press();
+  const char* const kNames = "Inet_Passwd_Required Inet_Passwd Inet_Chat_Auto Inet_ServerOn";
+  EXPECT_EQ(Stored(kNames), "1 secret 1 1 ");
+  EXPECT_TRUE(values.passwordRequired && values.chatAutoAccept && values.password == "secret");
+  dialog.txtServerPort.Type("0601");
+  dialog.cmdSave.Press();
+  EXPECT_EQ(Stored("Inet_ServerPort") + dialog.txtServerPort.Text(), "601 601");
+  dialog.txtServerPort.Type("");
+  dialog.cmdSave.Press();
+  EXPECT_EQ(dialog.txtServerPort.Text(), "601");
+  EXPECT_EQ(portChanges, 1);
+  Open(2);
+  EXPECT_EQ(dialog.txtPwd.Text(), "secret");
+  dialog.cmdDefaults.Press();
+  dialog.cmdSave.Press();
+  EXPECT_EQ(Stored(kNames) + Stored("Inet_ServerPort"), "0  0 1 600 ");
+  EXPECT_FALSE(values.passwordRequired || values.chatAutoAccept || !values.password.empty());
+  EXPECT_EQ(portChanges, 2);
+  settings.SetStorageMode(1);
+  Open(2);
+  EXPECT_TRUE(dialog.lblShared.ShownToUser());
+}
+
+}  // namespace
+}  // namespace orvanto

@@ -1,0 +1,68 @@
+// Downloads of the finished program, from a server of the test's own.
+#include <filesystem>
+
+#include "platform/win32/Text.h"
+#include "platform/win32/Win32Clipboard.h"
+#include "platform/win32/Win32Socket.h"
+#include "tests/desktop/DesktopTest.h"
+#include "tests/support/DragAndDrop.h"
+#include "tests/support/TemporaryDirectory.h"
+
+namespace orvanto::desktop {
+namespace {
+
+TEST_F(DesktopTest, FetchesWhatIsTypedPastedDroppedAndAskedForByAScript) {
+  const std::string file(300000, 'x');
+  win32::Win32Loop loop;
+  win32::Win32SocketHost sockets(loop);
+  const auto listener = sockets.NewSocket(SocketHost::Use::Conversation);
+  const auto client = sockets.NewSocket(SocketHost::Use::Data);
+  std::string request;
+  listener->onConnectionRequest = [&](auto id) { client->Accept(id); };
+  client->onDataArrival = [&] {
+    request += client->GetData();
+    if (!request.ends_with("\r\n\r\n")) return;
+    client->Send("HTTP/1.0 200 OK\r\nContent-Type: text/plain\r\n\r\n" + file + request);
+    client->CloseGently();
+  };
+  if (!listener->Listen(80, "127.0.0.1")) GTEST_SKIP() << "port 80 is not free";
+  const auto alarm = loop.NewTimer([] {});  // or the wait would look only when the server has work
+  alarm->Start(std::chrono::milliseconds(20));
+
+  OleInitialize(nullptr);  // for the dragging
+  win32::Win32Clipboard clipboard;
+  std::filesystem::create_directories(Beside(L"scripts"));
+  const std::string script = win32::ToUtf8(Beside(L"scripts\\fetch.txt"));
+  WriteFile(script, "download('http://127.0.0.1/a/script.bin',)");
+  Import({{L"Fetch", L"1", L"fetch.txt"}});
+  const RunningProgram program;
+  const HWND main = program.MainWindow();
+  const auto life = std::make_shared<int>();
+  for (const std::string how : {"script", "typed", "pasted", "dropped"}) {
+    const std::string url = "http://127.0.0.1/a/" + how + ".bin";
+    const std::string path = win32::ToUtf8(Beside(win32::ToWide(how + ".bin")));
+    std::filesystem::remove(path);
+    request.clear();
+    clipboard.SetText(how == "pasted" ? " " + url : "");
+    ASSERT_TRUE(program.MainIsInFront());
+    Type(how == "script" ? "{END}%r" : "%i{UP}~");
+    if (how != "script") {
+      const HWND box = RunningProgram::Children(InFront(L"Download"), WC_EDITW).at(0);
+      if (how == "typed") Type(url);
+      EXPECT_TRUE(how != "dropped" || (clipboard.SetText(url) && win32::DropClipboardOn(box)));
+      EXPECT_TRUE(WaitFor([&] { return TextOf(box) == win32::ToWide(url); })) << how;
+      Type("~");
+    }
+    // Its window closes when the server has.
+    const auto waited = loop.WaitFor(
+        life, [&] { return GetForegroundWindow() == main && ReadFile(path) == file + request; },
+        std::chrono::seconds(20));
+    EXPECT_TRUE(waited == EventLoop::Waited::Met) << how << ": " << request;
+    EXPECT_TRUE(request.starts_with("GET /a/" + how + ".bin HTTP/1.0\r\n"));
+    std::filesystem::remove(path);
+  }
+  std::filesystem::remove(script);
+}
+
+}  // namespace
+}  // namespace orvanto::desktop
