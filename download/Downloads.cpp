@@ -24,7 +24,8 @@ Downloads::Downloads(forms::FormHost& host, const Services& services)
               .settings = services.settings,
               .options = options_,
               .log = header.Log(),
-              .policy = policy_},
+              .policy = policy_,
+              .mayWait = services.mayWait},
              state_),
       services_(services),
       next_(services.loop.NewDeferred([this] { BeginNext(); })) {

@@ -18,6 +18,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kFigures(500);
 constexpr std::chrono::seconds kSecond(1);
+constexpr std::chrono::milliseconds kUntilItMayWait(50);
 
 constexpr int kTextHeight = 240;
 constexpr forms::Bounds kProgress{120, 540, 6360, 2 * kTextHeight};
@@ -135,7 +136,11 @@ frmDownload::frmDownload(forms::FormHost& host, const Services& services, Downlo
            state),
       tmrUpdateProgress_(services.loop.NewTimer([this] { RenewFigures(); })),
       tmrTimeLeft_(services.loop.NewTimer([this] { CountTime(); })),
-      ftpStart_(services.loop.NewDeferred([this] { RunFtp(); })) {
+      ftpStart_(services.loop.NewDeferred([this] { RunFtp(); })),
+      tmrFtpStart_(services.loop.NewTimer([this] {
+        tmrFtpStart_->Stop();
+        RunFtp();
+      })) {
   WireButtons();
   Reset();
   cmdRun.SetEnabled(false);
@@ -255,6 +260,7 @@ void frmDownload::BeginTransfer() {
 }
 
 void frmDownload::RunFtp() {
+  if (!services_.mayWait()) return tmrFtpStart_->Start(kUntilItMayWait);
   trouble_.clear();
   const bool done = ftp_.Run();
   if (std::exchange(ftpAgain_, false)) return ftpStart_->Post();
@@ -327,6 +333,7 @@ void frmDownload::Finish(bool whole, const std::string& trouble) {
   tmrUpdateProgress_->Stop();
   tmrTimeLeft_->Stop();
   ftpStart_->Cancel();
+  tmrFtpStart_->Stop();
   mnuSave.SetEnabled(whole);
   if (onEnded) onEnded({state_.Url, state_.LocalPath, whole, trouble});
 }

@@ -32,6 +32,7 @@ struct DownloadDesk : CoreDesk {
   }
   ~DownloadDesk() { downloads.Unload(); }
 
+  bool below = false;  // somebody is, and handles events
   Downloads downloads{forms,
                       {.loop = loop,
                        .sockets = sockets,
@@ -42,7 +43,8 @@ struct DownloadDesk : CoreDesk {
                        .messageBoxes = messageBoxes,
                        .registry = registry,
                        .settings = settings,
-                       .folder = folder}};
+                       .folder = folder,
+                       .mayWait = [this] { return !below; }}};
   frmDownload& window = downloads.window;
   std::string ends;  // "whole" or what went wrong, each in brackets
   Subscription listening = downloads.ended.Subscribe(
@@ -454,7 +456,11 @@ TEST(FtpPath, GoesFromTheConnectionToTheFile) {
     if (*before != '\0') desk.files.contents[kPath] = before;
     for (const auto& [text, answer] : boxes) desk.Expect(text, answer);
     server.Says(script);
+    desk.below = true;
     desk.downloads.BeginDownload(kFtpUrl);
+    desk.loop.Advance(2000);
+    EXPECT_EQ(server.Control().GetState(), TcpSocket::State::Closed);
+    desk.below = false;
     desk.loop.Advance(2000);
     EXPECT_EQ(desk.File() + desk.ends, std::string(after) + end) << script;
     EXPECT_TRUE(server.script.empty()) << server.script.front();
@@ -499,11 +505,11 @@ TEST(FtpPath, GoesOnAfterAPauseWhenTheOldPathHasReturned) {
   DownloadState state;
   DownloadOptions options(desk.registry);
   const DownloadPolicy policy;
-  frmDownload window(
-      desk.forms,
-      {desk.loop, desk.sockets, desk.files, desk.clock, desk.clipboard, desk.shell,
-       desk.messageBoxes, desk.settings, options, desk.downloads.header.Log(), policy},
-      state);
+  frmDownload window(desk.forms,
+                     {desk.loop, desk.sockets, desk.files, desk.clock, desk.clipboard, desk.shell,
+                      desk.messageBoxes, desk.settings, options, desk.downloads.header.Log(),
+                      policy, [] { return true; }},
+                     state);
   ScriptedFtpServer server(desk);
   desk.settings.WriteSetting("Internet", "FTP PASV", "1");
   server.Says(kLogIn + kGo + "|> RETR file|150 f|D abc|> ABOR|426 x|226 y|" + kLogIn + kGo +
