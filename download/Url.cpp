@@ -37,13 +37,15 @@ bool IsDevice(std::string_view name) {
          number == "\u00B2" || number == "\u00B3";
 }
 
-// What stands in the program's folder already, and is not for others to write. In small letters.
+// What belongs to the program and is not for others to write: a library, too, would be loaded with
+// it. In small letters.
 bool IsOurs(std::string_view name) {
   for (const char* const own :
-       {"orvtask.log", "orvscrpt.log", "orvanto.exe", "orvanto", "orvanto.lock", "scripts"}) {
+       {"orvtask.log", "orvscrpt.log", "orvanto", "orvanto.lock", "scripts"}) {
     if (name == own) return true;
   }
-  return name.starts_with("registry.txt");
+  return name.starts_with("registry.txt") || name.starts_with("orvanto.exe") ||
+         name.ends_with(".dll");
 }
 
 }  // namespace

@@ -49,7 +49,8 @@ TEST(Url, GivesANameThatCanBeStored) {
                                    {"com\u00B2.x", ""},
                                    {"Registry.txt.new", ""},
                                    {"ORVTASK.LOG", ""},
-                                   {"orvanto.exe", ""},
+                                   {"orvanto.exe.local", ""},
+                                   {"Version.DLL", ""},
                                    {"Scripts", ""},
                                    {"scripts.zip", "scripts.zip"}};
   for (const auto& [name, stored] : kCases) EXPECT_EQ(LocalFileName(name), stored) << name;
