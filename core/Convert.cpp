@@ -123,7 +123,7 @@ std::string SingleText(float number) {
   }
   if (exponent < 0)
     return "0." + std::string(static_cast<std::size_t>(-exponent - 1), '0') + digits;
-  const auto whole = static_cast<std::size_t>(exponent + 1);
+  const auto whole = static_cast<std::size_t>(exponent) + 1;
   if (digits.size() > whole) return digits.insert(whole, ".");
   digits.resize(whole, '0');
   return digits;

@@ -98,10 +98,12 @@ void HttpDownload::OnArrival() {
 void HttpDownload::OnFirstBytes(std::string_view bytes) {
   std::string arrival = std::exchange(waiting_, {}).append(bytes);
   std::string lower = LowerCase(arrival);
-  const std::size_t end = arrival.find(kEndOfHeader);
   if (!services_.policy.HasHeader(lower)) {
     Store(arrival);
-  } else if (end != std::string::npos) {
+    return;
+  }
+  const std::size_t end = arrival.find(kEndOfHeader);
+  if (end != std::string::npos) {
     lower.resize(end);
     if (TakeHeader(arrival.substr(0, end), lower)) {
       Store(std::string_view(arrival).substr(end + kEndOfHeader.size()));
