@@ -182,7 +182,12 @@ struct Program::Parts {
                                    .messageBoxes = platform.messageBoxes,
                                    .registry = platform.registry,
                                    .settings = automation.settings,
-                                   .folder = automation.folder}),
+                                   .folder = automation.folder,
+                                   .mayWait =
+                                       [this] {
+                                         // Of them some handle events meanwhile.
+                                         return automation.scripts.CommandAtWork().empty();
+                                       }}),
         windows(platform, automation, message),
         remote(platform, automation, windows.main) {
     windows.settings.onPortChanged = [this] { remote.telnet.Restart(); };

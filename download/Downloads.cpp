@@ -24,7 +24,8 @@ Downloads::Downloads(forms::FormHost& host, const Services& services)
               .settings = services.settings,
               .options = options_,
               .log = header.Log(),
-              .policy = policy_},
+              .policy = policy_,
+              .mayWait = services.mayWait},
              state_),
       services_(services),
       next_(services.loop.NewDeferred([this] { BeginNext(); })) {
@@ -41,20 +42,24 @@ void Downloads::WireMenu() {
   window.mnuFtpOptions.onClick = [this] { ftpOptions.Open(); };
   window.mnuProxy.onClick = [this] { proxy.Open(); };
   window.mnuHeader.onClick = [this] { header.Open(); };
-  window.mnuSave.onClick = [this] { save.Open(state_.LocalPath); };
-  save.onPicked = [this](const std::optional<std::string>& path) {
-    if (!path) return;
-    if (services_.files.Exists(*path) &&
-        services_.messageBoxes.Show("This file exists already. Replace it?\r\n" + *path,
-                                    kProgramTitle, Buttons::NoUnlessYes,
-                                    BoxIcon::Question) != Answer::Yes) {
-      return;
-    }
-    const std::string trouble = services_.files.Copy(state_.LocalPath, *path);
-    if (trouble.empty()) return;
-    services_.messageBoxes.Show("The file could not be saved:\r\n" + trouble, kProgramTitle,
-                                Buttons::Ok, BoxIcon::Critical);
+  window.mnuSave.onClick = [this] {
+    save.onPicked = [this, from = state_.LocalPath](const std::optional<std::string>& path) {
+      if (path) SaveAs(from, *path);
+    };
+    save.Open(state_.LocalPath);
   };
+}
+
+void Downloads::SaveAs(const std::string& from, const std::string& path) {
+  if (services_.files.Exists(path) &&
+      services_.messageBoxes.Show("This file exists already. Replace it?\r\n" + path, kProgramTitle,
+                                  Buttons::NoUnlessYes, BoxIcon::Question) != Answer::Yes) {
+    return;
+  }
+  const std::string trouble = services_.files.Copy(from, path);
+  if (trouble.empty()) return;
+  services_.messageBoxes.Show("The file could not be saved:\r\n" + trouble, kProgramTitle,
+                              Buttons::Ok, BoxIcon::Critical);
 }
 
 void Downloads::BeginDownload(const std::string& url) {

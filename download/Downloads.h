@@ -2,6 +2,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -30,6 +31,7 @@ class Downloads {
     Registry& registry;
     Settings& settings;
     const ProgramFolder& folder;
+    std::function<bool()> mayWait;  // see frmDownload
   };
   Downloads(forms::FormHost& host, const Services& services);
 
@@ -64,6 +66,7 @@ class Downloads {
 
  private:
   void WireMenu();
+  void SaveAs(const std::string& from, const std::string& path);
   void BeginNext();
 
   const Services services_;

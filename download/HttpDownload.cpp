@@ -19,10 +19,12 @@ bool Holds(std::string_view text, std::string_view what) {
   return text.find(what) != std::string_view::npos;
 }
 
+// What lies beyond all numbers is as high as they go.
 std::optional<std::uint64_t> Number(std::string_view text) {
-  text = TrimBlanks(text);
+  text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
   std::uint64_t number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error == std::errc::result_out_of_range) return UINT64_MAX;
   return error == std::errc() ? std::optional(number) : std::nullopt;
 }
 
@@ -121,22 +123,24 @@ bool HttpDownload::TakeHeader(const std::string& header, const std::string& lowe
     return false;
   }
   headerTaken_ = true;
-  const std::string length = ParseHeaderValue(header, "Content-Length:");
-  state_.TotalSize = LeadingSingle(length);
-  state_.length = Number(length);
+  state_.TotalSize = LeadingSingle(ParseHeaderValue(header, "Content-Length:"));
+  // The figure may be of a line with a longer name, or lack its first digit. The file's end is not.
+  state_.length = Number(ParseHeaderValue(lower, "\ncontent-length"));
   if (state_.Resuming) {
     state_.SetPosition(state_.resumeOffset);
     state_.TotalSize += state_.ResumeOffset;
-    if (state_.length) *state_.length += state_.resumeOffset;
+    if (state_.length) {
+      state_.length = std::max(*state_.length, *state_.length + state_.resumeOffset);
+    }
   }
   services_.header(header);
   return true;
 }
 
 bool HttpDownload::IsOfAnotherPart(const std::string& lower) const {
-  const std::string range = ParseHeaderValue(lower, "content-range:");
+  const std::string range = ParseHeaderValue(lower, "\ncontent-range");
   const auto first =
-      Number(std::string_view(range).substr(std::min(range.find(' '), range.size())));
+      Number(range.substr(std::min(range.find_first_of("0123456789*"), range.size())));
   return first && *first != state_.resumeOffset;
 }
 
@@ -159,13 +163,12 @@ bool HttpDownload::Store(std::string_view bytes) {
 void HttpDownload::CloseWhenWhole() {
   closesWhenWhole_ = true;
   if (!IsOpen() || !state_.length || state_.position < *state_.length) return;
-  Close();
-  services_.whole();
+  services_.ended();
 }
 
 void HttpDownload::OnClosed() {
-  const std::string rest = std::exchange(waiting_, {});
-  if (rest.empty() || Store(rest)) services_.ended();
+  closesWhenWhole_ = false;  // it ends here, once
+  if (waiting_.empty() || Store(std::exchange(waiting_, {}))) services_.ended();
 }
 
 void HttpDownload::Stop(Trouble trouble) {

@@ -37,9 +37,8 @@ class HttpDownload {
     std::function<void()> requested;  // the request has been sent
     std::function<void(const std::string& header)> header;
     std::function<void()> received;          // the file has grown
-    std::function<void()> whole;             // see CloseWhenWhole
     std::function<void(Trouble)> trouble;    // the connection is closed already
-    std::function<void()> ended;             // the other side has closed
+    std::function<void()> ended;             // the other side has closed; see CloseWhenWhole, too
     std::function<void(int error)> stalled;  // it has failed, or could not be made
   };
   // The state outlives it.
@@ -52,7 +51,7 @@ class HttpDownload {
   bool IsOpen() const { return sckDownload_->GetState() != TcpSocket::State::Closed; }
   // Anything since Connect.
   bool HasReceived() const { return received_; }
-  // Closes as soon as all that was told of is in the file, which may be now.
+  // Ends, to be closed, as soon as all that was told of is in the file, which may be now.
   void CloseWhenWhole();
 
  private:

@@ -31,8 +31,10 @@ bool IsDevice(std::string_view name) {
   for (const char* const device : {"con", "prn", "aux", "nul", "conin$", "conout$"}) {
     if (stem == device) return true;
   }
-  return stem.size() == 4 && (stem.starts_with("com") || stem.starts_with("lpt")) &&
-         stem[3] >= '0' && stem[3] <= '9';
+  if (!stem.starts_with("com") && !stem.starts_with("lpt")) return false;
+  const std::string_view number = stem.substr(3);
+  return (number.size() == 1 && number[0] >= '0' && number[0] <= '9') || number == "\u00B9" ||
+         number == "\u00B2" || number == "\u00B3";
 }
 
 // What stands in the program's folder already, and is not for others to write. In small letters.

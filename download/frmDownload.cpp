@@ -18,6 +18,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kFigures(500);
 constexpr std::chrono::seconds kSecond(1);
+constexpr std::chrono::milliseconds kUntilItMayWait(50);
 
 constexpr int kTextHeight = 240;
 constexpr forms::Bounds kProgress{120, 540, 6360, 2 * kTextHeight};
@@ -116,11 +117,11 @@ frmDownload::frmDownload(forms::FormHost& host, const Services& services, Downlo
            .header =
                [this](const std::string& header) { services_.log.Append(header + kCrLf + kCrLf); },
            .received = [this] { OnReceived(); },
-           .whole = [this] { OnWhole(); },
            .trouble = [this](HttpDownload::Trouble trouble) { OnTrouble(trouble); },
            .ended = [this] { OnEndOfConnection(); },
            .stalled =
                [this](int error) {
+                 if (phase_ == Phase::Shown) return OnEndOfConnection();  // Stop is gone
                  if (onStalled) onStalled(error);
                }},
           state),
@@ -135,7 +136,11 @@ frmDownload::frmDownload(forms::FormHost& host, const Services& services, Downlo
            state),
       tmrUpdateProgress_(services.loop.NewTimer([this] { RenewFigures(); })),
       tmrTimeLeft_(services.loop.NewTimer([this] { CountTime(); })),
-      ftpStart_(services.loop.NewDeferred([this] { RunFtp(); })) {
+      ftpStart_(services.loop.NewDeferred([this] { RunFtp(); })),
+      tmrFtpStart_(services.loop.NewTimer([this] {
+        tmrFtpStart_->Stop();
+        RunFtp();
+      })) {
   WireButtons();
   Reset();
   cmdRun.SetEnabled(false);
@@ -184,13 +189,16 @@ void frmDownload::FillFromClipboard() {
 void frmDownload::Begin(const std::string& url, const std::string& folder) {
   Open();
   phase_ = Phase::Running;
+  cmdRun.SetEnabled(false);
+  mnuSave.SetEnabled(false);
   if (const std::string refusal = Refusal(url); !refusal.empty()) {
     state_.Url = url;
     state_.LocalPath.clear();
     txtURL.SetText(url);
     services_.messageBoxes.Show(refusal + kCrLf + url, kProgramTitle, Buttons::Ok,
                                 BoxIcon::Critical);
-    return Finish(false, refusal);
+    if (Running()) Finish(false, refusal);  // the window may have been closed meanwhile
+    return;
   }
   if (state_.UseProxy) {
     state_.ConnectHost = services_.options.Text(DownloadOptions::kProxyIP);
@@ -220,8 +228,6 @@ void frmDownload::StartDownload(const std::string& localPath) {
   cmdPause.SetEnabled(true);
   cmdStop.SetEnabled(true);
   cmdDownload.SetEnabled(false);
-  cmdRun.SetEnabled(false);
-  mnuSave.SetEnabled(false);
   const auto number = [this](const char* name, std::int16_t otherwise) {
     return ToInt16Or(services_.settings.ReadSetting(kInternet, name, std::to_string(otherwise)),
                      otherwise);
@@ -254,6 +260,7 @@ void frmDownload::BeginTransfer() {
 }
 
 void frmDownload::RunFtp() {
+  if (!services_.mayWait()) return tmrFtpStart_->Start(kUntilItMayWait);
   trouble_.clear();
   const bool done = ftp_.Run();
   if (std::exchange(ftpAgain_, false)) return ftpStart_->Post();
@@ -271,6 +278,7 @@ void frmDownload::OnReceived() {
 
 void frmDownload::OnTrouble(HttpDownload::Trouble trouble) {
   ShowTrouble(trouble);
+  if (!Running()) return;  // the window has been closed meanwhile
   Reset();
   Finish(false, trouble_);
 }
@@ -283,26 +291,21 @@ void frmDownload::ShowTrouble(HttpDownload::Trouble trouble) {
 
 void frmDownload::OnEndOfConnection() {
   const bool complete = services_.policy.IsComplete(state_);
-  const bool came = http_.HasReceived();
-  const bool whole = complete && came && (!state_.length || *state_.length == state_.position);
-  const std::string trouble = whole   ? ""
-                              : !came ? "The server has sent nothing."
-                                      : "The connection ended at byte " +
-                                            std::to_string(state_.position) + " of " +
-                                            std::to_string(state_.length.value_or(0)) + ".";
+  std::string trouble;
+  if (!http_.HasReceived()) {
+    trouble = "The server has sent nothing.";
+  } else if (!complete || state_.length.value_or(state_.position) != state_.position) {
+    trouble = "The connection ended at byte " + std::to_string(state_.position) + " of " +
+              std::to_string(state_.length.value_or(0)) + ".";
+  }
   const bool shown = phase_ == Phase::Shown;
   if (complete) DrawProgress(picDownloadProgress, 100, true);
   ShowStatus(complete ? kCompleted : kAborted);
   ForgetTransfer();
   cmdDownload.SetEnabled(!shown);
   cmdRun.SetEnabled(complete);
-  Finish(whole, trouble);
+  Finish(trouble.empty(), trouble);
   if (complete && !shown) Unload();
-}
-
-void frmDownload::OnWhole() {
-  ForgetTransfer();
-  Finish(true, "");
 }
 
 void frmDownload::Reset() {
@@ -330,6 +333,7 @@ void frmDownload::Finish(bool whole, const std::string& trouble) {
   tmrUpdateProgress_->Stop();
   tmrTimeLeft_->Stop();
   ftpStart_->Cancel();
+  tmrFtpStart_->Stop();
   mnuSave.SetEnabled(whole);
   if (onEnded) onEnded({state_.Url, state_.LocalPath, whole, trouble});
 }

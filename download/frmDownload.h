@@ -39,6 +39,8 @@ class frmDownload : public forms::Form {
     DownloadOptions& options;
     TextLog& log;  // of headers and FTP
     const DownloadPolicy& policy;
+    // False while somebody below handles events: the FTP path would keep him from going on.
+    std::function<bool()> mayWait;
   };
   // The state outlives it. Destroyed while an FTP download runs it is lost: end that first.
   frmDownload(forms::FormHost& host, const Services& services, DownloadState& state);
@@ -86,7 +88,6 @@ class frmDownload : public forms::Form {
   void RunFtp();
   void OnReceived();
   void OnTrouble(HttpDownload::Trouble trouble);
-  void OnWhole();
   void OnEndOfConnection();
   void RenewFigures();
   void CountTime();
@@ -108,6 +109,7 @@ class frmDownload : public forms::Form {
   const std::unique_ptr<Timer> tmrUpdateProgress_;
   const std::unique_ptr<Timer> tmrTimeLeft_;
   const std::unique_ptr<Deferred> ftpStart_;
+  const std::unique_ptr<Timer> tmrFtpStart_;  // as long as it may not wait
   Phase phase_ = Phase::Idle;
   bool FtpMode_ = false;
   bool ProxyFtp_ = false;  // nothing sets it

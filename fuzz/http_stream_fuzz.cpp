@@ -34,7 +34,8 @@ struct Desk {
                        .messageBoxes = platform.messageBoxes,
                        .registry = platform.registry,
                        .settings = settings,
-                       .folder = folder}};
+                       .folder = folder,
+                       .mayWait = [] { return true; }}};
 };
 
 void Talk(Desk& desk, std::string stream) {

@@ -1,6 +1,7 @@
 #include "app/console/Commands.h"
 
 #include <array>
+#include <functional>
 
 #include "app/Program.h"
 #include "app/console/AddArguments.h"
@@ -111,17 +112,17 @@ int Delete(const Words& words, const CommandContext& context) {
   return Finish(context, change);
 }
 
-// Runs what has been started to its end.
-int RunToTheEnd(const CommandContext& context) {
+// Calls `start` and runs what that has started to its end.
+int RunToTheEnd(const CommandContext& context, const std::function<void()>& start) {
   ConsoleDownloads downloads(context.program.GetDownloads(), context.clock, context.out,
                              context.err, context.terminal);
+  start();
   context.program.RunUntilIdle();
   return downloads.AllWell() ? 0 : kExitRefused;
 }
 
 int Download(const Words& words, const CommandContext& context) {
-  context.program.GetDownloads().BeginDownload(words[1]);
-  return RunToTheEnd(context);
+  return RunToTheEnd(context, [&] { context.program.GetDownloads().BeginDownload(words[1]); });
 }
 
 int Run(const Words& words, const CommandContext& context) {
@@ -132,12 +133,13 @@ int Run(const Words& words, const CommandContext& context) {
     failed = true;
     Refuse(context, PrintableLine(message));
   };
-  try {
-    context.program.Execution().RunTask(slot);
-  } catch (const Error&) {
-    if (!failed) throw;
-  }
-  const int status = RunToTheEnd(context);
+  const int status = RunToTheEnd(context, [&] {
+    try {
+      context.program.Execution().RunTask(slot);
+    } catch (const Error&) {
+      if (!failed) throw;
+    }
+  });
   context.program.onScriptFailure = nullptr;
   return failed ? kExitRefused : status;
 }

@@ -32,6 +32,7 @@ struct DownloadDesk : CoreDesk {
   }
   ~DownloadDesk() { downloads.Unload(); }
 
+  bool below = false;  // somebody is, and handles events
   Downloads downloads{forms,
                       {.loop = loop,
                        .sockets = sockets,
@@ -42,7 +43,8 @@ struct DownloadDesk : CoreDesk {
                        .messageBoxes = messageBoxes,
                        .registry = registry,
                        .settings = settings,
-                       .folder = folder}};
+                       .folder = folder,
+                       .mayWait = [this] { return !below; }}};
   frmDownload& window = downloads.window;
   std::string ends;  // "whole" or what went wrong, each in brackets
   Subscription listening = downloads.ended.Subscribe(
@@ -139,6 +141,17 @@ TEST(Download, PutsEveryByteWhereItBelongs) {
        "[The file cannot be written.]",
        "The file cannot be written."},
       {"",
+       {"HTTP/1.1 200 OK\r\ncontent-length:12\r\nContent-Type: x\r\n\r\n0123"},
+       "0123",
+       "[The connection ended at byte 4 of 12.]",
+       ""},
+      {"abcdef",
+       {"HTTP/1.1 206 Partial Content\r\nContent-Type: x\r\n"
+        "Content-Length: 99999999999999999999\r\n\r\nghij"},
+       "abcdefghij",
+       "[The connection ended at byte 10 of 18446744073709551615.]",
+       ""},
+      {"",
        {"HTTP/1.1 404 Not Found\r\nContent-Type: x\r\n\r\nsorry"},
        "none",
        "[File Not Found]",
@@ -150,7 +163,7 @@ TEST(Download, PutsEveryByteWhereItBelongs) {
        "[whole]",
        ""},
       {"abcdef",
-       {partial + "Content-Range: bytes 0-9/10\r\n\r\nghij"},
+       {partial + "Content-Range:  bytes 0-9/10\r\n\r\nghij"},
        "abcdef",
        "[No Resuming Support]",
        kNoResuming},
@@ -189,6 +202,38 @@ TEST(Download, TakesAHeaderThatIsCutAnywhere) {
   desk.Begin();
   desk.Http().PeerSends("Content-Type:" + std::string(64 << 10, 'x'));
   EXPECT_EQ(desk.File().size(), (64U << 10) + 13);
+}
+
+// What arrives before the figures say that it is complete and what after that ("!" breaks the
+// connection), and how it ends: by what was told of the length, whatever the figures say.
+TEST(Download, EndsWithTheLastByteWhateverTheFiguresSay) {
+  const std::string other = "X-Content-Length: 4\r\n";
+  const struct {
+    std::string header;
+    const char* early;
+    const char* late;
+    const char* ends;
+  } kCases[] = {{kHeader, "12345678", "9", "0123456789[whole]"},
+                {kHeader, "12345678", "!", "012345678[The connection ended at byte 9 of 10.]"},
+                {kHeader, "12345678!!", "", "012345678!![The connection ended at byte 11 of 10.]"},
+                {other + kHeader, "123", "456789", "0123456789[whole]"}};
+  for (const auto& [header, early, late, ends] : kCases) {
+    DownloadDesk desk;
+    desk.Begin();
+    desk.Http().PeerSends(header + "0");
+    desk.loop.Advance(1000);
+    desk.Http().PeerSends(early);
+    desk.loop.Advance(1000);
+    EXPECT_EQ(desk.Shown(), "---x Download Completed");
+    desk.Http().receiveError = *late == '!' ? 10054 : 0;
+    if (*late == '!') {
+      desk.Http().Receive();
+    } else if (*late != '\0') {
+      desk.Http().PeerSends(late);
+    }
+    EXPECT_EQ(desk.File() + desk.ends, ends);
+    EXPECT_EQ(desk.Http().GetState(), TcpSocket::State::Closed);
+  }
 }
 
 // The figures say early that it is complete; the last bytes still come.
@@ -234,9 +279,25 @@ TEST(Download, SavesACopyOfTheFinishedFile) {
   desk.Http().PeerCloses();
   desk.window.Open();
   EXPECT_TRUE(desk.window.mnuSave.Choose());
+  desk.downloads.BeginDownload("http://host/next");
+  desk.loop.DoEvents();
   desk.downloads.save.txtPath.Type("C:\\copy");
   desk.downloads.save.cmdOK.Press();
   EXPECT_EQ(desk.files.contents["C:\\copy"], "0123456789");
+}
+
+TEST(Download, EndsOnceWhenItsWindowIsClosedInABox) {
+  DownloadDesk desk;
+  for (const std::string& text :
+       {kNotFound, std::string("This is no address of a file that can be downloaded.\r\nx")}) {
+    desk.messageBoxes.expected.push_back(
+        {text, Answer::Ok, [&] { EXPECT_TRUE(desk.window.Close()); }});
+  }
+  desk.Begin();
+  desk.downloads.BeginDownload("x");
+  desk.Http().PeerSends("HTTP/1.1 404 Not Found\r\nContent-Type: x\r\n\r\n");
+  desk.loop.DoEvents();
+  EXPECT_EQ(desk.ends, "[Download Aborted][Download Aborted]");
 }
 
 TEST(Download, WaitsForTheOneBefore) {
@@ -248,7 +309,9 @@ TEST(Download, WaitsForTheOneBefore) {
   desk.Http().PeerSends(kHeader + std::string("0123456789"));
   desk.Http().PeerCloses();
   EXPECT_FALSE(desk.window.Visible());
-  desk.Expect("This is no address of a file that can be downloaded.\r\nftp://host");
+  desk.messageBoxes.expected.push_back(
+      {"This is no address of a file that can be downloaded.\r\nftp://host", Answer::Ok,
+       [&] { EXPECT_EQ(desk.Shown().substr(0, 4), "x---"); }});
   desk.loop.DoEvents();
   desk.loop.DoEvents();
   ASSERT_EQ(desk.Http().GetState(), TcpSocket::State::Connecting);
@@ -393,7 +456,11 @@ TEST(FtpPath, GoesFromTheConnectionToTheFile) {
     if (*before != '\0') desk.files.contents[kPath] = before;
     for (const auto& [text, answer] : boxes) desk.Expect(text, answer);
     server.Says(script);
+    desk.below = true;
     desk.downloads.BeginDownload(kFtpUrl);
+    desk.loop.Advance(2000);
+    EXPECT_EQ(server.Control().GetState(), TcpSocket::State::Closed);
+    desk.below = false;
     desk.loop.Advance(2000);
     EXPECT_EQ(desk.File() + desk.ends, std::string(after) + end) << script;
     EXPECT_TRUE(server.script.empty()) << server.script.front();
@@ -438,11 +505,11 @@ TEST(FtpPath, GoesOnAfterAPauseWhenTheOldPathHasReturned) {
   DownloadState state;
   DownloadOptions options(desk.registry);
   const DownloadPolicy policy;
-  frmDownload window(
-      desk.forms,
-      {desk.loop, desk.sockets, desk.files, desk.clock, desk.clipboard, desk.shell,
-       desk.messageBoxes, desk.settings, options, desk.downloads.header.Log(), policy},
-      state);
+  frmDownload window(desk.forms,
+                     {desk.loop, desk.sockets, desk.files, desk.clock, desk.clipboard, desk.shell,
+                      desk.messageBoxes, desk.settings, options, desk.downloads.header.Log(),
+                      policy, [] { return true; }},
+                     state);
   ScriptedFtpServer server(desk);
   desk.settings.WriteSetting("Internet", "FTP PASV", "1");
   server.Says(kLogIn + kGo + "|> RETR file|150 f|D abc|> ABOR|426 x|226 y|" + kLogIn + kGo +

@@ -46,6 +46,7 @@ TEST(Url, GivesANameThatCanBeStored) {
                                    {"com1 .a", ""},
                                    {"com", "com"},
                                    {"LPT0", ""},
+                                   {"com\u00B2.x", ""},
                                    {"Registry.txt.new", ""},
                                    {"ORVTASK.LOG", ""},
                                    {"orvanto.exe", ""},
