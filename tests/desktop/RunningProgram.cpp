@@ -8,6 +8,19 @@
 
 namespace orvanto::desktop {
 
+namespace {
+
+void Send(WORD key, wchar_t character, DWORD flags) {
+  INPUT input = {};
+  input.type = INPUT_KEYBOARD;
+  input.ki.wVk = key;
+  input.ki.wScan = character;
+  input.ki.dwFlags = flags;
+  SendInput(1, &input, sizeof input);
+}
+
+}  // namespace
+
 bool WaitFor(const std::function<bool()>& condition, std::chrono::milliseconds patience) {
   const auto deadline = std::chrono::steady_clock::now() + patience;
   while (!condition()) {
@@ -23,6 +36,26 @@ std::wstring Beside(const std::wstring& name) {
   std::wstring folder = path;
   folder.resize(folder.find_last_of(L'\\') + 1);
   return folder + name;
+}
+
+void PressKeys(const std::vector<WORD>& keys) {
+  for (const WORD key : keys) {
+    Send(key, 0, 0);
+    Send(key, 0, KEYEVENTF_KEYUP);
+  }
+}
+
+void PressWith(WORD held, WORD key) {
+  Send(held, 0, 0);
+  PressKeys({key});
+  Send(held, 0, KEYEVENTF_KEYUP);
+}
+
+void TypeText(const std::wstring& text) {
+  for (const wchar_t character : text) {
+    Send(0, character, KEYEVENTF_UNICODE);
+    Send(0, character, KEYEVENTF_UNICODE | KEYEVENTF_KEYUP);
+  }
 }
 
 void Type(const std::string& keys) { win32::Win32Keyboard().Type(ParseKeySequence(keys)); }

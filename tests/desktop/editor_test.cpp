@@ -43,8 +43,8 @@ TEST_F(EditorDesktopTest, MouseMakesATask) {
   program_.BoxInFront();
   EXPECT_EQ(TextOf(program_.Box()), L"Select File");
   EXPECT_EQ(GetWindow(program_.Box(), GW_OWNER), editor);
-  SendMessageW(FocusBeside(program_.Box()), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(file.c_str()));
-  Type("~");
+  TypeText(file);
+  PressKeys({VK_RETURN});
   EXPECT_TRUE(WaitFor([&] { return IsWindowEnabled(editor) && TextOf(path) == file; }));
 
   // What the open list does when its second line is clicked.
@@ -70,12 +70,20 @@ TEST_F(EditorDesktopTest, MouseMakesATask) {
 TEST_F(EditorDesktopTest, KeysDoEverything) {
   ASSERT_TRUE(program_.MainIsInFront());
   const HWND tree = program_.TreeWindow();
-  Type("%n");
+  PressWith(VK_MENU, 'N');
   ASSERT_NE(InFront(L"New Task"), nullptr);
-  // The group replaces the one that was selected on the way in; from program to message; past Now,
-  // from once to recurring; past the dates: they are disabled.
-  Type("Typed{TAB}Home{TAB}{DOWN 4}{TAB}Tea is ready{TAB}23{TAB}59");
-  Type("{TAB 2}{DOWN}{TAB}{DOWN}{TAB}{DOWN 2}~");
+  TypeText(L"Typed");
+  PressKeys({VK_TAB});
+  TypeText(L"Home");  // replaces the group that was selected on the way in
+  PressKeys({VK_TAB, VK_DOWN, VK_DOWN, VK_DOWN, VK_DOWN, VK_TAB});  // from program to message
+  TypeText(L"Tea is ready");
+  PressKeys({VK_TAB});
+  TypeText(L"23");
+  PressKeys({VK_TAB});
+  TypeText(L"59");
+  PressKeys({VK_TAB, VK_TAB, VK_DOWN});           // past Now, from once to recurring
+  PressKeys({VK_TAB, VK_DOWN, VK_TAB, VK_DOWN});  // past the dates: they are disabled
+  PressKeys({VK_DOWN, VK_RETURN});
   ASSERT_TRUE(program_.MainIsInFront());
   const auto stored = [](const wchar_t* task) {
     return Stored(task,
@@ -84,41 +92,45 @@ TEST_F(EditorDesktopTest, KeysDoEverything) {
   EXPECT_EQ(stored(L"Typed"), L"6|Tea is ready|23|59|2|3|Home");
 
   // The tree has the keyboard and the new task is selected: up to its group and back.
-  Type("{UP}{DOWN}%e");
+  PressKeys({VK_UP, VK_DOWN});
+  PressWith(VK_MENU, 'E');
   ASSERT_NE(InFront(L"Edit Task - Typed"), nullptr);
-  Type("Renamed{TAB}~");  // from the group's list
+  TypeText(L"Renamed");
+  PressKeys({VK_TAB, VK_RETURN});  // from the group's list
   ASSERT_TRUE(program_.MainIsInFront());
   EXPECT_EQ(stored(L"Renamed"), stored(L"Typed"));
 
-  Type("%r");
+  PressWith(VK_MENU, 'R');
   EXPECT_EQ(program_.BoxInFront(), L"Tea is ready");
-  Type("~");
+  PressKeys({VK_RETURN});
   ASSERT_TRUE(program_.MainIsInFront());
   // Without Alt the letters of the buttons do nothing, though one of them has the keyboard.
-  Type("{TAB}xd%a");
+  PressKeys({VK_TAB, 'X', 'D'});
+  PressWith(VK_MENU, 'A');
   ASSERT_NE(InFront(L"About Orvanto"), nullptr);
-  Type("{ESC}");
+  PressKeys({VK_ESCAPE});
   ASSERT_TRUE(program_.MainIsInFront());
   EXPECT_TRUE(WaitFor([&] { return FocusBeside(tree) == tree; }));
   // Esc leaves the editor, from a list too, and a list first.
-  Type("%n");
+  PressWith(VK_MENU, 'N');
   const HWND editor = InFront(L"New Task");
   const HWND group = FindWindowExW(editor, nullptr, WC_COMBOBOXW, nullptr);
   const auto isOpen = [&] { return SendMessageW(group, CB_GETDROPPEDSTATE, 0, 0) != 0; };
-  Type("{TAB}%{DOWN}");
+  PressKeys({VK_TAB});
+  PressWith(VK_MENU, VK_DOWN);
   ASSERT_TRUE(WaitFor(isOpen));
-  Type("{ESC}");
+  PressKeys({VK_ESCAPE});
   ASSERT_TRUE(WaitFor([&] { return !isOpen(); }));
   EXPECT_TRUE(IsWindowVisible(editor));
-  Type("{ESC}");
+  PressKeys({VK_ESCAPE});
   ASSERT_TRUE(program_.MainIsInFront());
   // Delete by its button, which leaves the keyboard to the tree, for Enter too.
   const HWND deletes = program_.Button(L"&Delete Task");
-  Type("{TAB 2}~");
+  PressKeys({VK_TAB, VK_TAB, VK_SPACE});
   EXPECT_TRUE(WaitFor([&] { return TreeView_GetCount(tree) == 0; }));
   EXPECT_TRUE(WaitFor([&] { return FocusBeside(tree) == tree; }));
   EXPECT_EQ(GetWindowLongPtrW(deletes, GWL_STYLE) & BS_TYPEMASK, BS_PUSHBUTTON);
-  Type("%x");
+  PressWith(VK_MENU, 'X');
   EXPECT_EQ(program_.ExitCode(), 0);
 }
 
