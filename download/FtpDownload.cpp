@@ -78,7 +78,7 @@ bool FtpDownload::Persist(const std::function<bool()>& step,
                           const std::function<std::string()>& trouble) {
   while (!IsOver()) {
     if (step()) return true;
-    if (IsOver() || !AskToRetry(trouble())) break;
+    if (!IsOver() && !AskToRetry(trouble())) stopRequested_ = true;
   }
   return false;
 }
@@ -107,22 +107,18 @@ bool FtpDownload::Arrive(const FtpAddress& address) {
 }
 
 bool FtpDownload::Fetch(const FtpAddress& address) {
-  bool givenUp = false;
   const auto fetch = [&] {
     // A failure may have cost the connection.
-    givenUp = !client_.IsConnected() && !Arrive(address);
-    if (givenUp) return false;
+    if (!client_.IsConnected() && !Arrive(address)) return false;
     const std::uint64_t offset = state_.Resuming ? state_.resumeOffset : 0;
     if (client_.DownloadFile(address.file, state_.LocalPath, offset)) return true;
-    givenUp = !IsOver() && client_.GetLastServerResponse().starts_with("504");
-    if (givenUp) services_.refused();
+    if (!IsOver() && client_.GetLastServerResponse().starts_with("504")) {
+      services_.refused();
+      stopRequested_ = true;
+    }
     return false;
   };
-  while (!IsOver()) {
-    if (fetch()) return true;
-    if (IsOver() || givenUp || !AskToRetry(Trouble())) break;
-  }
-  return false;
+  return Persist(fetch, [this] { return Trouble(); });
 }
 
 // The server's word, where it is one of failure.

@@ -30,7 +30,6 @@ std::optional<std::int32_t> Number(const std::string& text) {
 }  // namespace
 
 // In the order of the pages.
-// In the order of the pages.
 const frmSettings::Tab frmSettings::kTabs[] = {
     {&frmSettings::LoadUpdate, &frmSettings::SaveUpdate, &frmSettings::LoadUpdate,
      &frmSettings::ResetUpdate},
