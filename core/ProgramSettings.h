@@ -17,6 +17,11 @@ struct RemoteSettings {
   bool chatAutoAccept = false;    // a chat request is not asked about
   std::string serverPort;         // as read at start, mostly empty
   bool serverOn = false;          // switch the server on at start
+  // The servers take these for what begins from then on.
+  bool compat = false;      // behave as today's clients expect; downloads, too
+  bool strict = false;      // let nobody do more than he has to
+  std::string ftpPort;      // of the FTP server while `compat` is on
+  std::string bindAddress;  // that the servers listen on while `strict` is on; empty: all
 };
 
 struct ProxySettings {
@@ -45,12 +50,16 @@ struct Setting {
   void Save(Settings& settings, const ProgramSettings& values) const;
 };
 
-inline constexpr std::array<Setting, 5> kRemoteSettings{{
+inline constexpr std::array<Setting, 9> kRemoteSettings{{
     {kGeneral, "Inet_Passwd", "", &ProgramSettings::password},
     {kGeneral, "Inet_Passwd_Required", "", &ProgramSettings::passwordRequired},
     {kGeneral, "Inet_Chat_Auto", "", &ProgramSettings::chatAutoAccept},
     {kGeneral, "Inet_ServerPort", "", &ProgramSettings::serverPort},
     {kGeneral, "Inet_ServerOn", "", &ProgramSettings::serverOn},
+    {kGeneral, "Inet_Compat", "0", &ProgramSettings::compat},
+    {kGeneral, "Inet_Strict", "0", &ProgramSettings::strict},
+    {kGeneral, "Inet_FtpPort", "21", &ProgramSettings::ftpPort},
+    {kGeneral, "Inet_Bind", "", &ProgramSettings::bindAddress},
 }};
 inline constexpr Setting kOnTop{kGeneral, "OnTop", "0", &ProgramSettings::onTop};
 inline constexpr Setting kProxyHost{kGeneral, "Proxy", "0", &ProgramSettings::proxyHost};
