@@ -10,6 +10,7 @@
 #include "platform/net/SocketError.h"
 #include "platform/text/Case.h"
 #include "platform/text/Lines.h"
+#include "remote/Password.h"
 #include "remote/ftpserver/FtpPolicy.h"
 #include "remote/ftpserver/data_transfers.h"
 #include "remote/ftpserver/file_control.h"
@@ -188,7 +189,8 @@ void FtpClient::User(Argument name) {
 
 void FtpClient::Pass(Argument password) {
   record_.password = password;
-  loggedIn_ = !services_.remote.passwordRequired || password == services_.remote.password;
+  loggedIn_ =
+      !services_.remote.passwordRequired || SamePassword(password, services_.remote.password);
   if (loggedIn_) services_.log("User " + record_.userName + " logged in.");
   ReplyWhether(loggedIn_, "230 User logged in, proceed.", "530 Not logged in.");
 }

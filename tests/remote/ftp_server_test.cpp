@@ -126,7 +126,8 @@ TEST_F(FtpServerTest, AnswersEachCommand) {
 TEST_F(FtpServerTest, APasswordIsAskedForWhereItIsRequired) {
   remote.password = "secret";
   const std::tuple<bool, const char*, bool> cases[] = {
-      {false, "wrong", true}, {true, "Secret", false}, {true, "secret", true}};
+      {false, "wrong", true},        {true, "Secret", false}, {true, "secre", false},
+      {true, "secretsecret", false}, {true, "", false},       {true, "secret", true}};
   for (const auto& [required, password, in] : cases) {
     Connect();
     remote.passwordRequired = required;
