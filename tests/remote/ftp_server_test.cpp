@@ -41,8 +41,8 @@ class FtpServerTest : public testing::Test, protected CoreDesk {
   }
 
   Socket& SocketAt(std::size_t i) { return **std::next(sockets.sockets.begin(), long(i)); }
-  Socket& Command(std::size_t client = 0) { return SocketAt(2 + 2 * client); }
-  Socket& Data(std::size_t client = 0) { return SocketAt(3 + 2 * client); }
+  Socket& Command(std::size_t client = 0) { return SocketAt(2 + 3 * client); }
+  Socket& Data(std::size_t client = 0) { return SocketAt(3 + 3 * client); }
 
   void Connect(std::size_t client = 0) {
     SocketAt(0).PeerConnects();
@@ -65,7 +65,7 @@ class FtpServerTest : public testing::Test, protected CoreDesk {
 
   RemoteSettings remote;
   frmFtpserver window{forms};
-  FtpServer server{{sockets, files, clock, folder, window}, remote};
+  FtpServer server{{loop, sockets, files, clock, folder, window}, remote};
   Texts log;
   Subscription logged_;
 };
