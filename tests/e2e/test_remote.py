@@ -153,7 +153,7 @@ class Remote(HomeTest):
         self.start(self.serve(Inet_Compat="1", Inet_Strict="1", Inet_Passwd="Secret",
                               Inet_Passwd_Required="1"))
         self.wait_until_listening()
-        done = subprocess.run(("nc", "-q5", "127.0.0.1", str(self.port)),
+        done = subprocess.run(("nc", "-q1", "127.0.0.1", str(self.port)),
                               input=b"Secxr\b\bret\n5\nq\n7\n", capture_output=True,
                               timeout=PATIENCE, check=False).stdout
         for text in (b"\xff\xfb\x01\xff\xfb\x03Enter Password: ", MENU_END, b"Scripts Folder"):
