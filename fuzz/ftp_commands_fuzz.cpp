@@ -25,7 +25,8 @@ struct Desk {
   ProgramFolder folder;
   RemoteSettings remote;
   frmFtpserver window{platform.forms};
-  FtpServer server{{platform.loop, platform.sockets, platform.files, platform.clock, folder, window}, remote};
+  FtpServer server{
+      {platform.loop, platform.sockets, platform.files, platform.clock, folder, window}, remote};
 };
 
 void Talk(Desk& desk, std::string stream) {

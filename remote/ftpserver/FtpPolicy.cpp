@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/ProgramSettings.h"
+#include "remote/Access.h"
 #include "remote/ftpserver/safe_names.h"
 
 namespace orvanto {
@@ -28,6 +29,7 @@ class CompatFtpPolicy : public DefaultFtpPolicy {
 
   std::string ListeningPort() const override { return remote_.ftpPort; }
 
+  LineAssembler::Policy LineEnds() const override { return LineAssembler::Policy::Lines; }
   // An interruption comes with telnet's bytes for it before the command.
   std::string_view CommandOf(std::string_view word) const override {
     constexpr unsigned char kFirstOfTelnet = 0xF0;
@@ -57,20 +59,14 @@ class StrictFtpPolicy : public Base {
  public:
   using Base::Base;
 
-  std::string ListeningAddress() const override {
-    return remote_.bindAddress.empty() ? Base::ListeningAddress() : remote_.bindAddress;
-  }
-  std::string Warning() const override {
-    return HasPassword() ? "" : "WARNING - no password is set: only this computer can log in.";
-  }
+  std::string ListeningAddress() const override { return orvanto::ListeningAddress(remote_); }
+  std::string Warning() const override { return HasPassword(remote_) ? "" : kNoPassword; }
 
   bool IsAllowedBeforeLogin(std::string_view command) const override {
     constexpr std::string_view kAllowed[] = {"USER", "PASS", "QUIT", "NOOP", "SYST", "FEAT"};
     return std::find(std::begin(kAllowed), std::end(kAllowed), command) != std::end(kAllowed);
   }
-  bool TakesLoginsFrom(const std::string& address) const override {
-    return HasPassword() || address.starts_with("127.");
-  }
+  bool TakesLoginsHereOnly() const override { return !HasPassword(remote_); }
   bool SlowsFailedLogins() const override { return true; }
   std::chrono::milliseconds IdleLimit() const override { return minutes(15); }
 
@@ -90,7 +86,6 @@ class StrictFtpPolicy : public Base {
 
  private:
   using Base::remote_;
-  bool HasPassword() const { return remote_.passwordRequired && !remote_.password.empty(); }
 };
 
 template <typename Base>

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/net/LineAssembler.h"
 #include "platform/net/TcpSocket.h"
 #include "remote/ftpserver/ClientRecord.h"
 #include "remote/ftpserver/client_control.h"
@@ -26,6 +27,7 @@ class FtpPolicy {
   // Of what somebody who switches the server on should know; empty: nothing.
   virtual std::string Warning() const { return ""; }
 
+  virtual LineAssembler::Policy LineEnds() const { return LineAssembler::Policy::Commands; }
   // The command in the first word of a line.
   virtual std::string_view CommandOf(std::string_view word) const { return word; }
   // Come before those that all clients have.
@@ -35,7 +37,7 @@ class FtpPolicy {
 
   // `command` is in capitals; empty: there is none of that name.
   virtual bool IsAllowedBeforeLogin(std::string_view) const { return true; }
-  virtual bool TakesLoginsFrom(const std::string&) const { return true; }
+  virtual bool TakesLoginsHereOnly() const { return false; }  // from this computer
   virtual bool SlowsFailedLogins() const { return false; }
   // Without a command, or a byte of a transfer.
   virtual std::chrono::milliseconds IdleLimit() const { return {}; }

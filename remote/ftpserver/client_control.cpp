@@ -10,7 +10,7 @@
 #include "platform/net/SocketError.h"
 #include "platform/text/Case.h"
 #include "platform/text/Lines.h"
-#include "remote/Password.h"
+#include "remote/Access.h"
 #include "remote/ftpserver/FailedLogins.h"
 #include "remote/ftpserver/FtpPolicy.h"
 #include "remote/ftpserver/data_transfers.h"
@@ -107,6 +107,7 @@ bool FtpClient::IsFree() const {
 void FtpClient::Accept(TcpSocket::RequestId request, std::shared_ptr<const FtpPolicy> policy,
                        const std::string& rootFolder, const std::string& greeting) {
   if (!commandSock_->Accept(request)) return;
+  lines_ = LineAssembler(policy->LineEnds(), kLongestLine);
   record_.policy = std::move(policy);
   record_.address = commandSock_->RemoteAddress();
   record_.rootFolder = record_.currentFolder = rootFolder;
@@ -130,8 +131,6 @@ void FtpClient::EndRecord() {
   record_.socketIndex = index;
   pause_->Stop();
   idle_->Stop();
-  lines_.Restart();
-  lines_.SetLine("");
   waiting_.clear();
 }
 
@@ -243,7 +242,7 @@ void FtpClient::LogIn() {
     return Pause(failed.WaitOf(address), &FtpClient::LogIn);
   }
   const RemoteSettings& remote = services_.remote;
-  record_.loggedIn = policy.TakesLoginsFrom(address) &&
+  record_.loggedIn = (!policy.TakesLoginsHereOnly() || IsFromThisComputer(*commandSock_)) &&
                      (!remote.passwordRequired || SamePassword(record_.password, remote.password));
   if (record_.loggedIn) {
     failed.Forget(address);

@@ -127,7 +127,7 @@ class FtpClient {
   const std::unique_ptr<TcpSocket> commandSock_;
   ClientRecord record_;
   DateTime since_;
-  LineAssembler lines_{LineAssembler::Policy::Commands, kLongestLine};
+  LineAssembler lines_{LineAssembler::Policy::Commands, kLongestLine};  // by the policy, in use
   std::deque<std::string> waiting_;
   bool goingOn_ = false;
   void (FtpClient::*afterPause_)() = nullptr;

@@ -63,7 +63,7 @@ void FtpServer::StartServer() {
   const auto policy = MakeFtpPolicy(remote_);
   const std::string portText = port_ ? std::to_string(*port_) : policy->ListeningPort();
   const auto port = port_ ? port_ : PortNumber(portText);
-  if (!port) return Log("ERROR - start_server: port " + portText + " is no port.");
+  if (!port) return Log("ERROR - start_server: \"" + portText + "\" is no port.");
   if (listener_->GetState() != TcpSocket::State::Listening &&
       !listener_->Listen(*port, policy->ListeningAddress())) {
     const int error = listener_->LastError();
