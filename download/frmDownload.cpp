@@ -228,12 +228,8 @@ void frmDownload::StartDownload(const std::string& localPath) {
   cmdPause.SetEnabled(true);
   cmdStop.SetEnabled(true);
   cmdDownload.SetEnabled(false);
-  const auto number = [this](const char* name, std::int16_t otherwise) {
-    return ToInt16Or(services_.settings.ReadSetting(kInternet, name, std::to_string(otherwise)),
-                     otherwise);
-  };
-  const std::int16_t rollback = number("Rollback", 0);
-  const std::int16_t amount = number("Rollback Amount", 1024);
+  const std::int16_t rollback = services_.settings.ReadNumber(kInternet, "Rollback", 0);
+  const std::int16_t amount = services_.settings.ReadNumber(kInternet, "Rollback Amount", 1024);
   if (const auto length = LengthOf(services_.files, localPath)) {
     state_.Resuming = true;
     const bool back = rollback != 0 && amount >= 1 && std::uint64_t(amount) < *length;
