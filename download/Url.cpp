@@ -14,9 +14,6 @@ namespace {
 constexpr std::string_view kAfterScheme = "://";
 constexpr std::string_view kNotStored = "\\/:*?\"<>|";
 
-constexpr const char* kAnonymous = "anonymous";
-constexpr const char* kAnonymousPassword = "anonymous@example.com";
-
 // Of "beginning:rest", or all of it.
 std::string BeforeColon(const std::string& text) { return text.substr(0, text.find(':')); }
 
@@ -69,8 +66,6 @@ FtpAddress ParseFtpUrl(const std::string& url) {
   const std::size_t slash = std::min(rest.find('/'), rest.size());
   std::string host = rest.substr(0, slash);
   FtpAddress address;
-  address.user = kAnonymous;
-  address.password = kAnonymousPassword;
   if (const std::size_t at = host.rfind('@'); at != std::string::npos) {
     const std::string login = host.substr(0, at);
     address.user = BeforeColon(login);

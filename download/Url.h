@@ -15,7 +15,7 @@ enum class Scheme { None, Http, Ftp };
 Scheme SchemeOf(const std::string& url);
 
 struct FtpAddress {
-  std::string user;
+  std::string user;  // empty, and the password, too: anonymous
   std::string password;
   std::string host;
   std::uint16_t port = 21;
