@@ -172,7 +172,7 @@ struct Program::Parts {
               message.ShowText(text);
               if (program.onPopup) program.onPopup(text);
             },
-            [this](const std::string& url) { Download(url); }),
+            [this](const std::string& url) { Download({url}); }),
         downloads(platform.forms, {.loop = platform.loop,
                                    .sockets = platform.sockets,
                                    .files = platform.files,
@@ -182,6 +182,7 @@ struct Program::Parts {
                                    .messageBoxes = platform.messageBoxes,
                                    .registry = platform.registry,
                                    .settings = automation.settings,
+                                   .remoteSettings = automation.programSettings,
                                    .folder = automation.folder,
                                    .mayWait =
                                        [this] {
@@ -191,15 +192,15 @@ struct Program::Parts {
         windows(platform, automation, message),
         remote(platform, automation, windows.main) {
     windows.settings.onPortChanged = [this] { remote.telnet.Restart(); };
-    windows.settings.onCheckNow = [this] { Download(kUpdateUrl); };
+    windows.settings.onCheckNow = [this] { Download({kUpdateUrl, true}); };
     windows.main.showDownload = [this] { downloads.window.Open(); };
     downloads.window.formBehind = &windows.main;
     downloads.ForEachDialog([this](forms::Form& form) { form.formBehind = &downloads.window; });
   }
 
-  void Download(const std::string& url) {
+  void Download(const DownloadRequest& request) {
     downloads.updateCheckRequested = true;
-    downloads.BeginDownload(url);
+    downloads.BeginDownload(request);
   }
 
   StartOptions options;
@@ -257,6 +258,9 @@ void Program::Start() {
 void Program::Prepare() {
   Store().ReadDateOrder();
   parts_->automation.folder.Set(parts_->options.programFolder);
+  for (const Setting& setting : kRemoteSettings) {
+    setting.Load(GetSettings(), parts_->automation.programSettings);
+  }
   GetSettings().ReadStorageMode();
 }
 

@@ -60,7 +60,8 @@ bool FtpDownload::Run() {
       services_.settings.ReadNumber(kInternet, "FTP Timeout", kDefaultTimeout);
   client_.Timeout = timeout == 0 ? kDefaultTimeout : timeout;
   client_.PassiveMode =
-      services_.policy.UsesPassiveMode(services_.settings.ReadNumber(kInternet, "FTP PASV", 0) > 0);
+      state_.policy->UsesPassiveMode(services_.settings.ReadNumber(kInternet, "FTP PASV", 0) > 0);
+  client_.CorrectsPassiveAddress = state_.policy->CorrectsPassiveAddress();
   client_.UserName = address.user;
   client_.Password = address.password;
   client_.FtpServer = address.host;
@@ -108,6 +109,12 @@ bool FtpDownload::Fetch(const FtpAddress& address) {
     // A failure may have cost the connection.
     if (!client_.IsConnected() && !Arrive(address)) return false;
     const std::uint64_t offset = state_.Resuming ? state_.resumeOffset : 0;
+    std::uint64_t size = 0;
+    if (state_.policy->AsksForSize() && client_.GetFileSize(address.file, size)) {
+      state_.length = size;
+      state_.TotalSize = static_cast<float>(size);
+      state_.SetPosition(offset);
+    }
     if (client_.DownloadFile(address.file, state_.LocalPath, offset)) return true;
     if (!IsOver() && client_.GetLastServerResponse().starts_with("504")) {
       services_.refused();

@@ -85,6 +85,26 @@ FtpAddress ParseFtpUrl(const std::string& url) {
   return address;
 }
 
+std::string ResolveUrl(const std::string& base, const std::string& reference) {
+  const std::string host = base.substr(0, base.find('/', base.find("//") + 2));
+  const std::string page = base.substr(0, base.find_first_of("?#"));
+  if (reference.starts_with('/')) return (reference.starts_with("//") ? "http:" : host) + reference;
+  if (reference.empty() || reference[0] == '#') return base;
+  if (reference[0] == '?') return page + reference;
+  const std::size_t colon = reference.find(':');
+  if (colon >= reference.find_first_of("/?#"))
+    return page.substr(0, page.rfind('/') + 1) + reference;
+  // Of a host alone, its root.
+  const std::size_t path = reference.find_first_of("/?#", colon + 3);
+  if (path != std::string::npos && reference[path] == '/') return reference;
+  return std::string(reference).insert(std::min(path, reference.size()), "/");
+}
+
+bool HasControls(std::string_view text) {
+  return std::any_of(text.begin(), text.end(),
+                     [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 0x7F; });
+}
+
 std::string WithoutLogin(const std::string& url) {
   const std::size_t host = url.size() - WithoutScheme(url).size();
   const std::size_t at = url.substr(0, url.find('/', host)).rfind('@');

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/ProgramSettings.h"
 #include "tests/download/ScriptedFtpServer.h"
 #include "tests/support/CoreDesk.h"
 
@@ -33,6 +34,7 @@ struct DownloadDesk : CoreDesk {
   ~DownloadDesk() { downloads.Unload(); }
 
   bool below = false;  // somebody is, and handles events
+  RemoteSettings switches;
   Downloads downloads{forms,
                       {.loop = loop,
                        .sockets = sockets,
@@ -43,6 +45,7 @@ struct DownloadDesk : CoreDesk {
                        .messageBoxes = messageBoxes,
                        .registry = registry,
                        .settings = settings,
+                       .remoteSettings = switches,
                        .folder = folder,
                        .mayWait = [this] { return !below; }}};
   frmDownload& window = downloads.window;
@@ -499,35 +502,23 @@ TEST(FtpPath, EndsInsideEveryWait) {
   }
 }
 
-// The figures of an FTP download have no total; where there is one, it can be paused.
 TEST(FtpPath, GoesOnAfterAPauseWhenTheOldPathHasReturned) {
   DownloadDesk desk;
-  DownloadState state;
-  DownloadOptions options(desk.registry);
-  const DownloadPolicy policy;
-  frmDownload window(desk.forms,
-                     {desk.loop, desk.sockets, desk.files, desk.clock, desk.clipboard, desk.shell,
-                      desk.messageBoxes, desk.settings, options, desk.downloads.header.Log(),
-                      policy, [] { return true; }},
-                     state);
+  desk.switches.compat = true;
   ScriptedFtpServer server(desk);
-  desk.settings.WriteSetting("Internet", "FTP PASV", "1");
-  server.Says(kLogIn + kGo + "|> RETR file|150 f|D abc|> ABOR|426 x|226 y|" + kLogIn + kGo +
-              "|> REST 3|350 r|> RETR file|150 f|D de|.|226 g");
+  const std::string size = "|> CWD sub|250 d|> TYPE I|200 e|> SIZE file|213 100";
+  server.Says(kLogIn + size + kData + "|> RETR file|150 f|D abc|> ABOR|426 x|226 y|" + kLogIn +
+              size + kData + "|> REST 3|350 r|> RETR file|150 f|D de|.|226 g");
   std::string pressAt = "> ABOR";
   server.each = [&] {
-    state.TotalSize = 100;
     if (server.script.empty() || server.script.front() != pressAt) return;
     // Again while the old path waits for the answer.
     pressAt = pressAt == "> ABOR" ? "226 y" : "";
-    EXPECT_TRUE(window.cmdPause.Press());
+    EXPECT_TRUE(desk.window.cmdPause.Press());
   };
-  std::string ends;
-  window.onEnded = [&](const DownloadEnd& end) { ends += end.whole ? "whole" : end.trouble; };
-  window.Begin(kFtpUrl, desk.folder.AppDir);
-  desk.loop.DoEvents();
-  desk.loop.DoEvents();
-  EXPECT_EQ(desk.File() + ends, "abcdewhole");
+  desk.downloads.BeginDownload(kFtpUrl);
+  desk.loop.Advance(2000);
+  EXPECT_EQ(desk.File() + desk.ends, "abcde[The connection ended at byte 5 of 100.]");
 }
 
 }  // namespace
