@@ -1,6 +1,7 @@
 // Connection, login and data; the menu is in Menu.cpp.
 #include "remote/Internet.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "core/Convert.h"
@@ -8,6 +9,8 @@
 #include "core/modTaskOperations.h"
 #include "platform/EventLoop.h"
 #include "platform/text/Lines.h"
+#include "platform/text/Utf8.h"
+#include "remote/Access.h"
 
 namespace orvanto {
 namespace {
@@ -16,13 +19,24 @@ constexpr std::int16_t kAllowedFailures = 3;
 constexpr const char* kNoAddress = "0.0.0.0";
 constexpr const char* kPasswordPrompt = "Enter Password: ";
 
+std::size_t Characters(const std::string& text) {
+  return text.size() -
+         static_cast<std::size_t>(std::count_if(text.begin(), text.end(), IsContinuation));
+}
+
 }  // namespace
 
 TelnetServer::TelnetServer(const Services& services, const RemoteSettings& remote)
     : services_(services),
       remote_(remote),
       sck_(services.sockets.NewSocket(SocketHost::Use::Conversation)),
-      wizard_(*this, services.store, services.clock) {
+      wizard_(*this, services.store, services.clock),
+      tmrRefusal_(services.loop.NewTimer([this] { Refuse(); })),
+      tmrSilence_(services.loop.NewTimer([this] {
+        if (lineOpen_) return;  // it is we who are silent
+        Log("Silent for too long.");
+        Disconnect();
+      })) {
   sck_->onConnectionRequest = [this](TcpSocket::RequestId request) {
     OnConnectionRequest(request);
     Flush();
@@ -39,7 +53,7 @@ TelnetServer::TelnetServer(const Services& services, const RemoteSettings& remot
     Flush();
   };
   services_.chat.onQuit = [this] {
-    EndChatLocally();
+    EndChat("\r\nChat Ended by Server\r\n\r\n");
     Flush();
   };
 }
@@ -55,7 +69,8 @@ void TelnetServer::ServerOn() {
   services_.area.SetLamps(false, true);
   on_ = true;
   switched.Raise(true);
-  StartListening();
+  ReadPort();
+  ListenIfIdle();
 }
 
 void TelnetServer::ServerOff() {
@@ -68,32 +83,41 @@ void TelnetServer::ServerOff() {
 
 void TelnetServer::Restart() {
   if (!on_) return;
+  ReadPort();
   Disconnect();
+}
+
+void TelnetServer::Relisten() {
+  if (!Listening()) return;
   sck_->Close();
-  StartListening();
+  ListenIfIdle();
 }
 
 void TelnetServer::RefreshCaption() { services_.area.SetCaption(sck_->LocalAddress()); }
 
-void TelnetServer::StartListening() {
+void TelnetServer::ReadPort() {
   serverPort_ = ToInt32(services_.settings.ReadSetting(kGeneral, "Inet_ServerPort", "600"));
-  ListenIfIdle();
 }
 
 void TelnetServer::ListenIfIdle() {
   if (sck_->GetState() != TcpSocket::State::Closed) return;
   log_.Begin("Waiting for Connection...");
+  if (TelnetPolicyFor(remote_).onlyThisComputer) log_.Append(std::string(kCrLf) + kNoPassword);
   const bool port = serverPort_ > 0 && serverPort_ <= 65535;
-  if (port && sck_->Listen(static_cast<std::uint16_t>(serverPort_))) return;
-  log_.Begin("Port " + std::to_string(serverPort_) + " cannot be used.");
+  const std::string address = ListeningAddress(remote_);
+  if (port && sck_->Listen(static_cast<std::uint16_t>(serverPort_), address)) return;
+  log_.Begin("Port " + std::to_string(serverPort_) +
+             (address == TcpSocket::kAllAddresses ? "" : " of " + address) + " cannot be used.");
 }
 
 void TelnetServer::EndConnection() {
   ++connection_;
   Flush();
   sck_->Close();
+  tmrSilence_->Stop();
   waiting_.clear();
-  lineOpen_ = false;
+  input_.Restart();
+  lineOpen_ = loggedIn_ = false;
   clientAddress_ = kNoAddress;
   services_.area.SetClient(clientAddress_);
   services_.area.EnableClientCommands(false);
@@ -113,44 +137,68 @@ void TelnetServer::OnConnectionRequest(TcpSocket::RequestId request) {
     ListenIfIdle();
     return;
   }
+  policy_ = TelnetPolicyFor(remote_);
+  clientAddress_ = sck_->RemoteAddress();
+  if (policy_.onlyThisComputer && !IsFromThisComputer(*sck_)) {
+    Log(kNoPassword);
+    return Disconnect();
+  }
   ++connection_;
   protocol_.Reset();
-  input_.Restart();
-  clientAddress_ = sck_->RemoteAddress();
+  const std::string left = policy_.keepsLine ? input_.Line() : "";
+  input_ = LineAssembler(policy_.lines, kLongestLine);
+  input_.SetLine(left);
   services_.area.SetLamps(true, false);
   services_.area.SetClient(clientAddress_);
   services_.area.EnableClientCommands(true);
   // No name service is asked: it could hold the whole program for seconds.
   Log("Connection from(hostname): " + clientAddress_);
   Log("Connection from(IP): " + clientAddress_);
-  if (remote_.passwordRequired == 1) {
-    state_ = SessionState::Password;
-    Send(kPasswordPrompt);
-  } else {
-    state_ = SessionState::Start;
-    ShowMainMenu();
-  }
+  if (policy_.offersCharacterMode) outgoing_ += protocol_.OfferCharacterMode();
+  Heard();
+  loggedIn_ = !remote_.passwordRequired;
+  if (!loggedIn_) return AskForPassword();
+  state_ = SessionState::Start;
+  ShowMainMenu();
+}
+
+void TelnetServer::Heard() {
+  if (policy_.longestSilence) tmrSilence_->Start(*policy_.longestSilence);
+}
+
+void TelnetServer::AskForPassword() {
+  state_ = SessionState::Password;
+  Send(kPasswordPrompt);
 }
 
 void TelnetServer::FetchArrival() {
   if (waiting_.size() == kMostWaiting) return;
   if (std::string arrival(sck_->GetData()); !arrival.empty()) {
     waiting_.push_back(std::move(arrival));
+    Heard();
   }
 }
 
-// One at a time: the loop, and its end, come between two.
+// One arrival, or one line, at a time: the loop, and its end, come between two.
 void TelnetServer::HandleArrival() {
-  if (waiting_.empty() || lineOpen_ || openLines_ == kMostOpenLines) return;
-  const std::string arrival = std::move(waiting_.front());
-  waiting_.pop_front();
-  input_.Feed(protocol_.Receive(arrival, outgoing_));
-  if (const auto piece = input_.Next()) {
-    piece->complete ? CarryOut(piece->text) : Echo(piece->text);
+  if (lineOpen_ || openLines_ == kMostOpenLines) return;
+  if (state_ == SessionState::Password && tmrRefusal_->Enabled()) return;
+  if (!input_.HasMore()) {
+    if (waiting_.empty()) return;
+    const std::string arrival = std::move(waiting_.front());
+    waiting_.pop_front();
+    input_.Feed(protocol_.Receive(arrival, outgoing_));
+  }
+  while (const auto piece = input_.Next()) {
+    if (piece->complete) {
+      CarryOut(piece->text);
+      break;
+    }
+    Echo(*piece);
   }
   Flush();
   FetchArrival();
-  if (!waiting_.empty()) services_.loop.Post([this] { HandleArrival(); });
+  if (input_.HasMore() || !waiting_.empty()) services_.loop.Post([this] { HandleArrival(); });
 }
 
 void TelnetServer::CarryOut(const std::string& line) {
@@ -172,13 +220,18 @@ void TelnetServer::CarryOut(const std::string& line) {
   } catch (const Error& error) {
     // Text where a number belongs is skipped over; after any other error the line stays, if its
     // client is still there.
-    if (error.Number() != kTypeMismatch && connection == connection_) input_.SetLine(line);
+    const bool stays = error.Number() != kTypeMismatch && policy_.keepsLine;
+    if (stays && connection == connection_) input_.SetLine(line);
   }
 }
 
-void TelnetServer::Echo(const std::string& chunk) {
-  if (state_ == SessionState::Password) {
-    Send("*");
+void TelnetServer::Echo(const LineAssembler::Piece& piece) {
+  if (policy_.offersCharacterMode && !protocol_.Echoes()) return;
+  const std::string& chunk = piece.text;
+  if (piece.erased) {
+    Send("\b \b");
+  } else if (state_ == SessionState::Password) {
+    Send(std::string(policy_.offersCharacterMode ? Characters(chunk) : 1, '*'));
   } else if (state_ == SessionState::Chat && input_.Line().size() == 1) {
     // The first character of a line.
     Send(std::string(kCrLf) + "Client: " + chunk);
@@ -188,19 +241,29 @@ void TelnetServer::Echo(const std::string& chunk) {
 }
 
 void TelnetServer::Login(const std::string& line) {
-  if (line == remote_.password) {
+  if (SamePassword(line, remote_.password)) {
+    loggedIn_ = true;
     SendAll({kCrLf, kCrLf});
-    ShowMainMenu();
-    return;
+    return ShowMainMenu();
   }
-  if (failedAttempts_ == kAllowedFailures) {
-    Log("Incorrect Password: Attempt 4");
-    Disconnect();
-    return;
+  dropsRefused_ = failedAttempts_ == kAllowedFailures;
+  if (!dropsRefused_) ++failedAttempts_;
+  Log("Incorrect Password: Attempt " + std::to_string(failedAttempts_ + (dropsRefused_ ? 1 : 0)));
+  refused_ = connection_;
+  const auto delay = policy_.afterWrongPassword * (1 << (failedAttempts_ - 1));
+  delay.count() == 0 ? Refuse() : tmrRefusal_->Start(delay);
+}
+
+// He may have gone, to be quicker with another connection: until then no password is looked at.
+void TelnetServer::Refuse() {
+  tmrRefusal_->Stop();
+  if (refused_ == connection_ && Connected()) {
+    if (dropsRefused_) return Disconnect();
+    SendAll({kCrLf, kCrLf});
+    AskForPassword();
+    Flush();
   }
-  ++failedAttempts_;
-  Log("Incorrect Password: Attempt " + std::to_string(failedAttempts_));
-  SendAll({kCrLf, kCrLf, kPasswordPrompt});
+  HandleArrival();
 }
 
 void TelnetServer::Send(const std::string& text) { outgoing_ += TelnetProtocol::Escape(text); }

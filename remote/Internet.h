@@ -20,6 +20,7 @@
 #include "platform/net/TcpSocket.h"
 #include "remote/Remote.h"
 #include "remote/TaskWizard.h"
+#include "remote/TelnetPolicy.h"
 #include "remote/TelnetProtocol.h"
 #include "remote/frmChat.h"
 
@@ -30,6 +31,7 @@ class Files;
 class MessageBoxes;
 class Settings;
 class TaskExecution;
+class Timer;
 
 class TelnetServer : public Conversation {
  public:
@@ -53,6 +55,8 @@ class TelnetServer : public Conversation {
   void ServerOff();
   // The port that is stored has changed: ends the connection, and listens there, if it is on.
   void Restart();
+  // The address to listen on may have changed: a connection goes on.
+  void Relisten();
   bool Listening() const { return sck_->GetState() == TcpSocket::State::Listening; }
   bool Connected() const { return sck_->GetState() == TcpSocket::State::Connected; }
   std::uint16_t Port() const { return sck_->LocalPort(); }
@@ -82,7 +86,7 @@ class TelnetServer : public Conversation {
   // Lines that are carried out one inside the other, those of clients who have gone meanwhile.
   static constexpr int kMostOpenLines = 8;
 
-  void StartListening();
+  void ReadPort();
   void ListenIfIdle();
   void EndConnection();
   void Disconnect();
@@ -90,9 +94,13 @@ class TelnetServer : public Conversation {
   void FetchArrival();
   void HandleArrival();
   void CarryOut(const std::string& line);
-  void Echo(const std::string& chunk);
+  void Echo(const LineAssembler::Piece& piece);
   void Dispatch(const std::string& line);
   void Login(const std::string& line);
+  void Refuse();
+  void Heard();  // somebody has said something
+  void AskForPassword();
+  void EndChat(const char* text);
   void MainMenuChoice(const std::string& line);
   void OpenTaskList(const char* question, const char* log, SessionState state);
   void ChooseNewTask();
@@ -106,7 +114,6 @@ class TelnetServer : public Conversation {
   void RequestChat();
   void ChatLine(const std::string& line);
   void LocalChatLine(const std::string& line);
-  void EndChatLocally();
   void SendAll(std::initializer_list<const char*> pieces);
   // Hands what was sent to the socket: at the end of an event, and before what may take long.
   void Flush();
@@ -121,12 +128,18 @@ class TelnetServer : public Conversation {
   std::string clientAddress_ = "0.0.0.0";
   bool on_ = false;
   std::int32_t serverPort_ = 0;
+  TelnetPolicy policy_;
+  const std::unique_ptr<Timer> tmrRefusal_;  // of the password that was wrong
+  const std::unique_ptr<Timer> tmrSilence_;
   LineAssembler input_{LineAssembler::Policy::Keys, kLongestLine};
   std::string outgoing_;             // sent, and not flushed
   std::deque<std::string> waiting_;  // what has arrived from the client, as it arrived
   bool lineOpen_ = false;            // a line of the client is being carried out
   int openLines_ = 0;                // with those of former clients
   std::int16_t failedAttempts_ = 0;  // over the life of the program
+  bool dropsRefused_ = false;        // whose password was wrong, and so were three before
+  std::uint64_t refused_ = 0;        // his connection
+  bool loggedIn_ = false;
   SessionState state_ = SessionState::Start;
   // Counts connections, so that what a line let happen meanwhile is noticed.
   std::uint64_t connection_ = 0;

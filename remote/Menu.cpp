@@ -235,12 +235,7 @@ void TelnetServer::RequestChat() {
 }
 
 void TelnetServer::ChatLine(const std::string& line) {
-  if (line == "/") {
-    Send("\r\nChat Ended by Client\r\n\r\n");
-    ShowMainMenu();
-    services_.chat.Unload();
-    return;
-  }
+  if (line == "/") return EndChat("\r\nChat Ended by Client\r\n\r\n");
   services_.chat.Append(kCrLf + ("Client: " + line) + kCrLf);
   Send(kCrLf);
 }
@@ -248,12 +243,13 @@ void TelnetServer::ChatLine(const std::string& line) {
 void TelnetServer::LocalChatLine(const std::string& line) {
   const std::string text = kCrLf + ("Server: " + line) + kCrLf;
   Send(text);
+  Heard();
   services_.chat.Append(text);
 }
 
-void TelnetServer::EndChatLocally() {
-  Send("\r\nChat Ended by Server\r\n\r\n");
-  ShowMainMenu();
+void TelnetServer::EndChat(const char* text) {
+  Send(text);
+  loggedIn_ || policy_.chatLetsIn ? ShowMainMenu() : AskForPassword();
   services_.chat.Unload();
 }
 

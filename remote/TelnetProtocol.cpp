@@ -1,5 +1,7 @@
 #include "remote/TelnetProtocol.h"
 
+#include <utility>
+
 namespace orvanto {
 namespace {
 
@@ -11,7 +13,6 @@ constexpr std::uint8_t kDo = 253;
 constexpr std::uint8_t kDont = 254;
 constexpr std::uint8_t kCommand = 255;
 
-constexpr std::uint8_t kEcho = 1;
 constexpr std::uint8_t kSuppressGoAhead = 3;
 constexpr std::uint8_t kTimingMark = 6;
 
@@ -22,6 +23,15 @@ void Answer(std::string& answers, std::uint8_t verb, std::uint8_t option) {
 }
 
 }  // namespace
+
+std::string TelnetProtocol::OfferCharacterMode() {
+  std::string offer;
+  for (const std::uint8_t option : {kEcho, kSuppressGoAhead}) {
+    ours_[option] = Ours::Offered;
+    Answer(offer, kWill, option);
+  }
+  return offer;
+}
 
 std::string TelnetProtocol::Receive(std::string_view chunk, std::string& answers) {
   std::string text;
@@ -71,14 +81,12 @@ void TelnetProtocol::Negotiate(std::uint8_t option, std::string& answers) {
         Answer(answers, kWill, option);
       } else if (!echo && !goAhead) {
         Answer(answers, kWont, option);
-      } else if (!ours_[option]) {
-        ours_[option] = true;
+      } else if (std::exchange(ours_[option], Ours::Done) == Ours::Not) {
         Answer(answers, kWill, option);
       }
       break;
     case kDont:
-      if (ours_[option]) Answer(answers, kWont, option);
-      ours_[option] = false;
+      if (std::exchange(ours_[option], Ours::Not) == Ours::Done) Answer(answers, kWont, option);
       break;
     case kWill:
       if (!goAhead) {

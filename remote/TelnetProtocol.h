@@ -2,8 +2,8 @@
 // of what arrives, so that the session sees plain text only.
 //
 // We echo and suppress go-aheads, and agree to that when we are asked; everything else is refused.
-// We offer nothing on our own: a client that speaks no telnet never sees a byte of it. A state that
-// already holds is not answered, so two sides cannot talk for ever.
+// We offer nothing unless we are told to: a client that speaks no telnet never sees a byte of it. A
+// state that already holds is not answered, so two sides cannot talk for ever.
 #pragma once
 
 #include <array>
@@ -22,10 +22,17 @@ class TelnetProtocol {
   // once, as bytes. Commands may be split over chunks anywhere.
   std::string Receive(std::string_view chunk, std::string& answers);
 
+  // Offers both, in bytes for the client. At the beginning of a connection.
+  std::string OfferCharacterMode();
+  // The client has taken our echo, and not given it back.
+  bool Echoes() const { return ours_[kEcho] == Ours::Done; }
+
   // Text for the client: the byte 255 is doubled.
   static std::string Escape(std::string_view text);
 
  private:
+  static constexpr std::uint8_t kEcho = 1;
+  enum class Ours : std::uint8_t { Not, Offered, Done };
   enum class State { Text, Command, Negotiation, Subnegotiation, SubnegotiationCommand };
 
   // True when the byte is text.
@@ -34,7 +41,7 @@ class TelnetProtocol {
 
   State state_ = State::Text;
   std::uint8_t verb_ = 0;
-  std::array<bool, 256> ours_{};    // options that we do
+  std::array<Ours, 256> ours_{};    // options of this side
   std::array<bool, 256> theirs_{};  // options that the client does
 };
 

@@ -3,8 +3,14 @@
 #include <algorithm>
 
 #include "platform/text/Lines.h"
+#include "platform/text/Utf8.h"
 
 namespace orvanto {
+namespace {
+
+constexpr std::string_view kBackspaces = "\b\x7F";
+
+}  // namespace
 
 void LineAssembler::Feed(std::string arrival) {
   arrival_ = std::move(arrival);
@@ -18,23 +24,27 @@ void LineAssembler::Restart() {
 }
 
 std::optional<LineAssembler::Piece> LineAssembler::Next() {
-  std::string_view rest = std::string_view(arrival_).substr(taken_);
-  if (rest.empty()) return std::nullopt;
-  if (std::exchange(afterCr_, false) && (rest[0] == '\n' || rest[0] == '\0')) {
-    rest.remove_prefix(1);
-    ++taken_;
-  }
+  DropRestOfEnd();
+  const std::string_view rest = std::string_view(arrival_).substr(taken_);
   if (rest.empty()) return std::nullopt;
   switch (policy_) {
     case Policy::Keys:
       taken_ = arrival_.size();
       return Key(rest);
     case Policy::Lines:
-      return PartOfLine(rest);
+      return PartOfLine(rest, kCrLf);
+    case Policy::Edited:
+      if (kBackspaces.find(rest[0]) != std::string_view::npos) return Erase();
+      return PartOfLine(rest, "\r\n\b\x7F");
     case Policy::Commands:
       return PartOfCommand(rest);
   }
   return std::nullopt;
+}
+
+void LineAssembler::DropRestOfEnd() {
+  if (!HasMore() || !std::exchange(afterCr_, false)) return;
+  if (arrival_[taken_] == '\n' || arrival_[taken_] == '\0') ++taken_;
 }
 
 LineAssembler::Piece LineAssembler::Key(std::string_view chunk) {
@@ -47,12 +57,21 @@ LineAssembler::Piece LineAssembler::Key(std::string_view chunk) {
   return Complete();
 }
 
-LineAssembler::Piece LineAssembler::PartOfLine(std::string_view rest) {
-  const std::size_t text = std::min(rest.find_first_of(kCrLf), rest.size());
+LineAssembler::Piece LineAssembler::PartOfLine(std::string_view rest, std::string_view ends) {
+  const std::size_t text = std::min(rest.find_first_of(ends), rest.size());
   taken_ += std::max<std::size_t>(text, 1);
   if (text > 0) return Typed(std::string(rest.substr(0, text)));
   afterCr_ = rest[0] == '\r';
+  DropRestOfEnd();
   return Complete();
+}
+
+std::optional<LineAssembler::Piece> LineAssembler::Erase() {
+  ++taken_;
+  if (line_.empty()) return Next();
+  while (IsContinuation(line_.back()) && line_.size() > 1) line_.pop_back();
+  line_.pop_back();
+  return Piece{.complete = false, .text = {}, .erased = true};
 }
 
 LineAssembler::Piece LineAssembler::PartOfCommand(std::string_view rest) {
@@ -77,7 +96,7 @@ LineAssembler::Piece LineAssembler::PartOfCommand(std::string_view rest) {
 
 LineAssembler::Piece LineAssembler::Typed(std::string text) {
   line_.append(text, 0, longest_ - std::min(longest_, line_.size()));
-  return {false, std::move(text)};
+  return {.complete = false, .text = std::move(text), .erased = false};
 }
 
 }  // namespace orvanto

@@ -15,7 +15,7 @@ std::string Pieces(LineAssembler& lines, const std::string& arrival) {
   std::string all;
   lines.Feed(arrival);
   while (const auto piece = lines.Next()) {
-    all += piece->complete ? "<" + piece->text + ">" : piece->text;
+    all += piece->complete ? "<" + piece->text + ">" : piece->erased ? "-" : piece->text;
   }
   return all;
 }
@@ -28,6 +28,7 @@ TEST(LineAssembler, EachPolicyHasItsLines) {
       {Policy::Keys, {"\r", "", "a", "\n", "\r", "\nb"}, "<>a<a><>b, b"},
       {Policy::Keys, {"a\r\nb", "\r" + nul + "c\r"}, "a\r\nb\r\nc\r, a\r\nb\r\nc\r"},
       {Policy::Keys, {"123456789", "x", "\n", "y"}, "123456789x<12345678>y, y"},
+      {Policy::Edited, {"ab\b", "\x7F\x7F", "c\xC3\xA9\bd\n"}, "ab--c\xC3\xA9-d<cd>, "},
       {Policy::Commands, {"A b\r\nB\nC\r\r\n", "\r\n"}, "A b<A b>B\nC\r<B\nC\r><>, "},
       {Policy::Commands,
        {"Q\r", "x\r", "\n", "123456789\r", "\n"},

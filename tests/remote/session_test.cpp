@@ -151,6 +151,125 @@ TEST_F(SessionTest, TasksAreDeletedAndRun) {
   EXPECT_EQ(Names(), (Texts{"One"}));
 }
 
+constexpr const char* kOffer = "\xFF\xFB\x01\xFF\xFB\x03";
+
+TEST_F(SessionTest, TodaysClientsSendLinesOrHaveTheirKeysEchoed) {
+  Connect();
+  Send("8");
+  remote.compat = true;
+  EXPECT_EQ(Send(kCrLf), kMenu) << "an open connection goes on as it began";
+  Send("left");
+  socket.PeerCloses();
+  EXPECT_EQ(Connect(), kOffer + kMenu);
+  EXPECT_EQ(Send("8\n"), kMenu) << "he echoes himself, and what was left has gone";
+  EXPECT_EQ(Send("8\n8\n99999\n"), kMenu);
+  loop.DoEvents();
+  EXPECT_EQ(socket.Sent(), kMenu);
+  for (int i = 0; i < 3; ++i) loop.DoEvents();
+  EXPECT_EQ(Send("8\n"), kMenu) << "after a line that failed";
+  EXPECT_EQ(Send("\xFF\xFD\x01\xFF\xFD\x03"), "");
+  EXPECT_EQ(Send("98\x7F\b\b8"), "98\b \b\b \b8");
+  EXPECT_EQ(Send(std::string("\r\0", 2)), kMenu);
+  // The rest of what a client has sent ends with him.
+  Send("7\n8\n");
+  socket.Sent();
+  loop.DoEvents();
+  EXPECT_EQ(socket.Sent(), "");
+
+  remote.password = "S\xC3\xA9";
+  remote.passwordRequired = true;
+  EXPECT_EQ(Connect(), kOffer + std::string("Enter Password: "));
+  EXPECT_EQ(Send("\xFF\xFD\x01S\xC3\xA9\n"), "**\r\n\r\n" + kMenu);
+}
+
+class StrictSessionTest : public SessionTest {
+ protected:
+  StrictSessionTest() {
+    remote.strict = remote.passwordRequired = true;
+    remote.password = "Secret";
+  }
+};
+
+TEST_F(StrictSessionTest, AWrongPasswordMakesEverybodyWait) {
+  const std::string again = "\r\n\r\nEnter Password: ";
+  Connect();
+  for (const int seconds : {2, 4, 8}) {
+    EXPECT_EQ(Line("wrong"), "");
+    loop.Advance(seconds * 1000 - 1);
+    EXPECT_EQ(socket.Sent(), "");
+    loop.Advance(1);
+    EXPECT_EQ(socket.Sent(), again);
+  }
+  // Who does not wait for his answer is no better off.
+  Line("wrong");
+  socket.PeerCloses();
+  EXPECT_EQ(Connect(), "Enter Password: ");
+  EXPECT_EQ(Line("Secret"), "");
+  loop.Advance(7999);
+  EXPECT_EQ(socket.Sent(), "");
+  loop.Advance(1);
+  for (int i = 0; i < 10; ++i) loop.DoEvents();
+  EXPECT_EQ(socket.Sent(), "******\r\n\r\n" + kMenu);
+  server.Kick();
+  Connect();
+  Line("wrong");
+  loop.Advance(8000);
+  EXPECT_TRUE(server.Listening());
+  for (const char* line : {"", "Secre", "Secret ", "SecretSecret"}) {
+    Connect();
+    EXPECT_EQ(Line(line), "") << line;
+    loop.Advance(8000);
+    EXPECT_TRUE(server.Listening()) << line;
+  }
+}
+
+TEST_F(StrictSessionTest, AChatLetsNobodyInAndSilenceEnds) {
+  for (const bool here : {true, false}) {
+    Connect();
+    server.StartChat();
+    socket.Sent();
+    if (here) chat.cmdQuit.Press();
+    EXPECT_TRUE((here ? socket.Sent() : Line("/")).ends_with("\r\n\r\nEnter Password: "));
+    EXPECT_EQ(Line("Secret"), "\r\n\r\n" + kMenu);
+    server.StartChat();
+    EXPECT_TRUE(Line("/").ends_with(kMenu));
+    const int minute = 60 * 1000;
+    loop.Advance(14 * minute);
+    Send("1");
+    loop.Advance(15 * minute - 1);
+    EXPECT_TRUE(server.Connected());
+    loop.Advance(1);
+    EXPECT_TRUE(server.Listening());
+    Connect();
+    Line("");
+    server.Kick();
+    loop.Advance(2000);
+  }
+}
+
+TEST_F(StrictSessionTest, ListensWhereItIsToldToAndWithoutAPasswordForThisComputer) {
+  remote.bindAddress = "10.9.8.7";
+  server.ServerOn();
+  EXPECT_EQ(socket.listensOn, Ipv4{0x0A090807});
+  EXPECT_EQ(Log(), kWaiting);
+  remote.strict = false;
+  server.Relisten();
+  EXPECT_EQ(socket.listensOn, Ipv4{});
+  const std::string noPassword = "No password is set: nobody is let in from other computers.";
+  for (const bool required : {true, false}) {
+    remote = {.passwordRequired = required, .strict = true};
+    server.Relisten();
+    EXPECT_EQ(Log(), kWaiting + "\r\n" + noPassword);
+    for (const auto& [peer, welcome] :
+         {std::pair("10.1.2.3", false), {"127.0.0.1", true}, {"10.9.8.7", true}}) {
+      socket.peer = peer;
+      EXPECT_EQ(socket.PeerConnects(), welcome);
+      EXPECT_NE(socket.Sent().empty(), welcome);
+      if (welcome) server.Kick();
+    }
+  }
+}
+
 // A task that lets other events in while it runs, each time `meanwhile`.
 class LongTaskTest : public SessionTest {
  protected:

@@ -42,5 +42,22 @@ TEST(TelnetProtocol, TakesTelnetOutOfTheText) {
   }
 }
 
+TEST(TelnetProtocol, AnOfferIsTakenOrRefused) {
+  const std::tuple<std::string, bool, std::string> cases[] = {
+      {"", false, ""},
+      {Iac({kDo, 1}) + Iac({kDo, 3}) + Iac({kDo, 1}), true, ""},
+      {Iac({kDont, 1}), false, ""},
+      {Iac({kDo, 1}) + Iac({kDont, 1}), false, Iac({kWont, 1})},
+      {Iac({kDont, 1}) + Iac({kDo, 1}), true, Iac({kWill, 1})}};
+  for (const auto& [stream, echoes, expected] : cases) {
+    TelnetProtocol protocol;
+    EXPECT_EQ(protocol.OfferCharacterMode(), Iac({kWill, 1}) + Iac({kWill, 3}));
+    std::string answers;
+    protocol.Receive(stream, answers);
+    EXPECT_EQ(protocol.Echoes(), echoes);
+    EXPECT_EQ(answers, expected);
+  }
+}
+
 }  // namespace
 }  // namespace orvanto

@@ -18,8 +18,9 @@ FakeSocketHost::Socket::~Socket() {
   host_.sockets.remove(this);
 }
 
-int FakeSocketHost::Socket::SystemListen(Ipv4, std::uint16_t port) {
+int FakeSocketHost::Socket::SystemListen(Ipv4 address, std::uint16_t port) {
   if (host_.taken.contains(port)) return kAddressInUse;
+  listensOn = address;
   port_ = port != 0 ? port : 5000;
   SetState(State::Listening);
   return 0;
@@ -33,7 +34,7 @@ bool FakeSocketHost::Socket::Accept(RequestId) {
 }
 
 std::string FakeSocketHost::Socket::RemoteAddress() const {
-  return GetState() == State::Connected ? "10.1.2.3" : "";
+  return GetState() == State::Connected ? peer : "";
 }
 
 bool FakeSocketHost::Socket::PeerConnects() {

@@ -55,6 +55,8 @@ class FakeSocketHost : public SocketHost {
     int receiveError = 0;
     std::string wants;  // what it waited for, one after the other; sending has ended: "."
     std::vector<std::pair<Ipv4, std::uint16_t>> tried;  // to connect to
+    std::string peer = "10.1.2.3";                      // where the other end is
+    Ipv4 listensOn{};
 
    protected:
     int SystemListen(Ipv4 address, std::uint16_t port) override;
