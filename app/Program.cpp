@@ -172,7 +172,7 @@ struct Program::Parts {
               message.ShowText(text);
               if (program.onPopup) program.onPopup(text);
             },
-            [this](const std::string& url) { Download({url}); }),
+            [this](const std::string& url) { Download(url); }),
         downloads(platform.forms, {.loop = platform.loop,
                                    .sockets = platform.sockets,
                                    .files = platform.files,
@@ -192,15 +192,15 @@ struct Program::Parts {
         windows(platform, automation, message),
         remote(platform, automation, windows.main) {
     windows.settings.onPortChanged = [this] { remote.telnet.Restart(); };
-    windows.settings.onCheckNow = [this] { Download({kUpdateUrl, true}); };
+    windows.settings.onCheckNow = [this] { Download(kUpdateUrl, true); };
     windows.main.showDownload = [this] { downloads.window.Open(); };
     downloads.window.formBehind = &windows.main;
     downloads.ForEachDialog([this](forms::Form& form) { form.formBehind = &downloads.window; });
   }
 
-  void Download(const DownloadRequest& request) {
+  void Download(const std::string& url, bool replace = false) {
     downloads.updateCheckRequested = true;
-    downloads.BeginDownload(request);
+    downloads.BeginDownload(url, replace);
   }
 
   StartOptions options;

@@ -17,7 +17,9 @@ Downloads::Downloads(forms::FormHost& host, const Services& services)
       services_(services),
       next_(services.loop.NewDeferred([this] { BeginNext(); })) {
   WireMenu();
-  window.onDownload = [this](const DownloadRequest& request) { BeginDownload(request); };
+  window.onDownload = [this](const DownloadRequest& request) {
+    BeginDownload(request.url, request.replace);
+  };
   window.onEnded = [this](const DownloadEnd& end) {
     ended.Raise(end);
     next_->Post();
@@ -49,9 +51,8 @@ void Downloads::SaveAs(const std::string& from, const std::string& path) {
                               Buttons::Ok, BoxIcon::Critical);
 }
 
-void Downloads::BeginDownload(DownloadRequest request) {
-  request.url = TrimBlanks(request.url);
-  waiting_.push_back(std::move(request));
+void Downloads::BeginDownload(const std::string& url, bool replace) {
+  waiting_.push_back({std::string(TrimBlanks(url)), replace});
   next_->Post();
 }
 

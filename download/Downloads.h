@@ -23,9 +23,8 @@ class Downloads {
   Downloads(forms::FormHost& host, const Services& services);
 
   // Fetches the file into the program's folder as soon as those before it have ended, by the policy
-  // that the settings ask for then. Begins from the loop.
-  void BeginDownload(const std::string& url) { BeginDownload(DownloadRequest{url}); }
-  void BeginDownload(DownloadRequest request);
+  // that the settings ask for then; see DownloadRequest. Begins from the loop.
+  void BeginDownload(const std::string& url, bool replace = false);
   // Whether one runs or waits.
   bool Busy() const { return !waiting_.empty() || window.Running(); }
   // Of the windows beside the download's own.
