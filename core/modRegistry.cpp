@@ -256,16 +256,31 @@ void Settings::WriteSetting(const std::string& section, const std::string& value
   access_.RegWrite(root, SectionPath(section), valueName, "S", value);
 }
 
+std::string Settings::Read(const char* root, const std::string& section,
+                           const std::string& valueName, const std::string& defaultValue) {
+  RegistryData data;
+  access_.RegRead(root, SectionPath(section), valueName, "S", defaultValue, data);
+  return std::get<std::string>(data);
+}
+
 std::string Settings::ReadMachineSetting(const std::string& section, const std::string& valueName,
                                          const std::string& defaultValue) {
-  RegistryData data;
-  access_.RegRead("HKLM", SectionPath(section), valueName, "S", defaultValue, data);
-  return std::get<std::string>(data);
+  return Read("HKLM", section, valueName, defaultValue);
 }
 
 void Settings::WriteMachineSetting(const std::string& section, const std::string& valueName,
                                    const std::string& value) {
   access_.RegWrite("HKLM", SectionPath(section), valueName, "S", value);
+}
+
+std::string Settings::ReadUserSetting(const std::string& section, const std::string& valueName,
+                                      const std::string& defaultValue) {
+  return Read("HKCU", section, valueName, defaultValue);
+}
+
+void Settings::WriteUserSetting(const std::string& section, const std::string& valueName,
+                                const std::string& value) {
+  access_.RegWrite("HKCU", SectionPath(section), valueName, "S", value);
 }
 
 void Settings::DeleteUserSetting(const std::string& section, const std::string& valueName) {

@@ -54,6 +54,7 @@ class Settings {
   // result stays as it was) and nothing is written.
   std::int16_t StorageMode() const { return storageMode_; }
   void SetStorageMode(std::int16_t mode) { storageMode_ = mode; }
+  bool IsStoring() const { return Root() != nullptr; }
   // Takes it from the machine-wide `Users_Share`. Throws what ToInt16 throws; then it stays.
   void ReadStorageMode();
 
@@ -90,8 +91,12 @@ class Settings {
   void WriteMachineSetting(const std::string& section, const std::string& valueName,
                            const std::string& value);
 
-  // Per user whatever the mode: what is deleted in shared mode stays machine-wide and is only
-  // hidden by the lowered task count.
+  // Per user whatever the mode: for what is always the user's own. What is deleted in shared mode
+  // stays machine-wide and is only hidden by the lowered task count.
+  std::string ReadUserSetting(const std::string& section, const std::string& valueName,
+                              const std::string& defaultValue);
+  void WriteUserSetting(const std::string& section, const std::string& valueName,
+                        const std::string& value);
   void DeleteUserSetting(const std::string& section, const std::string& valueName);
   void DeleteUserKey(const std::string& subkeyName);
 
@@ -100,6 +105,8 @@ class Settings {
 
  private:
   const char* Root() const;  // null when the mode names none
+  std::string Read(const char* root, const std::string& section, const std::string& valueName,
+                   const std::string& defaultValue);
 
   Registry& registry_;
   RegistryAccess access_;

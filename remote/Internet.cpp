@@ -96,7 +96,7 @@ void TelnetServer::Relisten() {
 void TelnetServer::RefreshCaption() { services_.area.SetCaption(sck_->LocalAddress()); }
 
 void TelnetServer::ReadPort() {
-  serverPort_ = ToInt32(services_.settings.ReadSetting(kGeneral, "Inet_ServerPort", "600"));
+  serverPort_ = ToInt32(SettingOf("Inet_ServerPort").Text(services_.settings));
 }
 
 void TelnetServer::ListenIfIdle() {

@@ -7,23 +7,18 @@
 #include "app/console/AddArguments.h"
 #include "app/console/ConsoleDownloads.h"
 #include "core/Convert.h"
+#include "core/ProgramSettings.h"
 #include "core/Sched.h"
 #include "core/TaskExecution.h"
 #include "core/modRegistry.h"
 #include "core/modTaskOperations.h"
 #include "download/Downloads.h"
-#include "platform/text/Case.h"
 #include "platform/text/PrintableLine.h"
 
 namespace orvanto {
 namespace {
 
 using Words = std::vector<std::string>;
-
-// The storage mode itself is always kept machine-wide.
-bool IsMachineSetting(const std::string& section, const std::string& name) {
-  return EqualIgnoringCase(section, kGeneral) && EqualIgnoringCase(name, "Users_Share");
-}
 
 int Refuse(const CommandContext& context, const std::string& message) {
   context.err << message << "\n";
@@ -39,11 +34,11 @@ int Finish(const CommandContext& context, RegistryChange& change) {
 
 int Get(const Words& words, const CommandContext& context) {
   Settings& settings = context.program.GetSettings();
+  const Setting* const known = FindSetting(words[1], words[2]);
   // Two defaults tell a missing value from an empty one.
   const auto read = [&](const char* missing) {
-    return IsMachineSetting(words[1], words[2])
-               ? settings.ReadMachineSetting(words[1], words[2], missing)
-               : settings.ReadSetting(words[1], words[2], missing);
+    return known != nullptr ? known->Text(settings, missing)
+                            : settings.ReadSetting(words[1], words[2], missing);
   };
   const std::string text = read("");
   if (text.empty() && read("missing") == "missing") {
@@ -56,12 +51,29 @@ int Get(const Words& words, const CommandContext& context) {
 int Set(const Words& words, const CommandContext& context) {
   Settings& settings = context.program.GetSettings();
   RegistryChange change(settings.Store());
-  if (IsMachineSetting(words[1], words[2])) {
-    settings.WriteMachineSetting(words[1], words[2], words[3]);
+  if (const Setting* const known = FindSetting(words[1], words[2]); known != nullptr) {
+    known->Store(settings, words[3]);
   } else {
     settings.WriteSetting(words[1], words[2], words[3]);
   }
   return Finish(context, change);
+}
+
+int ListSettings(const Words&, const CommandContext& context) {
+  const auto column = [&](const std::string& text, std::size_t width) {
+    context.out << text << std::string(text.size() < width ? width - text.size() : 0, ' ') << "  ";
+  };
+  constexpr const char* kPassword = SettingOf("Inet_Passwd").name;
+  for (const Setting& setting : kSettings) {
+    const std::string text = setting.Text(context.program.GetSettings());
+    column(setting.section, 8);
+    column(setting.name, 20);
+    column(setting.name == kPassword && !text.empty() ? "(set)" : "\"" + PrintableLine(text) + "\"",
+           8);
+    column("default \"" + std::string(setting.defaultValue) + "\"", 14);
+    context.out << setting.meaning << "\n";
+  }
+  return 0;
 }
 
 int List(const Words&, const CommandContext& context) {
@@ -154,7 +166,8 @@ struct Command {
 
 constexpr std::size_t kAnyNumber = 1000;
 
-constexpr std::array<Command, 7> kCommands{{
+constexpr std::array<Command, 8> kCommands{{
+    {"settings", 1, 1, ListSettings, "settings                      list all settings"},
     {"get", 3, 3, Get, "get SECTION NAME              print a setting"},
     {"set", 4, 4, Set, "set SECTION NAME TEXT         store a setting"},
     {"list", 1, 1, List, "list                          print the tasks with their numbers"},
@@ -195,7 +208,8 @@ int RunCommand(const std::vector<std::string>& words, const CommandContext& cont
       throw UsageError("The command " + words[0] + " is used differently.");
     }
     const std::int16_t mode = context.program.GetSettings().StorageMode();
-    const bool mends = words.size() > 2 && IsMachineSetting(words[1], words[2]);
+    const Setting* const known = words.size() > 2 ? FindSetting(words[1], words[2]) : nullptr;
+    const bool mends = known != nullptr && known->kept != Setting::Kept::ByMode;
     if (mode != 0 && mode != 1 && !mends) {
       return Refuse(context, "Users_Share is " + std::to_string(mode) +
                                  ", so nothing is read or stored. Set it to 0 or 1 first.");

@@ -295,22 +295,25 @@ void frmScriptcfg::Start(const std::string& commandLine, const std::string& prog
   });
   // Read before the storage mode is known, so always from the user's own settings.
   Step([&] { fraInet.SetVisible(true); });
-  for (const Setting& setting : kRemoteSettings) LoadSetting(setting);
+  for (const Setting& setting : kSettings) {
+    if (setting.read == Setting::Read::Early) LoadSetting(setting);
+  }
   WireRemoteControl();
   Step([&] {
     if (remoteCommands != nullptr) remoteCommands->SwitchServer(values.serverOn);
   });
   Step([&] { services_.settings.ReadStorageMode(); });
-  LoadSetting(kOnTop);
+  LoadSetting(SettingOf("OnTop"));
   Step([&] {
     mnuOnTop.SetChecked(values.onTop);
     if (values.onTop) SetOnTop(true);
   });
-  LoadSetting(kProxyHost);
-  for (const Setting& setting : kProxySettings) {
-    if (!values.proxyHost.empty()) LoadSetting(setting);
+  LoadSetting(SettingOf("Proxy"));
+  if (!values.proxyHost.empty()) {
+    LoadSetting(SettingOf("ProxyPort"));
+    LoadSetting(SettingOf("Proxy FTP"));
   }
-  LoadSetting(kCheckAutoUpdate);
+  LoadSetting(SettingOf("Check_Auto_Update"));
   Step([&] { store.ReadDateOrder(); });
   Step([&] { CentreOnScreen(); });
   Step([&] { services_.folder.Set(programFolder); });
@@ -389,7 +392,7 @@ void frmScriptcfg::OnUnload() {
   services_.trayIcon.Remove();
   services_.message.Unload();
   services_.programSettings.onTop = mnuOnTop.Checked();
-  kOnTop.Save(services_.settings, services_.programSettings);
+  SettingOf("OnTop").Save(services_.settings, services_.programSettings);
   if (onEnded) onEnded();
 }
 

@@ -9,9 +9,9 @@ namespace orvanto {
 namespace {
 
 constexpr int kHeight = 240;
-constexpr const char* kServerPort = "Inet_ServerPort";
-constexpr const char* kDefaultServerPort = "600";
-constexpr const char* kDefaultFtpPort = "21";
+constexpr const Setting& kServerPort = SettingOf("Inet_ServerPort");
+constexpr const Setting& kFtpPort = SettingOf("Inet_FtpPort");
+constexpr const Setting& kUsersShare = SettingOf("Users_Share");
 
 constexpr forms::TextBox::Style kPassword{.password = true};
 constexpr forms::TextBox::Style kPort{.maxLength = 5};
@@ -39,6 +39,8 @@ const frmSettings::Tab frmSettings::kTabs[] = {
      &frmSettings::ResetRemote},
     {&frmSettings::LoadUsers, &frmSettings::SaveUsers, &frmSettings::CheckUsers,
      &frmSettings::ResetUsers},
+    {&frmSettings::LoadCompatibility, &frmSettings::SaveCompatibility,
+     &frmSettings::CheckCompatibility, &frmSettings::ResetCompatibility},
 };
 
 frmSettings::frmSettings(forms::FormHost& host, Settings& settings,
@@ -67,14 +69,25 @@ frmSettings::frmSettings(forms::FormHost& host, Settings& settings,
       lblFTPPort(*this, &pagRemote, "FTP Port :", {3240, 1755, 1260, kHeight}),
       txtFTPPort(*this, &pagRemote, kPort, {4560, 1710, 1200, 300}),
       lblShared(*this, &pagRemote,
-                "Settings are shared: what is saved here is kept for all users of this computer, "
-                "but each start reads it from the user's own settings.",
-                {240, 2220, 6000, 2 * kHeight}),
+                "Settings are shared: what is saved here, but for the FTP port, is kept for all "
+                "users of this computer, but each start reads it from the user's own settings.",
+                {240, 2220, 6000, 3 * kHeight}),
       pagUsers(*this, tabSettings, "Users"),
       optUsersShare(*this, &pagUsers, "Windows Users S&hare Tasks and Settings",
                     {240, 240, 6000, 270}),
       optUsersDontShare(*this, &pagUsers, "Windows Users Have &Individual Tasks and Settings",
                         {240, 600, 6000, 270}),
+      pagCompatibility(*this, tabSettings, "Compatibility"),
+      chkCompat(*this, &pagCompatibility, "&Today's clients", {240, 240, 6000, 270}),
+      lblCompat(*this, &pagCompatibility,
+                "The telnet and FTP servers and the downloads behave as the programs of today "
+                "expect, so that these work without being set up for Orvanto.",
+                {525, 540, 5700, 3 * kHeight}),
+      chkStrict(*this, &pagCompatibility, "Str&ict", {240, 1440, 6000, 270}),
+      lblStrict(*this, &pagCompatibility,
+                "The servers do nothing without a login, nothing outside the scripts folder, and "
+                "nothing for other computers unless a password is required.",
+                {525, 1740, 5700, 3 * kHeight}),
       cmdSave(*this, nullptr, "&Save", {2640, 3795, 1290, 375}),
       cmdDefaults(*this, nullptr, "&Defaults", {4020, 3795, 1290, 375}),
       cmdClose(*this, nullptr, "&Close", {5430, 3795, 1290, 375}),
@@ -84,7 +97,6 @@ frmSettings::frmSettings(forms::FormHost& host, Settings& settings,
     box->takesKey = [](char32_t key) { return (key >= '0' && key <= '9') || key < ' '; };
   }
   txtPwd.spokenName = "Password";
-  txtFTPPort.SetText(kDefaultFtpPort);
   chkProxy.onClick = [this] {
     txtProxy.SetEnabled(chkProxy.Value());
     txtPort.SetEnabled(chkProxy.Value());
@@ -118,14 +130,12 @@ void frmSettings::Open() {
   Activate();
 }
 
-bool frmSettings::IsOn(const char* name) {
-  return settings_.ReadSetting(kGeneral, name, "0") == "1";
-}
+bool frmSettings::IsOn(const Setting& setting) { return setting.Text(settings_) == "1"; }
 
-void frmSettings::LoadUpdate() { chkAutoUpdate.SetValue(IsOn(kCheckAutoUpdate.name)); }
+void frmSettings::LoadUpdate() { chkAutoUpdate.SetValue(IsOn(SettingOf("Check_Auto_Update"))); }
 
 void frmSettings::SaveUpdate() {
-  settings_.WriteSetting(kGeneral, kCheckAutoUpdate.name, Flag(chkAutoUpdate.Value()));
+  SettingOf("Check_Auto_Update").Store(settings_, Flag(chkAutoUpdate.Value()));
 }
 
 void frmSettings::ResetUpdate() { chkAutoUpdate.SetValue(true); }
@@ -139,14 +149,14 @@ void frmSettings::LoadProxy() {
 // The port is not stored; it lasts as long as the program runs.
 void frmSettings::SaveProxy() {
   const bool on = chkProxy.Value();
-  settings_.WriteSetting(kGeneral, "Use_Proxy", Flag(on));
-  settings_.WriteSetting(kGeneral, kProxyHost.name, txtProxy.Text());
+  SettingOf("Use_Proxy").Store(settings_, Flag(on));
+  SettingOf("Proxy").Store(settings_, txtProxy.Text());
   values_.proxyHost = on ? txtProxy.Text() : "";
   if (on) values_.proxyPort = ToInt16Or(txtPort.Text(), values_.proxyPort);
 }
 
 void frmSettings::CheckProxy() {
-  ShowProxy(IsOn("Use_Proxy"), settings_.ReadSetting(kGeneral, kProxyHost.name, ""));
+  ShowProxy(IsOn(SettingOf("Use_Proxy")), SettingOf("Proxy").Text(settings_, ""));
 }
 
 void frmSettings::ShowProxy(bool on, const std::string& host) {
@@ -164,35 +174,37 @@ void frmSettings::ResetProxy() {
 void frmSettings::LoadRemote() { ShowRemote(values_.passwordRequired, values_.chatAutoAccept); }
 
 void frmSettings::CheckRemote() {
-  ShowRemote(IsOn("Inet_Passwd_Required"), IsOn("Inet_Chat_Auto"));
+  ShowRemote(IsOn(SettingOf("Inet_Passwd_Required")), IsOn(SettingOf("Inet_Chat_Auto")));
 }
 
 void frmSettings::ShowRemote(bool required, bool chat) {
   chkPwd.SetValue(required);
   chkPwd.onClick();
-  txtPwd.SetText(required ? settings_.ReadSetting(kGeneral, "Inet_Passwd", "") : "");
+  txtPwd.SetText(required ? SettingOf("Inet_Passwd").Text(settings_) : "");
   chkChat.SetValue(chat);
-  chkServeron.SetValue(IsOn("Inet_ServerOn"));
-  txtServerPort.SetText(settings_.ReadSetting(kGeneral, kServerPort, kDefaultServerPort));
+  chkServeron.SetValue(IsOn(SettingOf("Inet_ServerOn")));
+  txtServerPort.SetText(kServerPort.Text(settings_));
+  txtFTPPort.SetText(kFtpPort.Text(settings_));
 }
 
 void frmSettings::SaveRemote() {
   values_.passwordRequired = chkPwd.Value();
   values_.password = chkPwd.Value() ? txtPwd.Text() : "";
   values_.chatAutoAccept = chkChat.Value();
-  settings_.WriteSetting(kGeneral, "Inet_Passwd_Required", Flag(values_.passwordRequired));
-  settings_.WriteSetting(kGeneral, "Inet_Passwd", values_.password);
-  settings_.WriteSetting(kGeneral, "Inet_Chat_Auto", Flag(values_.chatAutoAccept));
-  settings_.WriteSetting(kGeneral, "Inet_ServerOn", Flag(chkServeron.Value()));
-  SavePort();
+  SettingOf("Inet_Passwd_Required").Save(settings_, values_);
+  SettingOf("Inet_Passwd").Save(settings_, values_);
+  SettingOf("Inet_Chat_Auto").Save(settings_, values_);
+  SettingOf("Inet_ServerOn").Store(settings_, Flag(chkServeron.Value()));
+  if (SavePort(kServerPort, txtServerPort) && onPortChanged) onPortChanged();
+  if (SavePort(kFtpPort, txtFTPPort)) values_.ftpPort = kFtpPort.Text(settings_);
+  if (onRemoteChanged) onRemoteChanged();
 }
 
-void frmSettings::SavePort() {
-  const std::string stored = settings_.ReadSetting(kGeneral, kServerPort, kDefaultServerPort);
-  const auto port = Number(txtServerPort.Text());
-  if (txtServerPort.Text() == stored || !port) return;
-  settings_.WriteSetting(kGeneral, kServerPort, std::to_string(*port));
-  if (onPortChanged) onPortChanged();
+bool frmSettings::SavePort(const Setting& setting, const forms::TextBox& box) {
+  const auto port = Number(box.Text());
+  if (!port || box.Text() == setting.Text(settings_)) return false;
+  setting.Store(settings_, std::to_string(*port));
+  return true;
 }
 
 void frmSettings::ResetRemote() {
@@ -200,25 +212,42 @@ void frmSettings::ResetRemote() {
   chkPwd.onClick();
   chkChat.SetValue(false);
   chkServeron.SetValue(true);
-  txtServerPort.SetText(kDefaultServerPort);
-  txtFTPPort.SetText(kDefaultFtpPort);
+  txtServerPort.SetText(kServerPort.defaultValue);
+  txtFTPPort.SetText(kFtpPort.defaultValue);
 }
 
 void frmSettings::LoadUsers() { ShowUsers(settings_.StorageMode() != 0); }
 
 // Holds from the next start on.
-void frmSettings::SaveUsers() {
-  settings_.WriteMachineSetting(kGeneral, "Users_Share", Flag(optUsersShare.Value()));
-}
+void frmSettings::SaveUsers() { kUsersShare.Store(settings_, Flag(optUsersShare.Value())); }
 
-void frmSettings::CheckUsers() {
-  ShowUsers(settings_.ReadMachineSetting(kGeneral, "Users_Share", "0") != "0");
-}
+void frmSettings::CheckUsers() { ShowUsers(kUsersShare.Text(settings_) != "0"); }
 
 void frmSettings::ResetUsers() { ShowUsers(true); }
 
 void frmSettings::ShowUsers(bool share) {
   (share ? optUsersShare : optUsersDontShare).SetValue(true);
+}
+
+void frmSettings::LoadCompatibility() { ShowCompatibility(values_.compat, values_.strict); }
+
+void frmSettings::SaveCompatibility() {
+  values_.compat = chkCompat.Value();
+  values_.strict = chkStrict.Value();
+  SettingOf("Inet_Compat").Save(settings_, values_);
+  SettingOf("Inet_Strict").Save(settings_, values_);
+  if (onRemoteChanged) onRemoteChanged();
+}
+
+void frmSettings::CheckCompatibility() {
+  ShowCompatibility(IsOn(SettingOf("Inet_Compat")), IsOn(SettingOf("Inet_Strict")));
+}
+
+void frmSettings::ResetCompatibility() { ShowCompatibility(false, false); }
+
+void frmSettings::ShowCompatibility(bool compat, bool strict) {
+  chkCompat.SetValue(compat);
+  chkStrict.SetValue(strict);
 }
 
 }  // namespace orvanto

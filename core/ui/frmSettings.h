@@ -20,6 +20,8 @@ class frmSettings : public forms::Form {
   // Set before it is opened.
   std::function<void()> onCheckNow;     // fetches what tells of updates
   std::function<void()> onPortChanged;  // the telnet port that is stored
+  // What the servers take for what begins from then on.
+  std::function<void()> onRemoteChanged;
   std::function<void()> onClosed;
 
   forms::TabStrip tabSettings;
@@ -44,6 +46,11 @@ class frmSettings : public forms::Form {
   forms::Label lblShared;
   forms::TabPage pagUsers;
   forms::OptionButton optUsersShare, optUsersDontShare;
+  forms::TabPage pagCompatibility;
+  forms::CheckBox chkCompat;
+  forms::Label lblCompat;
+  forms::CheckBox chkStrict;
+  forms::Label lblStrict;
   forms::Button cmdSave, cmdDefaults, cmdClose;
 
  private:
@@ -56,7 +63,7 @@ class frmSettings : public forms::Form {
   static const Tab kTabs[];
 
   const Tab& TabInSight() const;
-  bool IsOn(const char* name);
+  bool IsOn(const Setting& setting);
   void LoadUpdate();
   void SaveUpdate();
   void ResetUpdate();
@@ -67,7 +74,7 @@ class frmSettings : public forms::Form {
   void ShowProxy(bool on, const std::string& host);
   void LoadRemote();
   void SaveRemote();
-  void SavePort();
+  bool SavePort(const Setting& setting, const forms::TextBox& box);
   void CheckRemote();
   void ResetRemote();
   void ShowRemote(bool required, bool chat);
@@ -76,6 +83,11 @@ class frmSettings : public forms::Form {
   void CheckUsers();
   void ResetUsers();
   void ShowUsers(bool share);
+  void LoadCompatibility();
+  void SaveCompatibility();
+  void CheckCompatibility();
+  void ResetCompatibility();
+  void ShowCompatibility(bool compat, bool strict);
 
   Settings& settings_;
   ProgramSettings& values_;

@@ -3,11 +3,13 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <fstream>
 #include <iterator>
 #include <sstream>
 
 #include "app/Program.h"
 #include "app/console/ConsoleChat.h"
+#include "core/ProgramSettings.h"
 #include "core/modRegistry.h"
 #include "core/modTaskOperations.h"
 #include "core/ui/frmEdit.h"
@@ -162,6 +164,20 @@ TEST_F(CommandsTest, SettingsAreReadAndWritten) {
   program.Prepare();
   EXPECT_EQ(get("General OnTop"), "refused") << "now that of the machine";
   EXPECT_EQ(get("General Users_Share"), "1\n");
+  Run("set General Inet_Strict 1");
+  EXPECT_EQ(program.GetSettings().ReadUserSetting(kGeneral, "Inet_Strict", ""), "1");
+  std::ifstream manual(ORVANTO_SOURCE_DIR "/docs/manual.md");
+  const std::string text(std::istreambuf_iterator<char>(manual), {});
+  for (const Setting& setting : kSettings) {
+    const std::string otherwise =
+        *setting.defaultValue == '\0' ? "" : " " + std::string(setting.defaultValue);
+    EXPECT_THAT(text, HasSubstr(std::string("| ") + setting.section + " | `" + setting.name +
+                                "` |" + otherwise + " | " + setting.meaning + " |"));
+  }
+  Run("settings");
+  EXPECT_THAT(out.str(),
+              HasSubstr("\nGeneral   Inet_Strict           \"1\"       default \"0\"     1: "));
+  EXPECT_THAT(out.str(), HasSubstr("General   OnTop                 \"0\" "));
   EXPECT_EQ(Run("set General OnTop 0"), 0);
   EXPECT_EQ(Run("set General Users_Share 2"), 0);
   program.Prepare();

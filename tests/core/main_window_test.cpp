@@ -154,9 +154,10 @@ TEST_F(MainWindowTest, RemoteSettingsAreReadBeforeTheStorageMode) {
   settings.SetStorageMode(0);
   Put(kGeneral, "Inet_Passwd=user Inet_Passwd_Required=1 Inet_Chat_Auto=yes");
   settings.WriteMachineSetting(kGeneral, "Users_Share", "1");
+  settings.WriteUserSetting(kGeneral, "Inet_Strict", "1");
   Start();
-  EXPECT_EQ(programSettings.password + programSettings.serverPort, "user");
-  EXPECT_TRUE(programSettings.passwordRequired);
+  EXPECT_EQ(programSettings.password, "user");
+  EXPECT_TRUE(programSettings.passwordRequired && programSettings.strict);
   EXPECT_FALSE(programSettings.chatAutoAccept);
   EXPECT_TRUE(window.TopMost() && message.TopMost());
   EXPECT_EQ(programSettings.proxyPort, 0) << "of no proxy";

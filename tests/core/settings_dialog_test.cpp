@@ -10,6 +10,7 @@ struct SettingsDialogTest : testing::Test, CoreDesk {
   SettingsDialogTest() {
     dialog.onPortChanged = [this] { ++portChanges; };
     dialog.onCheckNow = [this] { ++checks; };
+    dialog.onRemoteChanged = [this] { told = values.ftpPort + (values.strict ? " strict" : ""); };
   }
   // Opened anew, with that tab in sight.
   void Open(int tab) {
@@ -30,6 +31,7 @@ struct SettingsDialogTest : testing::Test, CoreDesk {
   frmSettings dialog{forms, settings, values};
   int portChanges = 0;
   int checks = 0;
+  std::string told;
 };
 
 TEST_F(SettingsDialogTest, UpdatesAndUsers) {
@@ -95,7 +97,11 @@ TEST_F(SettingsDialogTest, RemoteAccess) {
   dialog.cmdSave.Press();
   EXPECT_EQ(dialog.txtServerPort.Text(), "601");
   EXPECT_EQ(portChanges, 1);
+  dialog.txtFTPPort.Type("2121");
+  dialog.cmdSave.Press();
+  EXPECT_EQ(told + std::to_string(portChanges), "21211");
   Open(2);
+  EXPECT_EQ(dialog.txtFTPPort.Text(), "2121");
   EXPECT_EQ(dialog.txtPwd.Text(), "secret");
   dialog.cmdDefaults.Press();
   dialog.cmdSave.Press();
@@ -105,6 +111,26 @@ TEST_F(SettingsDialogTest, RemoteAccess) {
   settings.SetStorageMode(1);
   Open(2);
   EXPECT_TRUE(dialog.lblShared.ShownToUser());
+}
+
+TEST_F(SettingsDialogTest, TheSwitchesAreTheUsersOwn) {
+  settings.SetStorageMode(1);
+  Open(4);
+  dialog.chkCompat.Press();
+  dialog.chkStrict.Press();
+  registry.FailWrite(1, kAccessDenied);
+  dialog.cmdSave.Press();
+  EXPECT_FALSE(dialog.chkCompat.Value()) << "what is stored";
+  EXPECT_EQ(told, " strict");
+  settings.SetStorageMode(0);
+  EXPECT_EQ(Stored("Inet_Compat Inet_Strict"), "none 1 ");
+  EXPECT_TRUE(values.compat && values.strict);
+  Open(4);
+  EXPECT_TRUE(dialog.chkCompat.Value()) << "what holds until the program ends";
+  dialog.cmdDefaults.Press();
+  dialog.cmdSave.Press();
+  EXPECT_EQ(Stored("Inet_Compat Inet_Strict"), "0 0 ");
+  EXPECT_FALSE(values.compat || values.strict);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@ import pty
 import select
 import signal
 import socket
+import subprocess
 import termios
 import time
 import unittest
@@ -109,19 +110,16 @@ class Remote(HomeTest):
         wait_until(lambda: listens in pathlib.Path("/proc/net/tcp").read_text(encoding="ascii"),
                    "the server does not listen")
 
-    def real_client(self, *command, character_mode=False):
+    def real_client(self, *command, compat="0"):
         """What a client's keys and its protocol could spoil."""
-        home = self.serve(Inet_Passwd_Required="1", Inet_Passwd="Secret", Inet_Chat_Auto="1")
+        home = self.serve(Inet_Passwd_Required="1", Inet_Passwd="Secret", Inet_Chat_Auto="1",
+                          Inet_Compat=compat)
         (home / "scripts" / "night.txt").write_text("*(nothing)\n")
         self.start(home)
         self.wait_until_listening()
         terminal = Terminal(*command, str(self.port), TERM="dumb")
         self.addCleanup(terminal.close)
         terminal.expect(b"Enter Password: ")
-        if character_mode:
-            os.write(terminal.fd, b"\x1d")
-            terminal.expect(b"telnet> ")
-            os.write(terminal.fd, b"mode character\n")
         wait_until(lambda: not terminal.echoes(), "the client still echoes")
         came = terminal.line("Secret", MENU_END, echo=b"*")
         self.assertIn(b"******", came)
@@ -145,11 +143,21 @@ class Remote(HomeTest):
         self.assertIn(b"\r\nChat Ended by Client\r\n\r\n", terminal.line("/", MENU_END))
         terminal.line("7", b"")
 
-    def test_telnet_in_character_mode(self):
-        self.real_client("telnet", "127.0.0.1", character_mode=True)
+    def test_telnet_of_today(self):
+        self.real_client("telnet", "127.0.0.1", compat="1")
 
     def test_plink(self):
         self.real_client("plink", "-telnet", "127.0.0.1", "-P")
+
+    def test_lines_from_nc(self):
+        self.start(self.serve(Inet_Compat="1", Inet_Strict="1", Inet_Passwd="Secret",
+                              Inet_Passwd_Required="1"))
+        self.wait_until_listening()
+        done = subprocess.run(("nc", "-q1", "127.0.0.1", str(self.port)),
+                              input=b"Secxr\b\bret\n5\nq\n7\n", capture_output=True,
+                              timeout=PATIENCE, check=False).stdout
+        for text in (b"\xff\xfb\x01\xff\xfb\x03Enter Password: ", MENU_END, b"Scripts Folder"):
+            self.assertIn(text, done)
 
     def test_chat_with_the_terminal_of_the_console_host(self):
         home = self.serve()
