@@ -259,9 +259,7 @@ void Program::Start() {
 void Program::Prepare() {
   Store().ReadDateOrder();
   parts_->automation.folder.Set(parts_->options.programFolder);
-  for (const Setting& setting : kRemoteSettings) {
-    setting.Load(GetSettings(), parts_->automation.programSettings);
-  }
+  SettingOf("Inet_Compat").Load(GetSettings(), parts_->automation.programSettings);
   GetSettings().ReadStorageMode();
 }
 
