@@ -29,7 +29,7 @@ HttpVerdict Redirect(const DownloadPolicy& policy, const std::string& from,
   ParseUrl(url, next);
   if (SchemeOf(url) != Scheme::Http || HasControls(url) || next.ConnectHost.empty() ||
       policy.PeerOf(next).port == 0) {
-    return Refuse(DownloadTrouble::Moved, url);
+    return Refuse(DownloadTrouble::Moved, WithoutLogin(url));
   }
   return {What::GoTo, {}, url};
 }
