@@ -137,7 +137,7 @@ TEST(Download, AsksForTheRest) {
 struct Stream {
   const char* before;
   std::string pieces;
-  const char* outcome;
+  std::string outcome;
 };
 
 void RunAll(const std::vector<Stream>& streams, bool compat) {
@@ -189,6 +189,12 @@ TEST(Download, BelievesWhatTheHeaderSays) {
   const auto to = [](const char* status, const std::string& location) {
     return "HTTP/1.1 " + std::string(status) + " x~location: " + location + "~~|";
   };
+  const auto moved = [](const char* there) {
+    return std::string(
+               "none[The file has moved to an address that cannot be fetched from (https is "
+               "not spoken): ") +
+           there + "]";
+  };
   RunAll(
       {{"", "hTTp/1.0 200\ncontent-LENGTH : 4\n\n0123", "0123[whole]"},
        {"", "HTTP/1.1 102 a~x: y~~HTTP/1.1 100 b~~HTTP/1.1 200 c~~|01", "01[whole]"},
@@ -200,7 +206,7 @@ TEST(Download, BelievesWhatTheHeaderSays) {
        {"", "HTTP/1.1 304 x~~", "none[The server does not send the file. It says: HTTP/1.1 304 x]"},
        {"", "HT|ML", "none[The server's answer is no HTTP response.]"},
        {"", "HTTP/1.1 200 OK~x: y~", "none[The server's answer is no HTTP response.]"},
-       {"", "HTTP/1.1 " + std::string(64 << 10, 'x'),
+       {"", "HTTP/1.1 200 " + std::string(64 << 10, 'x') + "~~01",
         "none[The server's answer is no HTTP response.]"},
        {"", "HTTP/1.1 OK~~", "none[The server's answer is no HTTP response.]"},
        {"abcdef", "", "abcdef[The server's answer is no HTTP response.]"},
@@ -216,9 +222,9 @@ TEST(Download, BelievesWhatTheHeaderSays) {
        {"", to("302", "/x") + to("301", "y?a/b") + "HTTP/1.1 200 x~~01", "01[whole]"},
        {"", "HTTP/1.1 302 x~~sorry",
         "none[The server does not send the file. It says: HTTP/1.1 302 x]"},
-       {"", to("302", "https://u:p@host/x"),
-        "none[The file has moved to an address that cannot be fetched from (https is not spoken): "
-        "https://host/x]"},
+       {"", to("302", "https://u:p@host/x"), moved("https://host/x")},
+       {"", to("302", "http://host:0/x"), moved("http://host:0/x")},
+       {"", to("302", "/\x01"), moved("http://host/\x01")},
        {"",
         to("301", "1") + to("302", "2") + to("303", "3") + to("307", "4") + to("308", "5") +
             to("302", "6"),
@@ -239,19 +245,28 @@ TEST(Download, GoesWhereTheServerSaysThatTheFileIs) {
        RequestFor("/a%20b/../x?y", kRest, "host:8080")},
       {"http://host:8080/a?b/file", "?d", 8080, RequestFor("/a?d", kRest, "host:8080")},
       {"http://host:8080/a/file", "", 8080, RequestFor("/a/file", kRest, "host:8080")},
+      {"http://host/a/file", "#b", 80, RequestFor("/a/file", kRest, "host")},
       {"http://host/a/file", "//10.1.1.1:81/b", 81, RequestFor("/b", kRest, "10.1.1.1:81")},
       {"http://host/a/file", "http://host?b", 80, RequestFor("/?b", kRest, "host")}};
+  DownloadDesk desk;
+  desk.files.contents[kPath] = "abcdef";
   for (const auto& [url, location, port, request] : kCases) {
-    DownloadDesk desk;
     desk.switches.compat = true;
-    desk.files.contents[kPath] = "abcdef";
     desk.Begin(url);
     desk.switches.compat = false;
     desk.Hear(std::string("HTTP/1.1 307 x~Location: ") + location + "~~");
     desk.Http().Connected();
     EXPECT_EQ(desk.Http().Sent(), request);
     EXPECT_EQ(desk.Http().tried.back().second, port);
+    EXPECT_TRUE(desk.window.cmdStop.Press());
   }
+  // The file is longer than what the server has, and was rolled back to just that.
+  desk.switches.compat = desk.messageBoxes.answersAll = true;
+  desk.settings.WriteSetting("Internet", "Rollback", "1");
+  desk.settings.WriteSetting("Internet", "Rollback Amount", "2");
+  desk.Begin();
+  desk.Hear("HTTP/1.1 416 x~Content-Range: bytes */4~~");
+  EXPECT_TRUE(desk.ends.ends_with("[No Resuming Support]")) << desk.ends;
 }
 
 // By default an arrival without its type is not known for a header.
@@ -539,8 +554,15 @@ TEST(FtpPath, GoesFromTheConnectionToTheFile) {
     std::string box;
     Answer answer;
     const char* outcome;
+    bool compat = false;
   } kCases[] = {
       {"xyz", logIn + kGo + "|> REST 3|350 r" + kFetch, "", {}, "xyzabc[whole]"},
+      {"xyz",
+       logIn + kSize + "213 3" + kData + "|> REST 3|350 r|> RETR file|150 f|.|226 g",
+       "",
+       {},
+       "xyz[whole]",
+       true},
       {"xyz", logIn + kGo + "|> REST 3|504 r", kNoResuming, Answer::Ok, "xyz[No Resuming Support]"},
       {"", "c|421 full|" + logIn + kGo + kFetch, connecting, Answer::Retry, "abc[whole]"},
       {"", "c|421 full", connecting, Answer::Cancel, "none[The file was not fetched.]"},
@@ -549,8 +571,9 @@ TEST(FtpPath, GoesFromTheConnectionToTheFile) {
        Answer::Retry, "abc[whole]"},
       {"", logIn + kGo + "|> RETR file|150 f|D ab|x|" + logIn + kGo + kFetch, broken, Answer::Retry,
        "abc[whole]"}};
-  for (const auto& [before, script, box, answer, outcome] : kCases) {
+  for (const auto& [before, script, box, answer, outcome, compat] : kCases) {
     DownloadDesk desk;
+    desk.switches.compat = compat;
     ScriptedFtpServer server(desk);
     desk.settings.WriteSetting("Internet", "FTP PASV", "1");
     if (*before != '\0') desk.files.contents[kPath] = before;
