@@ -59,8 +59,9 @@ DownloadPolicy::Peer CompatDownloadPolicy::PeerOf(const DownloadState& state) co
 
 std::string CompatDownloadPolicy::Target(const std::string& rest) const {
   std::string target;
-  for (const char c : rest.substr(0, rest.find('#')))
+  for (const char c : rest.substr(0, rest.find('#'))) {
     target += c == ' ' ? "%20" : std::string(1, c);
+  }
   return target;
 }
 

@@ -148,7 +148,7 @@ void frmDownload::FillFromClipboard() {
 }
 
 void frmDownload::Begin(const DownloadRequest& request, const DownloadPolicy& policy) {
-  const std::string url = request.url;
+  const std::string& url = request.url;
   Open();
   phase_ = Phase::Running;
   request_ = request;
