@@ -215,6 +215,16 @@ TEST(FtpClient, FailsBeforeAnythingMoves) {
     desk.Says(script);
     EXPECT_EQ(desk.Fetch(7), outcome) << script;
   }
+  for (const char* address : {"0,0,0,0", "100,64,0,1", "127,0,0,1", "169,254,0,1", "172,31,0,1",
+                              "192,168,0,1", "8,8,8,8"}) {
+    Desk desk;
+    desk.ftp->CorrectsPassiveAddress = true;
+    desk.Says(std::string("> TYPE I|200 a|> PASV|227 (") + address +
+              ",4,1)|+|> RETR big|150 a|.|226 b");
+    EXPECT_EQ(desk.Fetch(), "true");
+    EXPECT_EQ(desk.Data().tried.back().first, (*address == '8' ? 0x08080808U : 0x0A010203U))
+        << address;
+  }
   Desk desk;
   desk.ftp->PassiveMode = false;
   desk.Says("> TYPE I|200 a|> PORT 10,9,8,7,19,136|425 b");
