@@ -193,7 +193,10 @@ struct Program::Parts {
         windows(platform, automation, message),
         remote(platform, automation, windows.main) {
     windows.settings.onPortChanged = [this] { remote.telnet.Restart(); };
-    windows.settings.onRemoteChanged = [this] { remote.telnet.Relisten(); };
+    windows.settings.onRemoteChanged = [this] {
+      remote.telnet.Relisten();
+      remote.ftp.Relisten();
+    };
     windows.settings.onCheckNow = [this] { Download(kUpdateUrl, true); };
     windows.main.showDownload = [this] { downloads.window.Open(); };
     downloads.window.formBehind = &windows.main;

@@ -45,6 +45,12 @@ FtpServer::~FtpServer() = default;
 void FtpServer::Load() {
   if (services_.window.Loaded()) return;
   services_.window.Load();
+  Relisten();
+}
+
+void FtpServer::Relisten() {
+  if (!services_.window.Loaded()) return;
+  listener_->Close();
   if (const std::string warning = MakeFtpPolicy(remote_)->Warning(); !warning.empty()) Log(warning);
   StartServer();
 }

@@ -545,15 +545,20 @@ TEST_F(FtpServerTest, TheSwitchesCountForWhatBeginsFromThenOn) {
   EXPECT_EQ(Plain(Command(1).Sent()), "530 Not logged in.\n") << "from another computer";
   Command(1).peer = "127.0.0.1";
   EXPECT_EQ(Say("PASS any", 1), "230 User logged in, proceed.\n");
-  server.Unload(), server.Load();
+  server.Relisten();
+  EXPECT_EQ(Say("NOOP", 1), "200 Command ok.\n") << "it goes on";
   EXPECT_EQ(log.end()[-2], "No password is set: nobody is let in from other computers.");
   EXPECT_EQ(log.back(), "Server started - Listening on port 21");
   EXPECT_EQ(SocketAt(0).listensOn, Ipv4{0x0A090807});
   for (const char* text : {"", "0", "65536", "2x"}) {
     remote.ftpPort = text;
-    server.Unload(), server.Load();
+    server.Relisten();
     EXPECT_EQ(log.back(), "ERROR - start_server: \"" + remote.ftpPort + "\" is no port.");
   }
+  remote.ftpPort = "21";
+  server.Unload();
+  server.Relisten();
+  EXPECT_EQ(SocketAt(0).GetState(), TcpSocket::State::Closed);
 }
 
 }  // namespace
