@@ -78,6 +78,48 @@ TEST_F(MainWindowTest, CommandsAreOfferedWhenANodeIsSelected) {
   EXPECT_FALSE(window.cmdDelete.Press());
 }
 
+TEST_F(MainWindowTest, TheListAnswersToKeysAndTellsOfItsTasks) {
+  Add("Once", "14:05", "TimeType=1 DateDay=21 DateMonth=11 DateYear=2026");
+  Add("Gone", "14:04", "TimeType=1 DateDay=21 DateMonth=11 DateYear=2026");
+  std::string edited;
+  window.showEditor = [&](auto slot) { edited += std::to_string(slot.value_or(0)); };
+  Start();
+  auto& tree = window.treTasks;
+  EXPECT_FALSE(tree.PressDelete() || window.mnuListDuplicate.Choose()) << "nothing is selected";
+  const auto faded = [&](std::size_t node) { return tree.Nodes()[node].faded; };
+  EXPECT_FALSE(faded(1));
+  EXPECT_TRUE(faded(2));
+  EXPECT_EQ(tree.onTip(0), "");
+  EXPECT_EQ(tree.onTip(1), tree.Nodes()[1].text + "\r\nnext: Saturday 21 November 14:05");
+  EXPECT_EQ(tree.onTip(2), tree.Nodes()[2].text + "\r\nnever again");
+  messageBoxes.answersAll = true;
+  loop.Advance(30'000);
+  EXPECT_TRUE(faded(1)) << "its minute has come";
+  messageBoxes.answersAll = false;
+
+  tree.ClickNode(0);
+  EXPECT_FALSE(window.mnuListEdit.Choose() || window.mnuListDuplicate.Choose()) << "on a group";
+  EXPECT_TRUE(tree.PressDelete() && tree.Activate());
+  EXPECT_EQ(edited, "");
+  tree.ClickNode(1);
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_TRUE(window.mnuListDuplicate.Choose());
+    EXPECT_EQ(Selected(), i == 0 ? "General/Once (2)" : "General/Once (2) (2)");
+  }
+  tree.ClickNode(1);
+  EXPECT_TRUE(window.mnuListDuplicate.Choose());
+  EXPECT_EQ(Names(), (Texts{"Once", "Gone", "Once (2)", "Once (2) (2)", "Once (3)"}));
+  EXPECT_EQ(Told(5).substr(8), Told(1).substr(4));
+  for (const auto answer : {Answer::No, Answer::Yes}) {
+    messageBoxes.expected = {{"Delete the task \"Once (3)\"?", answer}};
+    EXPECT_TRUE(tree.PressDelete());
+    EXPECT_EQ(messageBoxes.buttonsShown, Buttons::NoUnlessYes);
+    EXPECT_EQ(store.NoTasks(), answer == Answer::No ? 5 : 4);
+  }
+  EXPECT_TRUE(tree.Activate());
+  EXPECT_EQ(edited, "4");
+}
+
 TEST_F(MainWindowTest, TheSelectionStaysOrGoesToTheNeighbour) {
   InGroup("A", {"One"});
   InGroup("B", {"Other"});

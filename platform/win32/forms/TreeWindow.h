@@ -28,7 +28,11 @@ class TreeWindow : public ControlWindow {
   void ScrollToSelection() const;
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                     UINT_PTR id, DWORD_PTR self);
+  bool TakesKey(WPARAM key);
   bool SelectFirst(WPARAM key);
+  bool OpenMenu(LPARAM where);
+  LRESULT Colour(const NMHDR& header) const;
+  void Tell(const NMHDR& header) const;
   void SelectItem(HTREEITEM item);
   int ImageIndex(const std::string& name);
   HTREEITEM ItemUnderMouse() const;
