@@ -1,5 +1,7 @@
 #include "platform/win32/forms/TreeWindow.h"
 
+#include <algorithm>
+
 #include "platform/win32/HiddenWindow.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/forms/ControlKinds.h"
@@ -14,10 +16,11 @@ TreeWindow::TreeWindow(TreeView& tree, HWND parent, int id)
     : ControlWindow(tree,
                     {WC_TREEVIEWW,
                      WS_TABSTOP | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT |
-                         TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP | TVS_INFOTIP,
+                         TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP | TVS_NOTOOLTIPS,
                      WS_EX_CLIENTEDGE},
                     parent, id),
-      tree_(tree) {
+      tree_(tree),
+      tip_(window_, [this](HTREEITEM item) { return TipOf(item); }) {
   TreeView_SetExtendedStyle(window_, TVS_EX_DOUBLEBUFFER, TVS_EX_DOUBLEBUFFER);
   SetWindowSubclass(window_, Procedure, 0, reinterpret_cast<DWORD_PTR>(this));
 }
@@ -38,6 +41,7 @@ LRESULT CALLBACK TreeWindow::Procedure(HWND window, UINT message, WPARAM wParam,
   try {
     // What the person does may unload the form: nothing of ours is touched after it.
     auto& tree = *reinterpret_cast<TreeWindow*>(self);
+    tree.tip_.OnMessage(message, wParam);
     if (message == WM_KEYDOWN && tree.TakesKey(wParam)) return 0;
     if (message == WM_CHAR && wParam == VK_RETURN) return 0;  // it would beep
     if (message == WM_CONTEXTMENU && tree.OpenMenu(lParam)) return 0;
@@ -136,7 +140,8 @@ bool TreeWindow::OpenMenu(LPARAM where) {
     place = {line.left, line.bottom};
     ClientToScreen(window_, &place);
   } else if (const HTREEITEM item = ItemUnderMouse(); item != nullptr) {
-    TreeView_SelectItem(window_, item);
+    const auto found = std::find(items_.begin(), items_.end(), item);
+    if (found != items_.end()) tree_.ClickNode(static_cast<std::size_t>(found - items_.begin()));
   }
   const HWND form = GetParent(window_);
   const std::vector<forms::MenuItem*> items = tree_.contextMenu->Items();
@@ -196,19 +201,14 @@ LRESULT TreeWindow::Colour(const NMHDR& header) const {
   return CDRF_DODEFAULT;
 }
 
-void TreeWindow::Tell(const NMHDR& header) const {
-  const auto& tip = reinterpret_cast<const NMTVGETINFOTIPW&>(header);
-  const auto node = NodeOf(tip.lParam);
-  if (!node || !tree_.onTip || tip.cchTextMax <= 0) return;
-  lstrcpynW(tip.pszText, ToWide(tree_.onTip(*node)).c_str(), tip.cchTextMax);
+std::wstring TreeWindow::TipOf(HTREEITEM item) const {
+  const auto found = std::find(items_.begin(), items_.end(), item);
+  if (found == items_.end() || !tree_.onTip) return L"";
+  return ToWide(tree_.onTip(static_cast<std::size_t>(found - items_.begin())));
 }
 
 LRESULT TreeWindow::OnNotify(const NMHDR& header, bool person) {
   if (header.code == NM_CUSTOMDRAW) return Colour(header);
-  if (header.code == TVN_GETINFOTIPW) {
-    Tell(header);
-    return 0;
-  }
   const auto& change = reinterpret_cast<const NMTREEVIEWW&>(header);
   // The window selects a node by itself when it gets the focus: nobody has chosen that one.
   if (header.code == TVN_SELCHANGINGW && change.action == TVC_UNKNOWN && !selecting_) return TRUE;
@@ -217,6 +217,7 @@ LRESULT TreeWindow::OnNotify(const NMHDR& header, bool person) {
   switch (header.code) {
     case TVN_SELCHANGEDW:
       clickTold_ = change.action == TVC_BYMOUSE;
+      if (change.action == TVC_BYKEYBOARD) tip_.OnKeyboard();
       if (change.itemNew.hItem == nullptr) break;
       if (const auto node = NodeOf(change.itemNew.lParam)) tree_.ClickNode(*node);
       break;
@@ -237,6 +238,9 @@ LRESULT TreeWindow::OnNotify(const NMHDR& header, bool person) {
       tree_.Activate();
       return 1;
     }
+    case NM_RCLICK:
+      // The window has swallowed the button's release, of which WM_CONTEXTMENU would come.
+      return OpenMenu(static_cast<LPARAM>(GetMessagePos())) ? 1 : 0;
     case TVN_ITEMEXPANDINGW:
       // Who closes a node over the selected one selects it. The window does so on its own, but not
       // every system tells.
