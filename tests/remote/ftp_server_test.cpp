@@ -425,6 +425,8 @@ TEST_F(FtpServerTest, TodaysTransfers) {
   Enter(), Data().PeerCloses();
   EXPECT_EQ(Answered(), kComplete);
   EXPECT_EQ(files.contents[kScripts + "f"], "");
+  Say("PASV|STOR new"), Enter(), Data().PeerCloses();
+  EXPECT_EQ(Answered(), kComplete);
   files.locked.insert(kScripts + "f");
   Say("PASV|STOR f"), Enter();
   EXPECT_EQ(Answered(), "550 Permission denied.\n");
@@ -519,7 +521,7 @@ TEST_F(FtpServerTest, StrictHasLimitsOfTime) {
   for (const int seconds : {1, 2, 4, 8, 16, 32, 32}) {
     EXPECT_EQ(Say("PASS x"), "") << seconds;
     Command().PeerCloses(), Connect();  // which is of no use
-    Say("PASS x");
+    EXPECT_EQ(Say("NOOP|PASS x"), "200 Command ok.\n");
     loop.Advance(seconds * 1000 - 1);
     EXPECT_EQ(Answered(), "");
     Command().PeerCloses(), loop.Advance(1), Connect();
@@ -547,8 +549,11 @@ TEST_F(FtpServerTest, StrictHasLimitsOfTime) {
   loop.Advance(60'000);
   EXPECT_EQ(Answered(), "421 Idle for too long.\n");
   EXPECT_EQ(log.back(), "User  logged out.");
-  loop.Advance(30'000), Connect(), Say("PASS x"), loop.Advance(1000);
-  EXPECT_EQ(Answered(), "530 Not logged in.\n") << "what was long ago does not count";
+  for (int i = 0; i < 2; ++i) {  // what was long ago does not count
+    loop.Advance(30'000), Connect(), Say("PASS x"), loop.Advance(1000);
+    EXPECT_EQ(Answered(), "530 Not logged in.\n");
+    loop.Advance(15 * 60'000), Answered();
+  }
 }
 
 TEST_F(FtpServerTest, TheSwitchesCountForWhatBeginsFromThenOn) {
