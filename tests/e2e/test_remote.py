@@ -112,8 +112,7 @@ class Remote(HomeTest):
 
     def real_client(self, *command, compat="0"):
         """What a client's keys and its protocol could spoil."""
-        home = self.serve(Inet_Passwd_Required="1", Inet_Passwd="Secret", Inet_Chat_Auto="1",
-                          Inet_Compat=compat)
+        home = self.serve(Inet_Passwd_Required="1", Inet_Passwd="Secret", Inet_Compat=compat)
         (home / "scripts" / "night.txt").write_text("*(nothing)\n")
         self.start(home)
         self.wait_until_listening()
@@ -135,12 +134,6 @@ class Remote(HomeTest):
                            ("y", MENU_END)):
             terminal.line(line, then)
         self.assertEqual(self.orvanto(home, "get", "General", "Task1"), "Clean name\n")
-        self.assertEqual(self.orvanto(home, "get", "Clean name", "TimeHour"), "10\n")
-        terminal.line("2", b"to delete?")
-        self.assertIn(b"\r\nDeleted Task: Clean name\r\n", terminal.line("1", MENU_END))
-        terminal.line("6", b"Enter to Quit...\r\n\r\n")
-        self.assertIn(b"\r\nClient: hello", terminal.line("hello", b"\r\n"))
-        self.assertIn(b"\r\nChat Ended by Client\r\n\r\n", terminal.line("/", MENU_END))
         terminal.line("7", b"")
 
     def test_telnet_of_today(self):

@@ -44,6 +44,21 @@ class BufferedSocketTest : public testing::Test {
     return std::exchange(seen, {});
   }
 
+  // More than is read at once, of which that much is read.
+  void ReceiveMuch() {
+    socket.waiting = std::string(kMost + 3, 'x');
+    for (int i = 0; i < 2; ++i) socket.Receive();
+  }
+  // The addresses since the last call.
+  std::string Tried() {
+    std::string all;
+    for (const auto& [address, port] : std::exchange(socket.tried, {})) {
+      EXPECT_EQ(port, kPort);
+      all += std::to_string(address) + ' ';
+    }
+    return all;
+  }
+
   FakeClock clock;
   FakeLoop loop{clock};
   FakeSocketHost host{loop};
@@ -108,8 +123,7 @@ TEST_F(BufferedSocketTest, WhatWaitsToBeSentHasALimit) {
 }
 
 TEST_F(BufferedSocketTest, NothingIsReadWhileTheMostWaits) {
-  socket.waiting = std::string(kMost + 3, 'x');
-  for (int i = 0; i < 3; ++i) socket.Receive();
+  ReceiveMuch();
   EXPECT_EQ(Seen(), "D");
   EXPECT_EQ(socket.wants, "r  ");
   EXPECT_EQ(socket.waiting.size(), 3U);
@@ -286,13 +300,9 @@ TEST_F(BufferedSocketTest, NothingOfAConnectionReachesTheNext) {
                                            socket.room = 1;
                                          },
                                          [&] { socket.CloseGently(); },
+                                         [&] { ReceiveMuch(); },
                                          [&] {
-                                           socket.waiting = std::string(kMost + 3, 'x');
-                                           for (int i = 0; i < 2; ++i) socket.Receive();
-                                         },
-                                         [&] {
-                                           socket.waiting = std::string(kMost + 3, 'x');
-                                           for (int i = 0; i < 2; ++i) socket.Receive();
+                                           ReceiveMuch();
                                            socket.GetData();
                                          }};
   for (const auto& past : pasts) {
@@ -323,45 +333,33 @@ TEST_F(BufferedSocketTest, NothingOfAConnectionReachesTheNext) {
 TEST_F(BufferedSocketTest, ConnectsToTheFirstAddressThatAnswers) {
   host.names = {{"many", {1, 2, 3, 4}}, {"silent", {}}, {"", {7}}};
   host.unreachable = {{2, 5}, {4, 6}};
-  const auto tried = [&](std::initializer_list<Ipv4> addresses) {
-    std::vector<std::pair<Ipv4, std::uint16_t>> wanted;
-    for (const Ipv4 address : addresses) wanted.emplace_back(address, kPort);
-    return std::exchange(socket.tried, {}) == wanted;
-  };
   for (const bool answers : {true, false}) {
     socket.Connect("many", kPort);
-    EXPECT_TRUE(tried({1}));
+    EXPECT_EQ(Tried(), "1 ");
     socket.ConnectFailed(8);
-    EXPECT_TRUE(tried({2, 3}));
+    EXPECT_EQ(Tried(), "2 3 ");
     EXPECT_EQ(Seen(), "");
     answers ? socket.Connected() : socket.ConnectFailed(9);
     EXPECT_EQ(socket.GetState(), answers ? State::Connected : State::Connecting);
     EXPECT_EQ(Seen(), answers ? "C" : "E6");
-    EXPECT_TRUE(answers ? tried({}) : tried({4}));
+    EXPECT_EQ(Tried(), answers ? "" : "4 ");
   }
   EXPECT_EQ(socket.GetState(), State::Failed);
   EXPECT_EQ(socket.LastError(), 6);
 
-  const struct {
-    const char* name;
-    bool closed;
-    const char* seen;
-  } cases[] = {{"nobody", false, "E11001"},
-               {"", false, "E11001"},
-               {"nobody", true, ""},
-               {"silent", true, ""}};
-  for (const auto& c : cases) {
-    socket.Connect(c.name, kPort);
+  for (const auto& [name, closed] :
+       {std::pair{"nobody", false}, {"", false}, {"nobody", true}, {"silent", true}}) {
+    socket.Connect(name, kPort);
     EXPECT_EQ(socket.GetState(), State::Connecting);
-    if (c.closed) socket.Close();
-    EXPECT_EQ(Seen(), c.seen);
-    EXPECT_EQ(socket.GetState(), c.closed ? State::Closed : State::Failed);
+    if (closed) socket.Close();
+    EXPECT_EQ(Seen(), closed ? "" : "E11001");
+    EXPECT_EQ(socket.GetState(), closed ? State::Closed : State::Failed);
   }
 }
 
 TEST_F(BufferedSocketTest, NeedsNoLookUpForANumericAddressAndListensOnNothingElse) {
   socket.Connect("10.0.255.3", kPort);
-  EXPECT_EQ(socket.tried, (std::vector<std::pair<Ipv4, std::uint16_t>>{{0x0A00FF03, kPort}}));
+  EXPECT_EQ(Tried(), std::to_string(0x0A00FF03) + ' ');
   EXPECT_TRUE(socket.Listen(kPort, "10.0.255.3"));
   for (const char* text : {"", "name", "1.2.3", "1.2.3.", "1.2.3.4.5", "1.2.3.4 ", " 1.2.3.4",
                            "1.2.3.256", "1.2.3.04", "1.2.3.-0", "1..2.3", "1,2,3,4"}) {
