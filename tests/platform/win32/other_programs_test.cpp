@@ -88,7 +88,9 @@ TEST(Win32Keyboard, NotepadHoldsExactlyWhatWasTypedWhateverTheUserHolds) {
     EXPECT_FALSE(AnyModifierDown()) << keys;
     EXPECT_EQ(notepad.Text(text), text) << keys;
   }
-  for (const BYTE key : {VK_LSHIFT, VK_RCONTROL, VK_LMENU}) keybd_event(key, 0, 0, 0);
+  for (const BYTE key : {BYTE{VK_LSHIFT}, BYTE{VK_RCONTROL}, BYTE{VK_LMENU}}) {
+    keybd_event(key, 0, 0, 0);
+  }
   ASSERT_TRUE(WaitFor(AnyModifierDown));
   Type("{HOME}X");
   EXPECT_FALSE(AnyModifierDown());
