@@ -39,9 +39,7 @@ struct SettingsDialogTest : testing::Test, CoreDesk {
 };
 
 TEST_F(SettingsDialogTest, UpdatesAndUsers) {
-  const auto shared = [&] {
-    return settings.ReadMachineSetting("General", "Users_Share", "none");
-  };
+  const auto shared = [&] { return settings.ReadMachineSetting("General", "Users_Share", "none"); };
   Open(0);
   EXPECT_FALSE(dialog.chkAutoUpdate.Value());
   dialog.cmdDefaults.Press();

@@ -165,36 +165,32 @@ TEST_F(BufferedSocketTest, ArrivalsInsideOneAnotherKeepTheirOwn) {
 
 TEST_F(BufferedSocketTest, EndsAfterWhatHasArrived) {
   enum Report { None, Rest, SendFailed };
-  const struct {
-    Report report;  // by which nothing more is reported
-    int receiveError;
-    bool ended;
-    const char* last;
-  } cases[] = {
+  // By which nothing more is reported, the receive's error, whether it has ended, the last event.
+  const std::tuple<Report, int, bool, const char*> cases[] = {
       {None, 0, false, ""},         {None, 0, true, "X"},       {None, 7, false, "E7"},
       {Rest, 0, false, "X"},        {Rest, 0, true, "X"},       {Rest, 7, false, "E7"},
       {SendFailed, 0, false, "E5"}, {SendFailed, 0, true, "X"}, {SendFailed, 7, false, "E7"}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(&c - cases);
+  for (int number = 0; const auto& [report, receiveError, ended, last] : cases) {
+    SCOPED_TRACE(number++);
     Begin();
     socket.Send("a");
     socket.waiting = std::string(kMost + 3, 'x');
-    socket.receiveError = c.receiveError;
-    socket.ended = c.ended;
-    if (c.report == SendFailed) {
+    socket.receiveError = receiveError;
+    socket.ended = ended;
+    if (report == SendFailed) {
       for (const int error : {5, 6}) socket.FailSending(error);
       socket.Send("lost");
       EXPECT_EQ(Seen(), "D") << "and no sending is complete";
     } else {
-      c.report == Rest ? socket.ReceiveRest() : socket.Receive();
+      report == Rest ? socket.ReceiveRest() : socket.Receive();
       EXPECT_EQ(Seen().size(), 2U);
     }
-    if (c.report == None) socket.Receive();
+    if (report == None) socket.Receive();
     EXPECT_EQ(Seen(), "") << "until it is fetched";
     EXPECT_EQ(socket.GetData().size(), kMost);
     EXPECT_EQ(Seen(), "D");
-    if (c.report == None) socket.Receive();
-    EXPECT_EQ(Seen(), c.last);
+    if (report == None) socket.Receive();
+    EXPECT_EQ(Seen(), last);
     EXPECT_EQ(socket.GetData(), "xxx") << "after the end too";
     EXPECT_EQ(socket.sent, "a");
   }
@@ -228,13 +224,8 @@ TEST_F(BufferedSocketTest, WhatWasSentBeforeThePeersEndStillGoesOut) {
 }
 
 TEST_F(BufferedSocketTest, AGentleCloseSendsTheRestAndDropsWhatArrives) {
-  const struct {
-    std::size_t room;
-    std::function<void()> then;
-    State state;
-    const char* wants;
-    const char* sent;
-  } cases[] = {
+  // The room for what is sent at first, what happens then, and what comes of it.
+  const std::tuple<std::size_t, std::function<void()>, State, const char*, const char*> cases[] = {
       {kAny, [] {}, State::Closing, "r r .", "bye"},
       {1, [] {}, State::Closing, "r rw rw ", "b"},
       {1, [this] { socket.CloseGently(); }, State::Closing, "r rw rw ", "b"},
@@ -248,10 +239,10 @@ TEST_F(BufferedSocketTest, AGentleCloseSendsTheRestAndDropsWhatArrives) {
       {kAny, [this] { loop.Advance(29'999); }, State::Closing, "r r .", "bye"},
       {kAny, [this] { loop.Advance(30'000); }, State::Closed, "", "bye"},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(&c - cases);
+  for (int number = 0; const auto& [room, then, state, wants, sent] : cases) {
+    SCOPED_TRACE(number++);
     Begin();
-    socket.room = c.room;
+    socket.room = room;
     socket.Send("bye");
     socket.waiting = std::string(3 * kMost, 'x');
     socket.Receive();
@@ -261,11 +252,11 @@ TEST_F(BufferedSocketTest, AGentleCloseSendsTheRestAndDropsWhatArrives) {
     EXPECT_EQ(socket.waiting, "");
     socket.Send("not this");
     socket.room = kAny;
-    c.then();
+    then();
     EXPECT_EQ(Seen(), "");
-    EXPECT_EQ(socket.GetState(), c.state);
-    EXPECT_EQ(socket.wants, c.wants);
-    EXPECT_EQ(socket.sent, c.sent);
+    EXPECT_EQ(socket.GetState(), state);
+    EXPECT_EQ(socket.wants, wants);
+    EXPECT_EQ(socket.sent, sent);
     EXPECT_EQ(socket.GetData(), "");
   }
 }
@@ -291,27 +282,25 @@ TEST_F(BufferedSocketTest, WhatFailsIsNotSentAnyMore) {
 }
 
 TEST_F(BufferedSocketTest, NothingOfAConnectionReachesTheNext) {
-  const std::function<void()> pasts[] = {[&] { socket.Send("a"); },
-                                         [&] { socket.ReceiveRest(); },
-                                         [&] { socket.FailSending(7); },
-                                         [&] {
-                                           socket.room = 2;
-                                           socket.Send("byes");
-                                           socket.room = 1;
-                                         },
-                                         [&] { socket.CloseGently(); },
-                                         [&] { ReceiveMuch(); },
-                                         [&] {
-                                           ReceiveMuch();
-                                           socket.GetData();
-                                         }};
-  for (const auto& past : pasts) {
-    SCOPED_TRACE(&past - pasts);
+  // What has happened, and what of it has been sent by the end.
+  const std::pair<std::function<void()>, const char*> pasts[] = {
+      {[&] { socket.Send("a"); }, "a"},
+      {[&] { socket.ReceiveRest(); }, ""},
+      {[&] { socket.FailSending(7); }, ""},
+      {[&] {
+         socket.room = 2;
+         socket.Send("byes");
+         socket.room = 1;
+       },
+       "bye"},
+      {[&] { socket.CloseGently(); }, ""},
+      {[&] { ReceiveMuch(); }, ""},
+      {[&] { ReceiveMuch(), socket.GetData(); }, ""}};
+  for (const auto& [past, sent] : pasts) {
     Begin();
     past();
-    socket.Close();
-    socket.Close();
-    EXPECT_EQ(socket.sent, &past == &pasts[3] ? "bye" : &past == &pasts[0] ? "a" : "");
+    for (int i = 0; i < 2; ++i) socket.Close();
+    EXPECT_EQ(socket.sent, sent);
     Begin();
     loop.Advance(60'000);
     EXPECT_EQ(Seen(), "");

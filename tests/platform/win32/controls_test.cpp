@@ -90,13 +90,13 @@ TEST_F(Win32Controls, ShowWhatTheFormHoldsAndTellWhatAPersonDoes) {
 
   EXPECT_EQ(SendMessageW(list, LB_GETCURSEL, 0, 0), 0);
   const auto item = static_cast<int>(SendMessageW(list, LB_GETITEMHEIGHT, 0, 0));
-  SendMessageW(list, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, item + item / 2));
-  SendMessageW(list, WM_LBUTTONUP, 0, MAKELPARAM(5, item + item / 2));
-  EXPECT_EQ(panel_.list.SelectedIndex(), 1);
   int entered = 0;
   panel_.list.onEnter = [&] { ++entered; };
-  SendMessageW(list, WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(5, item + item / 2));
-  SendMessageW(list, WM_LBUTTONUP, 0, MAKELPARAM(5, item + item / 2));
+  for (const UINT click : {WM_LBUTTONDOWN, WM_LBUTTONDBLCLK}) {
+    SendMessageW(list, click, MK_LBUTTON, MAKELPARAM(5, item + item / 2));
+    SendMessageW(list, WM_LBUTTONUP, 0, MAKELPARAM(5, item + item / 2));
+    EXPECT_EQ(panel_.list.SelectedIndex(), 1);
+  }
   SetFocus(list);
   Press(list, WM_KEYDOWN, VK_RETURN);
   EXPECT_EQ(entered, 2);
