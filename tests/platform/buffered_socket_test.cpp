@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/net/ConnectionRequests.h"
 #include "platform/net/SocketError.h"
 #include "tests/support/FakePlatform.h"
 
@@ -354,25 +353,6 @@ TEST_F(BufferedSocketTest, NeedsNoLookUpForANumericAddressAndListensOnNothingEls
                            "1.2.3.256", "1.2.3.04", "1.2.3.-0", "1..2.3", "1,2,3,4"}) {
     EXPECT_FALSE(socket.Listen(kPort, text)) << text;
     EXPECT_EQ(socket.LastError(), kAddressNotAvailable);
-  }
-}
-
-TEST(ConnectionRequests, AreThereWhileTheyAreAnnounced) {
-  ConnectionRequests<std::shared_ptr<int>> requests;
-  std::weak_ptr<int> dropped;
-  for (const bool taken : {true, false}) {
-    auto connection = std::make_shared<int>(1);
-    dropped = connection;
-    TcpSocket::RequestId last = 0;
-    requests.Offer(std::move(connection), [&](TcpSocket::RequestId id) {
-      last = id;
-      if (taken) {
-        EXPECT_TRUE(requests.Take(id));
-        EXPECT_FALSE(requests.Take(id));
-      }
-    });
-    EXPECT_TRUE(dropped.expired());
-    EXPECT_FALSE(requests.Take(last));
   }
 }
 

@@ -140,6 +140,7 @@ TEST_P(SocketContract, WhatTheClientSentBeforeItWasTakenArrives) {
     // The events of the client come in here.
     EXPECT_TRUE(Until([&] { return client->GetState() == State::Closed; }));
     EXPECT_TRUE(server->Accept(request));
+    EXPECT_FALSE(NewSocket()->Accept(request)) << "it is taken";
   };
   client->Connect(kHost, listener->LocalPort());
   ASSERT_TRUE(Until([&] { return atServer.Ended(); }));
