@@ -215,11 +215,12 @@ TEST_F(ProgramsTest, EndingTheSystemAndPlayingASoundAreOtherPrograms) {
   const std::string file = FromNative(directory_ / "-s.wav");
   PosixSession session(notices_);
   PosixSound sound(notices_);
+  notices_.commandAtWork = [] { return "sdown"; };
   testing::internal::CaptureStderr();
   for (int i = 0; i < 2; ++i) EXPECT_FALSE(session.End(kShutdown) || sound.Play(file));
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "orvanto: the program shutdown is not on PATH; the system is not ended\n"
-            "orvanto: no sound: neither paplay, pw-play nor aplay is on PATH\n");
+            "orvanto: sdown: the program shutdown is not on PATH; the system is not ended\n"
+            "orvanto: sdown: no sound: neither paplay, pw-play nor aplay is on PATH\n");
   MakeProgram("bin/shutdown");
   EXPECT_TRUE(session.End(kReboot));
   EXPECT_THAT(Record(), StartsWith("shutdown|-r|now\n"));
