@@ -60,7 +60,7 @@ TEST_F(DesktopTest, KeysDoEverything) {
   const RunningProgram program;
   ASSERT_TRUE(program.MainIsInFront());
   const HWND tree = program.TreeWindow();
-  PressKeys("%N");
+  PressKeys("%n");
   ASSERT_NE(InFront(L"New Task"), nullptr);
   // The group replaces the one that was selected on the way in; from program to message; past Now,
   // from once to recurring; past the dates, which are disabled.
@@ -74,24 +74,24 @@ TEST_F(DesktopTest, KeysDoEverything) {
   EXPECT_EQ(stored(L"Typed"), L"6|Tea is ready|23|59|2|3|Home");
 
   // The tree has the keyboard and the new task is selected: up to its group and back.
-  PressKeys("{UP}{DOWN}%E");
+  PressKeys("{UP}{DOWN}%e");
   ASSERT_NE(InFront(L"Edit Task - Typed"), nullptr);
   PressKeys("Renamed{TAB}~");  // from the group's list
   ASSERT_TRUE(program.MainIsInFront());
   EXPECT_EQ(stored(L"Renamed"), stored(L"Typed"));
 
-  PressKeys("%R");
+  PressKeys("%r");
   EXPECT_EQ(program.BoxInFront(), L"Tea is ready");
   PressKeys("~");
   ASSERT_TRUE(program.MainIsInFront());
   // Without Alt the letters of the buttons do nothing, though one of them has the keyboard.
-  PressKeys("{TAB}xd%A");
+  PressKeys("{TAB}xd%a");
   ASSERT_NE(InFront(L"About Orvanto"), nullptr);
   PressKeys("{ESC}");
   ASSERT_TRUE(program.MainIsInFront());
   EXPECT_TRUE(WaitFor([&] { return FocusBeside(tree) == tree; }));
   // Esc leaves the editor, from a list too, and a list first.
-  PressKeys("%N");
+  PressKeys("%n");
   const HWND editor = InFront(L"New Task");
   const HWND group = FindWindowExW(editor, nullptr, WC_COMBOBOXW, nullptr);
   const auto isOpen = [&] { return SendMessageW(group, CB_GETDROPPEDSTATE, 0, 0) != 0; };
@@ -108,7 +108,7 @@ TEST_F(DesktopTest, KeysDoEverything) {
   EXPECT_TRUE(WaitFor([&] { return TreeView_GetCount(tree) == 0; }));
   EXPECT_TRUE(WaitFor([&] { return FocusBeside(tree) == tree; }));
   EXPECT_EQ(GetWindowLongPtrW(deletes, GWL_STYLE) & BS_TYPEMASK, BS_PUSHBUTTON);
-  PressKeys("%X");
+  PressKeys("%x");
   EXPECT_EQ(program.ExitCode(), 0);
 }
 
