@@ -124,7 +124,8 @@ struct RemoteControl : RemoteCommands {
                 .chat = chat},
                automation.programSettings),
         ftpWindow(platform.forms),
-        ftp({.sockets = platform.sockets,
+        ftp({.loop = platform.loop,
+             .sockets = platform.sockets,
              .files = platform.files,
              .clock = platform.clock,
              .folder = automation.folder,
@@ -182,6 +183,7 @@ struct Program::Parts {
                                    .messageBoxes = platform.messageBoxes,
                                    .registry = platform.registry,
                                    .settings = automation.settings,
+                                   .remoteSettings = automation.programSettings,
                                    .folder = automation.folder,
                                    .mayWait =
                                        [this] {
@@ -191,16 +193,19 @@ struct Program::Parts {
         windows(platform, automation, message),
         remote(platform, automation, windows.main) {
     windows.settings.onPortChanged = [this] { remote.telnet.Restart(); };
-    windows.settings.onRemoteChanged = [this] { remote.telnet.Relisten(); };
-    windows.settings.onCheckNow = [this] { Download(kUpdateUrl); };
+    windows.settings.onRemoteChanged = [this] {
+      remote.telnet.Relisten();
+      remote.ftp.Relisten();
+    };
+    windows.settings.onCheckNow = [this] { Download(kUpdateUrl, true); };
     windows.main.showDownload = [this] { downloads.window.Open(); };
     downloads.window.formBehind = &windows.main;
     downloads.ForEachDialog([this](forms::Form& form) { form.formBehind = &downloads.window; });
   }
 
-  void Download(const std::string& url) {
+  void Download(const std::string& url, bool replace = false) {
     downloads.updateCheckRequested = true;
-    downloads.BeginDownload(url);
+    downloads.BeginDownload(url, replace);
   }
 
   StartOptions options;
@@ -258,6 +263,7 @@ void Program::Start() {
 void Program::Prepare() {
   Store().ReadDateOrder();
   parts_->automation.folder.Set(parts_->options.programFolder);
+  SettingOf("Inet_Compat").Load(GetSettings(), parts_->automation.programSettings);
   GetSettings().ReadStorageMode();
 }
 

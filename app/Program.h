@@ -40,8 +40,9 @@ class Program {
   // Loads the main window, and shows it unless the command line says otherwise.
   void Start();
 
-  // Instead of Start, for one command without a window: reads what the task store needs to know.
-  // Throws Error, last of all, for a storage mode that does not convert: it stays 0 then.
+  // Instead of Start, for one command without a window: reads what the task store and downloads
+  // need to know. Throws Error, last of all, for a storage mode that does not convert: it stays 0
+  // then.
   void Prepare();
 
   // Runs the loop until no script waits for a delay and no download runs any more.

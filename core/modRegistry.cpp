@@ -244,6 +244,11 @@ std::string Settings::ReadSetting(const std::string& section, const std::string&
   return Section(*this, section).Read(valueName, defaultValue);
 }
 
+std::int16_t Settings::ReadNumber(const std::string& section, const std::string& valueName,
+                                  std::int16_t defaultValue) {
+  return ToInt16Or(ReadSetting(section, valueName, std::to_string(defaultValue)), defaultValue);
+}
+
 void Settings::WriteSetting(const std::string& section, const std::string& valueName,
                             const std::string& value) {
   const char* root = Root();

@@ -79,6 +79,9 @@ class Settings {
   // The same into a fresh text.
   std::string ReadSetting(const std::string& section, const std::string& valueName,
                           const std::string& defaultValue);
+  // A number of 16 bits; what is none counts as the default.
+  std::int16_t ReadNumber(const std::string& section, const std::string& valueName,
+                          std::int16_t defaultValue);
   void WriteSetting(const std::string& section, const std::string& valueName,
                     const std::string& value);
 

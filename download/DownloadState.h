@@ -7,10 +7,15 @@
 
 namespace orvanto {
 
+class DownloadPolicy;
+
 // Its figures are single-precision numbers, exact up to 16,777,216. They are shown, and asked for
 // in a Range line; where a byte lands is decided by the exact counts beside them.
 struct DownloadState {
+  const DownloadPolicy* policy = nullptr;  // of who has begun it; there is one from then on
+
   std::string Url;          // as given
+  std::string Location;     // the same, unless the server has sent us on
   std::string ConnectHost;  // where the socket connects to
   std::string ConnectPort = "80";
   std::string UrlFileName;  // the last part of the URL's path

@@ -1,7 +1,7 @@
 #include "download/Downloads.h"
 
 #include "core/Convert.h"
-#include "core/ProgramFolder.h"
+#include "core/ProgramSettings.h"
 #include "core/ProgramTitle.h"
 
 namespace orvanto {
@@ -13,24 +13,13 @@ Downloads::Downloads(forms::FormHost& host, const Services& services)
       ftpOptions(host, options_, services.messageBoxes),
       proxy(host, options_, services.messageBoxes),
       save(host, services.files),
-      window(host,
-             {.loop = services.loop,
-              .sockets = services.sockets,
-              .files = services.files,
-              .clock = services.clock,
-              .clipboard = services.clipboard,
-              .shell = services.shell,
-              .messageBoxes = services.messageBoxes,
-              .settings = services.settings,
-              .options = options_,
-              .log = header.Log(),
-              .policy = policy_,
-              .mayWait = services.mayWait},
-             state_),
+      window(host, {services, options_, header.Log()}, state_),
       services_(services),
       next_(services.loop.NewDeferred([this] { BeginNext(); })) {
   WireMenu();
-  window.onDownload = [this](const std::string& url) { BeginDownload(url); };
+  window.onDownload = [this](const DownloadRequest& request) {
+    BeginDownload(request.url, request.replace);
+  };
   window.onEnded = [this](const DownloadEnd& end) {
     ended.Raise(end);
     next_->Post();
@@ -62,16 +51,16 @@ void Downloads::SaveAs(const std::string& from, const std::string& path) {
                               Buttons::Ok, BoxIcon::Critical);
 }
 
-void Downloads::BeginDownload(const std::string& url) {
-  waiting_.emplace_back(TrimBlanks(url));
+void Downloads::BeginDownload(const std::string& url, bool replace) {
+  waiting_.push_back({std::string(TrimBlanks(url)), replace});
   next_->Post();
 }
 
 void Downloads::BeginNext() {
   if (waiting_.empty() || window.Running()) return;
-  const std::string url = std::move(waiting_.front());
+  const DownloadRequest request = std::move(waiting_.front());
   waiting_.pop_front();
-  window.Begin(url, services_.folder.AppDir);
+  window.Begin(request, services_.remoteSettings.compat ? compatPolicy_ : policy_);
 }
 
 void Downloads::Unload() {

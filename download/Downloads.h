@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "download/CompatDownloadPolicy.h"
 #include "download/frmDownload.h"
 #include "download/frmFetchwellOptions.h"
 #include "download/frmFtpOptions.h"
@@ -16,28 +17,14 @@
 
 namespace orvanto {
 
-class ProgramFolder;
-
 class Downloads {
  public:
-  struct Services {
-    EventLoop& loop;
-    SocketHost& sockets;
-    Files& files;
-    const Clock& clock;
-    Clipboard& clipboard;
-    Shell& shell;
-    MessageBoxes& messageBoxes;
-    Registry& registry;
-    Settings& settings;
-    const ProgramFolder& folder;
-    std::function<bool()> mayWait;  // see frmDownload
-  };
+  using Services = DownloadServices;
   Downloads(forms::FormHost& host, const Services& services);
 
-  // Fetches the file into the program's folder as soon as those before it have ended. Begins from
-  // the loop.
-  void BeginDownload(const std::string& url);
+  // Fetches the file into the program's folder as soon as those before it have ended, by the policy
+  // that the settings ask for then; see DownloadRequest. Begins from the loop.
+  void BeginDownload(const std::string& url, bool replace = false);
   // Whether one runs or waits.
   bool Busy() const { return !waiting_.empty() || window.Running(); }
   // Of the windows beside the download's own.
@@ -54,6 +41,7 @@ class Downloads {
  private:
   DownloadOptions options_;
   const DownloadPolicy policy_;
+  const CompatDownloadPolicy compatPolicy_;
   DownloadState state_;
 
  public:
@@ -70,7 +58,7 @@ class Downloads {
   void BeginNext();
 
   const Services services_;
-  std::deque<std::string> waiting_;
+  std::deque<DownloadRequest> waiting_;
   const std::unique_ptr<Deferred> next_;
 };
 

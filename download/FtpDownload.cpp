@@ -1,6 +1,5 @@
 #include "download/FtpDownload.h"
 
-#include "core/Convert.h"
 #include "core/ProgramTitle.h"
 #include "core/modRegistry.h"
 #include "download/HttpDownload.h"
@@ -57,13 +56,12 @@ bool FtpDownload::Run() {
   }
   stopRequested_ = transferDone_ = false;
   const FtpAddress address = ParseFtpUrl(state_.Url);
-  const auto number = [this](const char* name, std::int16_t otherwise) {
-    return ToInt16Or(services_.settings.ReadSetting(kInternet, name, std::to_string(otherwise)),
-                     otherwise);
-  };
-  const std::int16_t timeout = number("FTP Timeout", kDefaultTimeout);
+  const std::int16_t timeout =
+      services_.settings.ReadNumber(kInternet, "FTP Timeout", kDefaultTimeout);
   client_.Timeout = timeout == 0 ? kDefaultTimeout : timeout;
-  client_.PassiveMode = services_.policy.UsesPassiveMode(number("FTP PASV", 0) > 0);
+  client_.PassiveMode =
+      state_.policy->UsesPassiveMode(services_.settings.ReadNumber(kInternet, "FTP PASV", 0) > 0);
+  client_.CorrectsPassiveAddress = state_.policy->CorrectsPassiveAddress();
   client_.UserName = address.user;
   client_.Password = address.password;
   client_.FtpServer = address.host;
@@ -111,6 +109,12 @@ bool FtpDownload::Fetch(const FtpAddress& address) {
     // A failure may have cost the connection.
     if (!client_.IsConnected() && !Arrive(address)) return false;
     const std::uint64_t offset = state_.Resuming ? state_.resumeOffset : 0;
+    std::uint64_t size = 0;
+    if (state_.policy->AsksForSize() && client_.GetFileSize(address.file, size)) {
+      state_.length = size;
+      state_.TotalSize = static_cast<float>(size);
+      state_.SetPosition(offset);
+    }
     if (client_.DownloadFile(address.file, state_.LocalPath, offset)) return true;
     if (!IsOver() && client_.GetLastServerResponse().starts_with("504")) {
       services_.refused();

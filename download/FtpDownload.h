@@ -17,7 +17,6 @@ class FtpDownload {
   struct Services {
     CFtpConnection::Services ftp;
     Settings& settings;
-    const DownloadPolicy& policy;
     std::function<void(const std::string& lines)> log;
     std::function<void()> starting;  // the transfer
     std::function<void()> received;  // the file has grown

@@ -14,9 +14,6 @@ namespace {
 constexpr std::string_view kAfterScheme = "://";
 constexpr std::string_view kNotStored = "\\/:*?\"<>|";
 
-constexpr const char* kAnonymous = "anonymous";
-constexpr const char* kAnonymousPassword = "anonymous@example.com";
-
 // Of "beginning:rest", or all of it.
 std::string BeforeColon(const std::string& text) { return text.substr(0, text.find(':')); }
 
@@ -69,8 +66,6 @@ FtpAddress ParseFtpUrl(const std::string& url) {
   const std::size_t slash = std::min(rest.find('/'), rest.size());
   std::string host = rest.substr(0, slash);
   FtpAddress address;
-  address.user = kAnonymous;
-  address.password = kAnonymousPassword;
   if (const std::size_t at = host.rfind('@'); at != std::string::npos) {
     const std::string login = host.substr(0, at);
     address.user = BeforeColon(login);
@@ -88,6 +83,26 @@ FtpAddress ParseFtpUrl(const std::string& url) {
   if (last != std::string::npos) address.directory = path.substr(0, std::max<std::size_t>(last, 1));
   address.file = path.substr(last + 1);
   return address;
+}
+
+std::string ResolveUrl(const std::string& base, const std::string& reference) {
+  const std::string host = base.substr(0, base.find('/', base.find("//") + 2));
+  const std::string page = base.substr(0, base.find_first_of("?#"));
+  if (reference.starts_with('/')) return (reference.starts_with("//") ? "http:" : host) + reference;
+  if (reference.empty() || reference[0] == '#') return base;
+  if (reference[0] == '?') return page + reference;
+  const std::size_t colon = reference.find(':');
+  if (colon >= reference.find_first_of("/?#"))
+    return page.substr(0, page.rfind('/') + 1) + reference;
+  // Of a host alone, its root.
+  const std::size_t path = reference.find_first_of("/?#", colon + 3);
+  if (path != std::string::npos && reference[path] == '/') return reference;
+  return std::string(reference).insert(std::min(path, reference.size()), "/");
+}
+
+bool HasControls(std::string_view text) {
+  return std::any_of(text.begin(), text.end(),
+                     [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 0x7F; });
 }
 
 std::string WithoutLogin(const std::string& url) {

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "core/Convert.h"
+#include "core/ProgramFolder.h"
 #include "core/ProgramTitle.h"
 #include "core/TextLog.h"
 #include "core/modRegistry.h"
@@ -27,6 +28,7 @@ constexpr forms::Column kValues{{1500, 1170, 1620, kTextHeight}, 285};
 constexpr forms::Column kTitles2{{3300, 1170, 1320, kTextHeight}, 285};
 constexpr forms::Column kValues2{{4680, 1170, 1800, kTextHeight}, 285};
 
+constexpr const char* kBeside = ".new";  // a file that replaces another, until it is whole
 constexpr const char* kPause = "&Pause";
 constexpr const char* kResume = "&Resume";
 constexpr const char* kCompleted = "Download Completed";
@@ -35,47 +37,11 @@ constexpr const char* kUnknown = "Unknown";
 constexpr std::uint32_t kTextColour = 0x000000;
 constexpr std::uint32_t kBarColour = 0x000080;
 
-struct Box {
-  const char* text;
-  const char* title;
-  BoxIcon icon;
-};
-
-// In the order of HttpDownload::Trouble.
-constexpr Box kBoxes[] = {
-    {"Server did not accept resuming.", "No Resuming Support", BoxIcon::Critical},
-    {"The file requested was not found on the server!\r\n\r\nPossible Reasons:\r\n"
-     "- File Does Not Exist On Server\r\n- URL Given Was Script And Data Returned Was Invalid\r\n"
-     "- URL Entered Was Incorrect\r\n- Server Is Excessively Busy\r\n\r\n"
-     "You may reattempt to download.  If its still failure then most likely invalid url.",
-     "File Not Found", BoxIcon::None},
-    {"The file cannot be written.", kProgramTitle, BoxIcon::Critical},
-    {"A proxy takes no user and port of an FTP server.", kProgramTitle, BoxIcon::Critical}};
-
-bool HasControls(const std::string& text) {
-  for (const char c : text) {
-    if (static_cast<unsigned char>(c) < ' ' || c == 0x7F) return true;
-  }
-  return false;
-}
-
 // What is copied from elsewhere often ends with its line.
 std::string Trimmed(const std::string& text) {
   constexpr const char* kBlanks = " \t\r\n";
   const std::size_t first = std::min(text.find_first_not_of(kBlanks), text.size());
   return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
-}
-
-// Why no file can be fetched from there; empty when one can be.
-std::string Refusal(const std::string& url) {
-  DownloadState parsed;
-  ParseUrl(url, parsed);
-  if (SchemeOf(url) == Scheme::None || HasControls(url) || parsed.ConnectHost.empty() ||
-      parsed.UrlFileName.empty()) {
-    return "This is no address of a file that can be downloaded.";
-  }
-  if (!LocalFileName(parsed.UrlFileName).empty()) return {};
-  return "A file of this name cannot be kept in the program's folder.";
 }
 
 }  // namespace
@@ -112,27 +78,22 @@ frmDownload::frmDownload(forms::FormHost& host, const Services& services, Downlo
       http_(
           {.sockets = services.sockets,
            .files = services.files,
-           .policy = services.policy,
            .requested = [this] { StartTime_ = SecondsOfDay(); },
            .header =
                [this](const std::string& header) { services_.log.Append(header + kCrLf + kCrLf); },
            .received = [this] { OnReceived(); },
-           .trouble = [this](HttpDownload::Trouble trouble) { OnTrouble(trouble); },
+           .trouble = [this](DownloadTrouble trouble,
+                             const std::string& detail) { OnTrouble(trouble, detail); },
            .ended = [this] { OnEndOfConnection(); },
-           .stalled =
-               [this](int error) {
-                 if (phase_ == Phase::Shown) return OnEndOfConnection();  // Stop is gone
-                 if (onStalled) onStalled(error);
-               }},
+           .stalled = [this](int error) { OnStall(error); }},
           state),
       ftp_({.ftp = {services.loop, services.sockets, services.files, services.clock,
                     services.messageBoxes},
             .settings = services.settings,
-            .policy = services.policy,
             .log = [this](const std::string& lines) { services_.log.Append(lines); },
             .starting = [this] { StartTime_ = SecondsOfDay(); },
             .received = [this] { OnReceived(); },
-            .refused = [this] { ShowTrouble(HttpDownload::Trouble::NoResuming); }},
+            .refused = [this] { ShowTrouble(DownloadTrouble::NoResuming); }},
            state),
       tmrUpdateProgress_(services.loop.NewTimer([this] { RenewFigures(); })),
       tmrTimeLeft_(services.loop.NewTimer([this] { CountTime(); })),
@@ -160,7 +121,7 @@ void frmDownload::WireButtons() {
     if (services_.options.IsOn(DownloadOptions::kDownloadDrop)) StartUpdate(trimmed);
   };
   cmdDownload.onClick = [this] {
-    if (onDownload) onDownload(txtURL.Text());
+    if (onDownload) onDownload({txtURL.Text()});
   };
   cmdPause.onClick = [this] { PauseOrResume(); };
   cmdStop.onClick = [this] { Stop(); };
@@ -186,12 +147,17 @@ void frmDownload::FillFromClipboard() {
   if (holds("http://") || holds("ftp://")) txtURL.SetText(Trimmed(text));
 }
 
-void frmDownload::Begin(const std::string& url, const std::string& folder) {
+void frmDownload::Begin(const DownloadRequest& request, const DownloadPolicy& policy) {
+  const std::string& url = request.url;
   Open();
   phase_ = Phase::Running;
+  request_ = request;
+  state_.policy = &policy;
+  cmdPause.SetText(kPause);
+  cmdPause.SetEnabled(false);
   cmdRun.SetEnabled(false);
   mnuSave.SetEnabled(false);
-  if (const std::string refusal = Refusal(url); !refusal.empty()) {
+  if (const std::string refusal = policy.Refusal(url); !refusal.empty()) {
     state_.Url = url;
     state_.LocalPath.clear();
     txtURL.SetText(url);
@@ -208,7 +174,13 @@ void frmDownload::Begin(const std::string& url, const std::string& folder) {
     state_.ConnectPort = "80";
   }
   TakeUrl(url);
-  StartDownload(folder + LocalFileName(state_.UrlFileName));
+  std::string path = services_.folder.AppDir + LocalFileName(state_.UrlFileName);
+  if (request.replace && policy.Replaces()) {
+    replaced_ = path;
+    path += kBeside;
+    services_.files.Remove(path);
+  }
+  StartDownload(path);
   if (Running()) ShowBox(true);
 }
 
@@ -219,7 +191,7 @@ void frmDownload::StartUpdate(const std::string& url) {
 void frmDownload::TakeUrl(const std::string& url) {
   state_.SetPosition(0);
   if (url.empty()) return;
-  state_.Url = url;
+  state_.Url = state_.Location = url;
   txtURL.SetText(url);
   ParseUrl(url, state_);
 }
@@ -228,12 +200,8 @@ void frmDownload::StartDownload(const std::string& localPath) {
   cmdPause.SetEnabled(true);
   cmdStop.SetEnabled(true);
   cmdDownload.SetEnabled(false);
-  const auto number = [this](const char* name, std::int16_t otherwise) {
-    return ToInt16Or(services_.settings.ReadSetting(kInternet, name, std::to_string(otherwise)),
-                     otherwise);
-  };
-  const std::int16_t rollback = number("Rollback", 0);
-  const std::int16_t amount = number("Rollback Amount", 1024);
+  const std::int16_t rollback = services_.settings.ReadNumber(kInternet, "Rollback", 0);
+  const std::int16_t amount = services_.settings.ReadNumber(kInternet, "Rollback Amount", 1024);
   if (const auto length = LengthOf(services_.files, localPath)) {
     state_.Resuming = true;
     const bool back = rollback != 0 && amount >= 1 && std::uint64_t(amount) < *length;
@@ -265,10 +233,14 @@ void frmDownload::RunFtp() {
   const bool done = ftp_.Run();
   if (std::exchange(ftpAgain_, false)) return ftpStart_->Post();
   if (phase_ == Phase::Paused) return;
+  if (done && !state_.policy->IsComplete(state_)) return EndCutShort();
+  const std::string wrong = WrongLength();
   ShowStatus(done ? kCompleted : kAborted);
   Reset();
   cmdRun.SetEnabled(done);
-  Finish(done, done ? "" : trouble_.empty() ? "The file was not fetched." : trouble_);
+  Finish(done && wrong.empty(), done               ? wrong
+                                : trouble_.empty() ? "The file was not fetched."
+                                                   : trouble_);
 }
 
 void frmDownload::OnReceived() {
@@ -276,36 +248,53 @@ void frmDownload::OnReceived() {
   SpeedKbps_ = SpeedKbps(bytes, StartTime_, SecondsOfDay(), SpeedKbps_);
 }
 
-void frmDownload::OnTrouble(HttpDownload::Trouble trouble) {
-  ShowTrouble(trouble);
+void frmDownload::OnTrouble(DownloadTrouble trouble, const std::string& detail) {
+  ShowTrouble(trouble, detail);
   if (!Running()) return;  // the window has been closed meanwhile
   Reset();
   Finish(false, trouble_);
 }
 
-void frmDownload::ShowTrouble(HttpDownload::Trouble trouble) {
-  const Box& box = kBoxes[static_cast<std::size_t>(trouble)];
-  trouble_ = std::string_view(box.title) == kProgramTitle ? box.text : box.title;
-  services_.messageBoxes.Show(box.text, box.title, Buttons::Ok, box.icon);
+void frmDownload::ShowTrouble(DownloadTrouble trouble, const std::string& detail) {
+  const TroubleBox& box = BoxOf(trouble);
+  trouble_ = std::string_view(box.title) == kProgramTitle ? box.text + detail : box.title;
+  services_.messageBoxes.Show(box.text + detail, box.title, Buttons::Ok, box.icon);
+}
+
+void frmDownload::OnStall(int error) {
+  if (!state_.policy->IsComplete(state_)) return EndCutShort();
+  if (phase_ == Phase::Shown) return OnEndOfConnection();  // Stop is gone
+  if (onStalled) onStalled(error);
 }
 
 void frmDownload::OnEndOfConnection() {
-  const bool complete = services_.policy.IsComplete(state_);
-  std::string trouble;
-  if (!http_.HasReceived()) {
-    trouble = "The server has sent nothing.";
-  } else if (!complete || state_.length.value_or(state_.position) != state_.position) {
-    trouble = "The connection ended at byte " + std::to_string(state_.position) + " of " +
-              std::to_string(state_.length.value_or(0)) + ".";
-  }
+  if (!state_.policy->IsComplete(state_)) return EndCutShort();
+  const std::string trouble = http_.HasReceived() ? WrongLength() : "The server has sent nothing.";
   const bool shown = phase_ == Phase::Shown;
-  if (complete) DrawProgress(picDownloadProgress, 100, true);
-  ShowStatus(complete ? kCompleted : kAborted);
+  DrawProgress(picDownloadProgress, 100, true);
+  ShowStatus(kCompleted);
   ForgetTransfer();
   cmdDownload.SetEnabled(!shown);
-  cmdRun.SetEnabled(complete);
+  cmdRun.SetEnabled(true);
   Finish(trouble.empty(), trouble);
-  if (complete && !shown) Unload();
+  if (!shown) Unload();
+}
+
+// What has come stays; a request of its own fetches the rest.
+void frmDownload::EndCutShort() {
+  const std::string trouble = WrongLength();
+  ShowStatus(trouble);
+  Reset();
+  cmdRun.SetEnabled(false);
+  cmdPause.SetText(kResume);
+  cmdPause.SetEnabled(true);
+  Finish(false, trouble);
+}
+
+std::string frmDownload::WrongLength() const {
+  if (state_.length.value_or(state_.position) == state_.position) return {};
+  return "The connection ended at byte " + std::to_string(state_.position) + " of " +
+         std::to_string(*state_.length) + ".";
 }
 
 void frmDownload::Reset() {
@@ -328,14 +317,27 @@ void frmDownload::ForgetTransfer() {
   cmdStop.SetEnabled(false);
 }
 
-void frmDownload::Finish(bool whole, const std::string& trouble) {
+void frmDownload::Finish(bool whole, std::string trouble) {
   phase_ = Phase::Idle;
   tmrUpdateProgress_->Stop();
   tmrTimeLeft_->Stop();
   ftpStart_->Cancel();
   tmrFtpStart_->Stop();
+  if (!replaced_.empty() && !PutInPlace(whole)) {
+    whole = false;
+    trouble = BoxOf(DownloadTrouble::CannotWrite).text;
+  }
   mnuSave.SetEnabled(whole);
   if (onEnded) onEnded({state_.Url, state_.LocalPath, whole, trouble});
+}
+
+// Of the file beside another nothing stays.
+bool frmDownload::PutInPlace(bool whole) {
+  const std::string beside = state_.LocalPath;
+  state_.LocalPath = std::exchange(replaced_, {});
+  const bool done = !whole || services_.files.Copy(beside, state_.LocalPath).empty();
+  services_.files.Remove(beside);
+  return done;
 }
 
 float frmDownload::SecondsOfDay() const {
@@ -402,6 +404,11 @@ void frmDownload::ShowCompletion() {
 }
 
 void frmDownload::PauseOrResume() {
+  if (phase_ == Phase::Idle) {
+    cmdPause.SetEnabled(false);
+    if (onDownload) onDownload(request_);
+    return;
+  }
   if (!(state_.TotalSize > state_.WritePos)) return;
   const bool pause = cmdPause.Text() == kPause;
   cmdStop.SetEnabled(!pause);

@@ -14,8 +14,26 @@
 namespace orvanto {
 
 class Clipboard;
+class ProgramFolder;
 class Shell;
 class TextLog;
+struct RemoteSettings;
+
+struct DownloadServices {
+  EventLoop& loop;
+  SocketHost& sockets;
+  Files& files;
+  const Clock& clock;
+  Clipboard& clipboard;
+  Shell& shell;
+  MessageBoxes& messageBoxes;
+  Registry& registry;
+  Settings& settings;
+  const RemoteSettings& remoteSettings;
+  const ProgramFolder& folder;
+  // False while somebody below handles events: the FTP path would keep him from going on.
+  std::function<bool()> mayWait;
+};
 
 // How a download has ended.
 struct DownloadEnd {
@@ -25,31 +43,26 @@ struct DownloadEnd {
   std::string trouble;
 };
 
+struct DownloadRequest {
+  std::string url;
+  bool replace = false;  // a file that is there is an old one, not a part; as the policy goes
+};
+
 class frmDownload : public forms::Form {
  public:
-  struct Services {
-    EventLoop& loop;
-    SocketHost& sockets;
-    Files& files;
-    const Clock& clock;
-    Clipboard& clipboard;
-    Shell& shell;
-    MessageBoxes& messageBoxes;
-    Settings& settings;
+  // Those of all downloads, and what is the window's own.
+  struct Services : DownloadServices {
     DownloadOptions& options;
     TextLog& log;  // of headers and FTP
-    const DownloadPolicy& policy;
-    // False while somebody below handles events: the FTP path would keep him from going on.
-    std::function<bool()> mayWait;
   };
   // The state outlives it. Destroyed while an FTP download runs it is lost: end that first.
   frmDownload(forms::FormHost& host, const Services& services, DownloadState& state);
 
   // Shows the window.
   void Open();
-  // Opens the window and fetches the URL into that folder. Not while a download runs. From the
-  // loop: boxes may come.
-  void Begin(const std::string& url, const std::string& folder);
+  // Opens the window and fetches the file into the program's folder, by the policy, which outlives
+  // it. Not while a download runs. From the loop: boxes may come.
+  void Begin(const DownloadRequest& request, const DownloadPolicy& policy);
   // From Begin until onEnded; also while it is paused, and when its connection has failed.
   bool Running() const { return phase_ != Phase::Idle; }
 
@@ -61,8 +74,9 @@ class frmDownload : public forms::Form {
   // `percent` of the box is filled by a bar that inverts the text.
   static void DrawProgress(forms::PictureBox& box, std::int16_t percent, bool showText);
 
-  std::function<void(const std::string& url)> onDownload;  // the button
-  std::function<void()> onProgress;                        // the figures have been renewed
+  // The button; or that to resume what was cut short.
+  std::function<void(const DownloadRequest& request)> onDownload;
+  std::function<void()> onProgress;  // the figures have been renewed
   // The connection has failed, or could not be made: nothing more happens until Stop.
   std::function<void(int error)> onStalled;
   std::function<void(const DownloadEnd& end)> onEnded;
@@ -87,18 +101,22 @@ class frmDownload : public forms::Form {
   void BeginTransfer();
   void RunFtp();
   void OnReceived();
-  void OnTrouble(HttpDownload::Trouble trouble);
+  void OnTrouble(DownloadTrouble trouble, const std::string& detail);
+  void OnStall(int error);
   void OnEndOfConnection();
+  void EndCutShort();
+  std::string WrongLength() const;
   void RenewFigures();
   void CountTime();
   void PauseOrResume();
   void Stop();
   void Abort();
   void ForgetTransfer();
-  void Finish(bool whole, const std::string& trouble);
+  void Finish(bool whole, std::string trouble);
+  bool PutInPlace(bool whole);
   void ShowBox(bool shown);
   void ShowStatus(const std::string& text);
-  void ShowTrouble(HttpDownload::Trouble trouble);
+  void ShowTrouble(DownloadTrouble trouble, const std::string& detail = {});
   void ShowCompletion();
   float SecondsOfDay() const;
 
@@ -111,6 +129,8 @@ class frmDownload : public forms::Form {
   const std::unique_ptr<Deferred> ftpStart_;
   const std::unique_ptr<Timer> tmrFtpStart_;  // as long as it may not wait
   Phase phase_ = Phase::Idle;
+  DownloadRequest request_;
+  std::string replaced_;  // what the file takes the place of; empty for nothing
   bool FtpMode_ = false;
   bool ProxyFtp_ = false;  // nothing sets it
   bool ftpAgain_ = false;  // as soon as the path that was paused has returned

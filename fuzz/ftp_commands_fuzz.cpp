@@ -25,7 +25,8 @@ struct Desk {
   ProgramFolder folder;
   RemoteSettings remote;
   frmFtpserver window{platform.forms};
-  FtpServer server{{platform.sockets, platform.files, platform.clock, folder, window}, remote};
+  FtpServer server{
+      {platform.loop, platform.sockets, platform.files, platform.clock, folder, window}, remote};
 };
 
 void Talk(Desk& desk, std::string stream) {
@@ -33,6 +34,7 @@ void Talk(Desk& desk, std::string stream) {
   sockets.front()->PeerConnects();
   auto& command = **std::next(sockets.begin(), 2);
   auto& data = **std::next(sockets.begin(), 3);
+  auto& listener = **std::next(sockets.begin(), 4);
   while (!stream.empty()) {
     const auto what = static_cast<unsigned char>(stream[0]);
     const std::size_t size = std::min<std::size_t>(stream.size() - 1, what / 8);
@@ -56,6 +58,9 @@ void Talk(Desk& desk, std::string stream) {
       case 4:
         data.ConnectFailed(10061);
         break;
+      case 5:
+        listener.PeerConnects();
+        break;
       default:
         command.PeerSends(piece);
     }
@@ -68,6 +73,9 @@ void Talk(Desk& desk, std::string stream) {
 void Run(const std::string& stream) {
   static Desk desk;
   desk.Begin();
+  // Of somebody who is let in.
+  desk.remote.compat = stream.size() % 2 == 1;
+  desk.remote.strict = stream.size() % 4 > 1;
   Talk(desk, stream);
   desk.server.Unload();
   for (auto* const socket : desk.platform.sockets.sockets) {

@@ -75,6 +75,7 @@ class OneFile : public Files {
     if (folder == "c:\\" && each("d", EntryKind::Folder)) each("f", EntryKind::File);
   }
   void ListDetails(const std::string&, const std::function<bool(const Entry&)>&) override {}
+  std::optional<Facts> Look(const std::string&) const override { return {}; }
   std::vector<std::string> Drives() const override { return {}; }
   Opened Open(const std::string&, Access) override { return {nullptr, kPermissionError}; }
   bool Read(const std::string& path, std::string& contents) override {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,14 @@ class Files {
   };
   virtual void ListDetails(const std::string& folder,
                            const std::function<bool(const Entry& entry)>& each) = 0;
+
+  // What is under this path, of any kind; nothing where nothing is. A link says so wherever it
+  // leads, even nowhere.
+  struct Facts {
+    bool isLink;
+    std::int64_t changed;  // seconds since 1970-01-01 00:00 UTC; of a link, its own
+  };
+  virtual std::optional<Facts> Look(const std::string& path) const = 0;
 
   // The roots of the drives, as "C:\\".
   virtual std::vector<std::string> Drives() const = 0;

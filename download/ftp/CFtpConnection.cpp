@@ -1,5 +1,6 @@
 #include "download/ftp/CFtpConnection.h"
 
+#include <charconv>
 #include <utility>
 
 #include "download/ftp/Listing.h"
@@ -23,6 +24,7 @@ constexpr FtpCommand kMkd{"MKD", 257};
 constexpr FtpCommand kRmd{"RMD", 250};
 constexpr FtpCommand kRnfr{"RNFR", 350};
 constexpr FtpCommand kRnto{"RNTO", 250};
+constexpr FtpCommand kSize{"SIZE", 213};
 constexpr FtpCommand kQuit{"QUIT", 221};
 constexpr FtpCommand kAbor{"ABOR", 226};
 constexpr FtpCommand kList{"LIST", 150};
@@ -195,9 +197,22 @@ bool CFtpConnection::RenameFile(const std::string& from, const std::string& to) 
   return Run([&] { return control_.Ask(kRnfr, from) && control_.Ask(kRnto, to); });
 }
 
+bool CFtpConnection::GetFileSize(const std::string& name, std::uint64_t& size) {
+  return Run([&] {
+    if (!SayType() || !control_.Ask(kSize, name)) return false;
+    const std::string& reply = control_.Reply().text;
+    return std::from_chars(reply.data() + 4, reply.data() + reply.size(), size).ec == std::errc() ||
+           control_.Fail(kFtpBadSize);
+  });
+}
+
+bool CFtpConnection::SayType() {
+  return control_.Ask(kType, std::string(1, static_cast<char>(TransferMode)));
+}
+
 bool CFtpConnection::ConnectData() {
-  return control_.Ask(kType, std::string(1, static_cast<char>(TransferMode))) &&
-         transfer_.Connect(PassiveMode);
+  return SayType() && (PassiveMode ? transfer_.ConnectToServer(CorrectsPassiveAddress)
+                                   : transfer_.ListenForServer());
 }
 
 bool CFtpConnection::EnumFiles(CFTPFiles& files) {

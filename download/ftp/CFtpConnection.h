@@ -52,7 +52,9 @@ class CFtpConnection {
   std::string Password;              // which gets a password, too, when there is none
   Type TransferMode = Type::Binary;  // only said to the server: the bytes stay as they are
   bool PassiveMode = false;          // the client makes the data connection
-  std::int32_t Timeout = 30;         // seconds that the server may be silent
+  // Then an address of the server that is private or zero gives way to that of the connection.
+  bool CorrectsPassiveAddress = false;
+  std::int32_t Timeout = 30;  // seconds that the server may be silent
   bool Busy() const { return busy_; }
   bool IsConnected() const { return control_.IsConnected(); }
   // As far as it is known: what PWD told, or where CWD and CDUP have led since.
@@ -80,6 +82,8 @@ class CFtpConnection {
   bool RemoveDirectory(const std::string& name);
   bool DeleteFile(const std::string& name);
   bool RenameFile(const std::string& from, const std::string& to);
+  // As it is transferred: in TransferMode.
+  bool GetFileSize(const std::string& name, std::uint64_t& size);
 
   // Adds what is in the current directory.
   bool EnumFiles(CFTPFiles& files);
@@ -104,6 +108,7 @@ class CFtpConnection {
   void Report(const std::string& lines);
   bool AwaitGreeting();
   bool LogIn();
+  bool SayType();
   bool ConnectData();
   bool Abort(std::size_t replies);
 

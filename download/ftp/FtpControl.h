@@ -43,6 +43,7 @@ class FtpControl {
   void Close();
   bool IsConnected() const { return wscControl_->GetState() == TcpSocket::State::Connected; }
   std::string OwnAddress() const { return wscControl_->BoundAddress(); }
+  std::string ServerAddress() const { return wscControl_->RemoteAddress(); }
 
   // For a method that begins: forgets the error and the interruption. `seconds` is what it waits
   // for a sign of life before somebody is asked.

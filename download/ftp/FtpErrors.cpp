@@ -81,6 +81,7 @@ constexpr Row kOwn[] = {
     {0, kFtpBadAddress, "The server names no address for the data connection."},
     {0, kFtpLocalFile, "The local file cannot be opened, read or written."},
     {0, kFtpListingTooLong, "The listing is too long."},
+    {0, kFtpBadSize, "The server names no size of the file."},
 };
 
 }  // namespace

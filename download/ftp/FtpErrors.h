@@ -27,6 +27,7 @@ enum FtpErrorNumber : int {
   kFtpBadAddress = 63,
   kFtpLocalFile = 64,
   kFtpListingTooLong = 65,
+  kFtpBadSize = 66,
 };
 
 // A code that is known and no error, or not known at all, has neither number nor text.

@@ -28,6 +28,13 @@ std::string_view InParentheses(std::string_view text) {
   return text.substr(0, std::min(text.find(')'), text.size()));
 }
 
+// Seen from another network: of this host, of a local or a private network.
+bool LeadsNowhere(int first, int second) {
+  return first == 0 || first == 10 || first == 127 || (first == 169 && second == 254) ||
+         (first == 172 && second / 16 == 1) || (first == 192 && second == 168) ||
+         (first == 100 && second / 64 == 1);
+}
+
 }  // namespace
 
 FtpTransfer::FtpTransfer(const Services& services)
@@ -51,9 +58,7 @@ void FtpTransfer::Begin(Kind kind) {
   kind_ = kind;
 }
 
-bool FtpTransfer::Connect(bool passive) { return passive ? ConnectToServer() : ListenForServer(); }
-
-bool FtpTransfer::ConnectToServer() {
+bool FtpTransfer::ConnectToServer(bool corrected) {
   FtpControl& control = services_.control;
   if (!control.Ask(kPasv)) return false;
   const auto numbers = ParseOctets<6>(InParentheses(control.Reply().text), ',');
@@ -63,6 +68,7 @@ bool FtpTransfer::ConnectToServer() {
   for (std::size_t i = 0; i < 4; ++i) {
     address += (i > 0 ? "." : "") + std::to_string((*numbers)[i]);
   }
+  if (corrected && LeadsNowhere((*numbers)[0], (*numbers)[1])) address = control.ServerAddress();
   control.SetStep("MakePassiveDataConnection");
   wscData_->Connect(address, static_cast<std::uint16_t>(port));
   if (!control.WaitUntil([this] { return connected_ || fault_.number != 0; })) return false;

@@ -32,7 +32,10 @@ class FtpTransfer {
   // A transfer goes through these steps, as long as each succeeds; an upload opens its file before
   // it connects. Nothing moves before there is a file.
   void Begin(Kind kind);
-  bool Connect(bool passive);
+  // An address of the server that is private or zero may be `corrected` to that of the control
+  // connection.
+  bool ConnectToServer(bool corrected);
+  bool ListenForServer();
   bool Command(const FtpCommand& command, const std::string& argument = {});
   bool OpenLocal(const std::string& path, std::uint64_t offset);
   void SendFile();
@@ -47,8 +50,6 @@ class FtpTransfer {
   void End();
 
  private:
-  bool ConnectToServer();
-  bool ListenForServer();
   void OnConnected();
   void OnData();
   void SendBlock();

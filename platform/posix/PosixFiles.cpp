@@ -146,6 +146,12 @@ void PosixFiles::ListDetails(const std::string& folder,
   });
 }
 
+std::optional<Files::Facts> PosixFiles::Look(const std::string& path) const {
+  struct stat status;
+  if (::lstat(ToNative(path).c_str(), &status) != 0) return std::nullopt;
+  return Facts{S_ISLNK(status.st_mode), status.st_mtime};
+}
+
 std::vector<std::string> PosixFiles::Drives() const { return {FromNative("/")}; }
 
 Files::Opened PosixFiles::Open(const std::string& path, Access access) {

@@ -48,14 +48,25 @@ std::string Reason() {
   return reason.empty() ? "error " + std::to_string(code) : reason;
 }
 
+// What a cloud service keeps is a reparse point too, but stands for itself. Wine does not tell the
+// tag: all of its reparse points are links.
+bool IsLink(const WIN32_FIND_DATAW& entry) {
+  return (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+         (entry.dwReserved0 == 0 || IsReparseTagNameSurrogate(entry.dwReserved0));
+}
+
+// In seconds since 1970.
+std::int64_t UnixTime(const FILETIME& moment) {
+  constexpr std::int64_t kTicks = 10'000'000;
+  constexpr std::int64_t kFrom1601 = 11'644'473'600;
+  const auto ticks = std::int64_t{moment.dwHighDateTime} << 32 | moment.dwLowDateTime;
+  return ticks / kTicks - kFrom1601;
+}
+
 Files::EntryKind KindOf(const WIN32_FIND_DATAW& entry) {
   const DWORD attributes = entry.dwFileAttributes;
-  // Folders that a cloud service keeps are reparse points too, but stand for themselves. Wine does
-  // not tell the tag: all of its reparse points are links.
-  const bool link = (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
-                    (entry.dwReserved0 == 0 || IsReparseTagNameSurrogate(entry.dwReserved0));
   if (attributes & FILE_ATTRIBUTE_DIRECTORY) {
-    return link ? Files::EntryKind::FolderLink : Files::EntryKind::Folder;
+    return IsLink(entry) ? Files::EntryKind::FolderLink : Files::EntryKind::Folder;
   }
   return attributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM) ? Files::EntryKind::Hidden
                                                                       : Files::EntryKind::File;
@@ -209,6 +220,14 @@ void Win32Files::ListDetails(const std::string& folder,
     return each({ToUtf8(entry.cFileName), KindOf(entry), isFolder ? 0 : size,
                  LocalTime(entry.ftLastWriteTime)});
   });
+}
+
+std::optional<Files::Facts> Win32Files::Look(const std::string& path) const {
+  WIN32_FIND_DATAW entry;
+  const FindHandle find(FindFirstFileExW(VerbatimPath(ToWide(path)).c_str(), FindExInfoBasic,
+                                         &entry, FindExSearchNameMatch, nullptr, 0));
+  if (!find) return std::nullopt;
+  return Facts{IsLink(entry), UnixTime(entry.ftLastWriteTime)};
 }
 
 std::vector<std::string> Win32Files::Drives() const {

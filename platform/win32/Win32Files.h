@@ -12,6 +12,7 @@ class Win32Files : public Files {
   void ListFolder(const std::string& folder, const EachEntry& each) override;
   void ListDetails(const std::string& folder,
                    const std::function<bool(const Entry& entry)>& each) override;
+  std::optional<Facts> Look(const std::string& path) const override;
   std::vector<std::string> Drives() const override;
   Opened Open(const std::string& path, Access access) override;
   bool Read(const std::string& path, std::string& contents) override;

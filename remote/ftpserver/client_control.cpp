@@ -10,6 +10,8 @@
 #include "platform/net/SocketError.h"
 #include "platform/text/Case.h"
 #include "platform/text/Lines.h"
+#include "remote/Access.h"
+#include "remote/ftpserver/FailedLogins.h"
 #include "remote/ftpserver/FtpPolicy.h"
 #include "remote/ftpserver/data_transfers.h"
 #include "remote/ftpserver/file_control.h"
@@ -17,11 +19,12 @@
 namespace orvanto {
 namespace {
 
-constexpr const char* kNoSuchFile = ": No such file or directory";
+constexpr const char* kSyntaxError = "501 Syntax error in parameters or arguments.";
+constexpr const char* kNoResuming = "504 Resuming is currently unsupported";
 constexpr const char* kPermissionDenied = "550 Permission denied.";
 
-// The port of "h1,h2,h3,h4,p1,p2"; nothing when it is none.
-std::optional<int> DataPort(std::string_view numbers) {
+// Of "h1,h2,h3,h4,p1,p2": the address with points and the port; nothing when it is none.
+std::optional<std::pair<std::string, int>> DataAddress(std::string_view numbers) {
   std::array<int, 6> parts{};
   const char* at = numbers.data();
   const char* const end = at + numbers.size();
@@ -31,8 +34,10 @@ std::optional<int> DataPort(std::string_view numbers) {
     if (error != std::errc() || parts[i] < 0 || parts[i] > 255) return std::nullopt;
     at = next;
   }
-  const int port = parts[4] * 256 + parts[5];
-  return at == end && port > 0 ? std::optional(port) : std::nullopt;
+  if (at != end) return std::nullopt;
+  std::string address = std::to_string(parts[0]);
+  for (std::size_t i = 1; i < 4; ++i) address += "." + std::to_string(parts[i]);
+  return std::pair(address, parts[4] * 256 + parts[5]);
 }
 
 // A number's beginning counts; what is none is 0.
@@ -53,7 +58,7 @@ const FtpClient::Command FtpClient::kCommands[] = {
     {"REST", &FtpClient::Rest, nullptr},
     {"PWD", &FtpClient::Pwd, nullptr},
     {"CWD", &FtpClient::Cwd, nullptr},
-    {"CDUP", &FtpClient::Cwd, nullptr},
+    {"CDUP", &FtpClient::Cdup, nullptr},
     {"PORT", &FtpClient::Port, &FtpClient::Always},
     {"LIST", &FtpClient::List, &FtpClient::Always},
     {"STOR", &FtpClient::Stor, &FtpClient::Always},
@@ -69,10 +74,20 @@ const FtpClient::Command FtpClient::kCommands[] = {
 FtpClient::FtpClient(const Services& services, std::int16_t index)
     : services_(services),
       commandSock_(services.sockets.NewSocket(SocketHost::Use::Conversation)),
+      pause_(services.loop.NewTimer([this] {
+        pause_->Stop();
+        (this->*afterPause_)();
+        GoOn();
+      })),
+      idle_(services.loop.NewTimer([this] { SayGoodbye("421 Idle for too long."); })),
       transfer_(std::make_unique<DataTransfer>(
-          DataTransfer::Services{services.sockets, services.files, services.log,
-                                 [this](const std::string& text) { Reply(text); },
-                                 [this] { GoOn(); }},
+          DataTransfer::Services{.loop = services.loop,
+                                 .sockets = services.sockets,
+                                 .files = services.files,
+                                 .log = services.log,
+                                 .reply = [this](const std::string& text) { Reply(text); },
+                                 .moved = [this] { Stir(); },
+                                 .ended = [this] { GoOn(); }},
           record_)) {
   record_.socketIndex = index;
   commandSock_->onDataArrival = [this] { GoOn(); };
@@ -89,15 +104,17 @@ bool FtpClient::IsFree() const {
   return !InUse() && commandSock_->GetState() != TcpSocket::State::Closing;
 }
 
-void FtpClient::Accept(TcpSocket::RequestId request, const FtpPolicy& policy,
+void FtpClient::Accept(TcpSocket::RequestId request, std::shared_ptr<const FtpPolicy> policy,
                        const std::string& rootFolder, const std::string& greeting) {
   if (!commandSock_->Accept(request)) return;
-  policy_ = &policy;
+  lines_ = LineAssembler(policy->LineEnds(), kLongestLine);
+  record_.policy = std::move(policy);
   record_.address = commandSock_->RemoteAddress();
   record_.rootFolder = record_.currentFolder = rootFolder;
   record_.currentDirectory = "/";
   since_ = services_.clock.Now();
   services_.log("Connected to " + record_.address + ", logging in...");
+  Stir();
   Reply("220 " + greeting);
 }
 
@@ -112,10 +129,8 @@ void FtpClient::EndRecord() {
   const std::int16_t index = record_.socketIndex;
   record_ = {};
   record_.socketIndex = index;
-  policy_ = nullptr;
-  loggedIn_ = false;
-  lines_.Restart();
-  lines_.SetLine("");
+  pause_->Stop();
+  idle_->Stop();
   waiting_.clear();
 }
 
@@ -125,10 +140,10 @@ std::string FtpClient::Describe() const {
 }
 
 // Takes what has arrived and what has waited, as far as it goes. Comes again with every arrival and
-// at the end of every transfer, which may be while it is at work.
+// at the end of every transfer and of a pause, which may be while it is at work.
 void FtpClient::GoOn() {
   if (std::exchange(goingOn_, true)) return;
-  while (InUse() && (RunWaiting() || TakePiece())) {
+  while (InUse() && !pause_->Enabled() && (RunWaiting() || TakePiece())) {
   }
   goingOn_ = false;
 }
@@ -153,22 +168,44 @@ bool FtpClient::TakePiece() {
 }
 
 void FtpClient::OnLine(const std::string& line, Order order) {
+  Stir();
+  const FtpPolicy& policy = *record_.policy;
   const std::size_t blank = std::min(line.find(' '), line.size());
-  const std::string_view name = std::string_view(line).substr(0, blank);
   const std::string argument = blank < line.size() ? line.substr(blank + 1) : "";
-  for (const Command& command : kCommands) {
-    if (!EqualIgnoringCase(name, command.name)) continue;
-    if (!loggedIn_ && !policy_->IsAllowedBeforeLogin(command.name)) {
-      return Reply("530 Not logged in.");
-    }
-    // Behind others that wait it waits as well, so that a PORT comes before its RETR.
-    const bool waits = order == Order::Fresh && (transfer_->Running() || !waiting_.empty()) &&
-                       command.disturbs != nullptr && (this->*command.disturbs)(argument);
-    if (!waits) return (this->*command.run)(argument);
-    if (waiting_.size() == kMostWaiting) return SayGoodbye("421 Too many commands are waiting.");
-    return waiting_.push_back(line);
+  const Command* const command = Find(policy.CommandOf(std::string_view(line).substr(0, blank)));
+  const bool allowed =
+      record_.loggedIn || policy.IsAllowedBeforeLogin(command == nullptr ? "" : command->name);
+  if (!allowed) return Refuse();
+  if (command == nullptr) {
+    if (const std::string reply = policy.ReplyToUnknown(); !reply.empty()) Reply(reply);
+    return;
   }
-  if (const std::string reply = policy_->ReplyToUnknown(); !reply.empty()) Reply(reply);
+  // Behind others that wait it waits as well, so that a PORT comes before its RETR.
+  const bool waits = order == Order::Fresh && (transfer_->Running() || !waiting_.empty()) &&
+                     command->disturbs != nullptr && (this->*command->disturbs)(argument);
+  if (!waits) return (this->*command->run)(argument);
+  if (waiting_.size() == kMostWaiting) return SayGoodbye("421 Too many commands are waiting.");
+  waiting_.push_back(line);
+}
+
+const FtpClient::Command* FtpClient::Find(std::string_view name) const {
+  for (const std::span<const Command> commands :
+       {record_.policy->MoreCommands(), std::span<const Command>(kCommands)}) {
+    for (const Command& command : commands) {
+      if (EqualIgnoringCase(name, command.name)) return &command;
+    }
+  }
+  return nullptr;
+}
+
+void FtpClient::Pause(std::chrono::milliseconds time, void (FtpClient::*then)()) {
+  afterPause_ = then;
+  pause_->Start(time);
+}
+
+void FtpClient::Stir() {
+  const auto limit = record_.policy->IdleLimit();
+  if (limit.count() > 0) idle_->Start(limit);
 }
 
 void FtpClient::Reply(const std::string& text) { commandSock_->Send(text + kCrLf); }
@@ -177,8 +214,12 @@ void FtpClient::ReplyWhether(bool done, const std::string& reply, const std::str
   Reply(done ? reply : failure);
 }
 
+std::string FtpClient::PathOf(Argument name) const {
+  return record_.policy->PathOf(services_.files, record_, name);
+}
+
 bool FtpClient::IsOfTransfer(Argument name) const {
-  return EqualIgnoringCase(policy_->PathOf(record_, name), record_.transferPath);
+  return EqualIgnoringCase(PathOf(name), record_.transferPath);
 }
 
 void FtpClient::User(Argument name) {
@@ -188,16 +229,37 @@ void FtpClient::User(Argument name) {
 
 void FtpClient::Pass(Argument password) {
   record_.password = password;
-  loggedIn_ = !services_.remote.passwordRequired || password == services_.remote.password;
-  if (loggedIn_) services_.log("User " + record_.userName + " logged in.");
-  ReplyWhether(loggedIn_, "230 User logged in, proceed.", "530 Not logged in.");
+  LogIn();
 }
+
+// Nobody looks at a password while its address has to wait: whoever guesses cannot do so over
+// several connections at a time.
+void FtpClient::LogIn() {
+  const FtpPolicy& policy = *record_.policy;
+  const std::string& address = record_.address;
+  FailedLogins& failed = services_.failedLogins;
+  if (policy.SlowsFailedLogins() && failed.WaitOf(address).count() > 0) {
+    return Pause(failed.WaitOf(address), &FtpClient::LogIn);
+  }
+  const RemoteSettings& remote = services_.remote;
+  record_.loggedIn = (!policy.TakesLoginsHereOnly() || IsFromThisComputer(*commandSock_)) &&
+                     (!remote.passwordRequired || SamePassword(record_.password, remote.password));
+  if (record_.loggedIn) {
+    failed.Forget(address);
+    services_.log("User " + record_.userName + " logged in.");
+    return Reply("230 User logged in, proceed.");
+  }
+  if (!policy.SlowsFailedLogins()) return Refuse();
+  failed.Add(address);
+  Pause(failed.WaitOf(address), &FtpClient::Refuse);
+}
+
+void FtpClient::Refuse() { Reply("530 Not logged in."); }
 
 void FtpClient::Type(Argument type) { Reply("200 Type set to " + type); }
 
 void FtpClient::Rest(Argument offset) {
-  ReplyWhether(!IsAboveZero(offset), "350 Restarting at 0",
-               "504 Resuming is currently unsupported");
+  ReplyWhether(!IsAboveZero(offset), "350 Restarting at 0", kNoResuming);
 }
 
 void FtpClient::Pwd(Argument) {
@@ -205,37 +267,51 @@ void FtpClient::Pwd(Argument) {
 }
 
 void FtpClient::Cwd(Argument folder) {
-  const bool changed = policy_->ChangeDirectory(record_, folder);
+  const bool changed = record_.policy->ChangeDirectory(folder);
   ReplyWhether(changed, "250 Directory changed to " + record_.currentDirectory,
                "550 " + folder + kNoSuchFile);
 }
 
+void FtpClient::Cdup(Argument) { Cwd(".."); }
+
 void FtpClient::Port(Argument numbers) {
-  const std::optional<int> port = DataPort(numbers);
-  if (!port) return Reply("501 Syntax error in parameters or arguments.");
-  const int highest = policy_->HighestDataPort();
-  if (*port > highest) {
-    const std::string limit = "data port " + std::to_string(*port) + " is above " +
+  const auto peer = DataAddress(numbers);
+  peer ? SetDataPort(peer->first, peer->second) : Reply(kSyntaxError);
+}
+
+void FtpClient::SetDataPort(const std::string& address, int port) {
+  if (port <= 0 || port > 65535 || record_.onlyEpsv) return Reply(kSyntaxError);
+  const FtpPolicy& policy = *record_.policy;
+  if (port < policy.LowestDataPort() || !policy.TrustsDataPeer(record_, address)) {
+    return Reply("504 Only your own address, and ports from " +
+                 std::to_string(policy.LowestDataPort()) + ".");
+  }
+  const int highest = policy.HighestDataPort();
+  if (port > highest) {
+    const std::string limit = "data port " + std::to_string(port) + " is above " +
                               std::to_string(highest) + ", the highest that can be used.";
     services_.log("ERROR - PORT: " + limit);
     return Reply("501 The " + limit);
   }
-  record_.dataPort = *port;
+  transfer_->ConnectTo(port);
   Reply("200 Port command successful.");
 }
 
 void FtpClient::List(Argument) {
   Reply("150 Opening ASCII mode data connection for /bin/ls.");
-  transfer_->SendListing();
+  transfer_->SendListing({});
 }
 
 void FtpClient::Stor(Argument name) {
+  const std::string path = PathOf(name);
+  if (path.empty()) return Reply(kPermissionDenied);
+  if (std::exchange(record_.restartAt, 0) > 0) return Reply(kNoResuming);
   Reply("150 Opening BINARY mode data connection for " + name);
-  transfer_->ReceiveFile(policy_->PathOf(record_, name));
+  transfer_->ReceiveFile(path);
 }
 
 void FtpClient::Retr(Argument name) {
-  const std::string path = policy_->PathOf(record_, name);
+  const std::string path = PathOf(name);
   if (!IsFile(services_.files, path)) return Reply("550 " + name + kNoSuchFile);
   Reply("150 Opening BINARY mode data connection for " + name);
   transfer_->SendFile(path);
@@ -244,13 +320,12 @@ void FtpClient::Retr(Argument name) {
 void FtpClient::Ok(Argument) { Reply("200 Command ok."); }
 
 void FtpClient::Dele(Argument name) {
-  const bool done = DeleteOneFile(services_.files, policy_->PathOf(record_, name));
+  const bool done = DeleteOneFile(services_.files, PathOf(name));
   ReplyWhether(done, "250 DELE command successful.", kPermissionDenied);
 }
 
 void FtpClient::Rmd(Argument name) {
-  const bool done =
-      !name.empty() && RemoveOneFolder(services_.files, policy_->PathOf(record_, name));
+  const bool done = !name.empty() && RemoveOneFolder(services_.files, PathOf(name));
   ReplyWhether(done, "250 RMD command successful.", "550 Delete directory failed.");
 }
 

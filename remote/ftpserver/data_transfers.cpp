@@ -6,7 +6,7 @@
 
 #include "platform/Files.h"
 #include "platform/net/SocketError.h"
-#include "remote/ftpserver/file_control.h"
+#include "remote/ftpserver/FtpPolicy.h"
 
 namespace orvanto {
 namespace {
@@ -22,7 +22,13 @@ constexpr const char* kCannotOpen = "550 Permission denied.";
 DataTransfer::DataTransfer(const Services& services, ClientRecord& record)
     : services_(services),
       record_(record),
-      dataSock_(services.sockets.NewSocket(SocketHost::Use::Data)) {
+      dataSock_(services.sockets.NewSocket(SocketHost::Use::Data)),
+      listener_(services.sockets.NewSocket(SocketHost::Use::Data)),
+      clock_(services.loop.NewTimer([this] {
+        ForgetConnection();
+        if (Running()) Fail(NumberedErrorText(kConnectTimedOut));
+      })) {
+  listener_->onConnectionRequest = [this](TcpSocket::RequestId request) { OnRequest(request); };
   dataSock_->onConnected = [this] { OnConnected(); };
   dataSock_->onSendComplete = [this] { SendNext(); };
   dataSock_->onDataArrival = [this] { OnArrival(); };
@@ -48,27 +54,89 @@ std::string DataTransfer::Describe() const {
   }
 }
 
+void DataTransfer::ConnectTo(int port) {
+  ForgetConnection();
+  record_.dataPort = port;
+}
+
+std::uint16_t DataTransfer::ListenOn(const std::string& address) {
+  ConnectTo(0);
+  if (!listener_->Listen(0, address)) {
+    services_.log("ERROR - dataSock: " + NumberedErrorText(listener_->LastError()));
+    return 0;
+  }
+  StartClock();
+  return listener_->LocalPort();
+}
+
+void DataTransfer::SendListing(const ListingForm& form) {
+  form_ = form;
+  Begin(Task::List, {});
+}
+
 void DataTransfer::Begin(Task task, const std::string& path) {
-  dataSock_->Close();
   task_ = task;
   record_.transferPath = path;
+  if (connected_) return Start();
+  StartClock();
+  if (listener_->GetState() == TcpSocket::State::Listening) return;
+  dataSock_->Close();
   if (record_.dataPort == 0) return Fail("No PORT was given (0)");
   dataSock_->Connect(record_.address, static_cast<std::uint16_t>(record_.dataPort));
 }
 
+void DataTransfer::StartClock() {
+  const auto limit = record_.policy->DataLimit();
+  if (limit.count() > 0) clock_->Start(limit);
+}
+
+void DataTransfer::OnRequest(TcpSocket::RequestId request) {
+  if (!dataSock_->Accept(request)) return;
+  const std::string peer = dataSock_->RemoteAddress();
+  if (!record_.policy->TrustsDataPeer(record_, peer)) {
+    services_.log("ERROR - dataSock: turned away " + peer);
+    return dataSock_->Close();
+  }
+  listener_->Close();
+  OnConnected();
+}
+
 void DataTransfer::OnConnected() {
+  clock_->Stop();
   connected_ = true;
+  if (Running()) Start();
+}
+
+void DataTransfer::Start() {
+  // The client may have sent all of a file before it says what it is.
+  const bool over = dataSock_->GetState() != TcpSocket::State::Connected;
+  if (over && (task_ != Task::Receive || dataSock_->LastError() != 0)) {
+    return Fail(NumberedErrorText(dataSock_->LastError()));
+  }
   if (task_ == Task::List) {
-    listing_ = ListingOf(services_.files, record_.currentFolder);
+    listing_ = ListingOf(services_.files, record_.currentFolder, form_);
     return SendNext();
   }
-  const auto access = task_ == Task::Send ? Files::Access::Read : Files::Access::Write;
-  file_ = OpenFile(services_.files, record_.transferPath, access);
+  if (task_ == Task::Receive) {
+    if (!OpenToReceive()) return End(kCannotOpen);
+    OnArrival();
+    return over ? End(kComplete) : void();
+  }
+  file_ = OpenFile(services_.files, record_.transferPath, Files::Access::Read);
   if (!file_) return End(kCannotOpen);
-  if (task_ == Task::Receive) return;
   record_.transferLength = file_->Size();
-  record_.bytesSent = 0;
+  record_.bytesSent = std::exchange(record_.restartAt, 0);
+  if (record_.bytesSent > record_.transferLength) return End("554 The file is shorter than that.");
   SendNext();
+}
+
+bool DataTransfer::OpenToReceive() {
+  Files& files = services_.files;
+  const std::string& path = record_.transferPath;
+  const bool replaces = record_.policy->ReplacesFiles() && IsFile(files, path);
+  if (replaces && !DeleteOneFile(files, path)) return false;
+  file_ = OpenFile(files, path, Files::Access::Write);
+  return file_ != nullptr;
 }
 
 // Also raised when nothing is sent.
@@ -80,6 +148,7 @@ void DataTransfer::SendNext() {
   if (listed_ == listing_.size()) return End(kComplete);
   const std::string_view chunk = std::string_view(listing_).substr(listed_, kListingChunk);
   listed_ += chunk.size();
+  services_.moved();
   dataSock_->Send(chunk);
 }
 
@@ -91,16 +160,19 @@ void DataTransfer::SendChunk() {
   // The file cannot be read, or somebody has cut it.
   if (count == 0) return End("451 Requested action aborted: local error in processing.");
   record_.bytesSent += count;
+  services_.moved();
   dataSock_->Send({chunk.data(), count});
 }
 
 void DataTransfer::OnArrival() {
+  if (!Running()) return;  // it waits for its command
   const std::string_view bytes = dataSock_->GetData();
-  if (task_ != Task::Receive || !file_) return;
+  if (task_ != Task::Receive || !file_ || bytes.empty()) return;
   if (file_->WriteAt(received_, bytes) != kNoError) {
     return End("452 Requested action not taken.");
   }
   received_ += bytes.size();
+  services_.moved();
 }
 
 void DataTransfer::Fail(const std::string& what) {
@@ -109,12 +181,28 @@ void DataTransfer::Fail(const std::string& what) {
 }
 
 void DataTransfer::Cancel() {
+  ForgetConnection();
   dataSock_->Close();
   Forget();
 }
 
+void DataTransfer::Abort() {
+  ForgetConnection();
+  dataSock_->Close();
+  End("426 Connection closed; transfer aborted.");
+}
+
+// That the client was to make, or has made before its command.
+void DataTransfer::ForgetConnection() {
+  clock_->Stop();
+  listener_->Close();
+  if (std::exchange(connected_, false)) dataSock_->Close();
+}
+
 void DataTransfer::Forget() {
   task_ = Task::None;
+  clock_->Stop();
+  listener_->Close();
   connected_ = false;
   file_.reset();
   listing_ = {};

@@ -1,10 +1,13 @@
 #include "remote/ftpserver/server_control.h"
 
+#include <charconv>
+#include <string_view>
 #include <vector>
 
 #include "core/Convert.h"
 #include "core/ProgramFolder.h"
 #include "platform/net/SocketError.h"
+#include "remote/ftpserver/FtpPolicy.h"
 #include "remote/ftpserver/frmFtpserver.h"
 
 namespace orvanto {
@@ -12,11 +15,21 @@ namespace {
 
 constexpr const char* kGreeting = "Quellmark FTP ready...";
 
+// Nothing when it is none.
+std::optional<std::uint16_t> PortNumber(std::string_view text) {
+  std::uint16_t port = 0;
+  text = TrimBlanks(text);
+  const char* const end = text.data() + text.size();
+  const auto [next, error] = std::from_chars(text.data(), end, port);
+  return error == std::errc() && next == end && port > 0 ? std::optional(port) : std::nullopt;
+}
+
 }  // namespace
 
 FtpServer::FtpServer(const Services& services, const RemoteSettings& remote)
     : services_(services),
       remote_(remote),
+      failedLogins_(services.clock),
       listener_(services.sockets.NewSocket(SocketHost::Use::Conversation)),
       errorSock_(services.sockets.NewSocket(SocketHost::Use::Conversation)) {
   listener_->onConnectionRequest = [this](TcpSocket::RequestId request) {
@@ -32,6 +45,13 @@ FtpServer::~FtpServer() = default;
 void FtpServer::Load() {
   if (services_.window.Loaded()) return;
   services_.window.Load();
+  Relisten();
+}
+
+void FtpServer::Relisten() {
+  if (!services_.window.Loaded()) return;
+  listener_->Close();
+  if (const std::string warning = MakeFtpPolicy(remote_)->Warning(); !warning.empty()) Log(warning);
   StartServer();
 }
 
@@ -46,12 +66,15 @@ void FtpServer::Unload() {
 }
 
 void FtpServer::StartServer() {
-  const std::uint16_t port = port_.value_or(policy_->ListeningPort());
+  const auto policy = MakeFtpPolicy(remote_);
+  const std::string portText = port_ ? std::to_string(*port_) : policy->ListeningPort();
+  const auto port = port_ ? port_ : PortNumber(portText);
+  if (!port) return Log("ERROR - start_server: \"" + portText + "\" is no port.");
   if (listener_->GetState() != TcpSocket::State::Listening &&
-      !listener_->Listen(port, policy_->ListeningAddress())) {
+      !listener_->Listen(*port, policy->ListeningAddress())) {
     const int error = listener_->LastError();
     return Log("ERROR - start_server: " + (error == kAddressInUse
-                                               ? "port " + std::to_string(port) + " is in use."
+                                               ? "port " + portText + " is in use."
                                                : NumberedErrorText(error)));
   }
   Log("Server started - Listening on port " + std::to_string(listener_->LocalPort()));
@@ -60,7 +83,7 @@ void FtpServer::StartServer() {
 void FtpServer::OnConnectionRequest(TcpSocket::RequestId request) {
   Log("Connection requested...");
   if (FtpClient* const client = FreeClient(); client != nullptr) {
-    client->Accept(request, *policy_, services_.folder.Scripts(), kGreeting);
+    client->Accept(request, MakeFtpPolicy(remote_), services_.folder.Scripts(), kGreeting);
   } else {
     TurnAway(request);
   }
@@ -72,10 +95,12 @@ FtpClient* FtpServer::FreeClient() {
     auto& client = clients_[i];
     if (!client) {
       client = std::make_unique<FtpClient>(
-          FtpClient::Services{.sockets = services_.sockets,
+          FtpClient::Services{.loop = services_.loop,
+                              .sockets = services_.sockets,
                               .files = services_.files,
                               .clock = services_.clock,
                               .remote = remote_,
+                              .failedLogins = failedLogins_,
                               .log = [this](const std::string& message) { Log(message); },
                               .announceServer = [this] { StartServer(); }},
           static_cast<std::int16_t>(i));

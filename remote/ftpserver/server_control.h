@@ -10,7 +10,7 @@
 
 #include "platform/Event.h"
 #include "platform/net/TcpSocket.h"
-#include "remote/ftpserver/FtpPolicy.h"
+#include "remote/ftpserver/FailedLogins.h"
 #include "remote/ftpserver/client_control.h"
 
 namespace orvanto {
@@ -21,25 +21,27 @@ class frmFtpserver;
 class FtpServer {
  public:
   struct Services {
+    EventLoop& loop;
     SocketHost& sockets;
     Files& files;
     const Clock& clock;
     const ProgramFolder& folder;
     frmFtpserver& window;
   };
-  // `remote` is read whenever its values are needed.
+  // `remote` is read whenever its values are needed. What begins to listen or connects takes its
+  // switches; who is connected keeps those he began with.
   FtpServer(const Services& services, const RemoteSettings& remote);
   ~FtpServer();
 
-  // For what begins to listen or connects from now on; must outlive that.
-  void SetPolicy(const FtpPolicy& policy) { policy_ = &policy; }
-  // Instead of the policy's port; 0 lets the system choose. Before Load.
+  // Instead of the port that is set; 0 lets the system choose. Before Load.
   void SetPort(std::optional<std::uint16_t> port) { port_ = port; }
   std::uint16_t Port() const { return listener_->LocalPort(); }  // 0: it does not listen
 
   // Loads the window and starts, or ends and unloads it. Nothing happens when it is so already.
   void Load();
   void Unload();
+  // The switches, the port or the address have changed: who is connected goes on.
+  void Relisten();
   // On every tick while the window is shown.
   void RefreshClients();
 
@@ -57,8 +59,7 @@ class FtpServer {
 
   const Services services_;
   const RemoteSettings& remote_;
-  const FtpPolicy defaultPolicy_;
-  const FtpPolicy* policy_ = &defaultPolicy_;
+  FailedLogins failedLogins_;
   std::optional<std::uint16_t> port_;
   const std::unique_ptr<TcpSocket> listener_;
   const std::unique_ptr<TcpSocket> errorSock_;                    // for those who are too many

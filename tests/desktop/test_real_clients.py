@@ -56,11 +56,12 @@ class RealClients(test_remote.Remote):
 
     def test_ftp(self):
         try:
-            socket.create_server(("", 22)).close()
+            for port in (21, 22):
+                socket.create_server(("", port)).close()
         except OSError as error:
-            self.skipTest(f"port 22, which is the server's, cannot be had: {error}")
+            self.skipTest(f"the server's ports cannot be had: {error}")
         home, self.port = self.serve(), 22
-        self.start(home)
+        process = self.start(home)
         self.wait_until_listening()
         curl = ["curl", "-sSm", "30", "--disable-eprt", "--ignore-content-length", "-P",
                 "127.0.0.1:20000-30000", "ftp://127.0.0.1:22/"]
@@ -76,3 +77,15 @@ class RealClients(test_remote.Remote):
             ftp.delete("a.scp")
             subprocess.check_call([*curl, "-Q", "DELE orvanto.exe"], stdout=subprocess.DEVNULL)
         self.assertEqual((len(listing), list((home / "scripts").iterdir())), (2, []))
+
+        # As it comes, with the server for today's clients.
+        process.kill()
+        process.wait()
+        self.orvanto(home, "set", "General", "Inet_Compat", "1")
+        self.start(home)
+        self.port = 21
+        self.wait_until_listening()
+        curl = ["curl", "-sSm", "30", "ftp://127.0.0.1/"]
+        subprocess.check_call([*curl, "-T", PROGRAM])
+        came_back = subprocess.check_output([*curl[:-1], curl[-1] + "orvanto.exe"])
+        self.assertEqual(came_back, pathlib.Path(PROGRAM).read_bytes())

@@ -75,6 +75,12 @@ http {{
       alias {folder}/;
       limit_rate 40m;
     }}
+    location /moved/ {{
+      rewrite ^/moved/(.*) /slow/$1 redirect;
+    }}
+    location /refused/ {{
+      return 403;
+    }}
   }}
 }}
 """}
@@ -98,7 +104,8 @@ def serve(name, folder, port=0):
     """Serves a folder until the block ends; at any free port, if none is told.
 
     By FTP one user may do everything, in both modes; pure-ftpd lets the anonymous read, at 20 MB a
-    second. nginx serves the folder once more as /slow, at 40 MiB a second, the first at once.
+    second. nginx serves the folder once more as /slow, at 40 MiB a second, the first at once;
+    /moved leads there, /refused nowhere.
     """
     with socket.create_server((HOST, port)) as free:
         port = free.getsockname()[1]

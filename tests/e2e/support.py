@@ -34,7 +34,8 @@ class HomeTest(unittest.TestCase):
 
     def start(self, home, first="runs the tasks in", ftp_port="0"):
         """Starts a scheduler and returns once it has said what `first` holds."""
-        process = subprocess.Popen([PROGRAM, "--home", home, "--ftp-port", ftp_port],
+        port = [] if ftp_port is None else ["--ftp-port", ftp_port]
+        process = subprocess.Popen([PROGRAM, "--home", home, *port],
                                    stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                                    stderr=subprocess.STDOUT, text=True)
         self.running.append(process)

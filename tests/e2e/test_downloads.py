@@ -42,6 +42,12 @@ class Downloads(support.HomeTest):
             time.sleep(0.001)
         return process
 
+    def cut_short(self):
+        process = self.begins(SLOW_HTTP + "big", 1)
+        self.nginx.process.kill()
+        self.assertIn("The connection ended at byte", process.communicate(timeout=20)[0])
+        self.assertEqual(process.returncode, 1)
+
     def test_whole(self):
         self.enterContext(stock_servers.serve("vsftpd", self.folder, 2121))
         for url in (HTTP, FTP, FTP.replace("1/", "1:2121/")):
@@ -74,10 +80,28 @@ class Downloads(support.HomeTest):
         self.says("Error occured while conencting to server", "ftp://127.0.0.1:22/big", 1)
         self.says("File Not Found", HTTP + "none", 1)
         self.assertEqual(os.listdir(self.home()), ["scripts"])
-        process = self.begins(SLOW_HTTP + "big", 1)
-        self.nginx.process.kill()
-        self.assertIn("The connection ended at byte", process.communicate(timeout=20)[0])
-        self.assertEqual(process.returncode, 1)
+        self.cut_short()
+
+    def test_with_todays_servers(self):
+        self.orvanto(self.home(), "set", "General", "Inet_Compat", "1")
+        self.enterContext(stock_servers.serve("vsftpd", self.folder, 2121))
+        self.enterContext(stock_servers.serve("nginx", self.folder, 8080))
+        http, ftp = "http://localhost:8080/", FTP.replace("1/", "1:2121/")
+        for first, then in ((http + "moved/", http), (SLOW_FTP, ftp)):
+            process = self.begins(first + "big", 30_000_001)
+            process.kill()
+            process.wait()
+            size = self.got.stat().st_size
+            with self.got.open("r+b") as got:
+                got.write(b"kept")  # What is there is not fetched again.
+            for _ in range(2):  # The second time it is whole already.
+                self.says("Downloaded big\n", then + "big")
+            self.assertLess(size, SIZE)
+            self.holds(b"kept" + self.big[4:])
+        self.says("403 Forbidden", http + "refused/big", 1)
+        self.says("https is not spoken", "https://127.0.0.1/big", 1)
+        self.assertFalse(self.got.exists())
+        self.cut_short()
 
     def test_those_of_a_script_one_after_the_other(self):
         urls = (SLOW_HTTP + "big", HTTP + "none", FTP + "sub/small")

@@ -7,6 +7,7 @@
 #include <ctime>
 #include <filesystem>
 #include <set>
+#include <system_error>
 
 #include "tests/platform/contracts.h"
 #include "tests/support/FakeFiles.h"
@@ -140,6 +141,7 @@ TEST_F(FilesContract, ListsWithDetailsAndRemovesFolders) {
     const std::chrono::sys_seconds time{std::chrono::seconds(moment)};
     std::filesystem::last_write_time(directory_ / "file", std::chrono::file_clock::from_sys(time));
     const std::tm* local = std::localtime(&moment);
+    EXPECT_EQ(files_->Look(In("FILE"))->changed, moment);
     std::set<std::string> seen;
     files_->ListDetails(In(""), [&](const Files::Entry& entry) {
       seen.insert(entry.name + (entry.kind == Files::EntryKind::Folder ? "\\" : " ") +
@@ -152,6 +154,14 @@ TEST_F(FilesContract, ListsWithDetailsAndRemovesFolders) {
       return true;
     });
     EXPECT_EQ(seen, (std::set<std::string>{"file 1234", "folder\\0"}));
+  }
+  EXPECT_FALSE(files_->Look(In("folder"))->isLink || files_->Look(In("file"))->isLink ||
+               files_->Look(In("none")));
+  std::error_code cannot;  // not everybody may make one
+  for (const char* target : {"folder", "file", "nowhere"}) {
+    const std::string link = std::string(target) + "link";
+    std::filesystem::create_symlink(target, directory_ / link, cannot);
+    EXPECT_TRUE(cannot || files_->Look(In(link))->isLink) << link;
   }
   EXPECT_NE(files_->RemoveFolder(In("folder")), "") << "it is not empty";
   EXPECT_NE(files_->RemoveFolder(In("file")), "");

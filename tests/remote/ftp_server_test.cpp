@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <regex>
 
 #include "core/ProgramSettings.h"
 #include "platform/net/SocketError.h"
@@ -30,7 +31,7 @@ class FtpServerTest : public testing::Test, protected CoreDesk {
  protected:
   FtpServerTest() {
     logged_ = server.logged.Subscribe([this](const std::string& line) {
-      EXPECT_EQ(line.substr(0, 11), "14:04:30 - ");
+      EXPECT_EQ(line.substr(8, 3), " - ");
       log.push_back(line.substr(11));
     });
     server.Load();
@@ -41,8 +42,8 @@ class FtpServerTest : public testing::Test, protected CoreDesk {
   }
 
   Socket& SocketAt(std::size_t i) { return **std::next(sockets.sockets.begin(), long(i)); }
-  Socket& Command(std::size_t client = 0) { return SocketAt(2 + 2 * client); }
-  Socket& Data(std::size_t client = 0) { return SocketAt(3 + 2 * client); }
+  Socket& Command(std::size_t client = 0) { return SocketAt(2 + 3 * client); }
+  Socket& Data(std::size_t client = 0) { return SocketAt(3 + 3 * client); }
 
   void Connect(std::size_t client = 0) {
     SocketAt(0).PeerConnects();
@@ -55,9 +56,21 @@ class FtpServerTest : public testing::Test, protected CoreDesk {
     Command(client).PeerSends(text);
     return Plain(Command(client).Sent());
   }
+  using Row = std::pair<std::string, std::string>;
+  void Talk(std::initializer_list<Row> rows, std::size_t client = 0) {
+    for (const auto& [line, reply] : rows) EXPECT_EQ(Say(line, client), reply + "\n") << line;
+  }
+  // Somebody connects to the client's passive port; whether he is let in.
+  bool Enter(const std::string& who = "10.1.2.3") {
+    const auto open = [this] { return SocketAt(4).GetState() == TcpSocket::State::Listening; };
+    if (!open()) return false;
+    Data().peer = who;
+    SocketAt(4).PeerConnects();
+    return !open();
+  }
   // The end of a transfer that runs; what the client has got then, and what it is told.
   std::string Received() {
-    Data().Connected();
+    if (Data().GetState() != TcpSocket::State::Connected) Data().Connected();
     for (int i = 0; i < 9; ++i) loop.DoEvents();
     return Data().Sent();
   }
@@ -65,7 +78,7 @@ class FtpServerTest : public testing::Test, protected CoreDesk {
 
   RemoteSettings remote;
   frmFtpserver window{forms};
-  FtpServer server{{sockets, files, clock, folder, window}, remote};
+  FtpServer server{{loop, sockets, files, clock, folder, window}, remote};
   Texts log;
   Subscription logged_;
 };
@@ -77,7 +90,7 @@ TEST_F(FtpServerTest, AnswersEachCommand) {
   files.listings[kScripts + "empty\\"] = {};
   files.listings[kScripts + "full\\"] = {"file"};
   Connect();
-  const std::pair<const char*, const char*> cases[] = {
+  Talk({
       {"user anna", "331 User name ok, need password."},
       {"PASS any", "230 User logged in, proceed."},
       {"tYpE A n", "200 Type set to A n"},
@@ -107,10 +120,7 @@ TEST_F(FtpServerTest, AnswersEachCommand) {
       {"PORT 1,2,3,4,5,6,7", "501 Syntax error in parameters or arguments."},
       {"PORT 1,2,3,4,-5,6", "501 Syntax error in parameters or arguments."},
       {"PORT 1,2,3,4,0,0", "501 Syntax error in parameters or arguments."},
-  };
-  for (const auto& [line, reply] : cases) {
-    EXPECT_EQ(Say(line), reply + std::string("\n")) << line;
-  }
+  });
   for (const char* line : {"", "FEAT", "STO R", " NOOP", "NOOP\nx"}) EXPECT_EQ(Say(line), "");
   EXPECT_EQ(files.contents.count(kScripts + "old"), 0U);
   EXPECT_EQ(Say("QUIT|NOOP"), "200 Command ok.\n");
@@ -126,7 +136,8 @@ TEST_F(FtpServerTest, AnswersEachCommand) {
 TEST_F(FtpServerTest, APasswordIsAskedForWhereItIsRequired) {
   remote.password = "secret";
   const std::tuple<bool, const char*, bool> cases[] = {
-      {false, "wrong", true}, {true, "Secret", false}, {true, "secret", true}};
+      {false, "wrong", true},        {true, "Secret", false}, {true, "secre", false},
+      {true, "secretsecret", false}, {true, "", false},       {true, "secret", true}};
   for (const auto& [required, password, in] : cases) {
     Connect();
     remote.passwordRequired = required;
@@ -324,6 +335,230 @@ TEST_F(FtpServerTest, TheTableHoldsAHundredAndOne) {
   EXPECT_EQ(log.back(), "ERROR - start_server: port 22 is in use.");
   server.SetPort(2101);
   EXPECT_FALSE(SocketAt(0).PeerConnects());
+}
+
+const std::string kOpening = "150 Opening ASCII mode data connection for ";
+const std::string kPassive = "227 Entering Passive Mode (10,9,8,7,19,136).";
+const std::string kExtended = "229 Entering Extended Passive Mode (|||5000|)";
+const std::string kSyntax = "501 Syntax error in parameters or arguments.";
+const std::string kFeatures =
+    "211-Features:\n EPRT\n EPSV\n MDTM\n PASV\n REST STREAM\n SIZE\n UTF8\n211 End";
+const std::string kNone = ": No such file or directory";
+const std::string kPortDone = "200 Port command successful.";
+
+TEST_F(FtpServerTest, AnswersWhatTodaysClientsAsk) {
+  remote.compat = true;
+  files.contents = {{kScripts + "f", "123456"}, {kScripts + "sub\\g", "g"}};
+  files.changed[kScripts + "f"] = {2026, 11, 5, 14, 7, 9, 0};
+  files.listings[kScripts] = {"f", "sub\\", "a.b.c"};
+  Connect();
+  const std::string other = "522 Network protocol not supported, use (1)";
+  Talk({
+      {"", "502 Command not implemented."},
+      {"NOOP\nnoop\r\nFEAT", "200 Command ok.\n200 Command ok.\n" + kFeatures},
+      {"OPTS UTF8 OFF", kSyntax},
+      {"SIZE /f|SIZE sub", "213 6\n550 sub" + kNone},
+      {"MDTM ./f|MDTM x", "213 20261105140709\n550 x" + kNone},
+      {"CWD .|CDUP|CWD sub", "250 Directory changed to /\n550 .." + kNone + "\n550 sub" + kNone},
+      {"RMD /", "550 Delete directory failed."},
+      {"PORT 1,2,3,4,255,255|EPRT !1!1.2.3.4!65535!", kPortDone + "\n" + kPortDone},
+      {"EPRT !2!::1!2000!|EPSV 2", other + "\n" + other},
+      {"EPRT !1!1.2.3.4!65536!|EPRT !1!1.2.3.4!2x!", kSyntax + "\n" + kSyntax},
+      {"EPRT !1!1.2.3.4!2000", kSyntax},
+      {"EPRT !1!|EPRT", kSyntax + "\n" + kSyntax},
+      {"REST 7|REST x", "350 Restarting at 7\n350 Restarting at 0"},
+      {"REST 99999999999999999999", "504 Resuming is currently unsupported"},
+      {"EPSV ALL|PASV|" + kPort, "200 EPSV ALL command successful.\n" + kSyntax + "\n" + kSyntax},
+      {"EPSV 1|LIST /f", kExtended + "\n" + kOpening + "/bin/ls."},
+  });
+  EXPECT_TRUE(Enter());
+  EXPECT_EQ(Received(), "-rwx------ 1 user group 6 Nov 05 14:07 f\r\n");
+  Answered();
+  const std::string all = "sub\r\nf\r\na.b.c\r\n";
+  const Row listings[] = {{"", all},       {" -a -F /", all},      {" .", all},    {" *", all},
+                          {" f", "f\r\n"}, {" ?.*c", "a.b.c\r\n"}, {" *.b", ""},   {" ..", ""},
+                          {" sub/*", ""},  {" /a*", "a.b.c\r\n"},  {" a.b.c?", ""}};
+  for (const auto& [what, names] : listings) {
+    Talk({{"EPSV|NLST" + what, kExtended + "\n" + kOpening + "file list."}});
+    EXPECT_TRUE(Enter());
+    EXPECT_EQ(Received(), names) << what;
+    EXPECT_EQ(Answered(), kComplete);
+  }
+}
+
+TEST_F(FtpServerTest, TodaysTransfers) {
+  remote.compat = true;
+  files.contents[kScripts + "f"] = std::string(2000, 'x') + "end";
+  const std::string sending = kSending + std::string("f\n");
+  Connect();
+  Talk({{"PASV", kPassive}});
+  EXPECT_EQ(SocketAt(4).listensOn, Ipv4{0x0A090807}) << "where the client has connected";
+  EXPECT_TRUE(Enter("10.6.6.6")) << "whoever it is, and before the command";
+  EXPECT_FALSE(SocketAt(4).PeerConnects()) << "one only";
+  EXPECT_EQ(Say("REST 2000|RETR f"), "350 Restarting at 2000\n" + sending);
+  EXPECT_EQ(Received(), "end");
+  EXPECT_EQ(Answered(), kComplete);
+  EXPECT_EQ(Say("RETR f"), sending + "425 Can't open data connection.\n");
+  EXPECT_TRUE((Say("PASV|REST 2004|RETR f"), Enter()));
+  EXPECT_EQ(Answered(), "554 The file is shorter than that.\n");
+  EXPECT_EQ(Say("REST 1|STOR f"), "350 Restarting at 1\n504 Resuming is currently unsupported\n");
+
+  EXPECT_TRUE((Say("PASV|RETR f"), Enter()));
+  const std::string aborted = "226 ABOR command successful.";
+  const std::string telnet = "\xFF\xF4\xFF\xF2";
+  Talk({{telnet + "ABOR|ABOR",
+         "426 Connection closed; transfer aborted.\n" + aborted + "\n" + aborted}});
+
+  EXPECT_TRUE((Say("PASV"), Enter()));
+  Data().PeerSends("new"), Data().PeerCloses();
+  EXPECT_EQ(Say("STOR f"), sending + kComplete) << "all of it was there before the command";
+  Say("PASV|STOR f");
+  EXPECT_EQ(files.contents[kScripts + "f"], "new") << "nothing of what was there before, and yet";
+  Enter(), Data().PeerCloses();
+  EXPECT_EQ(Answered(), kComplete);
+  EXPECT_EQ(files.contents[kScripts + "f"], "");
+  files.locked.insert(kScripts + "f");
+  Say("PASV|STOR f"), Enter();
+  EXPECT_EQ(Answered(), "550 Permission denied.\n");
+
+  Say("PASV"), Enter(), Data().PeerCloses();
+  EXPECT_EQ(Say("LIST"), kOpening + "/bin/ls.\n426 Connection closed; transfer aborted.\n");
+  for (const std::string& line : {kPort, std::string("ABOR"), std::string("QUIT")}) {
+    Say("PASV|" + line);
+    EXPECT_FALSE(Enter()) << "the port is not left open by " << line;
+  }
+}
+
+// As they are recorded; after a listing there is its data connection.
+TEST_F(FtpServerTest, DialoguesOfClientsThatAreNotTriedHere) {
+  remote.compat = true;
+  files.listings[kScripts] = {"f"};
+  const std::initializer_list<Row> ftpOfWindows = {
+      {"OPTS UTF8 ON|USER anna", "200 Names are in UTF-8.\n331 User name ok, need password."},
+      {"PASS x", "230 User logged in, proceed."},
+      {kPort + "|NLST", kPortDone + "\n" + kOpening + "file list."},
+  };
+  const std::initializer_list<Row> fileZilla = {
+      {"AUTH TLS|AUTH SSL", "502 Command not implemented.\n502 Command not implemented."},
+      {"USER anna", "331 User name ok, need password."},
+      {"PASS x|SYST|FEAT", "230 User logged in, proceed.\n200 Command ok.\n" + kFeatures},
+      {"OPTS UTF8 ON|PWD", "200 Names are in UTF-8.\n257 \"/\" is current directory."},
+      {"TYPE I|PASV|LIST", "200 Type set to I\n" + kPassive + "\n" + kOpening + "/bin/ls."},
+  };
+  for (const auto& dialogue : {ftpOfWindows, fileZilla}) {
+    Connect();
+    Talk(dialogue);
+    Enter();
+    EXPECT_TRUE(Received().ends_with("f\r\n"));
+    EXPECT_EQ(Answered(), kComplete);
+    Talk({{"XPWD|QUIT", "257 \"/\" is current directory.\n200 Command ok."}});
+    Command().Close();
+  }
+}
+
+TEST_F(FtpServerTest, StrictKeepsToTheClientsOwn) {
+  remote.strict = remote.passwordRequired = true;
+  remote.password = "p";
+  for (const char* name : {"link", "dir\\f", "dir/f", "..\\f", "sub\\f"}) {
+    files.contents[kScripts + name] = "x";
+  }
+  files.links = {kScripts + "link", kScripts + "dir"};
+  const std::string names =
+      R"(STOR ..\f|../f|sub/../f|sub\..\..\f|.||sub//f|sub/|sub\|\f|C:\O\f|C:f|f:s|f::$DATA|f.|f )"
+      R"(|sub /f|sub./f|...|nul|sub/Com1.txt|CONOUT$ .x|f*|link|dir/f|dir\f|\\h\f|//?/C:/f/)"
+      "|LPT\xC2\xB9|f\x01";
+  const std::string notIn = "530 Not logged in.";
+  for (const bool compat : {false, true}) {
+    remote.compat = compat;
+    Connect();
+    Talk({{"LIST|PASV|DELE f|OPTS UTF8 ON", notIn + "\n" + notIn + "\n" + notIn + "\n" + notIn},
+          {"NOOP|SYST|PASS p", "200 Command ok.\n200 Command ok.\n230 User logged in, proceed."}});
+    EXPECT_EQ(Say(std::regex_replace(names, std::regex("\\|"), "|STOR ")).find("150"),
+              std::string::npos);
+    Talk({{"RETR ..\\f|DELE ..\\f", "550 ..\\f" + kNone + "\n550 Permission denied."},
+          {"RMD .|CWD sub", "550 Delete directory failed.\n550 sub" + kNone},
+          {"RETR sub/../sub/f|CWD /", "550 sub/../sub/f" + kNone + "\n250 Directory changed to /"},
+          {"RETR sub\\f", kSending + std::string("sub\\f\n425 Can't open data connection.")},
+          {"PORT 10,1,2,4,78,32", "504 Only your own address, and ports from 1024."},
+          {"PORT 10,1,2,3,3,255", "504 Only your own address, and ports from 1024."},
+          {"PORT 10,1,2,3,4,0", kPortDone}});
+    if (!compat) Command().PeerCloses();
+  }
+  Talk({{"EPRT !1!10.1.2.4!2000!", "504 Only your own address, and ports from 1024."},
+        {"PASV", kPassive}});
+  Say("RETR /sub\\f");
+  EXPECT_FALSE(Enter("10.6.6.6"));
+  EXPECT_TRUE(Enter()) << "the port waits for the client";
+  Received();
+  EXPECT_EQ(Answered(), kComplete);
+}
+
+TEST_F(FtpServerTest, StrictHasLimitsOfTime) {
+  remote.compat = remote.strict = remote.passwordRequired = true;
+  remote.password = "p";
+  Connect(0), Connect(1);
+  EXPECT_EQ(Say("PASS x|NOOP") + Say("PASS p", 1), "");
+  loop.Advance(999);
+  EXPECT_EQ(Answered(), "");
+  loop.Advance(2);
+  EXPECT_EQ(Answered(), "530 Not logged in.\n200 Command ok.\n");
+  EXPECT_EQ(Plain(Command(1).Sent()), "230 User logged in, proceed.\n") << "not before the other";
+  for (const int seconds : {1, 2, 4, 8, 16, 32, 32}) {
+    EXPECT_EQ(Say("PASS x"), "") << seconds;
+    Command().PeerCloses(), Connect();  // which is of no use
+    Say("PASS x");
+    loop.Advance(seconds * 1000 - 1);
+    EXPECT_EQ(Answered(), "");
+    Command().PeerCloses(), loop.Advance(1), Connect();
+  }
+  EXPECT_EQ(Say("PASS p"), "230 User logged in, proceed.\n");
+  EXPECT_EQ(Say("PASS x"), "") << "from the beginning again";
+  loop.Advance(1000);
+  EXPECT_EQ(Answered() + Say("PASS p"), "530 Not logged in.\n230 User logged in, proceed.\n");
+
+  for (const std::string& how : {kPort, std::string("PASV")}) {
+    Say(how + "|LIST"), loop.Advance(14'999);
+    EXPECT_EQ(Answered(), "");
+    loop.Advance(1);
+    EXPECT_EQ(Answered(), "425 Can't open data connection.\n");
+  }
+  Say("PASV"), loop.Advance(15'000);
+  EXPECT_FALSE(Enter()) << "which nobody has used";
+  files.contents[kScripts + "f"] = std::string(3000, 'x');
+  Say(kPort + "|RETR f"), Data().Connected();
+  Data().room = 0, loop.DoEvents(), loop.Advance(14 * 60'000);
+  Data().room = 1024, Data().SendMore(), loop.DoEvents(), loop.Advance(14 * 60'000);
+  EXPECT_EQ(Answered(), "") << "it has moved meanwhile";
+  loop.Advance(60'000);
+  EXPECT_EQ(Answered(), "421 Idle for too long.\n");
+  EXPECT_EQ(log.back(), "User  logged out.");
+}
+
+TEST_F(FtpServerTest, TheSwitchesCountForWhatBeginsFromThenOn) {
+  Connect();
+  remote.compat = remote.strict = true;
+  remote.ftpPort = "21";
+  remote.bindAddress = "10.9.8.7";
+  EXPECT_EQ(Say("FEAT|PASS any"), "230 User logged in, proceed.\n") << "as it began";
+  Connect(1);
+  Say("PASS any", 1), loop.Advance(1000);
+  EXPECT_EQ(Plain(Command(1).Sent()), "530 Not logged in.\n") << "from another computer";
+  Command(1).peer = "127.0.0.1";
+  EXPECT_EQ(Say("PASS any", 1), "230 User logged in, proceed.\n");
+  server.Relisten();
+  EXPECT_EQ(Say("NOOP", 1), "200 Command ok.\n") << "it goes on";
+  EXPECT_EQ(log.end()[-2], "No password is set: nobody is let in from other computers.");
+  EXPECT_EQ(log.back(), "Server started - Listening on port 21");
+  EXPECT_EQ(SocketAt(0).listensOn, Ipv4{0x0A090807});
+  for (const char* text : {"", "0", "65536", "2x"}) {
+    remote.ftpPort = text;
+    server.Relisten();
+    EXPECT_EQ(log.back(), "ERROR - start_server: \"" + remote.ftpPort + "\" is no port.");
+  }
+  remote.ftpPort = "21";
+  server.Unload();
+  server.Relisten();
+  EXPECT_EQ(SocketAt(0).GetState(), TcpSocket::State::Closed);
 }
 
 }  // namespace

@@ -1,12 +1,18 @@
 #include "tests/support/FakeFiles.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "platform/text/Case.h"
 #include "platform/text/Utf8.h"
 
 namespace orvanto {
+namespace {
+
+constexpr DateTime kLongAgo{2001, 2, 3, 4, 5, 6, 7};
+
+}  // namespace
 
 std::map<std::string, std::string>::const_iterator FakeFiles::Find(const std::string& path) const {
   const auto exact = contents.find(path);
@@ -35,8 +41,18 @@ void FakeFiles::ListDetails(const std::string& folder,
     const auto file = Find(folder + name);
     const auto time = changed.find(folder + name);
     return each({name, kind, file == contents.end() ? 0 : file->second.size(),
-                 time == changed.end() ? DateTime{2001, 2, 3, 4, 5, 6, 7} : time->second});
+                 time == changed.end() ? kLongAgo : time->second});
   });
+}
+
+std::optional<Files::Facts> FakeFiles::Look(const std::string& path) const {
+  if (!Exists(path) && !listings.contains(path + "\\") && !links.contains(path)) return {};
+  const auto time = changed.find(path);
+  const DateTime is = time == changed.end() ? kLongAgo : time->second;
+  const std::chrono::sys_days day = std::chrono::year(is.year) / is.month / is.day;
+  const auto second = is.hour * 3600 + is.minute * 60 + is.second;
+  return Facts{links.contains(path),
+               std::chrono::sys_seconds(day).time_since_epoch().count() + second};
 }
 
 class FakeFiles::OpenFile : public File {

@@ -21,6 +21,7 @@ class FakeFiles : public Files {
   void ListFolder(const std::string& folder, const EachEntry& each) override;
   void ListDetails(const std::string& folder,
                    const std::function<bool(const Entry& entry)>& each) override;
+  std::optional<Facts> Look(const std::string& path) const override;
   std::vector<std::string> Drives() const override { return {"C:\\", "D:\\"}; }
   Opened Open(const std::string& path, Access access) override;
   bool Read(const std::string& path, std::string& text) override;
@@ -36,6 +37,7 @@ class FakeFiles : public Files {
   // not be in `contents`.
   std::map<std::string, Texts> listings;
   std::map<std::string, DateTime> changed;  // by path; others long ago
+  std::set<std::string> links;              // of those in `contents` or `listings`
   std::set<std::string> locked;             // can be neither removed, copied nor opened
   // Faults of open files: what the disk still takes, and the reads and writes that still succeed.
   std::size_t diskLeft = kAny;
