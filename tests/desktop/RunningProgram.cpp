@@ -1,5 +1,6 @@
 #include "tests/desktop/RunningProgram.h"
 
+#include <cctype>
 #include <thread>
 
 #include "platform/win32/Text.h"
@@ -18,7 +19,7 @@ void Send(WORD key, DWORD flags) {
   SendInput(1, &input, sizeof input);
 }
 
-// The key of the keyboard, and its Shift in the upper byte.
+// The key of the keyboard, and its Shift in the upper byte. Of characters: letters, digits, blanks.
 SHORT KeyOf(const KeyEvent& event) {
   for (const auto& [key, code] : {std::pair<Key, SHORT>{Key::Alt, VK_MENU},
                                   {Key::Tab, VK_TAB},
@@ -28,7 +29,8 @@ SHORT KeyOf(const KeyEvent& event) {
                                   {Key::Down, VK_DOWN}}) {
     if (event.key == key) return code;
   }
-  return VkKeyScanW(static_cast<wchar_t>(event.character));
+  const int character = static_cast<int>(event.character);
+  return static_cast<SHORT>(std::toupper(character) | (std::isupper(character) != 0 ? 0x100 : 0));
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ std::wstring Beside(const std::wstring& name);
 
 // Types where the keyboard is, in the notation of the scripts.
 void Type(const std::string& keys);
-// The same as a person does: key by key, waiting for nobody.
+// The same as a person does: key by key, waiting for nobody. Letters, digits, blanks and some keys.
 void PressKeys(const std::string& keys);
 
 // All top-level windows, visible or not, of a process (0: of any) with this class.

@@ -60,6 +60,7 @@ TEST_F(DesktopTest, KeysDoEverything) {
   const RunningProgram program;
   ASSERT_TRUE(program.MainIsInFront());
   const HWND tree = program.TreeWindow();
+  const auto treeHasKeyboard = [&] { return FocusBeside(tree) == tree; };
   PressKeys("%n");
   ASSERT_NE(InFront(L"New Task"), nullptr);
   // The group replaces the one that was selected on the way in; from program to message; past Now,
@@ -89,7 +90,7 @@ TEST_F(DesktopTest, KeysDoEverything) {
   ASSERT_NE(InFront(L"About Orvanto"), nullptr);
   PressKeys("{ESC}");
   ASSERT_TRUE(program.MainIsInFront());
-  EXPECT_TRUE(WaitFor([&] { return FocusBeside(tree) == tree; }));
+  EXPECT_TRUE(WaitFor(treeHasKeyboard));
   // Esc leaves the editor, from a list too, and a list first.
   PressKeys("%n");
   const HWND editor = InFront(L"New Task");
@@ -106,7 +107,7 @@ TEST_F(DesktopTest, KeysDoEverything) {
   const HWND deletes = program.Button(L"&Delete Task");
   PressKeys("{TAB 2} ");
   EXPECT_TRUE(WaitFor([&] { return TreeView_GetCount(tree) == 0; }));
-  EXPECT_TRUE(WaitFor([&] { return FocusBeside(tree) == tree; }));
+  EXPECT_TRUE(WaitFor(treeHasKeyboard));
   EXPECT_EQ(GetWindowLongPtrW(deletes, GWL_STYLE) & BS_TYPEMASK, BS_PUSHBUTTON);
   PressKeys("%x");
   EXPECT_EQ(program.ExitCode(), 0);
