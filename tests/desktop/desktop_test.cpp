@@ -82,7 +82,8 @@ TEST_F(DesktopTest, SavesAtTheEndOfTheSession) {
   Type("{DOWN}~");
   ASSERT_TRUE(WaitFor([&] { return IsTopMost(main); }));
   program.Press(L"&New Task");
-  ASSERT_NE(InFront(L"New Task"), nullptr);
+  RunningProgram::Press(InFront(L"New Task"), L"&Save");
+  EXPECT_NE(program.BoxInFront(), L"") << "it has no name, and nobody answers";
   std::vector<HWND> windows = TopLevel(program.Id(), L"OrvantoForm");
   windows.push_back(TopLevel(program.Id(), L"OrvantoLoop").at(0));
   for (const HWND window : windows) {
