@@ -424,14 +424,20 @@ TEST(Download, ReplacesAnOldFileByAWholeOne) {
     bool compat;
     const char* pieces;
     const char* held;
-  } kCases[] = {
-      {false, "HTTP/1.1 206 Partial Content~Content-Type: x~~new", "oldnew"},
-      {true, "HTTP/1.1 200 OK~Content-Length: 2~~no", "no"},
-      {true, "HTTP/1.1 200 OK~Content-Length: 4~~new", "old"},
-      {true, "HTTP/1.1 200 OK~Content-Length: 40~~this is more than the disk takes", "old"}};
-  for (const auto& [compat, pieces, held] : kCases) {
+    const char* box = "";
+    const char* locked = "";
+  } kCases[] = {{false, "HTTP/1.1 206 Partial Content~Content-Type: x~~new", "oldnew"},
+                {true, "HTTP/1.1 200 OK~Content-Length: 2~~no", "no"},
+                {true, "HTTP/1.1 200 OK~~half of the disk", "half of the disk"},
+                {true, "HTTP/1.1 200 OK~~new", "old", "The file cannot be written.", kPath},
+                {true, "HTTP/1.1 200 OK~Content-Length: 4~~new", "old"},
+                {true, "HTTP/1.1 200 OK~~this is more than the disk takes", "old",
+                 "The file cannot be written."}};
+  for (const auto& [compat, pieces, held, box, locked] : kCases) {
     DownloadDesk desk;
-    desk.switches.compat = desk.messageBoxes.answersAll = compat;
+    desk.switches.compat = compat;
+    if (*box != '\0') desk.Expect(box);
+    desk.files.locked = {locked};
     desk.files.contents = {{kPath, "old"}, {std::string(kPath) + ".new", "left"}};
     desk.files.diskLeft = 20;
     desk.downloads.BeginDownload(kUrl, true);
