@@ -263,7 +263,8 @@ void frmDownload::ShowTrouble(DownloadTrouble trouble, const std::string& detail
 
 void frmDownload::OnStall(int error) {
   if (!state_.policy->IsComplete(state_)) return EndCutShort();
-  if (phase_ == Phase::Shown) return OnEndOfConnection();  // Stop is gone
+  // Once it is shown to be complete, Stop is gone.
+  if (phase_ == Phase::Shown || state_.policy->IsWhole(state_)) return OnEndOfConnection();
   if (onStalled) onStalled(error);
 }
 
@@ -380,6 +381,7 @@ void frmDownload::RenewFigures() {
 }
 
 void frmDownload::CountTime() {
+  if (http_.IsOpen() && state_.policy->IsWhole(state_)) return ShowCompletion();
   if (!(state_.TotalSize > 0 && state_.WritePos > 0 && SpeedKbps_ > 0)) return;
   if (state_.TotalSize <= state_.WritePos) return ShowCompletion();
   Elapsed_.Tick();

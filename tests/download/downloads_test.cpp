@@ -283,6 +283,19 @@ TEST(Download, ShowsCompletionEarlyAndKeepsTheLastByte) {
   EXPECT_EQ(desk.files.contents["C:\\Orvanto\\large"].size(), length);
 }
 
+// The other side keeps the connection, or breaks it.
+TEST(Download, IsWholeWithAllThatWasTold) {
+  for (const bool broken : {false, true}) {
+    DownloadDesk desk;
+    desk.switches.compat = true;
+    desk.Begin();
+    desk.Hear("HTTP/1.1 200 x~Content-Length: 0~~");
+    desk.Http().receiveError = 10054;
+    broken ? desk.Http().Receive() : desk.loop.Advance(1000);
+    EXPECT_EQ(desk.File() + desk.ends, "[whole]");
+  }
+}
+
 TEST(Download, SavesACopyOfTheFinishedFile) {
   DownloadDesk desk;
   desk.Begin();
