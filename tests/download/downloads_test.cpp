@@ -140,6 +140,9 @@ TEST(Download, BelievesWhatTheHeaderSays) {
         "abcdefghij[The connection ended at byte 10 of 15.]"},
        {"abcdef", part + "5-9/10~~ghij", "abcdef[No Resuming Support]"},
        {"abcdef", part + "*/10~~ghij", "abcdef[No Resuming Support]"},
+       {"abcdef", part + "6-9/5~~ghij", "abcdef[No Resuming Support]"},
+       {"", "HTTP/1.1 200 x~Content-Range: bytes 0-1/2~~0123", "0123[whole]"},
+       {"", "HTTP/1.1 204 x~~", "none[The server does not send the file. It says: HTTP/1.1 204 x]"},
        {"abcdef", "HTTP/1.1 200 OK~~ghij", "abcdef[No Resuming Support]"},
        {"abcdef", "HTTP/1.1 416 x~Content-Range: bytes */6~~", "abcdef[whole]"},
        {"abcdef", "HTTP/1.1 416 x~Content-Range: bytes */5~~",
@@ -172,6 +175,7 @@ TEST(Download, GoesWhereTheServerSaysThatTheFileIs) {
       {"http://host:8080/a/file", "", 8080, RequestFor("/a/file", kRest, "host:8080")},
       {"http://host/a/file", "#b", 80, RequestFor("/a/file", kRest, "host")},
       {"http://host/a/file", "//10.1.1.1:81/b", 81, RequestFor("/b", kRest, "10.1.1.1:81")},
+      {"http://host/a/file", "//host?b", 80, RequestFor("/?b", kRest, "host")},
       {"http://host/a/file", "http://host?b", 80, RequestFor("/?b", kRest, "host")}};
   DownloadDesk desk;
   desk.files.contents[kPath] = "abcdef";
