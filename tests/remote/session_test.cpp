@@ -257,7 +257,9 @@ TEST_F(StrictSessionTest, ListensWhereItIsToldToAndWithoutAPasswordForThisComput
   EXPECT_EQ(socket.listensOn, Ipv4{});
   const std::string noPassword = "No password is set: nobody is let in from other computers.";
   for (const bool required : {true, false}) {
-    remote = {.passwordRequired = required, .strict = true};
+    remote = {};
+    remote.passwordRequired = required;
+    remote.strict = true;
     server.Relisten();
     EXPECT_EQ(Log(), kWaiting + "\r\n" + noPassword);
     for (const auto& [peer, welcome] :
