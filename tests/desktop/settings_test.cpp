@@ -24,8 +24,9 @@ TEST_F(DesktopTest, SettingsByKeyboard) {
   // Each time the tab is in sight that was the last one. At first there is a proxy "0".
   const std::pair<const char*, std::wstring> tabs[] = {
       {"%u%s", L"1||||||||||none"},
-      {"{RIGHT}{TAB 2}proxy{TAB}8x0%f%s", L"1|1|proxy||||||||none"},
-      {"{RIGHT}%v%r{TAB}secret%a{TAB}601{TAB}2121%s", L"1|1|proxy|1|secret|1|601|2121|||none"},
+      {"{RIGHT}{TAB 2}proxy{TAB}8x0{TAB} %s", L"1|1|proxy||||||||none"},
+      {"{RIGHT}{TAB} {TAB} {TAB}secret{TAB} {TAB}601{TAB}2121%s",
+       L"1|1|proxy|1|secret|1|601|2121|||none"},
       {"{RIGHT}%h%s", L"1|1|proxy|1|secret|1|601|2121|||1"},
       {"%i%s", L"1|1|proxy|1|secret|1|601|2121|||0"},
       {"{RIGHT}%t%i%s", L"1|1|proxy|1|secret|1|601|2121|1|1|0"},
@@ -38,7 +39,7 @@ TEST_F(DesktopTest, SettingsByKeyboard) {
     }));
     const HWND dialog = InFront(L"Settings");
     ASSERT_TRUE(WaitFor([&] { return FocusBeside(dialog) != nullptr; }));
-    Type(keys);
+    PressKeys(keys);
     WaitFor([&] { return all() == stored; });
     EXPECT_EQ(all(), stored) << keys;
     Type("%c");

@@ -411,11 +411,11 @@ TEST_F(FtpServerTest, TodaysTransfers) {
   EXPECT_TRUE((Say("PASV|RETR f"), Enter()));
   EXPECT_EQ(Say("PASV|REST 1|RETR f"), "") << "wait for its end";
   const std::string aborted = "426 Connection closed; transfer aborted.\n";
-  const std::string done = "226 ABOR command successful.";
+  const std::string over = "226 ABOR command successful.";
   const std::string telnet = "\xFF\xF4\xFF\xF2";
   Talk({{telnet + "ABOR",
-         aborted + done + "\n" + kPassive + "\n350 Restarting at 1\n" + kSending + "f"},
-        {"ABOR|ABOR", aborted + done + "\n" + done}});
+         aborted + over + "\n" + kPassive + "\n350 Restarting at 1\n" + kSending + "f"},
+        {"ABOR|ABOR", aborted + over + "\n" + over}});
 
   EXPECT_TRUE((Say("PASV"), Enter()));
   Data().PeerSends("new"), Data().PeerCloses();
