@@ -74,6 +74,11 @@ void DataTransfer::SendListing(const ListingForm& form) {
   Begin(Task::List, {});
 }
 
+void DataTransfer::SendFile(const std::string& path, std::uint64_t from) {
+  record_.bytesSent = from;
+  Begin(Task::Send, path);
+}
+
 void DataTransfer::Begin(Task task, const std::string& path) {
   task_ = task;
   record_.transferPath = path;
@@ -125,7 +130,6 @@ void DataTransfer::Start() {
   file_ = OpenFile(services_.files, record_.transferPath, Files::Access::Read);
   if (!file_) return End(kCannotOpen);
   record_.transferLength = file_->Size();
-  record_.bytesSent = std::exchange(record_.restartAt, 0);
   if (record_.bytesSent > record_.transferLength) return End("554 The file is shorter than that.");
   SendNext();
 }

@@ -398,7 +398,11 @@ TEST_F(FtpServerTest, TodaysTransfers) {
   EXPECT_EQ(Say("REST 2000|RETR f"), "350 Restarting at 2000\n" + sending);
   EXPECT_EQ(Received(), "end");
   EXPECT_EQ(Answered(), kComplete);
+  Say("REST 2|RETR none|REST 2");
   EXPECT_EQ(Say("RETR f"), sending + "425 Can't open data connection.\n");
+  EXPECT_TRUE((Say("PASV|RETR f"), Enter()));
+  EXPECT_EQ(Received(), files.contents[kScripts + "f"]) << "all of it";
+  EXPECT_EQ(Answered(), kComplete);
   EXPECT_TRUE((Say("PASV|REST 2004|RETR f"), Enter()));
   EXPECT_EQ(Answered(), "554 The file is shorter than that.\n");
   EXPECT_EQ(Say("REST 1|STOR f"), "350 Restarting at 1\n504 Resuming is currently unsupported\n");
