@@ -88,7 +88,7 @@ void TelnetServer::Restart() {
 }
 
 void TelnetServer::Relisten() {
-  if (!Listening()) return;
+  if (!on_ || Connected()) return;
   sck_->Close();
   ListenIfIdle();
 }

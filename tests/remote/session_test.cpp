@@ -252,6 +252,10 @@ TEST_F(StrictSessionTest, ListensWhereItIsToldToAndWithoutAPasswordForThisComput
   server.ServerOn();
   EXPECT_EQ(socket.listensOn, Ipv4{0x0A090807});
   EXPECT_EQ(Log(), kWaiting);
+  sockets.taken = {600};
+  server.Relisten();
+  EXPECT_EQ(Log(), "Port 600 of 10.9.8.7 cannot be used.");
+  sockets.taken = {};
   remote.strict = false;
   server.Relisten();
   EXPECT_EQ(socket.listensOn, Ipv4{});
