@@ -257,8 +257,10 @@ void TelnetServer::Login(const std::string& line) {
 // He may have gone, to be quicker with another connection: until then no password is looked at.
 void TelnetServer::Refuse() {
   tmrRefusal_->Stop();
-  if (refused_ == connection_ && Connected()) {
-    if (dropsRefused_) return Disconnect();
+  const bool there = refused_ == connection_ && Connected();
+  if (there && dropsRefused_) return Disconnect();
+  // A chat that has begun meanwhile asks at its end.
+  if (there && state_ == SessionState::Password) {
     SendAll({kCrLf, kCrLf});
     AskForPassword();
     Flush();

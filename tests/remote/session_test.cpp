@@ -243,8 +243,14 @@ TEST_F(StrictSessionTest, AChatLetsNobodyInAndSilenceEnds) {
     Connect();
     Line("");
     server.Kick();
-    loop.Advance(2000);
+    loop.Advance(4000);
   }
+  Connect();
+  Line("wrong");
+  server.StartChat();
+  socket.Sent();
+  loop.Advance(8000);
+  EXPECT_EQ(socket.Sent(), "") << "in a chat";
 }
 
 TEST_F(StrictSessionTest, ListensWhereItIsToldToAndWithoutAPasswordForThisComputer) {
