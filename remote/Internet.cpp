@@ -102,7 +102,8 @@ void TelnetServer::ReadPort() {
 void TelnetServer::ListenIfIdle() {
   if (sck_->GetState() != TcpSocket::State::Closed) return;
   log_.Begin("Waiting for Connection...");
-  if (TelnetPolicyFor(remote_).onlyThisComputer) log_.Append(std::string(kCrLf) + kNoPassword);
+  const bool open = !TelnetPolicyFor(remote_).needsPassword || HasPassword(remote_);
+  if (!open) log_.Append(std::string(kCrLf) + kNoPassword);
   const bool port = serverPort_ > 0 && serverPort_ <= 65535;
   const std::string address = ListeningAddress(remote_);
   if (port && sck_->Listen(static_cast<std::uint16_t>(serverPort_), address)) return;
@@ -139,7 +140,7 @@ void TelnetServer::OnConnectionRequest(TcpSocket::RequestId request) {
   }
   policy_ = TelnetPolicyFor(remote_);
   clientAddress_ = sck_->RemoteAddress();
-  if (policy_.onlyThisComputer && !IsFromThisComputer(*sck_)) {
+  if (!MayLogIn()) {
     Log(kNoPassword);
     return Disconnect();
   }
@@ -240,8 +241,13 @@ void TelnetServer::Echo(const LineAssembler::Piece& piece) {
   }
 }
 
+// The password may go while somebody is being asked for it.
+bool TelnetServer::MayLogIn() const {
+  return !policy_.needsPassword || HasPassword(remote_) || IsFromThisComputer(*sck_);
+}
+
 void TelnetServer::Login(const std::string& line) {
-  if (SamePassword(line, remote_.password)) {
+  if (MayLogIn() && SamePassword(line, remote_.password)) {
     loggedIn_ = true;
     SendAll({kCrLf, kCrLf});
     return ShowMainMenu();

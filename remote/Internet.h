@@ -96,6 +96,7 @@ class TelnetServer : public Conversation {
   void CarryOut(const std::string& line);
   void Echo(const LineAssembler::Piece& piece);
   void Dispatch(const std::string& line);
+  bool MayLogIn() const;
   void Login(const std::string& line);
   void Refuse();
   void Heard();  // somebody has said something

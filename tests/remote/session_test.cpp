@@ -280,6 +280,12 @@ TEST_F(StrictSessionTest, ListensWhereItIsToldToAndWithoutAPasswordForThisComput
       if (welcome) server.Kick();
     }
   }
+  remote.password = "Secret";
+  remote.passwordRequired = true;
+  socket.peer = "10.1.2.3";
+  Connect();
+  remote.password.clear();
+  EXPECT_EQ(Line(""), "") << "it has gone meanwhile";
 }
 
 // A task that lets other events in while it runs, each time `meanwhile`.
