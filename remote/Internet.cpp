@@ -89,6 +89,7 @@ void TelnetServer::Restart() {
 
 void TelnetServer::Relisten() {
   if (!on_ || Connected()) return;
+  if (Listening() && sck_->BoundAddress() == ListeningAddress(remote_)) return SayWaiting();
   sck_->Close();
   ListenIfIdle();
 }
@@ -99,11 +100,15 @@ void TelnetServer::ReadPort() {
   serverPort_ = ToInt32(SettingOf("Inet_ServerPort").Text(services_.settings));
 }
 
-void TelnetServer::ListenIfIdle() {
-  if (sck_->GetState() != TcpSocket::State::Closed) return;
+void TelnetServer::SayWaiting() {
   log_.Begin("Waiting for Connection...");
   const bool open = !TelnetPolicyFor(remote_).needsPassword || HasPassword(remote_);
   if (!open) log_.Append(std::string(kCrLf) + kNoPassword);
+}
+
+void TelnetServer::ListenIfIdle() {
+  if (sck_->GetState() != TcpSocket::State::Closed) return;
+  SayWaiting();
   const bool port = serverPort_ > 0 && serverPort_ <= 65535;
   const std::string address = ListeningAddress(remote_);
   if (port && sck_->Listen(static_cast<std::uint16_t>(serverPort_), address)) return;

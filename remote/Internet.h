@@ -55,7 +55,7 @@ class TelnetServer : public Conversation {
   void ServerOff();
   // The port that is stored has changed: ends the connection, and listens there, if it is on.
   void Restart();
-  // The address to listen on may have changed: a connection goes on.
+  // The address to listen on, or the password, may have changed: a connection goes on.
   void Relisten();
   bool Listening() const { return sck_->GetState() == TcpSocket::State::Listening; }
   bool Connected() const { return sck_->GetState() == TcpSocket::State::Connected; }
@@ -87,6 +87,7 @@ class TelnetServer : public Conversation {
   static constexpr int kMostOpenLines = 8;
 
   void ReadPort();
+  void SayWaiting();
   void ListenIfIdle();
   void EndConnection();
   void Disconnect();
