@@ -53,6 +53,11 @@ int Set(const Words& words, const CommandContext& context) {
   RegistryChange change(settings.Store());
   if (const Setting* const known = FindSetting(words[1], words[2]); known != nullptr) {
     known->Store(settings, words[3]);
+    if (settings.StorageMode() != 0 && known->kept == Setting::Kept::ByMode &&
+        known->read == Setting::Read::Early) {
+      context.err << "Note: settings are shared. This one is kept for all users of this computer, "
+                     "but each start reads it from the user's own settings.\n";
+    }
   } else {
     settings.WriteSetting(words[1], words[2], words[3]);
   }
