@@ -1,6 +1,7 @@
 #include "core/Sched.h"
 
 #include <algorithm>
+#include <chrono>
 #include <vector>
 
 #include "core/Convert.h"
@@ -28,6 +29,23 @@ std::string TextAt(const Table& table, int code) {
 
 // A stored number against the clock; one that does not convert equals nothing.
 bool Equals(const std::string& text, int number) { return ToInt16Or(text, -1) == number; }
+
+// Every rule that comes at all comes within a year, or in the one after it.
+constexpr int kLongestBetween = 366 + 366;
+
+// -1 for what is no time of day.
+int MinuteOfDay(int hour, int minute) {
+  return hour >= 0 && hour < 24 && minute >= 0 && minute < 60 ? hour * 60 + minute : -1;
+}
+
+// Long ago for what is no date.
+std::chrono::sys_days DayOf(int year, int month, int day) {
+  const std::chrono::year_month_day date{std::chrono::year(year),
+                                         std::chrono::month(static_cast<unsigned>(month)),
+                                         std::chrono::day(static_cast<unsigned>(day))};
+  return month > 0 && day > 0 && date.ok() ? std::chrono::sys_days(date)
+                                           : std::chrono::sys_days::min();
+}
 
 bool EveryMatches(int every, int weekday) {
   switch (every) {
@@ -82,6 +100,13 @@ std::string DescribeWhen(const TaskRecord& task, int dateOrderMonthFirst, const 
     default:
       return "";
   }
+}
+
+std::string DescribeDue(const DateTime& due, const Clock& clock) {
+  return TextAt(kWeekdays, due.weekday) + " " + std::to_string(due.day) + " " +
+         InName(due.month + 1) + " " +
+         (due.year == clock.Now().year ? "" : std::to_string(due.year) + " ") +
+         TwoDigits(due.hour) + ":" + TwoDigits(due.minute);
 }
 
 std::string DetectDateOrder(const Clock& clock) {
@@ -145,21 +170,52 @@ void Sched::MatchRecurrence(int every, int in, const DateTime& now) {
 bool Sched::IsDue(const TaskRecord& task) {
   if (!Equals(task.timeHour, clock_.Now().hour)) return false;
   if (!Equals(task.timeMinute, clock_.Now().minute)) return false;
+  return FallsOn(task, [this] { return clock_.Now(); });
+}
+
+bool Sched::FallsOn(const TaskRecord& task, const std::function<DateTime()>& day) {
   switch (task.timeType) {
     case kTimeOnce:
-      return Equals(task.dateYear, clock_.Now().year) &&
-             Equals(task.dateMonth, clock_.Now().month) && Equals(task.dateDay, clock_.Now().day);
+      return Equals(task.dateYear, day().year) && Equals(task.dateMonth, day().month) &&
+             Equals(task.dateDay, day().day);
     case kTimeRecurring: {
-      MatchRecurrence(task.every, task.in, clock_.Now());
+      MatchRecurrence(task.every, task.in, day());
       const bool matched = RecurrenceMatched == 1;
       RecurrenceMatched = 0;
       return matched;
     }
     case kTimeDayNumber:
-      return clock_.Now().day == task.dayNo;
+      return day().day == task.dayNo;
     default:
       return false;
   }
+}
+
+std::optional<DateTime> Sched::NextDue(const TaskRecord& task) {
+  const DateTime now = clock_.Now();
+  const int minute = MinuteOfDay(ToInt16Or(task.timeHour, -1), ToInt16Or(task.timeMinute, -1));
+  if (minute < 0) return std::nullopt;
+  std::chrono::sys_days first = DayOf(now.year, now.month, now.day);
+  if (minute <= MinuteOfDay(now.hour, now.minute)) first += std::chrono::days(1);
+  std::chrono::sys_days last = first + std::chrono::days(kLongestBetween);
+  if (task.timeType == kTimeOnce) {
+    const auto date = DayOf(ToInt16Or(task.dateYear, 0), ToInt16Or(task.dateMonth, 0),
+                            ToInt16Or(task.dateDay, 0));
+    if (date < first) return std::nullopt;
+    first = last = date;
+  }
+  for (auto day = first; day <= last; day += std::chrono::days(1)) {
+    const std::chrono::year_month_day date(day);
+    const DateTime due{.year = static_cast<int>(date.year()),
+                       .month = static_cast<int>(static_cast<unsigned>(date.month())),
+                       .day = static_cast<int>(static_cast<unsigned>(date.day())),
+                       .hour = minute / 60,
+                       .minute = minute % 60,
+                       .second = 0,
+                       .weekday = static_cast<int>(std::chrono::weekday(day).c_encoding()) + 1};
+    if (FallsOn(task, [&due] { return due; })) return due;
+  }
+  return std::nullopt;
 }
 
 }  // namespace orvanto

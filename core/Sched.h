@@ -4,6 +4,8 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 
 #include "core/TaskRecord.h"
@@ -21,6 +23,9 @@ inline constexpr int kInCodes = 13;
 std::string EveryName(int code);
 std::string InName(int code);
 std::string TaskTypeName(int code);
+
+// "Tuesday 24 November 09:30"; with the year where it is another one than at present.
+std::string DescribeDue(const DateTime& due, const Clock& clock);
 
 // What stands between the name of a task and its time in its line; a task of an unknown type has
 // one of its own.
@@ -62,8 +67,13 @@ class Sched {
   // Whether a loaded task is due. Reads the clock afresh for every comparison.
   bool IsDue(const TaskRecord& task);
 
+  // The minute at which it is due next, after the present one; nothing for what never comes again.
+  // Clocks that are put back or forward meanwhile are not foreseen.
+  std::optional<DateTime> NextDue(const TaskRecord& task);
+
  private:
   std::string LineOf(const TaskRecord& task) const;
+  bool FallsOn(const TaskRecord& task, const std::function<DateTime()>& day);
   static std::size_t Slot(std::int16_t index);
 
   TaskStore& store_;

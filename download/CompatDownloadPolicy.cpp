@@ -73,7 +73,9 @@ HttpVerdict CompatDownloadPolicy::Judge(const std::string& header, DownloadState
   const HttpResponse response(header);
   const int status = response.Status();
   const std::uint64_t offset = state.Resuming ? state.resumeOffset : 0;
-  const auto rangeField = response.Field("content-range");
+  // Elsewhere it means nothing.
+  const auto rangeField =
+      status == 206 || status == 416 ? response.Field("content-range") : std::nullopt;
   const ContentRange range = ParseContentRange(rangeField.value_or(""));
   if (status / 100 == 1) return {What::PassOver};
   if (status < 100 || status > 599) return Refuse(DownloadTrouble::NoHeader);
@@ -82,10 +84,12 @@ HttpVerdict CompatDownloadPolicy::Judge(const std::string& header, DownloadState
   }
   if (status == 404) return Refuse(DownloadTrouble::NotFound);
   const bool whole = status == 416 && state.Resuming && range.total == offset;
-  if (status / 100 != 2 && !whole) return Refuse(DownloadTrouble::Refused, response.StatusLine());
+  const bool holdsFile = status / 100 == 2 && status != 204 && status != 205;
+  if (!holdsFile && !whole) return Refuse(DownloadTrouble::Refused, response.StatusLine());
   const std::uint64_t first =
       status == 206 ? range.first.value_or(rangeField ? ~offset : offset) : 0;
-  if (!whole && first != offset) return Refuse(DownloadTrouble::NoResuming);
+  const bool ours = first == offset && range.total.value_or(offset) >= offset;
+  if (!whole && !ours) return Refuse(DownloadTrouble::NoResuming);
   const auto length = ByteCount(response.Field("content-length").value_or(""));
   state.length = range.total;
   if (!state.length && length) state.length = std::max(*length, *length + offset);

@@ -21,6 +21,9 @@ class CompatDownloadPolicy : public DownloadPolicy {
   bool IsComplete(const DownloadState& state) const override {
     return state.position >= state.length.value_or(0);
   }
+  bool IsWhole(const DownloadState& state) const override {
+    return state.length && IsComplete(state);
+  }
   bool Replaces() const override { return true; }
   bool UsesPassiveMode(bool) const override { return true; }
   bool CorrectsPassiveAddress() const override { return true; }

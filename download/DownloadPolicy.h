@@ -51,6 +51,8 @@ class DownloadPolicy {
 
   // The other side has closed: whether that is the end of the file, however long it was told to be.
   virtual bool IsComplete(const DownloadState&) const { return true; }
+  // All that was told is there: it is the end, though the other side has not closed.
+  virtual bool IsWhole(const DownloadState&) const { return false; }
   // A file that is to replace another is fetched beside it.
   virtual bool Replaces() const { return false; }
 

@@ -88,7 +88,8 @@ FtpAddress ParseFtpUrl(const std::string& url) {
 std::string ResolveUrl(const std::string& base, const std::string& reference) {
   const std::string host = base.substr(0, base.find('/', base.find("//") + 2));
   const std::string page = base.substr(0, base.find_first_of("?#"));
-  if (reference.starts_with('/')) return (reference.starts_with("//") ? "http:" : host) + reference;
+  if (reference.starts_with("//")) return ResolveUrl(base, "http:" + reference);
+  if (reference.starts_with('/')) return host + reference;
   if (reference.empty() || reference[0] == '#') return base;
   if (reference[0] == '?') return page + reference;
   const std::size_t colon = reference.find(':');

@@ -263,7 +263,8 @@ void frmDownload::ShowTrouble(DownloadTrouble trouble, const std::string& detail
 
 void frmDownload::OnStall(int error) {
   if (!state_.policy->IsComplete(state_)) return EndCutShort();
-  if (phase_ == Phase::Shown) return OnEndOfConnection();  // Stop is gone
+  // Once it is shown to be complete, Stop is gone.
+  if (phase_ == Phase::Shown || state_.policy->IsWhole(state_)) return OnEndOfConnection();
   if (onStalled) onStalled(error);
 }
 
@@ -277,7 +278,7 @@ void frmDownload::OnEndOfConnection() {
   cmdDownload.SetEnabled(!shown);
   cmdRun.SetEnabled(true);
   Finish(trouble.empty(), trouble);
-  if (!shown) Unload();
+  if (!shown && !Running()) Unload();  // the next one may have begun in a box
 }
 
 // What has come stays; a request of its own fetches the rest.
@@ -318,15 +319,17 @@ void frmDownload::ForgetTransfer() {
 }
 
 void frmDownload::Finish(bool whole, std::string trouble) {
+  if (!replaced_.empty() && !PutInPlace(whole)) {
+    ShowTrouble(DownloadTrouble::CannotWrite);
+    if (!Running()) return;  // the window has been closed meanwhile
+    whole = false;
+    trouble = trouble_;
+  }
   phase_ = Phase::Idle;
   tmrUpdateProgress_->Stop();
   tmrTimeLeft_->Stop();
   ftpStart_->Cancel();
   tmrFtpStart_->Stop();
-  if (!replaced_.empty() && !PutInPlace(whole)) {
-    whole = false;
-    trouble = BoxOf(DownloadTrouble::CannotWrite).text;
-  }
   mnuSave.SetEnabled(whole);
   if (onEnded) onEnded({state_.Url, state_.LocalPath, whole, trouble});
 }
@@ -335,9 +338,9 @@ void frmDownload::Finish(bool whole, std::string trouble) {
 bool frmDownload::PutInPlace(bool whole) {
   const std::string beside = state_.LocalPath;
   state_.LocalPath = std::exchange(replaced_, {});
-  const bool done = !whole || services_.files.Copy(beside, state_.LocalPath).empty();
+  if (whole && services_.files.Replace(beside, state_.LocalPath).empty()) return true;
   services_.files.Remove(beside);
-  return done;
+  return !whole;
 }
 
 float frmDownload::SecondsOfDay() const {
@@ -378,6 +381,7 @@ void frmDownload::RenewFigures() {
 }
 
 void frmDownload::CountTime() {
+  if (http_.IsOpen() && state_.policy->IsWhole(state_)) return ShowCompletion();
   if (!(state_.TotalSize > 0 && state_.WritePos > 0 && SpeedKbps_ > 0)) return;
   if (state_.TotalSize <= state_.WritePos) return ShowCompletion();
   Elapsed_.Tick();

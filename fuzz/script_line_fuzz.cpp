@@ -84,6 +84,7 @@ class OneFile : public Files {
   }
   std::string FromCodePage(const std::string& bytes) const override { return bytes; }
   std::string Copy(const std::string&, const std::string&) override { return "no"; }
+  std::string Replace(const std::string&, const std::string&) override { return "no"; }
   std::string Remove(const std::string&) override { return "no"; }
   std::string RemoveFolder(const std::string&) override { return "no"; }
   bool Append(const std::string&, const std::string&) override { return false; }

@@ -77,6 +77,9 @@ class Files {
   // These return the system's reason for a failure, or an empty text. Copy replaces an existing
   // file; copying a file onto itself is a failure.
   virtual std::string Copy(const std::string& from, const std::string& to) = 0;
+  // `from` takes the place of `to`, if there is one, in the same folder. `to` is never there in
+  // part, and stays when that fails.
+  virtual std::string Replace(const std::string& from, const std::string& to) = 0;
   virtual std::string Remove(const std::string& path) = 0;
   // A folder that is empty.
   virtual std::string RemoveFolder(const std::string& path) = 0;

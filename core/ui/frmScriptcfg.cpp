@@ -79,6 +79,12 @@ frmScriptcfg::frmScriptcfg(forms::FormHost& host, const Services& services)
       mnuDelete(mnuTasks, "Delete"),
       mnuEdit(mnuTasks, "Edit"),
       mnuRun(mnuTasks, "Run"),
+      mnuList(treTasks),
+      mnuListNew(mnuList, "New"),
+      mnuListDelete(mnuList, "Delete"),
+      mnuListEdit(mnuList, "Edit"),
+      mnuListRun(mnuList, "Run"),
+      mnuListDuplicate(mnuList, "Duplicate"),
       mnuInternet(*this, "&Internet"),
       mnuServer(mnuInternet, "Server"),
       mnuServeron(mnuServer, "On"),
@@ -108,7 +114,8 @@ void frmScriptcfg::WireCommands() {
   }
   const std::initializer_list<std::pair<forms::MenuItem*, Command>> items{
       {&mnuNew, kNew},         {&mnuDelete, kDelete}, {&mnuEdit, kEdit}, {&mnuRun, kRun},
-      {&mnuSystemTray, kTray}, {&mnuAbout, kAbout},   {&mnuExit, kExit}};
+      {&mnuSystemTray, kTray}, {&mnuAbout, kAbout},   {&mnuExit, kExit}, {&mnuListNew, kNew},
+      {&mnuListEdit, kEdit},   {&mnuListRun, kRun}};
   for (const auto& [item, command] : items) {
     item->onClick = [this, command = command] { OnCommand(command); };
   }
@@ -121,12 +128,18 @@ void frmScriptcfg::WireCommands() {
     SetOnTop(mnuOnTop.Checked());
   };
   treTasks.onNodeClick = [this] { EnableTaskCommands(!treTasks.Nodes().empty()); };
+  treTasks.onActivate = [this] { OnCommand(kEdit); };
+  treTasks.onDelete = mnuListDelete.onClick = [this] { DeleteIfWanted(); };
+  treTasks.onTip = [this](forms::TreeView::NodeId node) { return TipOf(node); };
+  mnuListDuplicate.onClick = [this] { DuplicateSelectedTask(); };
   services_.trayIcon.onMouse = [this](int mouseMessage) {
     if (mouseMessage != kLeftDoubleClick) return;
     Return();
   };
-  ticks_ = services_.scheduler.secondPassed.Subscribe(
-      [this] { SetCaption(services_.scheduler.Caption()); });
+  ticks_ = services_.scheduler.secondPassed.Subscribe([this] {
+    SetCaption(services_.scheduler.Caption());
+    FadeWhatHasPassed();
+  });
   listChanges_ = services_.store.listChanged.Subscribe([this] {
     if (Loaded()) BuildTaskTree();
   });
@@ -179,6 +192,55 @@ void frmScriptcfg::DeleteSelectedTask() {
   treTasks.SetFocus();
   services_.store.DeleteTask(SelectedSlot());
   if (!treTasks.Selected()) SelectKey(neighbour);
+}
+
+// Asked for by a key that is easily hit, or in a menu where the next line is near.
+void frmScriptcfg::DeleteIfWanted() {
+  const std::int16_t slot = SelectedSlot();
+  if (slot == 0) return;
+  const std::string name = services_.store.TaskName(slot);
+  if (services_.messageBoxes.Show("Delete the task \"" + name + "\"?", kProgramTitle,
+                                  Buttons::NoUnlessYes, BoxIcon::Question) == Answer::Yes) {
+    DeleteSelectedTask();
+  }
+}
+
+void frmScriptcfg::DuplicateSelectedTask() {
+  TaskStore& store = services_.store;
+  const std::int16_t slot = SelectedSlot();
+  if (slot == 0) return;
+  store.LoadTask(slot);
+  TaskEntry copy = EntryOf(store.CurrentTask, store.DateOrderMonthFirst);
+  const std::string name = copy.name;
+  for (int number = 2; number == 2 || store.BelongsToAnother(copy.name, 0); ++number) {
+    copy.name = name + " (" + std::to_string(number) + ")";
+  }
+  if (const std::int16_t made = store.StoreEntry(copy, "", TaskStore::Check::NameOnly); made > 0) {
+    return SelectTask(made);
+  }
+  services_.messageBoxes.Show(store.TaskValidationMessage, kProgramTitle, Buttons::Ok,
+                              BoxIcon::None);
+}
+
+std::string frmScriptcfg::TipOf(forms::TreeView::NodeId node) {
+  const auto found = std::find(nodeOfSlot_.begin(), nodeOfSlot_.end(), node);
+  if (found == nodeOfSlot_.end()) return "";
+  services_.store.LoadTask(static_cast<std::int16_t>(found - nodeOfSlot_.begin() + 1));
+  const auto due = services_.sched.NextDue(services_.store.CurrentTask);
+  return treTasks.Nodes()[node].text + kCrLf +
+         (due ? "next: " + DescribeDue(*due, services_.clock) : "never again");
+}
+
+void frmScriptcfg::FadeWhatHasPassed() {
+  const auto minuteOf = [](const DateTime& time) {
+    return std::tuple(time.year, time.month, time.day, time.hour, time.minute);
+  };
+  const auto now = minuteOf(services_.clock.Now());
+  std::erase_if(comeOnce_, [&](const auto& each) {
+    const bool passed = minuteOf(each.first) <= now;
+    if (passed) treTasks.Fade(each.second);
+    return passed;
+  });
 }
 
 // The other windows first, so that this one stays above those that it does not open in front of.
@@ -268,6 +330,12 @@ void frmScriptcfg::EnableTaskCommands(bool selected) {
   mnuRun.SetEnabled(selected);
   cmdEdit.SetEnabled(editable);
   mnuEdit.SetEnabled(editable);
+  const auto node = treTasks.Selected();
+  const bool task = selected && node && treTasks.Nodes()[*node].parent;
+  for (forms::MenuItem* item : {&mnuListDelete, &mnuListRun, &mnuListDuplicate}) {
+    item->SetEnabled(task);
+  }
+  mnuListEdit.SetEnabled(task && editable);
 }
 
 void frmScriptcfg::Step(const std::function<void()>& step) {
@@ -359,10 +427,13 @@ void frmScriptcfg::BuildTaskTree() {
   if (selected.empty()) EnableTaskCommands(false);
   treTasks.Clear();
   nodeOfSlot_.clear();
+  comeOnce_.clear();
   for (const std::int16_t slot : store.Slots()) {
     if (slot > kMaxTasks) break;
     const std::string description = services_.sched.TreeLine(slot);
     const std::string group = store.CurrentTask.group;
+    const bool once = store.CurrentTask.timeType == kTimeOnce;
+    const auto due = once ? services_.sched.NextDue(store.CurrentTask) : std::nullopt;
     // Any node of that text will do, in the order of their making.
     std::optional<forms::TreeView::NodeId> parent;
     for (std::size_t id = 0; id < treTasks.Nodes().size() && !parent; ++id) {
@@ -379,7 +450,9 @@ void frmScriptcfg::BuildTaskTree() {
                                     .key = "t " + description,
                                     .text = description,
                                     .image = "TASK",
-                                    .selectedImage = "TASK_SELECTED"});
+                                    .selectedImage = "TASK_SELECTED",
+                                    .faded = once && !due});
+    if (due) comeOnce_.emplace_back(*due, node);
     treTasks.EnsureVisible(node);
     nodeOfSlot_.push_back(node);
   }

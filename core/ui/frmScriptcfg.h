@@ -6,15 +6,16 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/ProgramSettings.h"
+#include "platform/Clock.h"
 #include "platform/Event.h"
 #include "platform/forms/forms.h"
 
 namespace orvanto {
 
-class Clock;
 class Files;
 class MessageBoxes;
 class ProgramFolder;
@@ -102,6 +103,8 @@ class frmScriptcfg : public forms::Form {
   forms::MenuItem mnuScheduler, mnuSettings, mnuOnTop, mnuSystemTray, mnuSeparator, mnuAbout,
       mnuExit;
   forms::MenuItem mnuTasks, mnuNew, mnuDelete, mnuEdit, mnuRun;
+  // Of the tree.
+  forms::MenuItem mnuList, mnuListNew, mnuListDelete, mnuListEdit, mnuListRun, mnuListDuplicate;
   forms::MenuItem mnuInternet, mnuServer, mnuServeron, mnuServeroff, mnuServersetup, mnuInetchat,
       mnuInetsendfile, mnuInetseparator, mnuInetftpserver, mnuInetdownload;
 
@@ -112,6 +115,10 @@ class frmScriptcfg : public forms::Form {
   void OnCommand(Command command);
   void NewTask();
   void DeleteSelectedTask();
+  void DeleteIfWanted();
+  void DuplicateSelectedTask();
+  std::string TipOf(forms::TreeView::NodeId node);
+  void FadeWhatHasPassed();
   void SetOnTop(bool on);
   void OnUnload();
   void LoadSetting(const Setting& setting);
@@ -124,7 +131,8 @@ class frmScriptcfg : public forms::Form {
   void SelectKey(const std::string& key);
 
   Services services_;
-  std::vector<forms::TreeView::NodeId> nodeOfSlot_;  // from slot 1 on
+  std::vector<forms::TreeView::NodeId> nodeOfSlot_;                     // from slot 1 on
+  std::vector<std::pair<DateTime, forms::TreeView::NodeId>> comeOnce_;  // and have not yet
   Subscription ticks_;
   Subscription listChanges_;
 };

@@ -18,6 +18,7 @@ namespace orvanto::forms {
 
 class ControlVisitor;
 class Form;
+class MenuItem;
 class OptionButton;
 
 enum class Property {
@@ -58,6 +59,9 @@ class Control {
 
   // What a screen reader calls it where no label stands before it; to be set before the form loads.
   std::string spokenName;
+
+  // That the right mouse button opens; null: none.
+  MenuItem* contextMenu = nullptr;
 
   // Caption or contents, with '&' before the mnemonic where the kind has one.
   const std::string& Text() const { return text_; }

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/forms/Control.h"
 #include "platform/forms/Form.h"
 
 namespace orvanto::forms {
@@ -14,6 +15,8 @@ MenuItem::MenuItem(MenuItem& parent, std::string caption)
     : form_(parent.form_), parent_(&parent), caption_(std::move(caption)) {
   parent.items_.push_back(this);
 }
+
+MenuItem::MenuItem(Control& control) : form_(control.Owner()) { control.contextMenu = this; }
 
 void MenuItem::SetEnabled(bool enabled) {
   if (enabled == enabled_) return;

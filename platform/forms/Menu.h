@@ -1,4 +1,5 @@
-// The menu bar of a form: items in items. The items are members of the form.
+// The menu bar of a form, and the menus of its controls: items in items. The items are members of
+// the form.
 #pragma once
 
 #include <functional>
@@ -7,6 +8,7 @@
 
 namespace orvanto::forms {
 
+class Control;
 class Form;
 
 class MenuItem {
@@ -15,6 +17,8 @@ class MenuItem {
   // separator. A caption may carry '&' before its mnemonic.
   MenuItem(Form& form, std::string caption);
   MenuItem(MenuItem& parent, std::string caption);
+  // The root of the menu that the right mouse button opens on the control.
+  explicit MenuItem(Control& control);
   MenuItem(const MenuItem&) = delete;
   MenuItem& operator=(const MenuItem&) = delete;
 

@@ -30,6 +30,11 @@ void TreeView::EnsureVisible(NodeId node) {
   Changed(Property::Nodes);
 }
 
+void TreeView::Fade(NodeId node) {
+  nodes_.at(node).faded = true;
+  Changed(Property::Drawing);
+}
+
 void TreeView::BeginUpdate() { updating_ = true; }
 
 void TreeView::EndUpdate() {
@@ -53,6 +58,18 @@ bool TreeView::ClickNode(NodeId node) {
 bool TreeView::SetExpanded(NodeId node, bool expanded) {
   if (!Usable() || node >= nodes_.size()) return false;
   nodes_[node].expanded = expanded;
+  return true;
+}
+
+bool TreeView::Activate() {
+  if (!Usable() || !selected_) return false;
+  Raise(onActivate);
+  return true;
+}
+
+bool TreeView::PressDelete() {
+  if (!Usable() || !selected_) return false;
+  Raise(onDelete);
   return true;
 }
 

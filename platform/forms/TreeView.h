@@ -21,6 +21,7 @@ class TreeView : public Control {
     std::string image;          // name of an icon resource
     std::string selectedImage;  // shown while selected
     bool expanded = false;
+    bool faded = false;  // of less importance than the others
   };
 
   TreeView(Form& form, const Control* container, Bounds bounds);
@@ -34,15 +35,25 @@ class TreeView : public Control {
   void BeginUpdate();
   void EndUpdate();
 
+  void Fade(NodeId node);
+
   std::optional<NodeId> Selected() const { return selected_; }
   void Select(std::optional<NodeId> node);
 
   // A node was clicked or reached by the keyboard; it is the selected one then.
   std::function<void()> onNodeClick;
+  // A double click on a node without children, or Enter on any: the selected one.
+  std::function<void()> onActivate;
+  // The Delete key, while a node is selected.
+  std::function<void()> onDelete;
+  // What is told of a node under which the mouse rests; empty: nothing.
+  std::function<std::string(NodeId node)> onTip;
 
   // user
   bool ClickNode(NodeId node);
   bool SetExpanded(NodeId node, bool expanded);
+  bool Activate();
+  bool PressDelete();
 
   bool Updating() const { return updating_; }
 

@@ -208,6 +208,10 @@ std::string PosixFiles::Copy(const std::string& from, const std::string& to) {
   return error ? error.message() : "";
 }
 
+std::string PosixFiles::Replace(const std::string& from, const std::string& to) {
+  return ::rename(ToNative(from).c_str(), ToNative(to).c_str()) == 0 ? "" : std::strerror(errno);
+}
+
 std::string PosixFiles::Remove(const std::string& path) {
   return ::unlink(ToNative(path).c_str()) == 0 ? "" : std::strerror(errno);
 }

@@ -292,6 +292,12 @@ std::string Win32Files::Copy(const std::string& from, const std::string& to) {
   return CopyFileW(SystemPath(from).c_str(), SystemPath(to).c_str(), FALSE) ? "" : Reason();
 }
 
+std::string Win32Files::Replace(const std::string& from, const std::string& to) {
+  return MoveFileExW(SystemPath(from).c_str(), SystemPath(to).c_str(), MOVEFILE_REPLACE_EXISTING)
+             ? ""
+             : Reason();
+}
+
 std::string Win32Files::Remove(const std::string& path) {
   return DeleteFileW(SystemPath(path).c_str()) ? "" : Reason();
 }

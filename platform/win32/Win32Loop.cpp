@@ -87,6 +87,8 @@ void Win32Loop::Round() {
 
 void Win32Loop::Quit() {
   quit_ = true;
+  // A box that is open would wait for its answer for ever.
+  if (holds_ > 0) PostQuitMessage(0);
   Wake();
 }
 

@@ -27,7 +27,7 @@ struct ClientRecord {
 
   std::shared_ptr<const FtpPolicy> policy;  // that the connection began with; none: not in use
   bool loggedIn = false;
-  std::uint64_t restartAt = 0;  // of the next file that is sent
+  std::uint64_t restartAt = 0;  // of the next RETR
   bool onlyEpsv = false;        // the client has said that it sets up data connections so
 };
 

@@ -311,11 +311,11 @@ void FtpClient::Stor(Argument name) {
 }
 
 void FtpClient::Retr(Argument name) {
+  const std::uint64_t offset = std::exchange(record_.restartAt, 0);
   const std::string path = PathOf(name);
-  const std::uint64_t from = std::exchange(record_.restartAt, 0);
   if (!IsFile(services_.files, path)) return Reply("550 " + name + kNoSuchFile);
   Reply("150 Opening BINARY mode data connection for " + name);
-  transfer_->SendFile(path, from);
+  transfer_->SendFile(path, offset);
 }
 
 void FtpClient::Ok(Argument) { Reply("200 Command ok."); }

@@ -74,8 +74,8 @@ void DataTransfer::SendListing(const ListingForm& form) {
   Begin(Task::List, {});
 }
 
-void DataTransfer::SendFile(const std::string& path, std::uint64_t from) {
-  record_.bytesSent = from;
+void DataTransfer::SendFile(const std::string& path, std::uint64_t offset) {
+  record_.bytesSent = offset;
   Begin(Task::Send, path);
 }
 
@@ -205,8 +205,6 @@ void DataTransfer::ForgetConnection() {
 
 void DataTransfer::Forget() {
   task_ = Task::None;
-  clock_->Stop();
-  listener_->Close();
   connected_ = false;
   file_.reset();
   listing_ = {};

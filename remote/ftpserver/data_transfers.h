@@ -44,7 +44,7 @@ class DataTransfer {
   // Each waits for its data connection, does its work and ends with a reply. Not while another
   // runs.
   void SendListing(const ListingForm& form);
-  void SendFile(const std::string& path, std::uint64_t from);
+  void SendFile(const std::string& path, std::uint64_t offset);
   void ReceiveFile(const std::string& path) { Begin(Task::Receive, path); }
 
   // Ends it at once, without a reply; with one.

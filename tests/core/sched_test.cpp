@@ -31,6 +31,40 @@ TEST(Sched, DescribesTasks) {
   EXPECT_EQ(ErrorOf([&] { desk.sched.DescribeTask(101); }), kSubscriptOutOfRange);
 }
 
+// From Saturday 21 November 2026, 14:04:30.
+TEST(Sched, TellsWhenATaskIsDueNext) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"TimeType=2 Every=1 In=1", "Saturday 21 November 14:05"},
+      {"TimeMinute=4 TimeType=2 Every=1 In=1", "Sunday 22 November 14:04"},
+      {"TimeType=2 Every=9 In=1", "Monday 23 November 14:05"},
+      {"TimeType=2 Every=8 In=12", "Saturday 21 November 14:05"},
+      {"TimeType=2 Every=8 In=11", "Saturday 2 October 2027 14:05"},
+      {"TimeHour=9 TimeType=2 Every=8 In=12", "Saturday 28 November 09:05"},
+      {"TimeHour=9 TimeType=3 DayNo=21", "Monday 21 December 09:05"},
+      {"TimeType=3 DayNo=31", "Thursday 31 December 14:05"},
+      {"TimeType=1 DateDay=29 DateMonth=2 DateYear=2096", "Wednesday 29 February 2096 14:05"},
+      {"TimeType=1 DateDay=21 DateMonth=11 DateYear=2026", "Saturday 21 November 14:05"},
+      {"TimeHour=9 TimeType=1 DateDay=21 DateMonth=11 DateYear=2026", "never"},
+      {"TimeType=1 DateDay=29 DateMonth=2 DateYear=2027", "never"},
+      {"TimeType=1 DateDay=x DateMonth=2 DateYear=2027", "never"},
+      {"TimeType=2 Every=11 In=1", "never"},
+      {"TimeType=3 DayNo=32", "never"},
+      {"TimeType=4", "never"},
+      {"TimeHour=24 TimeType=2 Every=1 In=1", "never"},
+      {"TimeMinute=-1 TimeType=2 Every=1 In=1", "never"}};
+  for (const auto& [fields, expected] : cases) {
+    CoreDesk desk;
+    desk.Add("Task", "14:05", fields);
+    desk.store.LoadTask(1);
+    const auto due = desk.sched.NextDue(desk.store.CurrentTask);
+    EXPECT_EQ(due ? DescribeDue(*due, desk.clock) : "never", expected) << fields;
+    if (!due) continue;
+    desk.clock.Set(due->year, due->month, due->day, due->hour, due->minute, 0);
+    EXPECT_TRUE(desk.sched.IsDue(desk.store.CurrentTask));
+    EXPECT_EQ(due->weekday, desk.clock.Now().weekday);
+  }
+}
+
 TEST(Sched, RecurrenceHoldsByDayAndMonth) {
   CoreDesk desk;
   // A day rule, a month rule and a month; the weekdays on which they hold, 1 is Sunday. A weekend

@@ -26,6 +26,10 @@ struct SettingsDialogTest : testing::Test, CoreDesk {
     }
     return texts;
   }
+  std::string Saved(const std::string& names) {
+    dialog.cmdSave.Press();
+    return Stored(names);
+  }
 
   ProgramSettings values;
   frmSettings dialog{forms, settings, values};
@@ -35,25 +39,23 @@ struct SettingsDialogTest : testing::Test, CoreDesk {
 };
 
 TEST_F(SettingsDialogTest, UpdatesAndUsers) {
+  const auto shared = [&] { return settings.ReadMachineSetting("General", "Users_Share", "none"); };
   Open(0);
   EXPECT_FALSE(dialog.chkAutoUpdate.Value());
   dialog.cmdDefaults.Press();
   EXPECT_EQ(Stored("Check_Auto_Update"), "none ");
-  dialog.cmdSave.Press();
+  EXPECT_EQ(Saved("Check_Auto_Update Use_Proxy Inet_Passwd"), "1 none none ");
   EXPECT_TRUE(dialog.cmdCheckNow.Press());
-  EXPECT_EQ(Stored("Check_Auto_Update Use_Proxy Inet_Passwd") + std::to_string(checks),
-            "1 none none 1");
+  EXPECT_EQ(checks, 1);
   Open(3);
   EXPECT_TRUE(dialog.chkAutoUpdate.Value() && dialog.optUsersDontShare.Value());
   dialog.cmdDefaults.Press();
   dialog.cmdClose.Press();
-  EXPECT_EQ(settings.ReadMachineSetting("General", "Users_Share", "none"), "none");
+  EXPECT_EQ(shared(), "none");
   Open(3);
   dialog.optUsersShare.Choose();
   dialog.cmdSave.Press();
-  EXPECT_TRUE(dialog.optUsersShare.Value());
-  EXPECT_EQ(settings.ReadMachineSetting("General", "Users_Share", "none"), "1");
-  EXPECT_EQ(settings.StorageMode(), 0);
+  EXPECT_EQ(shared() + std::to_string(settings.StorageMode()), "10") << "from the next start on";
   dialog.optUsersDontShare.Choose();
   registry.FailWrite(1, kAccessDenied);
   dialog.cmdSave.Press();
@@ -66,16 +68,14 @@ TEST_F(SettingsDialogTest, TheProxysPortLastsAsLongAsTheProgram) {
   EXPECT_EQ(dialog.txtProxy.Text() + dialog.txtPort.Text(), "00");
   dialog.txtProxy.Type("proxy");
   dialog.txtPort.Press("8x0");
-  dialog.cmdSave.Press();
-  EXPECT_EQ(Stored("Use_Proxy Proxy ProxyPort"), "1 proxy none ");
+  EXPECT_EQ(Saved("Use_Proxy Proxy ProxyPort"), "1 proxy none ");
   EXPECT_EQ(values.proxyHost + std::to_string(values.proxyPort), "proxy80");
   dialog.txtPort.Type("99999");
   dialog.cmdSave.Press();
   EXPECT_EQ(values.proxyPort, 80);
   dialog.cmdDefaults.Press();
   EXPECT_FALSE(dialog.txtProxy.Usable() || dialog.txtPort.Usable());
-  dialog.cmdSave.Press();
-  EXPECT_EQ(Stored("Use_Proxy Proxy") + values.proxyHost, "0 proxy ");
+  EXPECT_EQ(Saved("Use_Proxy Proxy") + values.proxyHost, "0 proxy ");
 }
 
 TEST_F(SettingsDialogTest, RemoteAccess) {
@@ -86,26 +86,20 @@ TEST_F(SettingsDialogTest, RemoteAccess) {
   dialog.txtPwd.Type("secret");
   dialog.chkChat.Press();
   dialog.chkServeron.Press();
-  dialog.cmdSave.Press();
   const char* const kNames = "Inet_Passwd_Required Inet_Passwd Inet_Chat_Auto Inet_ServerOn";
-  EXPECT_EQ(Stored(kNames), "1 secret 1 1 ");
+  EXPECT_EQ(Saved(kNames), "1 secret 1 1 ");
   EXPECT_TRUE(values.passwordRequired && values.chatAutoAccept && values.password == "secret");
-  dialog.txtServerPort.Type("0601");
-  dialog.cmdSave.Press();
-  EXPECT_EQ(Stored("Inet_ServerPort") + dialog.txtServerPort.Text(), "601 601");
-  dialog.txtServerPort.Type("");
-  dialog.cmdSave.Press();
-  EXPECT_EQ(dialog.txtServerPort.Text(), "601");
-  EXPECT_EQ(portChanges, 1);
+  for (const char* typed : {"0601", ""}) {
+    dialog.txtServerPort.Type(typed);
+    EXPECT_EQ(Saved("Inet_ServerPort") + dialog.txtServerPort.Text(), "601 601");
+  }
   dialog.txtFTPPort.Type("2121");
   dialog.cmdSave.Press();
   EXPECT_EQ(told + std::to_string(portChanges), "21211");
   Open(2);
-  EXPECT_EQ(dialog.txtFTPPort.Text(), "2121");
-  EXPECT_EQ(dialog.txtPwd.Text(), "secret");
+  EXPECT_EQ(dialog.txtFTPPort.Text() + dialog.txtPwd.Text(), "2121secret");
   dialog.cmdDefaults.Press();
-  dialog.cmdSave.Press();
-  EXPECT_EQ(Stored(kNames) + Stored("Inet_ServerPort"), "0  0 1 600 ");
+  EXPECT_EQ(Saved(kNames) + Stored("Inet_ServerPort"), "0  0 1 600 ");
   EXPECT_FALSE(values.passwordRequired || values.chatAutoAccept || !values.password.empty());
   EXPECT_EQ(portChanges, 2);
   settings.SetStorageMode(1);
@@ -128,8 +122,7 @@ TEST_F(SettingsDialogTest, TheSwitchesAreTheUsersOwn) {
   Open(4);
   EXPECT_TRUE(dialog.chkCompat.Value()) << "what holds until the program ends";
   dialog.cmdDefaults.Press();
-  dialog.cmdSave.Press();
-  EXPECT_EQ(Stored("Inet_Compat Inet_Strict"), "0 0 ");
+  EXPECT_EQ(Saved("Inet_Compat Inet_Strict"), "0 0 ");
   EXPECT_FALSE(values.compat || values.strict);
 }
 

@@ -1,5 +1,6 @@
 #include "tests/desktop/RunningProgram.h"
 
+#include <cctype>
 #include <thread>
 
 #include "platform/win32/Text.h"
@@ -10,13 +11,26 @@ namespace orvanto::desktop {
 
 namespace {
 
-void Send(WORD key, wchar_t character, DWORD flags) {
+void Send(WORD key, DWORD flags) {
   INPUT input = {};
   input.type = INPUT_KEYBOARD;
   input.ki.wVk = key;
-  input.ki.wScan = character;
   input.ki.dwFlags = flags;
   SendInput(1, &input, sizeof input);
+}
+
+// The key of the keyboard, and its Shift in the upper byte. Of characters: letters, digits, blanks.
+SHORT KeyOf(const KeyEvent& event) {
+  for (const auto& [key, code] : {std::pair<Key, SHORT>{Key::Alt, VK_MENU},
+                                  {Key::Tab, VK_TAB},
+                                  {Key::Enter, VK_RETURN},
+                                  {Key::Escape, VK_ESCAPE},
+                                  {Key::Up, VK_UP},
+                                  {Key::Down, VK_DOWN}}) {
+    if (event.key == key) return code;
+  }
+  const int character = static_cast<int>(event.character);
+  return static_cast<SHORT>(std::toupper(character) | (std::isupper(character) != 0 ? 0x100 : 0));
 }
 
 }  // namespace
@@ -38,23 +52,16 @@ std::wstring Beside(const std::wstring& name) {
   return folder + name;
 }
 
-void PressKeys(const std::vector<WORD>& keys) {
-  for (const WORD key : keys) {
-    Send(key, 0, 0);
-    Send(key, 0, KEYEVENTF_KEYUP);
-  }
-}
-
-void PressWith(WORD held, WORD key) {
-  Send(held, 0, 0);
-  PressKeys({key});
-  Send(held, 0, KEYEVENTF_KEYUP);
-}
-
-void TypeText(const std::wstring& text) {
-  for (const wchar_t character : text) {
-    Send(0, character, KEYEVENTF_UNICODE);
-    Send(0, character, KEYEVENTF_UNICODE | KEYEVENTF_KEYUP);
+void PressKeys(const std::string& keys) {
+  for (const KeyEvent& event : ParseKeySequence(keys)) {
+    const SHORT code = KeyOf(event);
+    const auto send = [&](DWORD flags) { Send(LOBYTE(code), flags); };
+    if (HIBYTE(code) & 1) Send(VK_SHIFT, 0);
+    for (std::uint32_t i = 0; i < event.count; ++i) {
+      if (event.action != KeyEvent::Action::Release) send(0);
+      if (event.action != KeyEvent::Action::Hold) send(KEYEVENTF_KEYUP);
+    }
+    if (HIBYTE(code) & 1) Send(VK_SHIFT, KEYEVENTF_KEYUP);
   }
 }
 

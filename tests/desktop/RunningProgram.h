@@ -21,14 +21,10 @@ bool WaitFor(const std::function<bool()>& condition,
 // The full name of a program that lies beside the test program.
 std::wstring Beside(const std::wstring& name);
 
-// Presses and releases keys, one after the other, where the keyboard is, and waits for nobody.
-void PressKeys(const std::vector<WORD>& keys);
-// The same while another is held down.
-void PressWith(WORD held, WORD key);
-void TypeText(const std::wstring& text);
-
 // Types where the keyboard is, in the notation of the scripts.
 void Type(const std::string& keys);
+// The same as a person does: key by key, waiting for nobody. Letters, digits, blanks and some keys.
+void PressKeys(const std::string& keys);
 
 // All top-level windows, visible or not, of a process (0: of any) with this class.
 std::vector<HWND> TopLevel(DWORD process, const std::wstring& windowClass);

@@ -44,32 +44,56 @@ TEST_F(DesktopTest, ASecondStartShowsTheFirst) {
   EXPECT_FALSE(IsWindowVisible(main));
 }
 
-TEST_F(DesktopTest, SavesAtTheEndOfTheSession) {
-  for (const bool wasOnTop : {false, true}) {
-    SCOPED_TRACE(wasOnTop);
-    const RunningProgram program;
-    ASSERT_TRUE(program.MainIsInFront());
-    const HWND main = program.MainWindow();
-    EXPECT_EQ(IsTopMost(main), wasOnTop);
-    Type("%()s");
-    ASSERT_TRUE(WaitFor([&] { return !TopLevel(program.Id(), L"#32768").empty(); })) << "a menu";
-    Type("{DOWN}~");
-    ASSERT_TRUE(WaitFor([&] { return IsTopMost(main) != wasOnTop; }));
-    if (wasOnTop) {  // with the editor open this time
-      program.Press(L"&New Task");
-      ASSERT_NE(InFront(L"New Task"), nullptr);
+TEST_F(DesktopTest, TheListByKeyboard) {
+  Import({{L"Tea", L"6", L"x"}});
+  const RunningProgram program;
+  ASSERT_TRUE(program.MainIsInFront());
+  const auto tipIsSeen = [&] {
+    for (const HWND tip : TopLevel(program.Id(), TOOLTIPS_CLASSW)) {
+      if (IsWindowVisible(tip)) return true;
     }
-    for (const HWND window : TopLevel(program.Id(), L"OrvantoForm")) {
-      EXPECT_EQ(SendMessageW(window, WM_QUERYENDSESSION, 0, 0), TRUE);
-    }
-    const HWND loop = TopLevel(program.Id(), L"OrvantoLoop").at(0);
-    EXPECT_EQ(SendMessageW(loop, WM_QUERYENDSESSION, 0, 0), TRUE);
-    EXPECT_EQ(Stored(L"General", {L"OnTop"}), wasOnTop ? L"1" : L"");
-    SendMessageW(loop, WM_ENDSESSION, TRUE, 0);
-    // Saved when the message has been answered: nothing of ours runs any more after that.
-    EXPECT_EQ(Stored(L"General", {L"OnTop"}), wasOnTop ? L"0" : L"1");
-    EXPECT_EQ(program.ExitCode(), 0);
+    return false;
+  };
+  EXPECT_FALSE(tipIsSeen());
+  Type("{HOME}{DOWN}");
+  EXPECT_TRUE(WaitFor(tipIsSeen));
+  for (const wchar_t* count : {L"1", L"0"}) {
+    Type("{DELETE}");
+    EXPECT_EQ(program.BoxInFront(), L"Delete the task \"Tea\"?");
+    EXPECT_FALSE(tipIsSeen());
+    Type(*count == L'1' ? "~" : "{LEFT}~");
+    EXPECT_TRUE(program.MainIsInFront());
+    EXPECT_EQ(Stored(L"General", {L"NoTasks"}), count);
+    if (*count == L'0') break;
+    Type("~");
+    const HWND editor = InFront(L"Edit Task - Tea");
+    EXPECT_NE(editor, nullptr);
+    Type("{ESC}");
+    EXPECT_TRUE(program.MainIsInFront());
   }
+}
+
+TEST_F(DesktopTest, SavesAtTheEndOfTheSession) {
+  const RunningProgram program;
+  ASSERT_TRUE(program.MainIsInFront());
+  const HWND main = program.MainWindow();
+  Type("%()s");
+  ASSERT_TRUE(WaitFor([&] { return !TopLevel(program.Id(), L"#32768").empty(); })) << "a menu";
+  Type("{DOWN}~");
+  ASSERT_TRUE(WaitFor([&] { return IsTopMost(main); }));
+  program.Press(L"&New Task");
+  RunningProgram::Press(InFront(L"New Task"), L"&Save");
+  EXPECT_NE(program.BoxInFront(), L"") << "it has no name, and nobody answers";
+  std::vector<HWND> windows = TopLevel(program.Id(), L"OrvantoForm");
+  windows.push_back(TopLevel(program.Id(), L"OrvantoLoop").at(0));
+  for (const HWND window : windows) {
+    EXPECT_EQ(SendMessageW(window, WM_QUERYENDSESSION, 0, 0), TRUE);
+  }
+  EXPECT_EQ(Stored(L"General", {L"OnTop"}), L"");
+  SendMessageW(windows.back(), WM_ENDSESSION, TRUE, 0);
+  // Saved when the message has been answered: nothing of ours runs any more after that.
+  EXPECT_EQ(Stored(L"General", {L"OnTop"}), L"1");
+  EXPECT_EQ(program.ExitCode(), 0);
 }
 
 }  // namespace

@@ -4,15 +4,11 @@
 namespace orvanto::desktop {
 namespace {
 
-class EditorDesktopTest : public DesktopTest {
- protected:
-  const RunningProgram program_;
-};
-
-TEST_F(EditorDesktopTest, MouseMakesATask) {
-  program_.Press(L"&New Task");
+TEST_F(DesktopTest, MouseMakesATask) {
+  const RunningProgram program;
+  program.Press(L"&New Task");
   const HWND editor = InFront(L"New Task");
-  EXPECT_FALSE(IsWindowVisible(program_.MainWindow()));
+  EXPECT_FALSE(IsWindowVisible(program.MainWindow()));
   EXPECT_NE(GetWindowLongPtrW(editor, GWL_EXSTYLE) & WS_EX_APPWINDOW, 0)
       << "it stands in for the main window in the task bar";
   const std::vector<HWND> texts = RunningProgram::Children(editor, WC_EDITW);
@@ -24,34 +20,27 @@ TEST_F(EditorDesktopTest, MouseMakesATask) {
                                               L"Parameters:", L"At this time:", L"Minute", L"Month",
                                               L"Day", L"Year", L"Day of the month"}));
   const HWND path = texts[1];
-  const HWND minute = texts[4];
   const HWND day = texts[8];
-  EXPECT_EQ(SendMessageW(minute, EM_GETLIMITTEXT, 0, 0), 2);
+  EXPECT_EQ(SendMessageW(texts[4], EM_GETLIMITTEXT, 0, 0), 2);
   SendMessageW(texts[0], WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"Mouse made"));
   SendMessageW(path, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"C:\\no such.exe"));
   // Refused, with everything still there.
   RunningProgram::Press(editor, L"&Save");
-  EXPECT_EQ(program_.BoxInFront(), L"File does not exist");
-  EXPECT_EQ(GetWindow(program_.Box(), GW_OWNER), editor);
+  EXPECT_EQ(program.BoxInFront(), L"File does not exist");
+  EXPECT_EQ(GetWindow(program.Box(), GW_OWNER), editor);
   EXPECT_FALSE(IsWindowEnabled(editor)) << "everything waits for the answer";
-  PostMessageW(program_.Box(), WM_COMMAND, IDOK, 0);
+  PostMessageW(program.Box(), WM_COMMAND, IDOK, 0);
   EXPECT_TRUE(WaitFor([&] { return FocusBeside(editor) == path; }));
-  EXPECT_EQ(TextOf(path), L"C:\\no such.exe");
 
   const std::wstring file = Beside(L"desktop_test.exe");
   RunningProgram::Press(editor, L"&Browse");
-  program_.BoxInFront();
-  EXPECT_EQ(TextOf(program_.Box()), L"Select File");
-  EXPECT_EQ(GetWindow(program_.Box(), GW_OWNER), editor);
-  TypeText(file);
-  PressKeys({VK_RETURN});
+  program.BoxInFront();
+  EXPECT_EQ(TextOf(program.Box()), L"Select File");
+  EXPECT_EQ(GetWindow(program.Box(), GW_OWNER), editor);
+  SendMessageW(FocusBeside(program.Box()), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(file.c_str()));
+  PressKeys("~");
   EXPECT_TRUE(WaitFor([&] { return IsWindowEnabled(editor) && TextOf(path) == file; }));
 
-  // What the open list does when its second line is clicked.
-  const HWND style = RunningProgram::Children(editor, WC_COMBOBOXW).at(1);
-  SendMessageW(style, CB_SETCURSEL, 1, 0);
-  SendMessageW(editor, WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(style), CBN_SELCHANGE),
-               reinterpret_cast<LPARAM>(style));
   EXPECT_FALSE(IsWindowEnabled(day));
   RunningProgram::Press(editor, L"&Every month, on this day number:");
   ASSERT_TRUE(WaitFor([&] { return IsWindowEnabled(day) != 0; }));
@@ -62,29 +51,23 @@ TEST_F(EditorDesktopTest, MouseMakesATask) {
   PostMessageW(arrows, WM_LBUTTONUP, 0, MAKELPARAM(3, 3));
   ASSERT_TRUE(WaitFor([&] { return TextOf(day) == L"3"; }));
   RunningProgram::Press(editor, L"&Save");
-  ASSERT_TRUE(program_.MainIsInFront());
-  EXPECT_EQ(Stored(L"Mouse made", {L"Path", L"WinStyle", L"DayNo"}), file + L"|2|3");
+  ASSERT_TRUE(program.MainIsInFront());
+  EXPECT_EQ(Stored(L"Mouse made", {L"Path", L"WinStyle", L"DayNo"}), file + L"|1|3");
 }
 
 // Nothing but keys, from the first task to its end.
-TEST_F(EditorDesktopTest, KeysDoEverything) {
-  ASSERT_TRUE(program_.MainIsInFront());
-  const HWND tree = program_.TreeWindow();
-  PressWith(VK_MENU, 'N');
+TEST_F(DesktopTest, KeysDoEverything) {
+  const RunningProgram program;
+  ASSERT_TRUE(program.MainIsInFront());
+  const HWND tree = program.TreeWindow();
+  const auto treeHasKeyboard = [&] { return FocusBeside(tree) == tree; };
+  PressKeys("%n");
   ASSERT_NE(InFront(L"New Task"), nullptr);
-  TypeText(L"Typed");
-  PressKeys({VK_TAB});
-  TypeText(L"Home");  // replaces the group that was selected on the way in
-  PressKeys({VK_TAB, VK_DOWN, VK_DOWN, VK_DOWN, VK_DOWN, VK_TAB});  // from program to message
-  TypeText(L"Tea is ready");
-  PressKeys({VK_TAB});
-  TypeText(L"23");
-  PressKeys({VK_TAB});
-  TypeText(L"59");
-  PressKeys({VK_TAB, VK_TAB, VK_DOWN});           // past Now, from once to recurring
-  PressKeys({VK_TAB, VK_DOWN, VK_TAB, VK_DOWN});  // past the dates: they are disabled
-  PressKeys({VK_DOWN, VK_RETURN});
-  ASSERT_TRUE(program_.MainIsInFront());
+  // The group replaces the one that was selected on the way in; from program to message; past Now,
+  // from once to recurring; past the dates, which are disabled.
+  PressKeys("Typed{TAB}Home{TAB}{DOWN 4}{TAB}Tea is ready{TAB}23{TAB}59{TAB 2}{DOWN}");
+  PressKeys("{TAB}{DOWN}{TAB}{DOWN 2}~");
+  ASSERT_TRUE(program.MainIsInFront());
   const auto stored = [](const wchar_t* task) {
     return Stored(task,
                   {L"TaskType", L"Path", L"TimeHour", L"TimeMinute", L"Every", L"In", L"Group"});
@@ -92,46 +75,42 @@ TEST_F(EditorDesktopTest, KeysDoEverything) {
   EXPECT_EQ(stored(L"Typed"), L"6|Tea is ready|23|59|2|3|Home");
 
   // The tree has the keyboard and the new task is selected: up to its group and back.
-  PressKeys({VK_UP, VK_DOWN});
-  PressWith(VK_MENU, 'E');
+  PressKeys("{UP}{DOWN}%e");
   ASSERT_NE(InFront(L"Edit Task - Typed"), nullptr);
-  TypeText(L"Renamed");
-  PressKeys({VK_TAB, VK_RETURN});  // from the group's list
-  ASSERT_TRUE(program_.MainIsInFront());
+  PressKeys("Renamed{TAB}~");  // from the group's list
+  ASSERT_TRUE(program.MainIsInFront());
   EXPECT_EQ(stored(L"Renamed"), stored(L"Typed"));
 
-  PressWith(VK_MENU, 'R');
-  EXPECT_EQ(program_.BoxInFront(), L"Tea is ready");
-  PressKeys({VK_RETURN});
-  ASSERT_TRUE(program_.MainIsInFront());
+  PressKeys("%r");
+  EXPECT_EQ(program.BoxInFront(), L"Tea is ready");
+  PressKeys("~");
+  ASSERT_TRUE(program.MainIsInFront());
   // Without Alt the letters of the buttons do nothing, though one of them has the keyboard.
-  PressKeys({VK_TAB, 'X', 'D'});
-  PressWith(VK_MENU, 'A');
+  PressKeys("{TAB}xd%a");
   ASSERT_NE(InFront(L"About Orvanto"), nullptr);
-  PressKeys({VK_ESCAPE});
-  ASSERT_TRUE(program_.MainIsInFront());
-  EXPECT_TRUE(WaitFor([&] { return FocusBeside(tree) == tree; }));
+  PressKeys("{ESC}");
+  ASSERT_TRUE(program.MainIsInFront());
+  EXPECT_TRUE(WaitFor(treeHasKeyboard));
   // Esc leaves the editor, from a list too, and a list first.
-  PressWith(VK_MENU, 'N');
+  PressKeys("%n");
   const HWND editor = InFront(L"New Task");
   const HWND group = FindWindowExW(editor, nullptr, WC_COMBOBOXW, nullptr);
   const auto isOpen = [&] { return SendMessageW(group, CB_GETDROPPEDSTATE, 0, 0) != 0; };
-  PressKeys({VK_TAB});
-  PressWith(VK_MENU, VK_DOWN);
+  PressKeys("{TAB}%{DOWN}");
   ASSERT_TRUE(WaitFor(isOpen));
-  PressKeys({VK_ESCAPE});
+  PressKeys("{ESC}");
   ASSERT_TRUE(WaitFor([&] { return !isOpen(); }));
   EXPECT_TRUE(IsWindowVisible(editor));
-  PressKeys({VK_ESCAPE});
-  ASSERT_TRUE(program_.MainIsInFront());
+  PressKeys("{ESC}");
+  ASSERT_TRUE(program.MainIsInFront());
   // Delete by its button, which leaves the keyboard to the tree, for Enter too.
-  const HWND deletes = program_.Button(L"&Delete Task");
-  PressKeys({VK_TAB, VK_TAB, VK_SPACE});
+  const HWND deletes = program.Button(L"&Delete Task");
+  PressKeys("{TAB 2} ");
   EXPECT_TRUE(WaitFor([&] { return TreeView_GetCount(tree) == 0; }));
-  EXPECT_TRUE(WaitFor([&] { return FocusBeside(tree) == tree; }));
+  EXPECT_TRUE(WaitFor(treeHasKeyboard));
   EXPECT_EQ(GetWindowLongPtrW(deletes, GWL_STYLE) & BS_TYPEMASK, BS_PUSHBUTTON);
-  PressWith(VK_MENU, 'X');
-  EXPECT_EQ(program_.ExitCode(), 0);
+  PressKeys("%x");
+  EXPECT_EQ(program.ExitCode(), 0);
 }
 
 }  // namespace

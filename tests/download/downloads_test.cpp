@@ -140,6 +140,9 @@ TEST(Download, BelievesWhatTheHeaderSays) {
         "abcdefghij[The connection ended at byte 10 of 15.]"},
        {"abcdef", part + "5-9/10~~ghij", "abcdef[No Resuming Support]"},
        {"abcdef", part + "*/10~~ghij", "abcdef[No Resuming Support]"},
+       {"abcdef", part + "6-9/5~~ghij", "abcdef[No Resuming Support]"},
+       {"", "HTTP/1.1 200 x~Content-Range: bytes 0-1/2~~0123", "0123[whole]"},
+       {"", "HTTP/1.1 204 x~~", "none[The server does not send the file. It says: HTTP/1.1 204 x]"},
        {"abcdef", "HTTP/1.1 200 OK~~ghij", "abcdef[No Resuming Support]"},
        {"abcdef", "HTTP/1.1 416 x~Content-Range: bytes */6~~", "abcdef[whole]"},
        {"abcdef", "HTTP/1.1 416 x~Content-Range: bytes */5~~",
@@ -172,6 +175,7 @@ TEST(Download, GoesWhereTheServerSaysThatTheFileIs) {
       {"http://host:8080/a/file", "", 8080, RequestFor("/a/file", kRest, "host:8080")},
       {"http://host/a/file", "#b", 80, RequestFor("/a/file", kRest, "host")},
       {"http://host/a/file", "//10.1.1.1:81/b", 81, RequestFor("/b", kRest, "10.1.1.1:81")},
+      {"http://host/a/file", "//host?b", 80, RequestFor("/?b", kRest, "host")},
       {"http://host/a/file", "http://host?b", 80, RequestFor("/?b", kRest, "host")}};
   DownloadDesk desk;
   desk.files.contents[kPath] = "abcdef";
@@ -281,6 +285,19 @@ TEST(Download, ShowsCompletionEarlyAndKeepsTheLastByte) {
   desk.Http().PeerSends("yz");
   EXPECT_EQ(desk.ends, "[whole][whole]");
   EXPECT_EQ(desk.files.contents["C:\\Orvanto\\large"].size(), length);
+}
+
+// The other side keeps the connection, or breaks it.
+TEST(Download, IsWholeWithAllThatWasTold) {
+  for (const bool broken : {false, true}) {
+    DownloadDesk desk;
+    desk.switches.compat = true;
+    desk.Begin();
+    desk.Hear("HTTP/1.1 200 x~Content-Length: 0~~");
+    desk.Http().receiveError = 10054;
+    broken ? desk.Http().Receive() : desk.loop.Advance(1000);
+    EXPECT_EQ(desk.File() + desk.ends, "[whole]");
+  }
 }
 
 TEST(Download, SavesACopyOfTheFinishedFile) {
@@ -424,14 +441,20 @@ TEST(Download, ReplacesAnOldFileByAWholeOne) {
     bool compat;
     const char* pieces;
     const char* held;
-  } kCases[] = {
-      {false, "HTTP/1.1 206 Partial Content~Content-Type: x~~new", "oldnew"},
-      {true, "HTTP/1.1 200 OK~Content-Length: 2~~no", "no"},
-      {true, "HTTP/1.1 200 OK~Content-Length: 4~~new", "old"},
-      {true, "HTTP/1.1 200 OK~Content-Length: 40~~this is more than the disk takes", "old"}};
-  for (const auto& [compat, pieces, held] : kCases) {
+    const char* box = "";
+    const char* locked = "";
+  } kCases[] = {{false, "HTTP/1.1 206 Partial Content~Content-Type: x~~new", "oldnew"},
+                {true, "HTTP/1.1 200 OK~Content-Length: 2~~no", "no"},
+                {true, "HTTP/1.1 200 OK~~half of the disk", "half of the disk"},
+                {true, "HTTP/1.1 200 OK~~new", "old", "The file cannot be written.", kPath},
+                {true, "HTTP/1.1 200 OK~Content-Length: 4~~new", "old"},
+                {true, "HTTP/1.1 200 OK~~this is more than the disk takes", "old",
+                 "The file cannot be written."}};
+  for (const auto& [compat, pieces, held, box, locked] : kCases) {
     DownloadDesk desk;
-    desk.switches.compat = desk.messageBoxes.answersAll = compat;
+    desk.switches.compat = compat;
+    if (*box != '\0') desk.Expect(box);
+    desk.files.locked = {locked};
     desk.files.contents = {{kPath, "old"}, {std::string(kPath) + ".new", "left"}};
     desk.files.diskLeft = 20;
     desk.downloads.BeginDownload(kUrl, true);

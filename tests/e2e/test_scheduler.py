@@ -42,32 +42,6 @@ class Scheduler(HomeTest):
             self.assertEqual(self.orvanto(self.home(name), "get", "General", "OnTop"), "0\n")
             self.stop(self.start(self.home(name)))
 
-    def test_a_command_says_what_it_shows_and_what_it_cannot_do(self):
-        home = self.home()
-        self.orvanto(home, "frobnicate", status=2)
-        scripts = home / "scripts"
-        scripts.mkdir()
-        (scripts / "text.txt").write_text("")
-        folder = "z:" + str(home).replace("/", "\\")
-        (scripts / "once.txt").write_text("\n".join([
-            "msgbox('Hello\x1b[2J',nostop)", "setfocus('x')", "setfocus('y')", "sendkeys('x',a)",
-            "beep()", "dialout('x')", f"open('{folder}\\scripts\\text.txt')",
-            f"print('{folder}\\scripts\\text.txt')", "hangup()", "beep()",
-            f"move('{folder}\\scripts\\once.txt',{folder})", "delay(1)"]))
-        self.orvanto(home, "add", "once", "--at", "10:00", "--day", "1", "--script", "once.txt")
-        # It begins again after its delay and is no longer there.
-        said = self.orvanto(home, "run", "1", status=1, env={**os.environ, "PATH": str(home)})
-        self.assertEqual(said, "Orvanto: Hello?[2J\n")
-        self.assertEqual(self.last_error.splitlines(), [
-            "orvanto: setfocus: there are no windows here",
-            "orvanto: sendkeys: there are no windows here",
-            "orvanto: beep: there is no terminal to beep on",
-            "orvanto: dialout: there is no such program here",
-            "orvanto: open: documents are not opened: xdg-open is not on PATH",
-            "orvanto: print: nothing is printed: neither lp nor lpr is on PATH",
-            "orvanto: hangup: there is no dial-up connection to end",
-            "once.txt: File not found"])
-
 
 if __name__ == "__main__":
     unittest.main()

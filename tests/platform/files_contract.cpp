@@ -41,7 +41,8 @@ TEST_F(FilesContract, AppendsReadsCopiesAndRemoves) {
   for (const char* none : {"none", "folder"}) EXPECT_EQ(Read(none), "unreadable");
   for (const std::string& reason :
        {files_->Copy(In("other"), In("other")), files_->Copy(In("none"), In("other")),
-        files_->Copy(In("other"), In("folder")), files_->Remove(In("none")),
+        files_->Copy(In("other"), In("folder")), files_->Replace(In("none"), In("other")),
+        files_->Replace(In("other"), In("folder")), files_->Remove(In("none")),
         files_->Remove(In("folder"))}) {
     EXPECT_FALSE(reason.empty());
     EXPECT_EQ(reason.find_first_of("\r\n"), std::string::npos) << reason;
@@ -50,6 +51,10 @@ TEST_F(FilesContract, AppendsReadsCopiesAndRemoves) {
   EXPECT_EQ(Read("other"), "OtheroTHER") << "a failed copy has spoiled it";
   EXPECT_EQ(files_->Copy(In("one"), In("OTHER")), "");
   EXPECT_TRUE(Read("other") == bytes);
+  EXPECT_TRUE(files_->Append(In("one"), "more"));
+  EXPECT_EQ(files_->Replace(In("ONE"), In("OTHER")), "");
+  EXPECT_EQ(Read("one"), "unreadable");
+  EXPECT_EQ(Read("other"), bytes + "more");
   EXPECT_EQ(files_->Remove(In("OTHER")), "");
   EXPECT_EQ(Read("other"), "unreadable");
 }

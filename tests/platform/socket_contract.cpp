@@ -51,8 +51,8 @@ class SocketContract : public testing::TestWithParam<SocketHost::Use> {
   std::unique_ptr<TcpSocket> NewSocket() const { return host->NewSocket(GetParam()); }
 
   // Runs the loop until `reached`; false when that takes too long.
-  bool Until(const std::function<bool()>& reached) const {
-    const auto deadline = steady_clock::now() + std::chrono::seconds(20);
+  bool Until(const std::function<bool()>& reached, milliseconds limit = milliseconds(20'000)) {
+    const auto deadline = steady_clock::now() + limit;
     while (!reached()) {
       if (steady_clock::now() > deadline) return false;
       loop->DoEvents();
@@ -61,12 +61,11 @@ class SocketContract : public testing::TestWithParam<SocketHost::Use> {
     return true;
   }
   // Handles what happens on this machine anyway within a moment.
-  void Settle() const {
-    const auto end = steady_clock::now() + milliseconds(40);
-    Until([&] { return steady_clock::now() > end; });
+  void Settle() {
+    Until([] { return false; }, milliseconds(40));
   }
   // The server listens and takes its first client itself. Both ends are connected then.
-  void ConnectEnds() const {
+  void ConnectEnds() {
     client->Close();
     ASSERT_TRUE(server->Listen(0));
     server->onConnectionRequest = [this](TcpSocket::RequestId request) {
@@ -91,7 +90,6 @@ INSTANTIATE_TEST_SUITE_P(Uses, SocketContract,
                          testing::Values(SocketHost::Use::Conversation, SocketHost::Use::Data));
 
 TEST_P(SocketContract, TheListenerTakesTheClientOnItself) {
-  EXPECT_EQ(server->GetState(), State::Closed);
   EXPECT_EQ(server->LocalPort(), 0);
   EXPECT_EQ(server->RemoteAddress() + server->BoundAddress(), "");
   ConnectEnds();
@@ -121,11 +119,9 @@ TEST_P(SocketContract, TheListenerTakesTheClientOnItself) {
   second->Connect("localhost", port);
   second->Close();
   ASSERT_TRUE(second->Listen(0));
-  EXPECT_EQ(second->GetState(), State::Listening);
   EXPECT_EQ(second->BoundAddress(), TcpSocket::kAllAddresses);
   EXPECT_FALSE(server->Listen(second->LocalPort())) << "it is taken";
   EXPECT_EQ(server->LastError(), kAddressInUse);
-  EXPECT_EQ(server->GetState(), State::Closed);
   EXPECT_FALSE(server->Listen(0, "192.0.2.1"));
   EXPECT_EQ(server->LastError(), kAddressNotAvailable);
   EXPECT_TRUE(server->Listen(0, kHost));
@@ -144,12 +140,12 @@ TEST_P(SocketContract, WhatTheClientSentBeforeItWasTakenArrives) {
     // The events of the client come in here.
     EXPECT_TRUE(Until([&] { return client->GetState() == State::Closed; }));
     EXPECT_TRUE(server->Accept(request));
+    EXPECT_FALSE(NewSocket()->Accept(request)) << "it is taken";
   };
   client->Connect(kHost, listener->LocalPort());
   ASSERT_TRUE(Until([&] { return atServer.Ended(); }));
   EXPECT_EQ(atServer.seen, "DX");
   EXPECT_EQ(atServer.data, "early");
-  EXPECT_EQ(listener->GetState(), State::Listening);
   EXPECT_EQ(atClient.seen, "");
 
   // One that nobody takes is turned away, though the listener goes meanwhile.
@@ -161,9 +157,6 @@ TEST_P(SocketContract, WhatTheClientSentBeforeItWasTakenArrives) {
 
 TEST_P(SocketContract, MuchArrivesWholeAndThenTheEnd) {
   ConnectEnds();
-  client->Send("up");
-  server->Send("down");
-  ASSERT_TRUE(Until([&] { return atServer.data == "up" && atClient.data == "down"; }));
   const std::string all = Pattern(9 << 20);
   const std::size_t piece = 3 << 20;
   std::size_t sent = 0;
@@ -175,7 +168,6 @@ TEST_P(SocketContract, MuchArrivesWholeAndThenTheEnd) {
     client->Send(std::string_view(all).substr(sent, piece));
     sent += piece;
   };
-  atServer.data.clear();
   client->onSendComplete();
   EXPECT_TRUE(Until([&] { return atServer.Ended(); })) << sent;
   EXPECT_TRUE(atServer.data == all) << atServer.data.size();
@@ -253,8 +245,11 @@ TEST_P(SocketContract, ConnectionsOfAnyLifeLeaveNothingBehind) {
   const auto listener = NewSocket();
   ASSERT_TRUE(listener->Listen(0));
   const std::size_t before = OpenHandles();
-  std::vector<std::unique_ptr<TcpSocket>> clients(150);
-  std::vector<std::unique_ptr<TcpSocket>> servers(150);
+  std::vector<std::unique_ptr<TcpSocket>> clients;
+  std::vector<std::unique_ptr<TcpSocket>> servers;
+  for (int i = 0; i < 150; ++i) {
+    for (auto* all : {&clients, &servers}) all->push_back(NewSocket());
+  }
   std::minstd_rand random(7);
   int connects = 0;
   listener->onConnectionRequest = [&](TcpSocket::RequestId request) {
@@ -262,25 +257,17 @@ TEST_P(SocketContract, ConnectionsOfAnyLifeLeaveNothingBehind) {
       if (socket->GetState() == State::Closed) return void(socket->Accept(request));
     }
   };
-  const auto act = [&](TcpSocket& socket) {
-    switch (random() % 6) {
-      case 0:
-        return socket.Send(std::string(random() % 50'000, 'x'));
-      case 1:
-        return void(socket.GetData());
-      case 2:
-        return socket.CloseGently();
-      case 3:
-        return socket.Close();
-      default:
-        socket.onDataArrival = random() % 2 == 0 ? [] {} : std::function<void()>([&socket] {
+  const std::function<void(TcpSocket&)> acts[] = {
+      [&](TcpSocket& socket) { socket.Send(std::string(random() % 50'000, 'x')); },
+      [](TcpSocket& socket) { socket.GetData(); },
+      [](TcpSocket& socket) { socket.CloseGently(); },
+      [](TcpSocket& socket) { socket.Close(); },
+      [](TcpSocket& socket) { socket.onDataArrival = [] {}; },
+      [](TcpSocket& socket) {
+        socket.onDataArrival = [&] {
           if (socket.GetData().size() % 7 == 0) socket.Send("y");
-        });
-    }
-  };
-  for (auto* all : {&clients, &servers}) {
-    for (auto& socket : *all) socket = NewSocket();
-  }
+        };
+      }};
   while (connects < count) {
     auto& chosen = clients[random() % clients.size()];
     if (chosen->GetState() == State::Closed || chosen->GetState() == State::Failed) {
@@ -288,8 +275,9 @@ TEST_P(SocketContract, ConnectionsOfAnyLifeLeaveNothingBehind) {
       chosen->Connect(random() % 9 == 0 ? "localhost" : kHost, listener->LocalPort());
       ++connects;
     }
-    act(*chosen);
-    act(*servers[random() % servers.size()]);
+    for (TcpSocket* socket : {chosen.get(), servers[random() % servers.size()].get()}) {
+      acts[random() % std::size(acts)](*socket);
+    }
     loop->DoEvents();
   }
   clients.clear();

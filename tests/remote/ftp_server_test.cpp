@@ -350,7 +350,7 @@ TEST_F(FtpServerTest, AnswersWhatTodaysClientsAsk) {
   remote.compat = true;
   files.contents = {{kScripts + "f", "123456"}, {kScripts + "sub\\g", "g"}};
   files.changed[kScripts + "f"] = {2026, 11, 5, 14, 7, 9, 0};
-  files.listings[kScripts] = {"f", "sub\\", "a.b.c"};
+  files.listings = {{kScripts, {"f", "sub\\", "a.b.c"}}, {kScripts + "\\", {}}};
   Connect();
   const std::string other = "522 Network protocol not supported, use (1)";
   Talk({
@@ -398,20 +398,24 @@ TEST_F(FtpServerTest, TodaysTransfers) {
   EXPECT_EQ(Say("REST 2000|RETR f"), "350 Restarting at 2000\n" + sending);
   EXPECT_EQ(Received(), "end");
   EXPECT_EQ(Answered(), kComplete);
-  Say("REST 2|RETR none|REST 2");
   EXPECT_EQ(Say("RETR f"), sending + "425 Can't open data connection.\n");
-  EXPECT_TRUE((Say("PASV|RETR f"), Enter()));
-  EXPECT_EQ(Received(), files.contents[kScripts + "f"]) << "all of it";
-  EXPECT_EQ(Answered(), kComplete);
+  for (const char* rest : {"NOOP", "REST 7|REST x"}) {
+    Say(std::string(rest) + "|PASV|RETR f"), Enter();
+    EXPECT_EQ(Received().size(), 2003U);
+    Answered();
+  }
   EXPECT_TRUE((Say("PASV|REST 2004|RETR f"), Enter()));
   EXPECT_EQ(Answered(), "554 The file is shorter than that.\n");
   EXPECT_EQ(Say("REST 1|STOR f"), "350 Restarting at 1\n504 Resuming is currently unsupported\n");
 
   EXPECT_TRUE((Say("PASV|RETR f"), Enter()));
-  const std::string aborted = "226 ABOR command successful.";
+  EXPECT_EQ(Say("PASV|REST 1|RETR f"), "") << "wait for its end";
+  const std::string aborted = "426 Connection closed; transfer aborted.\n";
+  const std::string done = "226 ABOR command successful.";
   const std::string telnet = "\xFF\xF4\xFF\xF2";
-  Talk({{telnet + "ABOR|ABOR",
-         "426 Connection closed; transfer aborted.\n" + aborted + "\n" + aborted}});
+  Talk({{telnet + "ABOR",
+         aborted + done + "\n" + kPassive + "\n350 Restarting at 1\n" + kSending + "f"},
+        {"ABOR|ABOR", aborted + done + "\n" + done}});
 
   EXPECT_TRUE((Say("PASV"), Enter()));
   Data().PeerSends("new"), Data().PeerCloses();
@@ -421,12 +425,19 @@ TEST_F(FtpServerTest, TodaysTransfers) {
   Enter(), Data().PeerCloses();
   EXPECT_EQ(Answered(), kComplete);
   EXPECT_EQ(files.contents[kScripts + "f"], "");
+  Say("PASV|STOR new"), Enter(), Data().PeerCloses();
+  EXPECT_EQ(Answered(), kComplete);
   files.locked.insert(kScripts + "f");
   Say("PASV|STOR f"), Enter();
   EXPECT_EQ(Answered(), "550 Permission denied.\n");
 
-  Say("PASV"), Enter(), Data().PeerCloses();
-  EXPECT_EQ(Say("LIST"), kOpening + "/bin/ls.\n426 Connection closed; transfer aborted.\n");
+  for (const char* line : {"LIST", "STOR g"}) {
+    Say("PASV"), Enter(), Data().receiveError = kConnectionReset, Data().Receive();
+    EXPECT_TRUE(Say(line).ends_with("\n" + aborted));
+    Data().receiveError = 0;
+  }
+  Say("PASV"), Enter(), Say("PASV");
+  EXPECT_EQ(Data().GetState(), TcpSocket::State::Closed) << "it was for the other port";
   for (const std::string& line : {kPort, std::string("ABOR"), std::string("QUIT")}) {
     Say("PASV|" + line);
     EXPECT_FALSE(Enter()) << "the port is not left open by " << line;
@@ -501,16 +512,16 @@ TEST_F(FtpServerTest, StrictHasLimitsOfTime) {
   remote.compat = remote.strict = remote.passwordRequired = true;
   remote.password = "p";
   Connect(0), Connect(1);
-  EXPECT_EQ(Say("PASS x|NOOP") + Say("PASS p", 1), "");
+  EXPECT_EQ(Say("PASS x|FEAT") + Say("PASS p", 1), "");
   loop.Advance(999);
   EXPECT_EQ(Answered(), "");
   loop.Advance(2);
-  EXPECT_EQ(Answered(), "530 Not logged in.\n200 Command ok.\n");
+  EXPECT_EQ(Answered(), "530 Not logged in.\n" + kFeatures + "\n");
   EXPECT_EQ(Plain(Command(1).Sent()), "230 User logged in, proceed.\n") << "not before the other";
   for (const int seconds : {1, 2, 4, 8, 16, 32, 32}) {
     EXPECT_EQ(Say("PASS x"), "") << seconds;
     Command().PeerCloses(), Connect();  // which is of no use
-    Say("PASS x");
+    EXPECT_EQ(Say("NOOP|PASS x"), "200 Command ok.\n");
     loop.Advance(seconds * 1000 - 1);
     EXPECT_EQ(Answered(), "");
     Command().PeerCloses(), loop.Advance(1), Connect();
@@ -518,6 +529,7 @@ TEST_F(FtpServerTest, StrictHasLimitsOfTime) {
   EXPECT_EQ(Say("PASS p"), "230 User logged in, proceed.\n");
   EXPECT_EQ(Say("PASS x"), "") << "from the beginning again";
   loop.Advance(1000);
+  clock.Move(-60'000);
   EXPECT_EQ(Answered() + Say("PASS p"), "530 Not logged in.\n230 User logged in, proceed.\n");
 
   for (const std::string& how : {kPort, std::string("PASV")}) {
@@ -529,13 +541,19 @@ TEST_F(FtpServerTest, StrictHasLimitsOfTime) {
   Say("PASV"), loop.Advance(15'000);
   EXPECT_FALSE(Enter()) << "which nobody has used";
   files.contents[kScripts + "f"] = std::string(3000, 'x');
-  Say(kPort + "|RETR f"), Data().Connected();
+  loop.Advance(14 * 60'000), Say(kPort), loop.Advance(14 * 60'000);
+  Say("RETR f"), Data().Connected();
   Data().room = 0, loop.DoEvents(), loop.Advance(14 * 60'000);
   Data().room = 1024, Data().SendMore(), loop.DoEvents(), loop.Advance(14 * 60'000);
   EXPECT_EQ(Answered(), "") << "it has moved meanwhile";
   loop.Advance(60'000);
   EXPECT_EQ(Answered(), "421 Idle for too long.\n");
   EXPECT_EQ(log.back(), "User  logged out.");
+  for (int i = 0; i < 2; ++i) {  // what was long ago does not count
+    loop.Advance(30'000), Connect(), Say("PASS x"), loop.Advance(1000);
+    EXPECT_EQ(Answered(), "530 Not logged in.\n");
+    loop.Advance(15 * 60'000), Answered();
+  }
 }
 
 TEST_F(FtpServerTest, TheSwitchesCountForWhatBeginsFromThenOn) {

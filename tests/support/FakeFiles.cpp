@@ -114,13 +114,22 @@ std::string FakeFiles::FromCodePage(const std::string& bytes) const {
 
 std::string FakeFiles::Copy(const std::string& from, const std::string& to) {
   if (locked.count(from) != 0) return "It is locked.";
+  contents[to].clear();
+  const bool done = OpenFile(*this, to).WriteAt(0, Find(from)->second) == kNoError;
+  return done ? "" : "The disk is full.";
+}
+
+std::string FakeFiles::Replace(const std::string& from, const std::string& to) {
+  if (locked.count(from) + locked.count(to) != 0) return "It is locked.";
   contents[to] = Find(from)->second;
-  return "";
+  return Remove(from);
 }
 
 std::string FakeFiles::Remove(const std::string& path) {
   if (locked.count(path) != 0) return "It is locked.";
-  contents.erase(Find(path));
+  const auto found = Find(path);
+  if (found == contents.end()) return "It is missing.";
+  contents.erase(found);
   return "";
 }
 

@@ -27,6 +27,7 @@ class FakeFiles : public Files {
   bool Read(const std::string& path, std::string& text) override;
   std::string FromCodePage(const std::string& bytes) const override;  // takes it for Latin-1
   std::string Copy(const std::string& from, const std::string& to) override;
+  std::string Replace(const std::string& from, const std::string& to) override;
   std::string Remove(const std::string& path) override;
   std::string RemoveFolder(const std::string& path) override;
   bool Append(const std::string& path, const std::string& bytes) override;

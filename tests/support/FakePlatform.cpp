@@ -4,33 +4,19 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 #include <limits>
 #include <stdexcept>
 
 #include "platform/text/Case.h"
 
 namespace orvanto {
-namespace {
-
-constexpr std::int64_t kDay = 24LL * 60 * 60 * 1000;
-
-std::chrono::sys_days Date(int year, int month, int day) {
-  return std::chrono::year(year) / month / day;
-}
-
-}  // namespace
 
 DateTime FakeClock::Now() const {
-  const std::chrono::sys_days days{std::chrono::days(now_ / kDay)};
-  const std::chrono::year_month_day date(days);
-  const int seconds = static_cast<int>(now_ % kDay / 1000);
-  return {int{date.year()},
-          static_cast<int>(unsigned{date.month()}),
-          static_cast<int>(unsigned{date.day()}),
-          seconds / 3600,
-          seconds / 60 % 60,
-          seconds % 60,
-          static_cast<int>(std::chrono::weekday(days).c_encoding()) + 1};
+  const std::time_t seconds = now_ / 1000;
+  const std::tm& now = *std::gmtime(&seconds);
+  return {now.tm_year + 1900, now.tm_mon + 1, now.tm_mday,    now.tm_hour,
+          now.tm_min,         now.tm_sec,     now.tm_wday + 1};
 }
 
 std::string FakeClock::ShortDate(int year, int month, int day) const {
@@ -44,8 +30,10 @@ std::string FakeClock::ShortDate(int year, int month, int day) const {
 
 void FakeClock::Set(int year, int month, int day, int hour, int minute, int second,
                     int millisecond) {
-  now_ = Date(year, month, day).time_since_epoch().count() * kDay +
-         ((hour * 60 + minute) * 60 + second) * 1000LL + millisecond;
+  const std::chrono::sys_days date = std::chrono::year(year) / month / day;
+  now_ = (date.time_since_epoch() / std::chrono::seconds(1) + (hour * 60 + minute) * 60 + second) *
+             1000LL +
+         millisecond;
 }
 
 class FakeLoop::FakeTimer : public Timer {

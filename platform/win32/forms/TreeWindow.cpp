@@ -1,5 +1,7 @@
 #include "platform/win32/forms/TreeWindow.h"
 
+#include <algorithm>
+
 #include "platform/win32/HiddenWindow.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/forms/ControlKinds.h"
@@ -14,10 +16,11 @@ TreeWindow::TreeWindow(TreeView& tree, HWND parent, int id)
     : ControlWindow(tree,
                     {WC_TREEVIEWW,
                      WS_TABSTOP | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT |
-                         TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP,
+                         TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP | TVS_NOTOOLTIPS,
                      WS_EX_CLIENTEDGE},
                     parent, id),
-      tree_(tree) {
+      tree_(tree),
+      tip_(window_, [this](HTREEITEM item) { return TipOf(item); }) {
   TreeView_SetExtendedStyle(window_, TVS_EX_DOUBLEBUFFER, TVS_EX_DOUBLEBUFFER);
   SetWindowSubclass(window_, Procedure, 0, reinterpret_cast<DWORD_PTR>(this));
 }
@@ -30,9 +33,18 @@ LRESULT CALLBACK TreeWindow::Procedure(HWND window, UINT message, WPARAM wParam,
   if (message == WM_SYSKEYDOWN || message == WM_SYSKEYUP || message == WM_KEYUP) {
     return DefWindowProcW(window, message, wParam, lParam);
   }
+  const auto* const asked = reinterpret_cast<const MSG*>(lParam);
+  if (message == WM_GETDLGCODE && asked != nullptr && asked->message == WM_KEYDOWN &&
+      asked->wParam == VK_RETURN) {
+    return DLGC_WANTMESSAGE;  // or it would be the default button's
+  }
   try {
-    // The selection may unload the form: nothing of ours is touched after it.
-    if (message == WM_KEYDOWN && reinterpret_cast<TreeWindow*>(self)->SelectFirst(wParam)) return 0;
+    // What the person does may unload the form: nothing of ours is touched after it.
+    auto& tree = *reinterpret_cast<TreeWindow*>(self);
+    tree.tip_.OnMessage(message, wParam);
+    if (message == WM_KEYDOWN && tree.TakesKey(wParam)) return 0;
+    if (message == WM_CHAR && wParam == VK_RETURN) return 0;  // it would beep
+    if (message == WM_CONTEXTMENU && tree.OpenMenu(lParam)) return 0;
   } catch (...) {
     ReportException("tree");
   }
@@ -41,6 +53,7 @@ LRESULT CALLBACK TreeWindow::Procedure(HWND window, UINT message, WPARAM wParam,
 
 void TreeWindow::Mirror(Property property) {
   if (property == Property::Nodes && !tree_.Updating()) Rebuild();
+  if (property == Property::Drawing) InvalidateRect(window_, nullptr, FALSE);
   if (property == Property::Selection && !tree_.Updating()) MirrorSelection();
 }
 
@@ -110,6 +123,39 @@ void TreeWindow::MirrorSelection() {
   SelectItem(selected && *selected < items_.size() ? items_[*selected] : nullptr);
 }
 
+bool TreeWindow::TakesKey(WPARAM key) {
+  if (key == VK_RETURN) return tree_.Activate();
+  if (key == VK_DELETE) return tree_.PressDelete();
+  return SelectFirst(key);
+}
+
+// Where the mouse is, of the node there; by the keyboard, below the selected one.
+bool TreeWindow::OpenMenu(LPARAM where) {
+  if (tree_.contextMenu == nullptr) return false;
+  POINT place = {static_cast<short>(LOWORD(where)), static_cast<short>(HIWORD(where))};
+  if (where == -1) {
+    RECT line = {};
+    const HTREEITEM item = TreeView_GetSelection(window_);
+    if (item != nullptr) TreeView_GetItemRect(window_, item, &line, TRUE);
+    place = {line.left, line.bottom};
+    ClientToScreen(window_, &place);
+  } else if (const HTREEITEM item = ItemUnderMouse(); item != nullptr) {
+    const auto found = std::find(items_.begin(), items_.end(), item);
+    if (found != items_.end()) tree_.ClickNode(static_cast<std::size_t>(found - items_.begin()));
+  }
+  const HWND form = GetParent(window_);
+  const std::vector<forms::MenuItem*> items = tree_.contextMenu->Items();
+  const Handle<HMENU, DestroyMenu> menu(CreatePopupMenu());
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    AppendMenuW(menu.Get(), MF_STRING | (items[i]->Enabled() ? MF_ENABLED : MF_GRAYED), i + 1,
+                ToWide(items[i]->Caption()).c_str());
+  }
+  const int chosen = TrackPopupMenuEx(menu.Get(), TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x, place.y,
+                                      form, nullptr);
+  if (chosen > 0) items[static_cast<std::size_t>(chosen - 1)]->Choose();
+  return true;
+}
+
 // Without a selection the arrow keys would lead nowhere. True where that was all the key does.
 bool TreeWindow::SelectFirst(WPARAM key) {
   if (key < VK_PRIOR || key > VK_DOWN || TreeView_GetSelection(window_) != nullptr) return false;
@@ -145,7 +191,24 @@ bool TreeWindow::IsAboveSelection(TreeView::NodeId node) const {
   return each && each != tree_.Selected();
 }
 
+LRESULT TreeWindow::Colour(const NMHDR& header) const {
+  auto& draw = const_cast<NMTVCUSTOMDRAW&>(reinterpret_cast<const NMTVCUSTOMDRAW&>(header));
+  if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+  if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT) return CDRF_DODEFAULT;
+  const auto node = NodeOf(draw.nmcd.lItemlParam);
+  const bool selected = (draw.nmcd.uItemState & CDIS_SELECTED) != 0;
+  if (node && tree_.Nodes()[*node].faded && !selected) draw.clrText = GetSysColor(COLOR_GRAYTEXT);
+  return CDRF_DODEFAULT;
+}
+
+std::wstring TreeWindow::TipOf(HTREEITEM item) const {
+  const auto found = std::find(items_.begin(), items_.end(), item);
+  if (found == items_.end() || !tree_.onTip) return L"";
+  return ToWide(tree_.onTip(static_cast<std::size_t>(found - items_.begin())));
+}
+
 LRESULT TreeWindow::OnNotify(const NMHDR& header, bool person) {
+  if (header.code == NM_CUSTOMDRAW) return Colour(header);
   const auto& change = reinterpret_cast<const NMTREEVIEWW&>(header);
   // The window selects a node by itself when it gets the focus: nobody has chosen that one.
   if (header.code == TVN_SELCHANGINGW && change.action == TVC_UNKNOWN && !selecting_) return TRUE;
@@ -154,6 +217,7 @@ LRESULT TreeWindow::OnNotify(const NMHDR& header, bool person) {
   switch (header.code) {
     case TVN_SELCHANGEDW:
       clickTold_ = change.action == TVC_BYMOUSE;
+      if (change.action == TVC_BYKEYBOARD) tip_.OnKeyboard();
       if (change.itemNew.hItem == nullptr) break;
       if (const auto node = NodeOf(change.itemNew.lParam)) tree_.ClickNode(*node);
       break;
@@ -168,6 +232,15 @@ LRESULT TreeWindow::OnNotify(const NMHDR& header, bool person) {
       }
       break;
     }
+    case NM_DBLCLK: {
+      const HTREEITEM item = ItemUnderMouse();
+      if (item == nullptr || TreeView_GetChild(window_, item) != nullptr) break;
+      tree_.Activate();
+      return 1;
+    }
+    case NM_RCLICK:
+      // The window has swallowed the button's release, of which WM_CONTEXTMENU would come.
+      return OpenMenu(static_cast<LPARAM>(GetMessagePos())) ? 1 : 0;
     case TVN_ITEMEXPANDINGW:
       // Who closes a node over the selected one selects it. The window does so on its own, but not
       // every system tells.

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/win32/forms/ControlWindow.h"
+#include "platform/win32/forms/NodeTip.h"
 
 namespace orvanto::win32 {
 
@@ -28,7 +29,11 @@ class TreeWindow : public ControlWindow {
   void ScrollToSelection() const;
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                     UINT_PTR id, DWORD_PTR self);
+  bool TakesKey(WPARAM key);
   bool SelectFirst(WPARAM key);
+  bool OpenMenu(LPARAM where);
+  LRESULT Colour(const NMHDR& header) const;
+  std::wstring TipOf(HTREEITEM item) const;
   void SelectItem(HTREEITEM item);
   int ImageIndex(const std::string& name);
   HTREEITEM ItemUnderMouse() const;
@@ -37,6 +42,7 @@ class TreeWindow : public ControlWindow {
   bool IsAboveSelection(forms::TreeView::NodeId node) const;
 
   forms::TreeView& tree_;
+  NodeTip tip_;
   std::vector<HTREEITEM> items_;  // by node
   ImageList images_;
   std::map<std::string, int> imageIndices_;

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <future>
 #include <thread>
 
@@ -14,9 +13,7 @@
 #include "platform/win32/Win32Clipboard.h"
 #include "platform/win32/Win32Desktop.h"
 #include "platform/win32/Win32Process.h"
-#include "platform/win32/Win32Session.h"
 #include "tests/desktop/RunningProgram.h"
-#include "tests/support/TemporaryDirectory.h"
 
 namespace orvanto::win32 {
 namespace {
@@ -91,11 +88,8 @@ TEST(Win32Keyboard, NotepadHoldsExactlyWhatWasTypedWhateverTheUserHolds) {
     EXPECT_FALSE(AnyModifierDown()) << keys;
     EXPECT_EQ(notepad.Text(text), text) << keys;
   }
-  for (const WORD key : {WORD{VK_LSHIFT}, WORD{VK_RCONTROL}, WORD{VK_LMENU}}) {
-    INPUT input = {};
-    input.type = INPUT_KEYBOARD;
-    input.ki.wVk = key;
-    SendInput(1, &input, sizeof input);
+  for (const BYTE key : {BYTE{VK_LSHIFT}, BYTE{VK_RCONTROL}, BYTE{VK_LMENU}}) {
+    keybd_event(key, 0, 0, 0);
   }
   ASSERT_TRUE(WaitFor(AnyModifierDown));
   Type("{HOME}X");
@@ -215,42 +209,6 @@ TEST(Win32Clipboard, WaitsForOthersButNotForEver) {
     EXPECT_EQ(clipboard.SetText("late"), taken);
     release.set_value();
   }
-}
-
-// In a desktop of its own: the test runs itself in there and reports into a file.
-TEST(Win32Session, ChangesTheResolution) {
-  if (GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") == nullptr) {
-    GTEST_SKIP() << "would change the screen that somebody looks at";
-  }
-  constexpr const char* kReport = "ORVANTO_TEST_REPORT";
-  if (std::getenv(kReport) == nullptr) {
-    const TemporaryDirectory folder;
-    SetEnvironmentVariableA(kReport, (folder / "report").c_str());
-    const ProcessHandle explorer =
-        StartProcess(ToUtf8(L"explorer.exe /desktop=orvanto-resolution,1280x800 \"" +
-                            desktop::Beside(L"win32_other_programs_test.exe") +
-                            L"\" --gtest_filter=Win32Session.ChangesTheResolution"),
-                     ShowCommand::Normal);
-    EXPECT_TRUE(WaitFor([&] { return ReadFile(folder / "report") == "changed"; }));
-    WaitForSingleObject(explorer.Get(), 5000);
-    TerminateProcess(explorer.Get(), 1);
-    return;
-  }
-  const auto changesTo = [](int width, int height, int newWidth, int newHeight) {
-    Win32Session().ChangeResolution(width, height);
-    return WaitFor([&] {
-      return GetSystemMetrics(SM_CXSCREEN) == newWidth &&
-             GetSystemMetrics(SM_CYSCREEN) == newHeight;
-    });
-  };
-  EXPECT_TRUE(changesTo(800, 600, 800, 600));
-  EXPECT_TRUE(changesTo(801, 17, 800, 600)) << "no such mode";
-  DEVMODEW first = {};
-  first.dmSize = sizeof first;
-  ASSERT_TRUE(EnumDisplaySettingsW(nullptr, 0, &first));
-  EXPECT_TRUE(changesTo(0, 0, int(first.dmPelsWidth), int(first.dmPelsHeight)));
-  EXPECT_TRUE(changesTo(1280, 800, 1280, 800));
-  if (!HasFailure()) WriteFile(std::getenv(kReport), "changed");
 }
 
 }  // namespace

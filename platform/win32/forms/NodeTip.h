@@ -1,0 +1,40 @@
+// What is told of a node of a tree, beside it: while the mouse rests on it, and where the keyboard
+// has come to it.
+#pragma once
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <functional>
+#include <string>
+
+#include "platform/win32/Handle.h"
+
+namespace orvanto::win32 {
+
+// Not every system's tree has such tips, and none shows them to the keyboard.
+class NodeTip {
+ public:
+  // `textOf` tells of an item; empty: nothing.
+  NodeTip(HWND tree, std::function<std::wstring(HTREEITEM item)> textOf);
+
+  // Of what the tree's window gets, before it does.
+  void OnMessage(UINT message, WPARAM wParam);
+  // The keyboard has chosen another node.
+  void OnKeyboard();
+
+ private:
+  void WaitForRest();
+  void ShowFor(HTREEITEM item, POINT place);
+  void Hide();
+  HTREEITEM UnderMouse() const;
+  TTTOOLINFOW Tool() const;
+
+  const HWND tree_;
+  const std::function<std::wstring(HTREEITEM item)> textOf_;
+  const Handle<HWND, DestroyWindow> window_;
+  HTREEITEM item_ = nullptr;  // under the mouse
+};
+
+}  // namespace orvanto::win32
