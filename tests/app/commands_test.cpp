@@ -149,7 +149,7 @@ TEST_F(CommandsTest, SettingsAreReadAndWritten) {
   program.Prepare();
   EXPECT_EQ(get("General OnTop"), "refused") << "now that of the machine";
   EXPECT_EQ(get("General Users_Share"), "1\n");
-  Run("set General Inet_Passwd secret");
+  Run("set General Inet_ServerPort 601");
   EXPECT_THAT(err.str(), HasSubstr("Note: settings are shared."));
   Run("set General Inet_Strict 1");
   EXPECT_EQ(err.str(), "");
