@@ -66,9 +66,8 @@ class TelnetServer : public Conversation {
   // The commands of the main window.
   void Kick() { Disconnect(); }
   void StartChat();
-  void SendTilde();  // what the menu item "Chat" does
-  // On every tick while the area is shown.
-  void RefreshCaption();
+  void SendTilde();       // what the menu item "Chat" does
+  void RefreshCaption();  // on every tick while the area is shown
 
   // What is switched on and off together with this server.
   Event<bool> switched;
