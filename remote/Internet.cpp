@@ -88,7 +88,8 @@ void TelnetServer::Restart() {
 }
 
 void TelnetServer::Relisten() {
-  if (!Listening()) return;
+  if (!on_ || Connected()) return;
+  if (Listening() && sck_->BoundAddress() == ListeningAddress(remote_)) return SayWaiting();
   sck_->Close();
   ListenIfIdle();
 }
@@ -99,10 +100,15 @@ void TelnetServer::ReadPort() {
   serverPort_ = ToInt32(SettingOf("Inet_ServerPort").Text(services_.settings));
 }
 
+void TelnetServer::SayWaiting() {
+  log_.Begin("Waiting for Connection...");
+  const bool open = !TelnetPolicyFor(remote_).needsPassword || HasPassword(remote_);
+  if (!open) log_.Append(std::string(kCrLf) + kNoPassword);
+}
+
 void TelnetServer::ListenIfIdle() {
   if (sck_->GetState() != TcpSocket::State::Closed) return;
-  log_.Begin("Waiting for Connection...");
-  if (TelnetPolicyFor(remote_).onlyThisComputer) log_.Append(std::string(kCrLf) + kNoPassword);
+  SayWaiting();
   const bool port = serverPort_ > 0 && serverPort_ <= 65535;
   const std::string address = ListeningAddress(remote_);
   if (port && sck_->Listen(static_cast<std::uint16_t>(serverPort_), address)) return;
@@ -139,7 +145,7 @@ void TelnetServer::OnConnectionRequest(TcpSocket::RequestId request) {
   }
   policy_ = TelnetPolicyFor(remote_);
   clientAddress_ = sck_->RemoteAddress();
-  if (policy_.onlyThisComputer && !IsFromThisComputer(*sck_)) {
+  if (!MayLogIn()) {
     Log(kNoPassword);
     return Disconnect();
   }
@@ -240,8 +246,13 @@ void TelnetServer::Echo(const LineAssembler::Piece& piece) {
   }
 }
 
+// The password may go while somebody is being asked for it.
+bool TelnetServer::MayLogIn() const {
+  return !policy_.needsPassword || HasPassword(remote_) || IsFromThisComputer(*sck_);
+}
+
 void TelnetServer::Login(const std::string& line) {
-  if (SamePassword(line, remote_.password)) {
+  if (MayLogIn() && SamePassword(line, remote_.password)) {
     loggedIn_ = true;
     SendAll({kCrLf, kCrLf});
     return ShowMainMenu();
@@ -257,8 +268,10 @@ void TelnetServer::Login(const std::string& line) {
 // He may have gone, to be quicker with another connection: until then no password is looked at.
 void TelnetServer::Refuse() {
   tmrRefusal_->Stop();
-  if (refused_ == connection_ && Connected()) {
-    if (dropsRefused_) return Disconnect();
+  const bool there = refused_ == connection_ && Connected();
+  if (there && dropsRefused_) return Disconnect();
+  // A chat that has begun meanwhile asks at its end.
+  if (there && state_ == SessionState::Password) {
     SendAll({kCrLf, kCrLf});
     AskForPassword();
     Flush();

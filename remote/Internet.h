@@ -55,7 +55,7 @@ class TelnetServer : public Conversation {
   void ServerOff();
   // The port that is stored has changed: ends the connection, and listens there, if it is on.
   void Restart();
-  // The address to listen on may have changed: a connection goes on.
+  // The address to listen on, or the password, may have changed: a connection goes on.
   void Relisten();
   bool Listening() const { return sck_->GetState() == TcpSocket::State::Listening; }
   bool Connected() const { return sck_->GetState() == TcpSocket::State::Connected; }
@@ -66,9 +66,8 @@ class TelnetServer : public Conversation {
   // The commands of the main window.
   void Kick() { Disconnect(); }
   void StartChat();
-  void SendTilde();  // what the menu item "Chat" does
-  // On every tick while the area is shown.
-  void RefreshCaption();
+  void SendTilde();       // what the menu item "Chat" does
+  void RefreshCaption();  // on every tick while the area is shown
 
   // What is switched on and off together with this server.
   Event<bool> switched;
@@ -87,6 +86,7 @@ class TelnetServer : public Conversation {
   static constexpr int kMostOpenLines = 8;
 
   void ReadPort();
+  void SayWaiting();
   void ListenIfIdle();
   void EndConnection();
   void Disconnect();
@@ -96,6 +96,7 @@ class TelnetServer : public Conversation {
   void CarryOut(const std::string& line);
   void Echo(const LineAssembler::Piece& piece);
   void Dispatch(const std::string& line);
+  bool MayLogIn() const;
   void Login(const std::string& line);
   void Refuse();
   void Heard();  // somebody has said something

@@ -1,7 +1,5 @@
 #include "remote/TelnetPolicy.h"
 
-#include "remote/Access.h"
-
 namespace orvanto {
 
 TelnetPolicy TelnetPolicyFor(const RemoteSettings& remote) {
@@ -15,7 +13,7 @@ TelnetPolicy TelnetPolicyFor(const RemoteSettings& remote) {
     policy.chatLetsIn = false;
     policy.afterWrongPassword = std::chrono::seconds(2);
     policy.longestSilence = std::chrono::minutes(15);
-    policy.onlyThisComputer = !HasPassword(remote);
+    policy.needsPassword = true;
   }
   return policy;
 }

@@ -24,8 +24,8 @@ struct TelnetPolicy {
   // For everybody, after the first wrong password; doubled by the second and by the third.
   std::chrono::seconds afterWrongPassword{0};
   std::optional<std::chrono::minutes> longestSilence;
-  // No connection from another computer, for want of a password.
-  bool onlyThisComputer = false;
+  // Without one nobody is let in from another computer.
+  bool needsPassword = false;
 };
 
 TelnetPolicy TelnetPolicyFor(const RemoteSettings& remote);

@@ -25,6 +25,9 @@ void LineAssembler::Restart() {
 
 std::optional<LineAssembler::Piece> LineAssembler::Next() {
   DropRestOfEnd();
+  if (policy_ == Policy::Edited && line_.empty()) {
+    taken_ = std::min(arrival_.find_first_not_of(kBackspaces, taken_), arrival_.size());
+  }
   const std::string_view rest = std::string_view(arrival_).substr(taken_);
   if (rest.empty()) return std::nullopt;
   switch (policy_) {
@@ -66,12 +69,11 @@ LineAssembler::Piece LineAssembler::PartOfLine(std::string_view rest, std::strin
   return Complete();
 }
 
-std::optional<LineAssembler::Piece> LineAssembler::Erase() {
+LineAssembler::Piece LineAssembler::Erase() {
   ++taken_;
-  if (line_.empty()) return Next();
   while (IsContinuation(line_.back()) && line_.size() > 1) line_.pop_back();
   line_.pop_back();
-  return Piece{.complete = false, .text = {}, .erased = true};
+  return {.complete = false, .text = {}, .erased = true};
 }
 
 LineAssembler::Piece LineAssembler::PartOfCommand(std::string_view rest) {

@@ -51,7 +51,7 @@ class LineAssembler {
   void DropRestOfEnd();
   Piece Key(std::string_view chunk);
   Piece PartOfLine(std::string_view rest, std::string_view ends);
-  std::optional<Piece> Erase();
+  Piece Erase();
   Piece PartOfCommand(std::string_view rest);
   Piece Typed(std::string text);
   Piece Complete() { return {.complete = true, .text = std::exchange(line_, {}), .erased = false}; }

@@ -50,8 +50,14 @@ void FtpServer::Load() {
 
 void FtpServer::Relisten() {
   if (!services_.window.Loaded()) return;
+  const auto policy = MakeFtpPolicy(remote_);
+  if (const std::string warning = policy->Warning(); !warning.empty()) Log(warning);
+  const std::optional<std::uint16_t> port = port_ ? port_ : PortNumber(policy->ListeningPort());
+  if (listener_->GetState() == TcpSocket::State::Listening && port == listener_->LocalPort() &&
+      policy->ListeningAddress() == listener_->BoundAddress()) {
+    return;
+  }
   listener_->Close();
-  if (const std::string warning = MakeFtpPolicy(remote_)->Warning(); !warning.empty()) Log(warning);
   StartServer();
 }
 

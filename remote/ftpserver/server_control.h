@@ -40,7 +40,7 @@ class FtpServer {
   // Loads the window and starts, or ends and unloads it. Nothing happens when it is so already.
   void Load();
   void Unload();
-  // The switches, the port or the address have changed: who is connected goes on.
+  // The switches, the port or the address may have changed: who is connected goes on.
   void Relisten();
   // On every tick while the window is shown.
   void RefreshClients();

@@ -149,7 +149,10 @@ TEST_F(CommandsTest, SettingsAreReadAndWritten) {
   program.Prepare();
   EXPECT_EQ(get("General OnTop"), "refused") << "now that of the machine";
   EXPECT_EQ(get("General Users_Share"), "1\n");
+  Run("set General Inet_ServerPort 601");
+  EXPECT_THAT(err.str(), HasSubstr("Note: settings are shared."));
   Run("set General Inet_Strict 1");
+  EXPECT_EQ(err.str(), "");
   EXPECT_EQ(program.GetSettings().ReadUserSetting(kGeneral, "Inet_Strict", ""), "1");
   std::ifstream manual(ORVANTO_SOURCE_DIR "/docs/manual.md");
   const std::string text(std::istreambuf_iterator<char>(manual), {});

@@ -558,6 +558,9 @@ TEST_F(FtpServerTest, StrictHasLimitsOfTime) {
 
 TEST_F(FtpServerTest, TheSwitchesCountForWhatBeginsFromThenOn) {
   Connect();
+  remote.password = "other", server.Relisten();
+  EXPECT_TRUE(log.back().starts_with("Connected")) << "it listens there already";
+  remote.password.clear();
   remote.compat = remote.strict = true;
   remote.ftpPort = "21";
   remote.bindAddress = "10.9.8.7";

@@ -29,6 +29,7 @@ TEST(LineAssembler, EachPolicyHasItsLines) {
       {Policy::Keys, {"a\r\nb", "\r" + nul + "c\r"}, "a\r\nb\r\nc\r, a\r\nb\r\nc\r"},
       {Policy::Keys, {"123456789", "x", "\n", "y"}, "123456789x<12345678>y, y"},
       {Policy::Edited, {"ab\b", "\x7F\x7F", "c\xC3\xA9\bd\n"}, "ab--c\xC3\xA9-d<cd>, "},
+      {Policy::Edited, {std::string(1 << 20, '\b') + "a\n"}, "a<a>, "},
       {Policy::Commands, {"A b\r\nB\nC\r\r\n", "\r\n"}, "A b<A b>B\nC\r<B\nC\r><>, "},
       {Policy::Commands,
        {"Q\r", "x\r", "\n", "123456789\r", "\n"},

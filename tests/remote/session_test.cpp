@@ -243,15 +243,27 @@ TEST_F(StrictSessionTest, AChatLetsNobodyInAndSilenceEnds) {
     Connect();
     Line("");
     server.Kick();
-    loop.Advance(2000);
+    loop.Advance(4000);
   }
+  Connect();
+  Line("wrong");
+  server.StartChat();
+  socket.Sent();
+  loop.Advance(8000);
+  EXPECT_EQ(socket.Sent(), "") << "in a chat";
 }
 
 TEST_F(StrictSessionTest, ListensWhereItIsToldToAndWithoutAPasswordForThisComputer) {
   remote.bindAddress = "10.9.8.7";
   server.ServerOn();
   EXPECT_EQ(socket.listensOn, Ipv4{0x0A090807});
-  EXPECT_EQ(Log(), kWaiting);
+  sockets.taken = {600};
+  server.Relisten();
+  EXPECT_EQ(Log(), kWaiting) << "it listens there already";
+  remote.bindAddress = "10.9.8.6";
+  server.Relisten();
+  EXPECT_EQ(Log(), "Port 600 of 10.9.8.6 cannot be used.");
+  sockets.taken = {};
   remote.strict = false;
   server.Relisten();
   EXPECT_EQ(socket.listensOn, Ipv4{});
@@ -270,6 +282,12 @@ TEST_F(StrictSessionTest, ListensWhereItIsToldToAndWithoutAPasswordForThisComput
       if (welcome) server.Kick();
     }
   }
+  remote.password = "Secret";
+  remote.passwordRequired = true;
+  socket.peer = "10.1.2.3";
+  Connect();
+  remote.password.clear();
+  EXPECT_EQ(Line(""), "") << "it has gone meanwhile";
 }
 
 // A task that lets other events in while it runs, each time `meanwhile`.

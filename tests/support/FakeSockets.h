@@ -32,7 +32,10 @@ class FakeSocketHost : public SocketHost {
     using BufferedSocket::SendMore;
 
     std::uint16_t LocalPort() const override { return port_; }
-    std::string BoundAddress() const override { return "10.9.8.7"; }
+    std::string BoundAddress() const override {
+      const bool all = GetState() == State::Listening && listensOn == Ipv4{};
+      return all ? kAllAddresses : "10.9.8.7";
+    }
     bool Accept(RequestId) override;
     std::string RemoteAddress() const override;
     std::string LocalAddress() const override { return "10.9.8.7"; }
