@@ -26,7 +26,8 @@ SHORT KeyOf(const KeyEvent& event) {
                                   {Key::Enter, VK_RETURN},
                                   {Key::Escape, VK_ESCAPE},
                                   {Key::Up, VK_UP},
-                                  {Key::Down, VK_DOWN}}) {
+                                  {Key::Down, VK_DOWN},
+                                  {Key::Right, VK_RIGHT}}) {
     if (event.key == key) return code;
   }
   const int character = static_cast<int>(event.character);

@@ -42,7 +42,7 @@ TEST_F(DesktopTest, SettingsByKeyboard) {
     PressKeys(keys);
     WaitFor([&] { return all() == stored; });
     EXPECT_EQ(all(), stored) << keys;
-    Type("%c");
+    PressKeys("%c");
     ASSERT_TRUE(WaitFor([&] { return !IsWindow(dialog) || !IsWindowVisible(dialog); }));
     ASSERT_TRUE(program.MainIsInFront());
   }
