@@ -4,8 +4,8 @@
 #include <charconv>
 #include <string_view>
 
-#include "core/Convert.h"
 #include "platform/text/Case.h"
+#include "platform/text/DeviceName.h"
 #include "platform/text/Utf8.h"
 
 namespace orvanto {
@@ -20,18 +20,6 @@ std::string BeforeColon(const std::string& text) { return text.substr(0, text.fi
 std::string WithoutScheme(const std::string& url) {
   const std::size_t at = url.find(kAfterScheme);
   return at == std::string::npos ? url : url.substr(at + kAfterScheme.size());
-}
-
-// Whatever follows its first point. In small letters.
-bool IsDevice(std::string_view name) {
-  const std::string_view stem = TrimBlanks(name.substr(0, name.find('.')));
-  for (const char* const device : {"con", "prn", "aux", "nul", "conin$", "conout$"}) {
-    if (stem == device) return true;
-  }
-  if (!stem.starts_with("com") && !stem.starts_with("lpt")) return false;
-  const std::string_view number = stem.substr(3);
-  return (number.size() == 1 && number[0] >= '0' && number[0] <= '9') || number == "\u00B9" ||
-         number == "\u00B2" || number == "\u00B3";
 }
 
 // What belongs to the program and is not for others to write: a library, too, would be loaded with
@@ -128,7 +116,7 @@ std::string LocalFileName(const std::string& name) {
     stored[--at] = '_';
   }
   const std::string lower = LowerCase(stored);
-  return IsDevice(lower) || IsOurs(lower) ? "" : stored;
+  return IsDeviceName(lower) || IsOurs(lower) ? "" : stored;
 }
 
 }  // namespace orvanto

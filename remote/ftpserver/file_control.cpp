@@ -29,7 +29,7 @@ bool IsFolder(Files::EntryKind kind) {
 
 // A '*' is tried with as little as it takes, and with more when what follows does not match.
 bool Matches(std::string_view name, std::string_view pattern) {
-  std::size_t star = pattern.npos;
+  std::size_t star = std::string_view::npos;
   std::size_t from = 0;  // what comes after the star is tried from here
   std::size_t at = 0;    // in the pattern
   for (std::size_t i = 0; i < name.size();) {
@@ -39,14 +39,14 @@ bool Matches(std::string_view name, std::string_view pattern) {
     } else if (at < pattern.size() && (pattern[at] == '?' || pattern[at] == name[i])) {
       ++at;
       ++i;
-    } else if (star != pattern.npos) {
+    } else if (star != std::string_view::npos) {
       at = star + 1;
       i = ++from;
     } else {
       return false;
     }
   }
-  return pattern.find_first_not_of('*', at) == pattern.npos;
+  return pattern.find_first_not_of('*', at) == std::string_view::npos;
 }
 
 }  // namespace
