@@ -76,14 +76,13 @@ void TelnetProtocol::Negotiate(std::uint8_t option, std::string& answers) {
   const bool goAhead = option == kSuppressGoAhead;
   switch (verb_) {
     case kDo:
-      if (option == kTimingMark) {
-        // Asked for anew each time: everything before it has been handled.
-        Answer(answers, kWill, option);
-      } else if (!echo && !goAhead) {
+      if (!echo && !goAhead && option != kTimingMark) {
         Answer(answers, kWont, option);
       } else if (std::exchange(ours_[option], Ours::Done) == Ours::Not) {
         Answer(answers, kWill, option);
       }
+      // Asked for anew each time: everything before it has been handled.
+      ours_[kTimingMark] = Ours::Not;
       break;
     case kDont:
       if (std::exchange(ours_[option], Ours::Not) == Ours::Done) Answer(answers, kWont, option);

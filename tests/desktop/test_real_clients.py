@@ -1,5 +1,5 @@
 """Clients of the machine with orvanto.exe under Wine: telnet and plink in the conversations of the
-console program's tests, and Python's and curl's FTP."""
+console program's tests, and those of FTP, with what they have to be told and as they come."""
 import ftplib
 import io
 import pathlib
@@ -8,6 +8,7 @@ import shutil
 import socket
 import subprocess
 
+import test_ftp
 import test_remote
 from support import PROGRAM
 
@@ -28,7 +29,9 @@ class ActiveFtp(ftplib.FTP):
         return listener
 
 
-class RealClients(test_remote.Remote):
+class OnWindows:
+    """Runs the tests of the console program with the desktop program."""
+
     def setUp(self):
         super().setUp()
         reg("delete", KEY, "/f")
@@ -48,20 +51,25 @@ class RealClients(test_remote.Remote):
             return reg("add", key, "/v", name, "/d", text[0], "/f")
         return reg("query", key, "/v", name).split("REG_SZ")[1].strip() + "\n"
 
-    def start(self, home, first=""):
+    def start(self, home, first="", ftp_port=None):
         process = subprocess.Popen(["wine", home / "orvanto.exe"], stdin=subprocess.DEVNULL,
                                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.running.append(process)
         return process
 
+
+def need_port(port, test):
+    try:
+        socket.create_server(("", port)).close()
+    except OSError as error:
+        test.skipTest(f"the server's port {port} cannot be had: {error}")
+
+
+class RealClients(OnWindows, test_remote.Remote):
     def test_ftp(self):
-        try:
-            for port in (21, 22):
-                socket.create_server(("", port)).close()
-        except OSError as error:
-            self.skipTest(f"the server's ports cannot be had: {error}")
+        need_port(22, self)
         home, self.port = self.serve(), 22
-        process = self.start(home)
+        self.start(home)
         self.wait_until_listening()
         curl = ["curl", "-sSm", "30", "--disable-eprt", "--ignore-content-length", "-P",
                 "127.0.0.1:20000-30000", "ftp://127.0.0.1:22/"]
@@ -78,14 +86,17 @@ class RealClients(test_remote.Remote):
             subprocess.check_call([*curl, "-Q", "DELE orvanto.exe"], stdout=subprocess.DEVNULL)
         self.assertEqual((len(listing), list((home / "scripts").iterdir())), (2, []))
 
-        # As it comes, with the server for today's clients.
-        process.kill()
-        process.wait()
-        self.orvanto(home, "set", "General", "Inet_Compat", "1")
-        self.start(home)
+
+class RealFtpClients(OnWindows, test_ftp.Ftp):
+    def setUp(self):
+        need_port(21, self)
+        super().setUp()
+
+    def start(self, home, first="", ftp_port=None):
+        process = super().start(home)
         self.port = 21
-        self.wait_until_listening()
-        curl = ["curl", "-sSm", "30", "ftp://127.0.0.1/"]
-        subprocess.check_call([*curl, "-T", PROGRAM])
-        came_back = subprocess.check_output([*curl[:-1], curl[-1] + "orvanto.exe"])
-        self.assertEqual(came_back, pathlib.Path(PROGRAM).read_bytes())
+        test_remote.Remote.wait_until_listening(self)
+        return process
+
+    def end(self, process):
+        """Its log is in a window."""

@@ -72,6 +72,9 @@ class Ftp(HomeTest):
                 output = use(client)
                 self.assertEqual(set(os.listdir(scripts)), {"big", "new", "sub"}, output)
                 self.assertTrue((scripts / "sub/a1").exists())
+        self.end(process)
+
+    def end(self, process):
         self.assertIn("User anna logged out.", self.stop(process))
 
 

@@ -183,6 +183,11 @@ TEST(PosixSocket, AListenerWithoutDescriptorsTriesAgain) {
   ASSERT_TRUE(listener->Listen(0));
   listener->onConnectionRequest = [&](TcpSocket::RequestId) { loop.Quit(); };
   client->Connect("127.0.0.1", listener->LocalPort());
+  const auto patience = loop.NewTimer([&] {
+    ADD_FAILURE() << "it has given up";
+    loop.Quit();
+  });
+  patience->Start(std::chrono::seconds(10));
   // A sanitizer that meets a type for the first time needs descriptors itself.
   loop.WatchFd(STDERR_FILENO, 0, [](short) {})->SetEvents(0);
   rlimit before;
