@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <limits>
 
 namespace orvanto {
@@ -62,15 +63,14 @@ struct Decimal {
   int exponent;
 };
 
-template <typename Number>
-Decimal ToDecimal(Number number, int digits) {
+// By snprintf: the tables of to_chars would be an eighth of the Windows program.
+Decimal ToDecimal(double number, int digits) {
   std::array<char, 64> text{};
-  const char* const end = std::to_chars(text.data(), text.data() + text.size(), std::abs(number),
-                                        std::chars_format::scientific, digits - 1)
-                              .ptr;
+  const int length = std::snprintf(text.data(), text.size(), "%.*e", digits - 1, std::abs(number));
+  const char* const end = text.data() + length;
   const char* const e = std::find(static_cast<const char*>(text.data()), end, 'e');
   Decimal decimal{{static_cast<const char*>(text.data()), e}, 0};
-  std::erase(decimal.digits, '.');
+  decimal.digits.erase(1, 1);  // the point
   std::from_chars(e + (e[1] == '+' ? 2 : 1), end, decimal.exponent);
   return decimal;
 }
