@@ -3,6 +3,7 @@
 
 #include <objbase.h>
 
+#include <cstdlib>
 #include <string>
 
 #include "app/Program.h"
@@ -21,6 +22,15 @@
 #include "platform/win32/Win32TrayIcon.h"
 #include "platform/win32/forms/Dialogs.h"
 #include "platform/win32/forms/Win32FormHost.h"
+
+// Stands in for the library's own handler of what nobody catches. That one writes the type's name
+// to an error output, which a desktop program has not, and brings a reader of mangled names along.
+namespace __gnu_cxx {
+
+[[noreturn]] void __verbose_terminate_handler();
+void __verbose_terminate_handler() { std::abort(); }
+
+}  // namespace __gnu_cxx
 
 namespace {
 

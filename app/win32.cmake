@@ -13,7 +13,7 @@ set_source_files_properties(${generated}/orvanto.rc PROPERTIES
 add_library(orvanto_resources OBJECT ${generated}/orvanto.rc)
 target_include_directories(orvanto_resources PRIVATE ${resources} ${generated})
 
-add_executable(orvanto WIN32 main_win32.cpp terminate_win32.cpp)
+add_executable(orvanto WIN32 main_win32.cpp)
 target_link_libraries(orvanto PRIVATE orvanto_app orvanto_resources orvanto_win32_forms
                                       orvanto_warnings)
 target_link_options(orvanto PRIVATE -municode)
