@@ -59,7 +59,6 @@ class StrictFtpPolicy : public Base {
  public:
   using Base::Base;
 
-  std::string ListeningAddress() const override { return orvanto::ListeningAddress(remote_); }
   std::string Warning() const override { return HasPassword(remote_) ? "" : kNoPassword; }
 
   bool IsAllowedBeforeLogin(std::string_view command) const override {

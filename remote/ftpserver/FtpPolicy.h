@@ -9,7 +9,6 @@
 #include <string_view>
 
 #include "platform/net/LineAssembler.h"
-#include "platform/net/TcpSocket.h"
 #include "remote/ftpserver/ClientRecord.h"
 #include "remote/ftpserver/client_control.h"
 
@@ -21,9 +20,8 @@ class FtpPolicy {
  public:
   virtual ~FtpPolicy() = default;
 
-  // As it is set: it may be no port, and no address.
+  // As it is set: it may be no port.
   virtual std::string ListeningPort() const { return "22"; }
-  virtual std::string ListeningAddress() const { return TcpSocket::kAllAddresses; }
   // Of what somebody who switches the server on should know; empty: nothing.
   virtual std::string Warning() const { return ""; }
 

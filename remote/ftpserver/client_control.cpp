@@ -19,7 +19,6 @@
 namespace orvanto {
 namespace {
 
-constexpr const char* kSyntaxError = "501 Syntax error in parameters or arguments.";
 constexpr const char* kNoResuming = "504 Resuming is currently unsupported";
 constexpr const char* kPermissionDenied = "550 Permission denied.";
 

@@ -68,6 +68,8 @@ class FtpClient {
   // would not see him go either.
   static constexpr std::size_t kMostWaiting = 256;
 
+  static constexpr const char* kSyntaxError = "501 Syntax error in parameters or arguments.";
+  static constexpr const char* kNoSuchFile = ": No such file or directory";
   static const Command kCommands[];
   static const Command kTodaysCommands[];
 

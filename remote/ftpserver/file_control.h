@@ -18,8 +18,6 @@ std::unique_ptr<File> OpenFile(Files& files, const std::string& path, Files::Acc
 bool DeleteOneFile(Files& files, const std::string& path);
 bool RemoveOneFolder(Files& files, const std::string& path);
 
-constexpr const char* kNoSuchFile = ": No such file or directory";
-
 struct ListingForm {
   bool onlyNames = false;
   std::string pattern = "*";  // of a name; '*' and '?' stand for any

@@ -7,6 +7,7 @@
 #include "core/Convert.h"
 #include "core/ProgramFolder.h"
 #include "platform/net/SocketError.h"
+#include "remote/Access.h"
 #include "remote/ftpserver/FtpPolicy.h"
 #include "remote/ftpserver/frmFtpserver.h"
 
@@ -54,7 +55,7 @@ void FtpServer::Relisten() {
   if (const std::string warning = policy->Warning(); !warning.empty()) Log(warning);
   const std::optional<std::uint16_t> port = port_ ? port_ : PortNumber(policy->ListeningPort());
   if (listener_->GetState() == TcpSocket::State::Listening && port == listener_->LocalPort() &&
-      policy->ListeningAddress() == listener_->BoundAddress()) {
+      ListeningAddress(remote_) == listener_->BoundAddress()) {
     return;
   }
   listener_->Close();
@@ -77,7 +78,7 @@ void FtpServer::StartServer() {
   const auto port = port_ ? port_ : PortNumber(portText);
   if (!port) return Log("ERROR - start_server: \"" + portText + "\" is no port.");
   if (listener_->GetState() != TcpSocket::State::Listening &&
-      !listener_->Listen(*port, policy->ListeningAddress())) {
+      !listener_->Listen(*port, ListeningAddress(remote_))) {
     const int error = listener_->LastError();
     return Log("ERROR - start_server: " + (error == kAddressInUse
                                                ? "port " + portText + " is in use."

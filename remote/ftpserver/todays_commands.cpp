@@ -1,4 +1,5 @@
 // The commands of FTP that today's clients need.
+#include <algorithm>
 #include <charconv>
 #include <string>
 #include <string_view>
@@ -13,7 +14,6 @@
 namespace orvanto {
 namespace {
 
-constexpr const char* kSyntaxError = "501 Syntax error in parameters or arguments.";
 constexpr const char* kOtherProtocol = "522 Network protocol not supported, use (1)";
 constexpr const char* kCannotListen = "425 Can't open data connection.";
 

@@ -140,8 +140,7 @@ bool TreeWindow::OpenMenu(LPARAM where) {
     place = {line.left, line.bottom};
     ClientToScreen(window_, &place);
   } else if (const HTREEITEM item = ItemUnderMouse(); item != nullptr) {
-    const auto found = std::find(items_.begin(), items_.end(), item);
-    if (found != items_.end()) tree_.ClickNode(static_cast<std::size_t>(found - items_.begin()));
+    if (const auto node = NodeOf(item)) tree_.ClickNode(*node);
   }
   const HWND form = GetParent(window_);
   const std::vector<forms::MenuItem*> items = tree_.contextMenu->Items();
@@ -179,6 +178,12 @@ HTREEITEM TreeWindow::ItemUnderMouse() const {
   return (hit.flags & TVHT_ONITEM) != 0 ? hit.hItem : nullptr;
 }
 
+std::optional<TreeView::NodeId> TreeWindow::NodeOf(HTREEITEM item) const {
+  const auto found = std::find(items_.begin(), items_.end(), item);
+  if (found == items_.end()) return std::nullopt;
+  return static_cast<TreeView::NodeId>(found - items_.begin());
+}
+
 std::optional<TreeView::NodeId> TreeWindow::NodeOf(LPARAM data) const {
   const auto node = static_cast<TreeView::NodeId>(data);
   if (node >= items_.size()) return std::nullopt;
@@ -202,9 +207,8 @@ LRESULT TreeWindow::Colour(const NMHDR& header) const {
 }
 
 std::wstring TreeWindow::TipOf(HTREEITEM item) const {
-  const auto found = std::find(items_.begin(), items_.end(), item);
-  if (found == items_.end() || !tree_.onTip) return L"";
-  return ToWide(tree_.onTip(static_cast<std::size_t>(found - items_.begin())));
+  const auto node = NodeOf(item);
+  return node && tree_.onTip ? ToWide(tree_.onTip(*node)) : L"";
 }
 
 LRESULT TreeWindow::OnNotify(const NMHDR& header, bool person) {

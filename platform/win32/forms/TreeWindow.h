@@ -39,6 +39,7 @@ class TreeWindow : public ControlWindow {
   HTREEITEM ItemUnderMouse() const;
   // The node of an item, if it is one of the tree's present nodes.
   std::optional<forms::TreeView::NodeId> NodeOf(LPARAM data) const;
+  std::optional<forms::TreeView::NodeId> NodeOf(HTREEITEM item) const;
   bool IsAboveSelection(forms::TreeView::NodeId node) const;
 
   forms::TreeView& tree_;
