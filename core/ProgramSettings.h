@@ -66,6 +66,7 @@ struct Setting {
 inline constexpr Setting kSettings[] = {
     {kGeneral, "OnTop", "0", "1: the main window stays above all others", Setting::Kept::ByMode,
      Setting::Read::Later, &ProgramSettings::onTop},
+    {kGeneral, "Window", "", "place and size of the main window, in twips", Setting::Kept::ForUser},
     {kGeneral, "Users_Share", "0", "1: the users of the computer share tasks and settings",
      Setting::Kept::ForMachine},
     {kGeneral, "Check_Auto_Update", "0", "1: look for an update at the start (not done yet)",

@@ -57,10 +57,11 @@ class FakeLoop : public EventLoop {
   // The thread is busy: time passes and nothing is delivered. May be called from a handler.
   void Block(std::int64_t milliseconds) { Pass(milliseconds); }
 
+  bool Held() const override { return held_ > 0; }
+
  protected:
   void BeginHold() override { ++held_; }
   void EndHold() override { --held_; }
-  bool Held() const override { return held_ > 0; }
   void Round() override;  // nobody waits: with nothing to do, time goes on to the next timer
 
  private:

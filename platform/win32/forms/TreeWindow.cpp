@@ -1,10 +1,13 @@
 #include "platform/win32/forms/TreeWindow.h"
 
+#include <uxtheme.h>
+
 #include <algorithm>
 
 #include "platform/win32/HiddenWindow.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/forms/ControlKinds.h"
+#include "platform/win32/forms/FormMenu.h"
 #include "platform/win32/forms/Scale.h"
 
 namespace orvanto::win32 {
@@ -12,15 +15,30 @@ namespace orvanto::win32 {
 using forms::Property;
 using forms::TreeView;
 
+namespace {
+
+// As the trees of today's systems look, where the system's theme knows how.
+void DressAsExplorer(HWND tree) {
+  const HTHEME theme = OpenThemeData(tree, L"Explorer::TreeView");
+  if (theme == nullptr) return;
+  CloseThemeData(theme);
+  SetWindowTheme(tree, L"Explorer", nullptr);
+  SetWindowLongPtrW(tree, GWL_STYLE,
+                    GetWindowLongPtrW(tree, GWL_STYLE) & ~LONG_PTR{TVS_HASLINES});
+}
+
+}  // namespace
+
 TreeWindow::TreeWindow(TreeView& tree, HWND parent, int id)
     : ControlWindow(tree,
                     {WC_TREEVIEWW,
-                     WS_TABSTOP | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT |
-                         TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP | TVS_NOTOOLTIPS,
+                     WS_TABSTOP | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT | TVS_SHOWSELALWAYS |
+                         TVS_DISABLEDRAGDROP | TVS_NOTOOLTIPS,
                      WS_EX_CLIENTEDGE},
                     parent, id),
       tree_(tree),
       tip_(window_, [this](HTREEITEM item) { return TipOf(item); }) {
+  DressAsExplorer(window_);
   TreeView_SetExtendedStyle(window_, TVS_EX_DOUBLEBUFFER, TVS_EX_DOUBLEBUFFER);
   SetWindowSubclass(window_, Procedure, 0, reinterpret_cast<DWORD_PTR>(this));
 }
@@ -64,7 +82,13 @@ void TreeWindow::Place(const RECT& place) {
 
 void TreeWindow::ScrollToSelection() const {
   const HTREEITEM item = TreeView_GetSelection(window_);
-  if (item != nullptr) TreeView_EnsureVisible(window_, item);
+  RECT line = {};
+  RECT inside = {};
+  GetClientRect(window_, &inside);
+  const bool open = item != nullptr && TreeView_GetItemRect(window_, item, &line, FALSE);
+  if (item == nullptr || (open && line.top >= 0 && line.bottom <= inside.bottom)) return;
+  TreeView_EnsureVisible(window_, item);
+  SendMessageW(window_, WM_HSCROLL, SB_LEFT, 0);  // it may have scrolled to a long line's end, too
 }
 
 void TreeWindow::Rescale(UINT dpi) {
@@ -142,16 +166,8 @@ bool TreeWindow::OpenMenu(LPARAM where) {
   } else if (const HTREEITEM item = ItemUnderMouse(window_); item != nullptr) {
     if (const auto node = NodeOf(item)) tree_.ClickNode(*node);
   }
-  const HWND form = GetParent(window_);
-  const std::vector<forms::MenuItem*> items = tree_.contextMenu->Items();
-  const Handle<HMENU, DestroyMenu> menu(CreatePopupMenu());
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    AppendMenuW(menu.Get(), MF_STRING | (items[i]->Enabled() ? MF_ENABLED : MF_GRAYED), i + 1,
-                ToWide(items[i]->Caption()).c_str());
-  }
-  const int chosen = TrackPopupMenuEx(menu.Get(), TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x, place.y,
-                                      form, nullptr);
-  if (chosen > 0) items[static_cast<std::size_t>(chosen - 1)]->Choose();
+  forms::MenuItem* const chosen = ChooseFrom(*tree_.contextMenu, GetParent(window_), place);
+  if (chosen != nullptr) chosen->Choose();
   return true;
 }
 

@@ -20,6 +20,7 @@ class TreeWindow : public ControlWindow {
   void Place(const RECT& place) override;
   void Rescale(UINT dpi) override;
   LRESULT OnNotify(const NMHDR& header, bool person) override;
+  bool WantsTip() const override { return false; }
 
  private:
   using ImageList = Handle<HIMAGELIST, ImageList_Destroy>;

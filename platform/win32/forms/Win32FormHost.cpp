@@ -22,6 +22,7 @@ class Win32FormHost::Peer : public forms::FormPeer {
   }
   void MenuChanged(const forms::MenuItem& item) override { window_.MenuChanged(item); }
   bool HasKeyboard() const override { return GetForegroundWindow() == window_.Get(); }
+  forms::Bounds Place() const override { return window_.Place(); }
   void Detach() { window_.Detach(); }
 
  private:
@@ -88,15 +89,14 @@ std::vector<HWND> Win32FormHost::VisibleForms() const {
 }
 
 forms::Size Win32FormHost::ScreenSize() const {
-  RECT area = {};
-  SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
+  const RECT area = MainWorkArea();
   const UINT dpi = MainScreenDpi();
   return {ToTwips(area.right - area.left, dpi), ToTwips(area.bottom - area.top, dpi)};
 }
 
 forms::Size Win32FormHost::FrameSize(const forms::Form& form) const {
   const UINT dpi = MainScreenDpi();
-  const SIZE outer = OuterSize(form, dpi);
+  const SIZE outer = OuterSize(form, form.ClientSize(), dpi);
   return {ToTwips(outer.cx, dpi) - form.ClientSize().width,
           ToTwips(outer.cy, dpi) - form.ClientSize().height};
 }

@@ -162,6 +162,39 @@ TEST_F(Win32Controls, EnterBelongsToTheLineThatTakesIt) {
   EXPECT_FALSE(panel_.Loaded());
 }
 
+TEST_F(Win32Controls, AFormStaysOnTheScreenWhateverIsDoneToIt) {
+  forms::Form sized(host_, "Sized", {6000, 3000});
+  sized.resizable = true;
+  sized.helpPage = "page";
+  sized.Load();
+  const HWND window = FindWindowW(nullptr, L"Sized");
+  const auto isOnScreen = [&] {
+    RECT place, work, common;
+    GetWindowRect(window, &place);
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    return IntersectRect(&common, &place, &work) && EqualRect(&common, &place);
+  };
+  sized.SetPlace({-30000, 100000, 90000, 3000});
+  EXPECT_TRUE(isOnScreen());
+  sized.Show();
+  const forms::Bounds place = sized.Place();
+  sized.SetPlace(place);
+  EXPECT_EQ(sized.Place(), place);
+  EXPECT_EQ(sized.ClientSize().width, place.width) << "which the screen has";
+  int resized = 0;
+  sized.onResize = [&] { ++resized; };
+  SetWindowPos(window, nullptr, 5000, 10, 10, 10, SWP_NOZORDER);
+  EXPECT_EQ(sized.ClientSize().width, 6000);
+  EXPECT_EQ(resized, 1);
+  EXPECT_FALSE(isOnScreen()) << "a person may";
+  SendMessageW(window, WM_DISPLAYCHANGE, 32, MAKELPARAM(640, 480));
+  EXPECT_TRUE(isOnScreen());
+  std::string asked;
+  host_.onHelp = [&](const std::string& page) { asked = page; };
+  SendMessageW(window, WM_HELP, 0, 0);
+  EXPECT_EQ(asked, "page");
+}
+
 // Who closes a group that the selected task is in has the group selected then.
 TEST_F(Win32Controls, AClosedGroupTakesTheSelection) {
   panel_.tabs.Select(1);
