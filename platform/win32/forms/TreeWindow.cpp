@@ -23,8 +23,7 @@ void DressAsExplorer(HWND tree) {
   if (theme == nullptr) return;
   CloseThemeData(theme);
   SetWindowTheme(tree, L"Explorer", nullptr);
-  SetWindowLongPtrW(tree, GWL_STYLE,
-                    GetWindowLongPtrW(tree, GWL_STYLE) & ~LONG_PTR{TVS_HASLINES});
+  SetWindowLongPtrW(tree, GWL_STYLE, GetWindowLongPtrW(tree, GWL_STYLE) & ~LONG_PTR{TVS_HASLINES});
 }
 
 }  // namespace
@@ -32,8 +31,8 @@ void DressAsExplorer(HWND tree) {
 TreeWindow::TreeWindow(TreeView& tree, HWND parent, int id)
     : ControlWindow(tree,
                     {WC_TREEVIEWW,
-                     WS_TABSTOP | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT | TVS_SHOWSELALWAYS |
-                         TVS_DISABLEDRAGDROP | TVS_NOTOOLTIPS,
+                     WS_TABSTOP | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT |
+                         TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP | TVS_NOTOOLTIPS,
                      WS_EX_CLIENTEDGE},
                     parent, id),
       tree_(tree),
