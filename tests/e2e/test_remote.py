@@ -8,7 +8,6 @@ import socket
 import subprocess
 import termios
 import time
-import unittest
 
 from support import HomeTest, PROGRAM
 
@@ -158,7 +157,3 @@ class Remote(HomeTest):
         os.write(host.fd, b"/\n")
         client.expect(b"Chat Ended by Server")
         client.expect(MENU_END)
-
-
-if __name__ == "__main__":
-    unittest.main()

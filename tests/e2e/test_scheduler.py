@@ -1,6 +1,5 @@
 """The scheduler in real time."""
 import os
-import unittest
 from datetime import timedelta
 
 from support import HomeTest, hh_mm, lines_of, next_minute, sleep_until
@@ -41,7 +40,3 @@ class Scheduler(HomeTest):
             self.assertEqual(log, b'"Error Code:13"\r\n')
             self.assertEqual(self.orvanto(self.home(name), "get", "General", "OnTop"), "0\n")
             self.stop(self.start(self.home(name)))
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -2,7 +2,6 @@
 import random
 import subprocess
 import time
-import unittest
 
 from support import HomeTest, PROGRAM
 
@@ -64,7 +63,3 @@ class Store(HomeTest):
         self.assertIn("runs the tasks in", process.stdout.readline())
         self.stop(process)
         self.assertEqual((home / "registry.txt.damaged-1").read_text(), "damage")
-
-
-if __name__ == "__main__":
-    unittest.main()
