@@ -1,10 +1,13 @@
-#include "core/Sched.h"
-#include "platform/text/Error.h"
-
 #include <gtest/gtest.h>
 
+#include <random>
+#include <set>
 #include <sstream>
 
+#include "core/Convert.h"
+#include "core/Sched.h"
+#include "core/Scheduler.h"
+#include "platform/text/Error.h"
 #include "tests/support/CoreDesk.h"
 
 namespace orvanto {
@@ -134,6 +137,161 @@ TEST(Sched, DetectsTheDateOrder) {
     clock.shortDateOrder = order;
     EXPECT_EQ(DetectDateOrder(clock), pattern);
   }
+}
+
+
+constexpr std::int64_t kSecond = 1000;
+constexpr std::int64_t kMinute = 60 * kSecond;
+constexpr std::int64_t kDay = 24 * 60 * kMinute;
+
+struct SchedulerDesk : CoreDesk {
+  SchedulerDesk() {
+    execution.onRun = [this](const TaskRecord& task) {
+      const DateTime now = clock.Now();
+      fired.push_back(task.name + " " + std::to_string(now.day) + " " + TwoDigits(now.hour) + ":" +
+                      TwoDigits(now.minute));
+    };
+  }
+  // A task that leaves no mark but the one in `fired`.
+  void AddSilent(const std::string& name, const std::string& time) {
+    Add(name, time, "TaskType=4");
+  }
+  // From 14:04:30 on.
+  void Walk(std::int64_t milliseconds) {
+    scheduler.tmrSched.Start();
+    loop.Advance(milliseconds);
+  }
+
+  Texts captions;
+  Texts fired;
+  Subscription ticks = scheduler.secondPassed.Subscribe(
+      [this] { captions.push_back(scheduler.Caption() + ":" + TwoDigits(clock.Now().second)); });
+};
+
+class SchedulerTest : public testing::Test, public SchedulerDesk {};
+
+constexpr const char* kFive = "Five 21 14:05";
+constexpr const char* kSix = "Six 21 14:06";
+constexpr const char* kSeven = "Seven 21 14:07";
+
+TEST_F(SchedulerTest, DueTasksRunOnceInSlotOrderAtSecondZero) {
+  AddSilent("First", "14:05");
+  AddSilent("Later", "14:06");
+  Add("Script", "14:05", "TaskType=1 Path=bad");
+  for (const char* name : {"Damaged", "Last"}) AddSilent(name, "14:05");
+  Put("Damaged", "TimeType=\x01 TimeHour=\x01 TaskType=\x01");
+  settings.WriteSetting(kGeneral, "NoTasks", "150");
+  Walk(29 * kSecond + 999);
+  EXPECT_TRUE(fired.empty());
+  loop.Advance(1);
+  EXPECT_EQ(fired, (Texts{"First 21 14:05", "Script 21 14:05", "Last 21 14:05"}));
+  loop.Advance(59 * kSecond + 999);
+  EXPECT_EQ(fired.size(), 3U);
+  loop.Advance(1);
+  EXPECT_EQ(fired.back(), "Later 21 14:06");
+  EXPECT_EQ(captions.front(), "Orvanto - 14:04:31");
+  EXPECT_EQ(captions.back(), "Orvanto - 14:06:00");
+  EXPECT_EQ(captions.size(), 90U);
+}
+
+TEST_F(SchedulerTest, ADayOfLateTimersSkipsNoMinuteAndRepeatsNone) {
+  std::multiset<std::string> expected = {"00:00 29 00:00"};
+  for (const std::string time : {"00:00", "03:00", "03:01", "03:02", "23:59"}) {
+    AddSilent(time, time);
+    expected.insert(time + " 28 " + time);
+  }
+  std::mt19937 random(20261122);
+  loop.lateness = [&] { return std::uniform_int_distribution<std::int64_t>(0, 900)(random); };
+  clock.Set(2026, 11, 27, 23, 59, 58, 400);
+  Walk(kDay + 5 * kSecond);
+  EXPECT_EQ(std::multiset<std::string>(fired.begin(), fired.end()), expected);
+  EXPECT_NEAR(static_cast<double>(captions.size()), 86400 + 5, 2);
+}
+
+TEST_F(SchedulerTest, WhatATaskThatTakesLongLeavesToRun) {
+  const std::tuple<const char*, std::function<void(SchedulerDesk&)>, Texts> cases[] = {
+      {"left open, nothing else is let in: what is due by then is run, what was is missed",
+       [](SchedulerDesk& desk) {
+         const EventLoop::Hold hold(desk.loop);
+         desk.loop.Block(2 * kMinute + 10 * kSecond);
+         desk.loop.DoEvents();
+       },
+       {kSeven}},
+      {"until second 00 of the next minute, whose tick is overdue then and runs none twice",
+       [](SchedulerDesk& desk) { desk.loop.Block(kMinute + 300); },
+       {kSix, "Other 21 14:06", kSeven}},
+      {"a tick let in runs what is due in its place",
+       [](SchedulerDesk& desk) { desk.loop.Advance(kMinute); },
+       {kSix, "Other 21 14:06", kSeven}},
+      {"the program ends", [](SchedulerDesk& desk) { desk.scheduler.tmrSched.Stop(); }, {}}};
+  for (const auto& [what, meanwhile, expected] : cases) {
+    SchedulerDesk desk;
+    desk.Add("Long", "14:05");
+    desk.AddSilent("Five", "14:05");
+    for (const char* name : {"Six", "Other"}) desk.AddSilent(name, "14:06");
+    desk.AddSilent("Seven", "14:07");
+    desk.messageBoxes.expected = {{"Long", Answer::Ok, [&, go = meanwhile] { go(desk); }}};
+    desk.Walk(3 * kMinute);
+    ASSERT_EQ(desk.fired.front(), "Long 21 14:05");
+    desk.fired.erase(desk.fired.begin());
+    EXPECT_EQ(desk.fired, expected) << what;
+  }
+}
+
+TEST_F(SchedulerTest, AClockThatIsSetLosesNoMinuteAndRepeatsNone) {
+  // When it is set, from 14:05:00 on, and by how much.
+  const std::tuple<std::int64_t, std::int64_t, Texts> cases[] = {
+      {300, -700, {kFive, kSix}},  // a small correction, just after second 00
+      {10 * kSecond, -20 * kSecond, {kFive, kSix}},
+      {kMinute + 300, -kMinute - 500, {kFive, kSix}},  // shortly before second 00
+      {kMinute + 36 * kSecond, -40 * kSecond, {kFive, kSix}},
+      {30 * kSecond, kMinute, {kFive}},
+      {-kSecond, kSecond, {kSix}},  // second 00 has passed unseen
+      {30 * kSecond, -kDay, {kFive, "Six 20 14:06"}}};
+  for (const auto& [when, by, expected] : cases) {
+    SchedulerDesk desk;
+    desk.AddSilent("Five", "14:05");
+    desk.AddSilent("Six", "14:06");
+    desk.Walk(30 * kSecond + when);
+    desk.clock.Move(by);
+    desk.loop.Advance(2 * kMinute - 31 * kSecond);
+    EXPECT_EQ(std::adjacent_find(desk.captions.begin(), desk.captions.end()), desk.captions.end());
+    EXPECT_EQ(desk.fired, expected) << when << " by " << by;
+  }
+  // A clock that was fast when the program started: the minutes that it skipped are looked at.
+  AddSilent("Six", "14:06");
+  clock.Set(2026, 11, 21, 14, 6, 10);
+  Walk(26 * kSecond);
+  clock.Move(-40 * kSecond);
+  loop.Advance(5 * kSecond);
+  EXPECT_EQ(fired, (Texts{kSix}));
+}
+
+TEST(Execution, EachTypeDoesItsOneThing) {
+  CoreDesk desk;
+  const char* paths[] = {"nothing", "night.txt", "notepad.exe", "c:\\a.txt", "",
+                         "",        "Tea",       "ding.wav",    "nothing"};
+  for (int type = 0; type <= 8; ++type) {
+    const std::string code = std::to_string(type);
+    desk.Add("Task " + code, "10:00", "TaskType=" + code + " Path=" + paths[type] + " WinStyle=4");
+  }
+  // Of window styles the ends of the table, and the one that is not what it says.
+  for (const char* style : {"0", "1", "3", "6", "7"}) {
+    desk.Add(std::string("Style ") + style, "10:00",
+             std::string("TaskType=2 Path=a.exe CmdLine=/x WinStyle=") + style);
+  }
+  desk.Add("Empty", "10:00", "TaskType=2 Path=");
+  std::string told;
+  desk.execution.onRun = [&](const TaskRecord& task) { told += std::to_string(task.taskType); };
+  desk.messageBoxes.expected = {{"Tea"}};
+  for (const std::int16_t slot : desk.store.Slots()) desk.execution.RunTask(slot);
+
+  EXPECT_EQ(told, "1234567222222");
+  EXPECT_EQ(desk.scripts.ran, (Texts{"night.txt"}));
+  EXPECT_EQ(desk.done,
+            (Texts{"open notepad.exe in '' 4", "print c:\\a.txt in '' 4", "end 2", "end 1",
+                   "play ding.wav", "open a.exe /x in '' 0", "open a.exe /x in '' 1",
+                   "open a.exe /x in '' 2", "open a.exe /x in '' 0", "open a.exe /x in '' 0"}));
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 namespace orvanto::desktop {
 namespace {
 
-TEST_F(DesktopTest, GoesToTheTrayAndComesBack) {
+TEST_F(DesktopTest, GoesToTheTrayAndComesBackByItsIconOrASecondStart) {
   const RunningProgram program;
   const HWND main = program.MainWindow();
   EXPECT_EQ(GetWindow(main, GW_OWNER), nullptr) << "an owned window is not in the task bar";
@@ -33,11 +33,7 @@ TEST_F(DesktopTest, GoesToTheTrayAndComesBack) {
     program.Press(L"&System Tray");
     ASSERT_TRUE(WaitFor(isThere));
   }
-}
 
-TEST_F(DesktopTest, ASecondStartShowsTheFirst) {
-  const RunningProgram program;
-  const HWND main = program.MainWindow();
   program.Press(L"&System Tray");
   ASSERT_TRUE(WaitFor([&] { return !IsWindowVisible(main); }));
   EXPECT_EQ(RunningProgram(L"InVisible").ExitCode(), 0);

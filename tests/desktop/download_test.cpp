@@ -5,13 +5,12 @@
 #include "platform/win32/Win32Clipboard.h"
 #include "platform/win32/Win32Socket.h"
 #include "tests/desktop/DesktopTest.h"
-#include "tests/support/DragAndDrop.h"
 #include "tests/support/TemporaryDirectory.h"
 
 namespace orvanto::desktop {
 namespace {
 
-TEST_F(DesktopTest, FetchesWhatIsTypedPastedDroppedAndAskedForByAScript) {
+TEST_F(DesktopTest, FetchesWhatIsTypedPastedAndAskedForByAScript) {
   win32::Win32Loop loop;
   win32::Win32SocketHost sockets(loop);
   const std::shared_ptr<TcpSocket> listener = sockets.NewSocket(SocketHost::Use::Conversation);
@@ -31,7 +30,6 @@ TEST_F(DesktopTest, FetchesWhatIsTypedPastedDroppedAndAskedForByAScript) {
     return loop.WaitFor(listener, condition, std::chrono::seconds(seconds)) ==
            EventLoop::Waited::Met;
   };
-  OleInitialize(nullptr);  // for the dragging
   win32::Win32Clipboard clipboard;
   std::filesystem::create_directories(Beside(L"scripts"));
   const std::string script = win32::ToUtf8(Beside(L"scripts\\fetch.txt"));
@@ -39,7 +37,7 @@ TEST_F(DesktopTest, FetchesWhatIsTypedPastedDroppedAndAskedForByAScript) {
   Import({{L"Fetch", L"1", L"fetch.txt"}});
   const RunningProgram program;
   const HWND main = program.MainWindow();
-  for (const std::string how : {"script", "typed", "pasted", "dropped"}) {
+  for (const std::string how : {"script", "typed", "pasted"}) {
     const std::string url = "http://127.0.0.1/a/" + how + ".bin";
     const std::string path = win32::ToUtf8(Beside(win32::ToWide(how + ".bin")));
     std::filesystem::remove(path);
@@ -60,9 +58,6 @@ TEST_F(DesktopTest, FetchesWhatIsTypedPastedDroppedAndAskedForByAScript) {
         return wait(isOpen, 1);
       }));
       if (how == "typed") Type(url);
-      // Another program's window takes a drop only once the mouse is known to be there.
-      EXPECT_TRUE(how != "dropped" ||
-                  (clipboard.SetText(url) && wait([&] { return win32::DropClipboardOn(box); })));
       EXPECT_TRUE(wait([&] { return TextOf(box) == win32::ToWide(url); })) << how;
       Type("~");
     }

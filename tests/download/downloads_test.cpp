@@ -9,12 +9,6 @@ namespace {
 
 constexpr const char* kHeader = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\nContent-Type: x\r\n\r\n";
 constexpr const char* kRest = "Range: bytes=6-\r\n";
-const std::string kNotFound =
-    "The file requested was not found on the server!\r\n\r\nPossible Reasons:\r\n"
-    "- File Does Not Exist On Server\r\n- URL Given Was Script And Data Returned Was Invalid\r\n"
-    "- URL Entered Was Incorrect\r\n- Server Is Excessively Busy\r\n\r\n"
-    "You may reattempt to download.  If its still failure then most likely invalid url.";
-
 std::string RequestFor(const std::string& path, const std::string& range, const std::string& host) {
   return "GET " + path + " HTTP/1.0\r\nAccept: *.*, */*\r\n" + range +
          "User-Agent: Tarnwell Downloader\r\nReferer: " + host + "\r\nHost: " + host + "\r\n\r\n";
@@ -125,6 +119,7 @@ TEST(Download, BelievesWhatTheHeaderSays) {
        {"", "HTTP/1.1 102 a~x: y~~HTTP/1.1 100 b~~HTTP/1.1 200 c~~|01", "01[whole]"},
        {"", "HTTP/1.1 200 x~Content-Length: 4~~012", "012[The connection ended at byte 3 of 4.]"},
        {"", "HTTP/1.1 200 x~X-Content-Length: 9~~012", "012[whole]"},
+       {"", "HTTP/1.1 200 x~Content-Length: 0~~", "[whole]"},
        {"", "HTTP/1.1 404 gone~~sorry", "none[File Not Found]"},
        {"", "HTTP/1.1 403 No~~sorry",
         "none[The server does not send the file. It says: HTTP/1.1 403 No]"},
@@ -287,19 +282,6 @@ TEST(Download, ShowsCompletionEarlyAndKeepsTheLastByte) {
   EXPECT_EQ(desk.files.contents["C:\\Orvanto\\large"].size(), length);
 }
 
-// The other side keeps the connection, or breaks it.
-TEST(Download, IsWholeWithAllThatWasTold) {
-  for (const bool broken : {false, true}) {
-    DownloadDesk desk;
-    desk.switches.compat = true;
-    desk.Begin();
-    desk.Hear("HTTP/1.1 200 x~Content-Length: 0~~");
-    desk.Http().receiveError = 10054;
-    broken ? desk.Http().Receive() : desk.loop.Advance(1000);
-    EXPECT_EQ(desk.File() + desk.ends, "[whole]");
-  }
-}
-
 TEST(Download, SavesACopyOfTheFinishedFile) {
   DownloadDesk desk;
   desk.Begin();
@@ -313,20 +295,6 @@ TEST(Download, SavesACopyOfTheFinishedFile) {
   desk.downloads.save.txtPath.Type("C:\\copy");
   desk.downloads.save.cmdOK.Press();
   EXPECT_EQ(desk.files.contents["C:\\copy"], "0123456789");
-}
-
-TEST(Download, EndsOnceWhenItsWindowIsClosedInABox) {
-  DownloadDesk desk;
-  for (const std::string& text :
-       {kNotFound, std::string("This is no address of a file that can be downloaded.\r\nx")}) {
-    desk.messageBoxes.expected.push_back(
-        {text, Answer::Ok, [&] { EXPECT_TRUE(desk.window.Close()); }});
-  }
-  desk.Begin();
-  desk.downloads.BeginDownload("x");
-  desk.Http().PeerSends("HTTP/1.1 404 Not Found\r\nContent-Type: x\r\n\r\n");
-  desk.loop.DoEvents();
-  EXPECT_EQ(desk.ends, "[Download Aborted][Download Aborted]");
 }
 
 TEST(Download, WaitsForTheOneBefore) {

@@ -1,10 +1,8 @@
 """What the end-to-end tests of the console program share."""
-import datetime
 import os
 import pathlib
 import subprocess
 import tempfile
-import time
 import unittest
 
 PROGRAM = os.environ["ORVANTO"]
@@ -54,33 +52,3 @@ class HomeTest(unittest.TestCase):
         for process in self.running:
             process.kill()
             process.communicate()
-
-    def marker(self, home, name):
-        """A program that appends the time to a file, and that file."""
-        marks = home / (name + ".marks")
-        program = home / (name + ".sh")
-        program.write_text(f"#!/bin/sh\ndate +%H:%M:%S >>'{marks}'\n")
-        program.chmod(0o755)
-        return program, marks
-
-
-def next_minute(margin):
-    """The next full minute that is at least `margin` seconds away."""
-    now = datetime.datetime.now()
-    due = now.replace(second=0, microsecond=0) + datetime.timedelta(minutes=1)
-    if (due - now).total_seconds() < margin:
-        due += datetime.timedelta(minutes=1)
-    return due
-
-
-def hh_mm(moment):
-    return moment.strftime("%H:%M")
-
-
-def sleep_until(moment):
-    time.sleep(max(0.0, (moment - datetime.datetime.now()).total_seconds()))
-
-
-def lines_of(path, width=None):
-    """The beginnings of a file's lines."""
-    return [line[:width] for line in path.read_text().splitlines()] if path.exists() else []

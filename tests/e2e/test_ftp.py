@@ -2,7 +2,6 @@
 (own-network)."""
 import os
 import subprocess
-import unittest
 
 from support import HomeTest
 
@@ -76,7 +75,3 @@ class Ftp(HomeTest):
 
     def end(self, process):
         self.assertIn("User anna logged out.", self.stop(process))
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -1,14 +1,12 @@
-"""The remote control with real clients: telnet, PuTTY's plink and nc."""
+"""The remote control with real clients: telnet and PuTTY's plink."""
 import os
 import pathlib
 import pty
 import select
 import signal
 import socket
-import subprocess
 import termios
 import time
-import unittest
 
 from support import HomeTest, PROGRAM
 
@@ -124,16 +122,6 @@ class Remote(HomeTest):
     def test_plink(self):
         self.real_client("plink", "-telnet", "127.0.0.1", "-P")
 
-    def test_lines_from_nc(self):
-        self.start(self.serve(Inet_Compat="1", Inet_Strict="1", Inet_Passwd="Secret",
-                              Inet_Passwd_Required="1"))
-        self.wait_until_listening()
-        done = subprocess.run(("nc", "-q1", "127.0.0.1", str(self.port)),
-                              input=b"Secxr\b\bret\n5\nq\n7\n", capture_output=True,
-                              timeout=PATIENCE, check=False).stdout
-        for text in (b"\xff\xfb\x01\xff\xfb\x03Enter Password: ", MENU_END, b"Scripts Folder"):
-            self.assertIn(text, done)
-
     def test_chat_with_the_terminal_of_the_console_host(self):
         home = self.serve(Inet_Compat="1")
         host = Terminal(PROGRAM, "--home", str(home))
@@ -158,7 +146,3 @@ class Remote(HomeTest):
         os.write(host.fd, b"/\n")
         client.expect(b"Chat Ended by Server")
         client.expect(MENU_END)
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -2,7 +2,6 @@
 import random
 import subprocess
 import time
-import unittest
 
 from support import HomeTest, PROGRAM
 
@@ -53,7 +52,7 @@ class Store(HomeTest):
         leftovers = sorted(path.name for path in home.iterdir())
         self.assertLessEqual(len(leftovers), 5, leftovers)
 
-    def test_a_damaged_file_is_set_aside_by_the_scheduler_alone_and_said_so(self):
+    def test_a_damaged_file_is_set_aside_by_the_one_scheduler_and_said_so(self):
         home = self.home()
         registry = home / "registry.txt"
         registry.write_text("damage")
@@ -62,9 +61,7 @@ class Store(HomeTest):
         self.assertEqual(registry.read_text(), "damage")
         process = self.start(home, first="damaged")
         self.assertIn("runs the tasks in", process.stdout.readline())
+        self.orvanto(home, status=1)
+        self.assertIn("already", self.last_error)
         self.stop(process)
         self.assertEqual((home / "registry.txt.damaged-1").read_text(), "damage")
-
-
-if __name__ == "__main__":
-    unittest.main()

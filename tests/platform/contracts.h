@@ -1,7 +1,6 @@
 // What the contracts' suites run on, beside the fakes: each host defines these functions.
 #pragma once
 
-#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -27,8 +26,6 @@ std::unique_ptr<EventLoop> NewHostLoop();
 
 // For a loop that NewHostLoop has made.
 std::unique_ptr<SocketHost> NewHostSockets(EventLoop& loop);
-
-std::size_t OpenHandles();  // of this process
 
 // Handles what the system has for this thread, as its own loops do, in a message box say.
 void RunSystemLoop();

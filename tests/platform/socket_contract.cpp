@@ -3,12 +3,9 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <functional>
-#include <random>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "platform/net/SocketError.h"
 #include "tests/platform/contracts.h"
@@ -235,55 +232,6 @@ TEST_P(SocketContract, APeerThatNeverReadsEndsTheConnection) {
   server->Send(std::string(64 << 20, 'x'));
   ASSERT_TRUE(Until([&] { return atServer.Ended(); }));
   EXPECT_EQ(atServer.seen, "E");
-}
-
-// Connects, half-closes, resets and floods in every state, some 300 sockets at once.
-// ORVANTO_CONNECTIONS asks for more.
-TEST_P(SocketContract, ConnectionsOfAnyLifeLeaveNothingBehind) {
-  const char* const asked = std::getenv("ORVANTO_CONNECTIONS");
-  const int count = asked != nullptr ? std::atoi(asked) : 400;
-  const auto listener = NewSocket();
-  ASSERT_TRUE(listener->Listen(0));
-  const std::size_t before = OpenHandles();
-  std::vector<std::unique_ptr<TcpSocket>> clients;
-  std::vector<std::unique_ptr<TcpSocket>> servers;
-  for (int i = 0; i < 150; ++i) {
-    for (auto* all : {&clients, &servers}) all->push_back(NewSocket());
-  }
-  std::minstd_rand random(7);
-  int connects = 0;
-  listener->onConnectionRequest = [&](TcpSocket::RequestId request) {
-    for (auto& socket : servers) {
-      if (socket->GetState() == State::Closed) return void(socket->Accept(request));
-    }
-  };
-  const std::function<void(TcpSocket&)> acts[] = {
-      [&](TcpSocket& socket) { socket.Send(std::string(random() % 50'000, 'x')); },
-      [](TcpSocket& socket) { socket.GetData(); },
-      [](TcpSocket& socket) { socket.CloseGently(); },
-      [](TcpSocket& socket) { socket.Close(); },
-      [](TcpSocket& socket) { socket.onDataArrival = [] {}; },
-      [](TcpSocket& socket) {
-        socket.onDataArrival = [&] {
-          if (socket.GetData().size() % 7 == 0) socket.Send("y");
-        };
-      }};
-  while (connects < count) {
-    auto& chosen = clients[random() % clients.size()];
-    if (chosen->GetState() == State::Closed || chosen->GetState() == State::Failed) {
-      if (random() % 8 == 0) chosen = NewSocket();
-      chosen->Connect(random() % 9 == 0 ? "localhost" : kHost, listener->LocalPort());
-      ++connects;
-    }
-    for (TcpSocket* socket : {chosen.get(), servers[random() % servers.size()].get()}) {
-      acts[random() % std::size(acts)](*socket);
-    }
-    loop->DoEvents();
-  }
-  clients.clear();
-  servers.clear();
-  Settle();
-  EXPECT_LE(OpenHandles(), before) << "what is looked up still ends by itself";
 }
 
 }  // namespace

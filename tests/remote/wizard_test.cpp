@@ -7,16 +7,6 @@ namespace {
 const std::string kStep = "\r\n\r\n";  // what every step begins with
 const std::string kChanged = "\r\n\r\nDo you want this option changed(y/n)?";
 
-// The choices with '|' between them.
-std::string Menu(const std::string& title, const std::string& choices) {
-  std::string text = "\r\n\r\n" + title + "\r\n\r\n1) ";
-  int number = 1;
-  for (const char c : choices) {
-    text += c == '|' ? "\r\n" + std::to_string(++number) + ") " : std::string(1, c);
-  }
-  return text + "\r\n>";
-}
-
 class WizardTest : public testing::Test, public RemoteDesk {
  protected:
   WizardTest() {
@@ -33,74 +23,44 @@ class WizardTest : public testing::Test, public RemoteDesk {
 TEST_F(WizardTest, AsksAndRejectsAndAsksAgain) {
   AddMessages({"Taken"});
   store.DateOrderMonthFirst = 1;
-  const std::string name = "\r\nEnter Name for New Task: ";
-  const std::string time =
-      "At what time would you like this task to occur?\r\n\r\nEnter in 24-hour format with a colon "
-      "separating hours and minutes(xx:xx)\r\n>";
-  const std::string date = "\r\nOn which date should the task occur(mm/dd/yyyy)?";
-  const std::string selected = "Invalid Option Selected";
-  const std::string noFile = "File does not exist";
-  const struct {
-    std::string answers, question, refused, message;
-  } cases[] = {
-      {"y", name, "", "No task name given"},
-      {"y", name, "TAKEN", TaskStore::kSameSection},
-      {"y|A", time, "09.30", "Invalid Time"},
-      {"y|A", time, "-1:00", "Invalid Hour selected for execution time"},
-      {"y|A", time, "00:60", "Invalid Minute selected for execution time"},
-      {"y|A|00:00",
-       Menu("On which day(s) should this task occur?",
-            "Once, on a certain date|Recurring|One day in every month"),
-       "01", selected},
-      {"y|A|00:00|1", date, "1/2/2026", "Invalid Date"},
-      {"y|A|00:00|1", date, "31/12/2026", "Invalid Month given for Date"},
-      {"y|A|00:00|2",
-       Menu("In terms of days, when should this task recur?",
-            "Every Day|Every Sunday|Every Monday|Every Tuesday|Every Wednesday|Every Thursday|"
-            "Every Friday|Every Saturday|Every Weekday|Every Weekend Day"),
-       "11", "Invalid Option"},
-      {"y|A|00:00|2|10",
-       Menu("In terms of months, when should this task recur?",
-            "Every Month|January|February|March|April|May|June|July|August|September|October|"
-            "November|December"),
-       "14", "Invalid Option"},
-      {"y|A|00:00|3", "\r\n\r\nOn which day of the month should the task occur(1-31)?", "32",
-       "Invalid Option"},
-      {"y|A|00:00|1|12/31/2026",
-       Menu("What type of task will this be?",
-            "Run Automation Script|Run Program/Shortcut/Open File|Print File|Reset "
-            "Computer|Shutdown Computer|Popup Message|Play Sound"),
-       "8", selected},
-      {"y|A|00:00|3|1|1",
-       "Enter the filename of the script(if the script file is not in the home directory, it must "
-       "be preceeded by a path)\r\n\r\n>",
-       "none.txt", noFile},
-      {"y|A|00:00|3|1|2",
-       "Enter the path for the program, shortcut or file you want to open\r\n\r\n>", "", noFile},
-      {"y|A|00:00|3|1|3", "Enter the path for the file you want to print\r\n\r\n>", "z", noFile},
-      {"y|A|00:00|3|1|7",
-       "Enter the filename(if the sound file is not in the home directory, it must be preceeded by "
-       "a path)\r\n\r\n>",
-       "none.wav", noFile},
-      {"y|A|00:00|3|1|2|c:\\x.exe|",
-       Menu("Select the Window Style",
-            "Normal|Minimized|Maximized|Normal, Without Focus|Minimized, Without Focus|Hidden"),
-       "7", selected},
-      {"Y", "\r\n\r\nTask List\r\n---------\r\n\r\n1) Taken\r\n\r\nCreate a new task(y/n)?", "",
-       ""},
-      {"y|A|00:00|3|1|2|c:\\x.exe",
-       "Enter any optional command line parameters(press Enter for none)\r\n\r\n>", "", ""},
-      {"y|A|00:00|3|1|6", "Enter the message you want to popup\r\n\r\n>", "", ""},
-      {"y|A|00:00|3|1|4|maybe", "Keep this task(y/n)?", "", ""},
-      {"y|A|00:00|3|1|5|n", kMenu, "", ""},
-      {"n", kMenu, "", ""}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(Talk("1|" + c.answers), c.question);
-    if (!c.message.empty()) {
-      EXPECT_EQ(Talk(c.refused), "\r\n" + c.message + "\r\n" + c.question) << c.refused;
-    }
+  EXPECT_EQ(Talk("1|Y"),
+            "\r\n\r\nTask List\r\n---------\r\n\r\n1) Taken\r\n"
+            "\r\nCreate a new task(y/n)?");
+  EXPECT_EQ(Talk("y"), "\r\nEnter Name for New Task: ");
+  EXPECT_EQ(Talk("A|00:00"),
+            "\r\n\r\nOn which day(s) should this task occur?\r\n\r\n1) Once, on a certain date\r\n"
+            "2) Recurring\r\n3) One day in every month\r\n>");
+  Line("q");
+  const char* const kSelected = "Invalid Option Selected";
+  const char* const kInvalid = "Invalid Option";
+  const char* const kNoFile = "File does not exist";
+  // What leads to a question, an answer that it does not take, and what is said before it comes
+  // again.
+  const std::tuple<const char*, const char*, const char*> cases[] = {
+      {"", "", "No task name given"},
+      {"", "TAKEN", TaskStore::kSameSection},
+      {"|A", "09.30", "Invalid Time"},
+      {"|A", "-1:00", "Invalid Hour selected for execution time"},
+      {"|A", "00:60", "Invalid Minute selected for execution time"},
+      {"|A|00:00", "01", kSelected},
+      {"|A|00:00|1", "1/2/2026", "Invalid Date"},
+      {"|A|00:00|1", "31/12/2026", "Invalid Month given for Date"},
+      {"|A|00:00|2", "11", kInvalid},
+      {"|A|00:00|2|10", "14", kInvalid},
+      {"|A|00:00|3", "32", kInvalid},
+      {"|A|00:00|1|12/31/2026", "8", kSelected},
+      {"|A|00:00|3|1|1", "none.txt", kNoFile},
+      {"|A|00:00|3|1|2", "", kNoFile},
+      {"|A|00:00|3|1|3", "z", kNoFile},
+      {"|A|00:00|3|1|7", "none.wav", kNoFile},
+      {"|A|00:00|3|1|2|c:\\x.exe|", "7", kSelected}};
+  for (const auto& [answers, refused, message] : cases) {
+    const std::string question = Talk(std::string("1|y") + answers);
+    EXPECT_EQ(Talk(refused), "\r\n" + std::string(message) + "\r\n" + question) << refused;
     Line("q");
   }
+  EXPECT_EQ(Talk("1|y|A|00:00|3|1|4|maybe"), "Keep this task(y/n)?");
+  EXPECT_EQ(Talk("n") + Talk("1|n"), kMenu + kMenu);
   EXPECT_EQ(store.NoTasks(), 1);
 }
 

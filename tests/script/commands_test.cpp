@@ -1,10 +1,12 @@
-#include "script/Commands.h"
-#include "platform/text/Error.h"
-
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <iterator>
 
+#include "platform/text/Error.h"
+#include "script/Commands.h"
+#include "script/FileFinder.h"
+#include "script/KeySequence.h"
 #include "tests/script/ScriptDesk.h"
 
 namespace orvanto {
@@ -102,6 +104,142 @@ TEST_F(Commands, TheTableHoldsEveryCommandOfTheManual) {
   }
   const Texts words = ScriptCommands::Words();
   EXPECT_EQ(described, std::set<std::string>(words.begin(), words.end()));
+}
+
+
+class FileFinderTest : public testing::Test, public ScriptDesk {
+ protected:
+  void Tree(std::map<std::string, Texts> listings) {
+    for (const auto& [path, entries] : listings) {
+      for (const std::string& entry : entries) {
+        if (!entry.ends_with('\\')) files.contents[path + entry] = "";
+      }
+    }
+    files.listings = std::move(listings);
+  }
+};
+
+TEST_F(FileFinderTest, SearchesLevelByLevelAndActsOnOneFileOfEachFolder) {
+  Tree({{"c:\\", {"docs\\", "a.txt", "deep\\", "Z.TXT", "late\\", "z.txt"}},
+        {"c:\\docs\\", {"sub\\", "z.txt"}},
+        {"c:\\deep\\", {"link@", "z.txt@", "sub\\"}},
+        {"c:\\deep\\link\\", {"z.txt"}},
+        {"c:\\late\\", {"z.txt"}},  // listed after the hit, so not searched
+        {"c:\\docs\\sub\\", {"z.txt"}},
+        {"c:\\deep\\sub\\", {"xz.txt", "z.txt"}}});
+  for (const std::string start : {"c:\\", "c:"}) {
+    EXPECT_EQ(RunText("findopen('z.txt'," + start + ")"), 0);
+    EXPECT_EQ(Done(),
+              (Texts{"open c:\\z.txt in '0' 1", "open c:\\docs\\z.txt in '0' 1",
+                     "open c:\\docs\\sub\\z.txt in '0' 1", "open c:\\deep\\sub\\z.txt in '0' 1"}));
+  }
+  EXPECT_EQ(RunText("findload('z.txt',c:\\late)\nfindprint('z.txt',c:\\late)\n"
+                    "findloadwait('z.txt',c:\\late)\nfindopenwait('z.txt',c:\\late)\n"
+                    "findopen('*.txt',c:\\late)\nfindopen('z.txt',c:\\none)\n"
+                    "finddelete('Z.txt',c:\\late)"),
+            0);
+  EXPECT_EQ(Done(), (Texts{"open c:\\late\\z.txt in '0' 1", "print c:\\late\\z.txt in '0' 1",
+                           "wait for \"c:\\late\\z.txt\" 1", "wait for \"c:\\late\\z.txt\" 1"}));
+  EXPECT_FALSE(files.Exists("c:\\late\\z.txt"));
+}
+
+TEST_F(FileFinderTest, OtherEventsRunBeforeEveryEntry) {
+  Tree({{"c:\\", {"one\\", "z.txt"}}, {"c:\\one\\", {"z.txt"}}, {"d:\\", {"y.txt"}}});
+  // A search that starts in there shares the queue of folders, and searches what waits in it.
+  loop.Post([&] { search.FindAndAct("d:\\", "y.txt", FileCode::Open); });
+  search.FindAndAct("c:\\", "z.txt", FileCode::Open);
+  EXPECT_EQ(Done(), (Texts{"open d:\\y.txt in '0' 1", "open c:\\z.txt in '0' 1"}));
+  loop.Post([&] { loop.Quit(); });
+  search.FindAndAct("c:\\one\\", "z.txt", FileCode::Open);
+  EXPECT_TRUE(done.empty()) << "the program has ended";
+}
+
+
+TEST_F(Commands, ThoseOfWindowsDoTheirSteps) {
+  desktop.titles = {"Untitled - Notepad", "", "Other"};
+  EXPECT_EQ(RunText("setfocus('notepad')\nminimize('NOTEPAD')\nmaximize('*Notepad*')\n"
+                    "closewin('Note')\nsendkeys('Notepad',+a~)\nsendkeysdos('Notepad',dir {x)\n"
+                    "setfocus('Nothing')"),
+            0);
+  EXPECT_EQ(Done(), (Texts{"top 0", "show 1 0", "top 0", "show 2 0", "top 0", "show 3 0",
+                           "send 0 61536 0", "top 0", "show 1 0", "top 0", "show 1 0"}));
+  EXPECT_EQ(clipboard.text, "dir {x");
+  clipboard.taken = true;
+  EXPECT_EQ(RunText("sendkeysdos('Notepad',dir)"), 0);
+  EXPECT_EQ(
+      Log(),
+      "\"s.txt, line 1: Window: Untitled - Notepad was sent nothing: the clipboard could not be "
+      "written\"\r\n");
+  EXPECT_THROW(windows.WindowAction("Notepad", WindowCode::SendKeys, "abc{"), Error);
+  EXPECT_TRUE(done.empty()) << "nor where the keys do not parse";
+  EXPECT_EQ(RunText("sendkeys('Nothing',abc{)"), 0) << "without a window they are not looked at";
+  for (const WindowCode code : {WindowCode::CloseFile, WindowCode::Exit, WindowCode::Hide})
+    windows.WindowAction("Other", code, "");
+  EXPECT_EQ(Done(), (Texts{"top 2", "show 1 2", "top 2", "show 1 2", "top 2", "show 0 2"}));
+  std::vector<std::vector<KeyEvent>> typed;
+  for (const char* keys : {"+a~", "%{ }ep", "%fc", "%fx"}) typed.push_back(ParseKeySequence(keys));
+  EXPECT_EQ(keyboard.typed, typed);
+  desktop.closes = true;
+  windows.WindowAction("other", WindowCode::Close, "");
+  EXPECT_EQ(Done(), (Texts{"send 0 61536 2", "send 2 0 2"})) << "left without a title";
+}
+
+TEST_F(Commands, ATitleIsActedOnOnceForEachPlace) {
+  const std::pair<const char*, const char*> cases[] = {{"aa", "001"},       {"*aa*", "001"},
+                                                       {"**aa**", ""},      {"aab", ""},
+                                                       {"", "00001113333"}, {"\xC3\xA4", "3"}};
+  desktop.titles = {"Aaa", "aA", "", "\xC3\x84xx"};
+  for (const auto& [argument, expected] : cases) {
+    windows.WindowAction(argument, WindowCode::SetFocus, "");
+    std::string tops;
+    for (const std::string& one : Done()) {
+      if (one.starts_with("top ")) tops += one.substr(4);
+    }
+    EXPECT_EQ(tops, expected) << argument;
+  }
+  loop.Post([&] { loop.Quit(); });
+  windows.WindowAction("aa", WindowCode::SetFocus, "");
+  EXPECT_EQ(done, (Texts{"top 0", "show 1 0", "top 0", "show 1 0"})) << "the program has ended";
+}
+
+
+// The scripts that are shipped, each run for what it says it does.
+struct Samples : testing::Test, ScriptDesk {
+  void RunSample(const std::string& name, const decltype(messageBoxes.expected)& boxes = {}) {
+    std::ifstream text(ORVANTO_SOURCE_DIR "/scripts/" + name, std::ios::binary);
+    messageBoxes.expected = boxes;
+    EXPECT_EQ(RunText({std::istreambuf_iterator<char>(text), {}}), 0);
+  }
+  const std::string top = "c:\\orvanto-samples\\";
+};
+
+TEST_F(Samples, MoveAndDeleteFiles) {
+  for (const char* file : {"work\\report.txt", "work\\orders.txt", "work\\old.tmp", "draft.tmp"}) {
+    files.contents[top + file] = "";
+  }
+  files.listings = {{top, {"work\\", "draft.tmp"}}, {top + "work\\", {"old.tmp", "report.txt"}}};
+  RunSample("backup.txt");
+  EXPECT_EQ(popups.size(), 1U);
+  for (const Answer answer : {Answer::No, Answer::Yes}) {
+    EXPECT_EQ(Files().size(), 6U);
+    RunSample("cleanup.txt", {{"Delete the temporary files?", answer}});
+  }
+  RunSample("question.txt",
+            {{"The new orders will be moved now."}, {"The orders have been moved."}});
+  EXPECT_EQ(Files(), (Texts{top + "backup\\orders.txt ", top + "backup\\report.txt ",
+                            top + "done\\orders.txt ", top + "work\\report.txt "}));
+}
+
+TEST_F(Samples, ActOnOtherPrograms) {
+  desktop.titles = {"note - Notepad", "Calculator"};
+  RunSample("tidy-desk.txt");
+  EXPECT_EQ(Done(), (Texts{"top 1", "show 2 1", "top 0", "show 3 0", "top 0", "show 1 0"}));
+  files.contents[top + "note.txt"] = "";
+  RunSample("note.txt", {{"Write the note now?"}});
+  EXPECT_EQ(done.at(0), "open " + top + "note.txt in '0' 1");
+  ASSERT_EQ(keyboard.typed.size(), 3U);
+  EXPECT_EQ(keyboard.typed[1], ParseKeySequence("^s"));
+  EXPECT_EQ(keyboard.typed[2], ParseKeySequence("%{F4}"));
 }
 
 }  // namespace

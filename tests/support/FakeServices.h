@@ -2,8 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
-#include <functional>
+#include <numeric>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,7 +11,6 @@
 #include "platform/Desktop.h"
 #include "platform/FileDialogs.h"
 #include "platform/Keyboard.h"
-#include "platform/MessageBoxes.h"
 #include "platform/Session.h"
 #include "platform/Shell.h"
 #include "platform/Sound.h"
@@ -20,23 +18,6 @@
 #include "tests/support/FakeFiles.h"
 
 namespace orvanto {
-
-// Shows nothing: answers from the list of what the test expects. A box that was not expected fails
-// the test and takes the safe answer.
-class FakeMessageBoxes : public MessageBoxes {
- public:
-  Answer Show(const std::string& text, const std::string& title, Buttons buttons,
-              BoxIcon icon) override;
-
-  struct Expected {
-    std::string text;
-    Answer answer = Answer::Ok;
-    std::function<void()> whileOpen = {};
-  };
-  std::deque<Expected> expected;
-  Buttons buttonsShown = Buttons::Ok;  // of the last box
-  bool answersAll = false;             // the safe answer to every box that is not expected
-};
 
 // What the program did to the world, in the order of the doing and in words: "beep", "end 2".
 class Doer {
@@ -73,13 +54,21 @@ class FakeShell : public Shell, private Doer {
 class FakeDesktop : public Desktop, private Doer {
  public:
   using Doer::Doer;
-  std::vector<Window> TopLevelWindows() override;
+  std::vector<Window> TopLevelWindows() override {
+    std::vector<Window> windows(titles.size());
+    std::iota(windows.begin(), windows.end(), Window{0});
+    return windows;
+  }
   std::string Title(Window window) override { return titles.at(window); }
   void BringToTop(Window window) override { Did("top " + std::to_string(window)); }
   void Show(Window window, ShowCommand show) override {
     Did("show " + Text(show) + " " + std::to_string(window));
   }
-  void Send(Window window, std::uint32_t message, std::uintptr_t wParam, std::intptr_t) override;
+  void Send(Window window, std::uint32_t message, std::uintptr_t wParam, std::intptr_t) override {
+    Did("send " + std::to_string(message) + " " + std::to_string(wParam) + " " +
+        std::to_string(window));
+    if (closes) titles[window].clear();
+  }
 
   Texts titles;
   bool closes = false;  // windows lose their titles with their first message
@@ -124,7 +113,11 @@ class FakeFileDialogs : public FileDialogs {
  public:
   std::optional<std::string> ChooseFile(const std::string& title,
                                         const std::vector<FileFilter>& filters,
-                                        const std::string& folder) override;
+                                        const std::string& folder) override {
+    asked = title + "|" + folder;
+    for (const FileFilter& filter : filters) asked += "|" + filter.name + "=" + filter.pattern;
+    return chosen;
+  }
   std::optional<std::string> chosen;
   std::string asked;
 };

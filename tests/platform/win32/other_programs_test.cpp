@@ -4,11 +4,9 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <future>
 #include <thread>
 
-#include "platform/win32/Handle.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/Win32Clipboard.h"
 #include "platform/win32/Win32Desktop.h"
@@ -95,41 +93,6 @@ TEST(Win32Keyboard, NotepadHoldsExactlyWhatWasTypedWhateverTheUserHolds) {
   Type("{HOME}X");
   EXPECT_FALSE(AnyModifierDown());
   EXPECT_EQ(notepad.Text("Xhhhhhhh"), "Xhhhhhhh");
-}
-
-std::string pressed;  // what the system was given: "+" or "-", virtual key, "*" for an extended one
-
-LRESULT CALLBACK NotePressed(int, WPARAM message, LPARAM address) {
-  const auto& key = *reinterpret_cast<const KBDLLHOOKSTRUCT*>(address);
-  DWORD code = key.vkCode;
-  if (code >= VK_LSHIFT && code <= VK_RMENU) code = VK_SHIFT + (code - VK_LSHIFT) / 2;
-  char text[32];
-  std::snprintf(text, sizeof text, "%c%02lx%s%s ",
-                message == WM_KEYUP || message == WM_SYSKEYUP ? '-' : '+', code,
-                (key.flags & LLKHF_EXTENDED) ? "*" : "", key.scanCode == 0 ? " without code" : "");
-  pressed += text;
-  return 1;  // no window gets it
-}
-
-TEST(Win32Keyboard, PressesTheKeysOfTheKeyboard) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"^(aA)", "+11 +41 -41 +10 +41 -41 -10 -11 "},
-      {"+A", "+10 +41 -41 -10 "},
-      {"%{LEFT}%", "+12 +25* -25* -12 +12 -12 "},
-      {"a", "+e7 -e7 "},
-      {"^\u4e2d", "+11 +e7 -e7 -11 "},
-      {"{BREAK}{PRTSC}{NUMLOCK}", "+03* -03* +2c* -2c* +90* -90* "},
-      {"{F1}{F12}", "+70 -70 +7b -7b "}};
-  const Handle<HHOOK, UnhookWindowsHookEx> hook(
-      SetWindowsHookExW(WH_KEYBOARD_LL, NotePressed, GetModuleHandleW(nullptr), 0));
-  ASSERT_TRUE(hook);
-  for (const auto& [keys, expected] : cases) {
-    pressed.clear();
-    MSG message;  // a thread that has not asked for messages for long is not called
-    PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
-    Type(keys);
-    EXPECT_EQ(pressed, expected) << keys;
-  }
 }
 
 TEST(Win32Desktop, SeesAndMovesOtherWindows) {

@@ -82,16 +82,5 @@ TEST(Win32MessageBoxes, HoldsTimersAndPosts) {
   }
 }
 
-TEST(Win32Clock, SecondsOfBothBeginTogether) {
-  const Win32Clock clock;
-  for (int i = 0; i < 1000; ++i) {
-    const std::int64_t before = clock.UnixMilliseconds() / 1000;
-    const int second = clock.Now().second;
-    if (clock.UnixMilliseconds() / 1000 == before) {
-      ASSERT_EQ(second, before % 60);
-    }
-  }
-}
-
 }  // namespace
 }  // namespace orvanto::win32
