@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "platform/win32/Handle.h"
+#include "platform/win32/Library.h"
 #include "platform/win32/Text.h"
 
 namespace orvanto::win32 {
@@ -64,7 +65,7 @@ bool Win32TrayIcon::Notify(DWORD action) const {
   data.uCallbackMessage = kCallback;
   data.hIcon = icon.Get();  // the shell makes a copy
   tip_.copy(data.szTip, 63);
-  return Shell_NotifyIconW(action, &data) != 0;
+  return Late<decltype(Shell_NotifyIconW)>(L"shell32.dll", "Shell_NotifyIconW")(action, &data) != 0;
 }
 
 std::optional<LRESULT> Win32TrayIcon::OnMessage(UINT message, LPARAM lParam) {

@@ -185,9 +185,10 @@ void FormWindow::MirrorMenuItem(const MenuPlace& place) const {
 
 void FormWindow::MenuChanged(const forms::MenuItem& item) {
   for (const MenuPlace& place : menuItems_) {
-    if (place.item == &item) MirrorMenuItem(place);
+    if (place.item != &item) continue;
+    MirrorMenuItem(place);
+    if (place.menu == GetMenu(window_) && IsWindowVisible(window_)) DrawMenuBar(window_);
   }
-  DrawMenuBar(window_);
 }
 
 // Font, images and places for the present resolution.

@@ -132,6 +132,17 @@ TEST_F(Win32Controls, ShowWhatTheFormHoldsAndTellWhatAPersonDoes) {
   EXPECT_NE(SendMessageW(secret, EM_GETPASSWORDCHAR, 0, 0), 0);
 }
 
+TEST_F(Win32Controls, OfAnotherFormComeWhenItIsShown) {
+  Panel other(host_);
+  other.Load();
+  other.digits.SetText("7");
+  other.digits.SetFocus();
+  const HWND first = FindWindowW(L"OrvantoForm", nullptr);
+  EXPECT_EQ(FindWindowExW(nullptr, first, L"OrvantoForm", nullptr), nullptr);
+  other.Show();
+  EXPECT_EQ(WindowText(GetFocus()), "7");
+}
+
 TEST_F(Win32Controls, TakeTextThatIsDropped) {
   Win32Clipboard clipboard;
   ASSERT_TRUE(clipboard.SetText("http://caf\u00e9/"));
