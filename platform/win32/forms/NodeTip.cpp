@@ -13,6 +13,15 @@ constexpr int kWidest = 6000;  // twips
 
 }  // namespace
 
+HTREEITEM ItemUnderMouse(HWND tree) {
+  const DWORD position = GetMessagePos();
+  TVHITTESTINFO hit = {};
+  hit.pt = {static_cast<short>(LOWORD(position)), static_cast<short>(HIWORD(position))};
+  ScreenToClient(tree, &hit.pt);
+  TreeView_HitTest(tree, &hit);
+  return (hit.flags & TVHT_ONITEM) != 0 ? hit.hItem : nullptr;
+}
+
 NodeTip::NodeTip(HWND tree, std::function<std::wstring(HTREEITEM item)> textOf)
     : tree_(tree), textOf_(std::move(textOf)) {}
 
@@ -36,14 +45,14 @@ TTTOOLINFOW NodeTip::Tool() const {
 void NodeTip::OnMessage(UINT message, WPARAM wParam) {
   switch (message) {
     case WM_MOUSEMOVE:
-      if (UnderMouse() != item_) Hide();
+      if (ItemUnderMouse(tree_) != item_) Hide();
       WaitForRest();
       break;
     case WM_MOUSEHOVER: {
       POINT place;
       GetCursorPos(&place);
       place.y += GetSystemMetrics(SM_CYCURSOR) / 2;
-      ShowFor(UnderMouse(), place);
+      ShowFor(ItemUnderMouse(tree_), place);
       break;
     }
     case WM_TIMER:
@@ -78,14 +87,6 @@ void NodeTip::OnKeyboard() { SetTimer(tree_, kTimer, kUntilKeyboardTip, nullptr)
 void NodeTip::WaitForRest() {
   TRACKMOUSEEVENT track = {sizeof track, TME_HOVER | TME_LEAVE, tree_, HOVER_DEFAULT};
   TrackMouseEvent(&track);
-}
-
-HTREEITEM NodeTip::UnderMouse() const {
-  TVHITTESTINFO hit = {};
-  GetCursorPos(&hit.pt);
-  ScreenToClient(tree_, &hit.pt);
-  TreeView_HitTest(tree_, &hit);
-  return (hit.flags & TVHT_ONITEM) != 0 ? hit.hItem : nullptr;
 }
 
 void NodeTip::ShowFor(HTREEITEM item, POINT place) {

@@ -13,6 +13,9 @@
 
 namespace orvanto::win32 {
 
+// Where the mouse was when the message came that is being handled; null: on none.
+HTREEITEM ItemUnderMouse(HWND tree);
+
 // Not every system's tree has such tips, and none shows them to the keyboard.
 class NodeTip {
  public:
@@ -29,7 +32,6 @@ class NodeTip {
   void WaitForRest();
   void ShowFor(HTREEITEM item, POINT place);
   void Hide();
-  HTREEITEM UnderMouse() const;
   TTTOOLINFOW Tool() const;
 
   const HWND tree_;

@@ -139,7 +139,7 @@ bool TreeWindow::OpenMenu(LPARAM where) {
     if (item != nullptr) TreeView_GetItemRect(window_, item, &line, TRUE);
     place = {line.left, line.bottom};
     ClientToScreen(window_, &place);
-  } else if (const HTREEITEM item = ItemUnderMouse(); item != nullptr) {
+  } else if (const HTREEITEM item = ItemUnderMouse(window_); item != nullptr) {
     if (const auto node = NodeOf(item)) tree_.ClickNode(*node);
   }
   const HWND form = GetParent(window_);
@@ -167,15 +167,6 @@ void TreeWindow::SelectItem(HTREEITEM item) {
   if (TreeView_GetSelection(window_) == item) return;
   selecting_ = true;  // until the window has reported it
   TreeView_SelectItem(window_, item);
-}
-
-HTREEITEM TreeWindow::ItemUnderMouse() const {
-  const DWORD position = GetMessagePos();
-  TVHITTESTINFO hit = {};
-  hit.pt = {static_cast<short>(LOWORD(position)), static_cast<short>(HIWORD(position))};
-  ScreenToClient(window_, &hit.pt);
-  TreeView_HitTest(window_, &hit);
-  return (hit.flags & TVHT_ONITEM) != 0 ? hit.hItem : nullptr;
 }
 
 std::optional<TreeView::NodeId> TreeWindow::NodeOf(HTREEITEM item) const {
@@ -228,7 +219,7 @@ LRESULT TreeWindow::OnNotify(const NMHDR& header, bool person) {
     case NM_CLICK: {
       // A click on the selected node is one too, though it selects nothing new.
       if (std::exchange(clickTold_, false)) break;
-      const HTREEITEM item = ItemUnderMouse();
+      const HTREEITEM item = ItemUnderMouse(window_);
       const auto selected = tree_.Selected();
       if (item != nullptr && selected && NodeOf(static_cast<LPARAM>(*selected)) &&
           items_[*selected] == item) {
@@ -237,7 +228,7 @@ LRESULT TreeWindow::OnNotify(const NMHDR& header, bool person) {
       break;
     }
     case NM_DBLCLK: {
-      const HTREEITEM item = ItemUnderMouse();
+      const HTREEITEM item = ItemUnderMouse(window_);
       if (item == nullptr || TreeView_GetChild(window_, item) != nullptr) break;
       tree_.Activate();
       return 1;

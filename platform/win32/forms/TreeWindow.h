@@ -36,7 +36,6 @@ class TreeWindow : public ControlWindow {
   std::wstring TipOf(HTREEITEM item) const;
   void SelectItem(HTREEITEM item);
   int ImageIndex(const std::string& name);
-  HTREEITEM ItemUnderMouse() const;
   // The node of an item, if it is one of the tree's present nodes.
   std::optional<forms::TreeView::NodeId> NodeOf(LPARAM data) const;
   std::optional<forms::TreeView::NodeId> NodeOf(HTREEITEM item) const;
