@@ -16,7 +16,8 @@ target_include_directories(orvanto_resources PRIVATE ${resources} ${generated})
 add_executable(orvanto WIN32 main_win32.cpp)
 target_link_libraries(orvanto PRIVATE orvanto_app orvanto_resources orvanto_win32_forms
                                       orvanto_warnings)
-target_link_options(orvanto PRIVATE -municode)
+# Sections that begin on pages in the file, too, are mapped as they are and need no private memory.
+target_link_options(orvanto PRIVATE -municode -Wl,--file-alignment,4096)
 
 # What F1 opens: looked for beside the program.
 set(make_manual ${PROJECT_SOURCE_DIR}/tools/make-manual)

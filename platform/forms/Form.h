@@ -37,7 +37,8 @@ class FormPeer {
 class FormHost {
  public:
   virtual ~FormHost() = default;
-  // Makes the window of a form that is being loaded: all its controls exist, it is not visible yet.
+  // Of a form that is being loaded: all its controls exist, it is not visible yet. The window may
+  // be made as late as when the form is shown.
   virtual std::unique_ptr<FormPeer> Attach(Form& form) = 0;
   // Takes the window of an unloaded form. A call of the peer's own may be on the stack, so a host
   // that dispatches from it destroys it later.
@@ -74,7 +75,7 @@ class Form {
   bool TopMost() const { return topMost_; }
   void SetTopMost(bool topMost);
 
-  // Load makes the window, hidden. Show loads when that is still to be done. Unload hides it,
+  // Load gives it to the host, hidden. Show loads when that is still to be done. Unload hides it,
   // raises onUnload and drops the window; the form may be loaded again. Each does nothing when it
   // is so already.
   bool Loaded() const { return loaded_; }

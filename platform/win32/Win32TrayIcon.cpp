@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/win32/Handle.h"
+#include "platform/win32/Library.h"
 #include "platform/win32/Text.h"
 
 namespace orvanto::win32 {
@@ -65,10 +66,11 @@ bool Win32TrayIcon::Notify(DWORD action) const {
   data.uCallbackMessage = kCallback;
   data.hIcon = icon.Get();  // the shell makes a copy
   tip_.copy(data.szTip, 63);
-  if (!Shell_NotifyIconW(action, &data)) return false;
+  const auto notify = Late<decltype(Shell_NotifyIconW)>(L"shell32.dll", "Shell_NotifyIconW");
+  if (!notify(action, &data)) return false;
   // So that the keyboard is reported, too.
   data.uVersion = NOTIFYICON_VERSION_4;
-  if (action == NIM_ADD) Shell_NotifyIconW(NIM_SETVERSION, &data);
+  if (action == NIM_ADD) notify(NIM_SETVERSION, &data);
   return true;
 }
 

@@ -42,13 +42,13 @@ void FormMenu::Mirror(const Place& place) {
   CheckMenuItem(place.menu, place.position, MF_BYPOSITION | checked);
 }
 
-bool FormMenu::Changed(const forms::MenuItem& item) const {
+HMENU FormMenu::Changed(const forms::MenuItem& item) const {
   for (const Place& place : places_) {
     if (place.item != &item) continue;
     Mirror(place);
-    return true;
+    return place.menu;
   }
-  return false;
+  return nullptr;
 }
 
 forms::MenuItem* FormMenu::Find(UINT command) const {

@@ -14,8 +14,8 @@ class FormMenu {
  public:
   // A menu for the window that is to have it, or null for a form without one.
   HMENU Make(const std::vector<forms::MenuItem*>& bar);
-  // True when it is one of the bar's.
-  bool Changed(const forms::MenuItem& item) const;
+  // The menu that it stands in; null: none of the bar's.
+  HMENU Changed(const forms::MenuItem& item) const;
   // The item that a menu command stands for; null: none.
   forms::MenuItem* Find(UINT command) const;
   void Clear() { places_.clear(); }

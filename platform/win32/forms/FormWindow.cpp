@@ -169,7 +169,8 @@ void FormWindow::MirrorOptionStops() const {
 }
 
 void FormWindow::MenuChanged(const forms::MenuItem& item) {
-  if (menu_.Changed(item)) DrawMenuBar(window_);
+  const HMENU menu = menu_.Changed(item);
+  if (menu != nullptr && menu == GetMenu(window_) && IsWindowVisible(window_)) DrawMenuBar(window_);
 }
 
 // Font, images and places for the present resolution.

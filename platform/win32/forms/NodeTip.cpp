@@ -23,11 +23,13 @@ HTREEITEM ItemUnderMouse(HWND tree) {
 }
 
 NodeTip::NodeTip(HWND tree, std::function<std::wstring(HTREEITEM item)> textOf)
-    : tree_(tree),
-      textOf_(std::move(textOf)),
-      window_(CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr,
-                              WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0, 0, 0, tree, nullptr,
-                              nullptr, nullptr)) {
+    : tree_(tree), textOf_(std::move(textOf)) {}
+
+void NodeTip::MakeWindow() {
+  if (window_) return;
+  window_.Reset(CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr,
+                                WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0, 0, 0, tree_, nullptr,
+                                nullptr, nullptr));
   TTTOOLINFOW tool = Tool();
   SendMessageW(window_.Get(), TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
 }
@@ -95,6 +97,7 @@ void NodeTip::ShowFor(HTREEITEM item, POINT place) {
   GetGUIThreadInfo(GetCurrentThreadId(), &thread);
   const bool menu = (thread.flags & (GUI_INMENUMODE | GUI_POPUPMENUMODE)) != 0;
   if (text.empty() || menu) return;
+  MakeWindow();
   TTTOOLINFOW tool = Tool();
   tool.lpszText = text.data();
   const UINT dpi = GetDpiForWindow(tree_);

@@ -28,6 +28,7 @@ class NodeTip {
   void OnKeyboard();
 
  private:
+  void MakeWindow();
   void WaitForRest();
   void ShowFor(HTREEITEM item, POINT place);
   void Hide();
@@ -35,8 +36,8 @@ class NodeTip {
 
   const HWND tree_;
   const std::function<std::wstring(HTREEITEM item)> textOf_;
-  const Handle<HWND, DestroyWindow> window_;
-  HTREEITEM item_ = nullptr;  // under the mouse
+  Handle<HWND, DestroyWindow> window_;  // none until there is something to show
+  HTREEITEM item_ = nullptr;            // under the mouse
 };
 
 }  // namespace orvanto::win32

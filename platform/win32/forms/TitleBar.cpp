@@ -1,5 +1,9 @@
 #include "platform/win32/forms/TitleBar.h"
 
+#include <dwmapi.h>
+
+#include "platform/win32/Library.h"
+
 namespace orvanto::win32 {
 namespace {
 
@@ -20,12 +24,9 @@ void ColourTitleBar(HWND window) {
   const BOOL dark = DarkIsWanted();
   static BOOL everDark = FALSE;
   everDark = everDark || dark;
-  if (!everDark) return;  // nor is the library needed
-  using SetAttribute = HRESULT(WINAPI*)(HWND, DWORD, LPCVOID, DWORD);
-  static const auto setAttribute = reinterpret_cast<SetAttribute>(reinterpret_cast<void*>(
-      GetProcAddress(LoadLibraryExW(L"dwmapi.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32),
-                     "DwmSetWindowAttribute")));
-  if (setAttribute != nullptr) setAttribute(window, kDarkTitleBar, &dark, sizeof dark);
+  if (!everDark) return;
+  Late<decltype(DwmSetWindowAttribute)>(L"dwmapi.dll", "DwmSetWindowAttribute")(
+      window, kDarkTitleBar, &dark, sizeof dark);
 }
 
 }  // namespace orvanto::win32

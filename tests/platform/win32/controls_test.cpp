@@ -132,6 +132,17 @@ TEST_F(Win32Controls, ShowWhatTheFormHoldsAndTellWhatAPersonDoes) {
   EXPECT_NE(SendMessageW(secret, EM_GETPASSWORDCHAR, 0, 0), 0);
 }
 
+TEST_F(Win32Controls, OfAnotherFormComeWhenItIsShown) {
+  Panel other(host_);
+  other.Load();
+  other.digits.SetText("7");
+  other.digits.SetFocus();
+  const HWND first = FindWindowW(L"OrvantoForm", nullptr);
+  EXPECT_EQ(FindWindowExW(nullptr, first, L"OrvantoForm", nullptr), nullptr);
+  other.Show();
+  EXPECT_EQ(WindowText(GetFocus()), "7");
+}
+
 TEST_F(Win32Controls, TakeTextThatIsDropped) {
   Win32Clipboard clipboard;
   ASSERT_TRUE(clipboard.SetText("http://caf\u00e9/"));
@@ -166,7 +177,7 @@ TEST_F(Win32Controls, AFormStaysOnTheScreenWhateverIsDoneToIt) {
   forms::Form sized(host_, "Sized", {6000, 3000});
   sized.resizable = true;
   sized.helpPage = "page";
-  sized.Load();
+  sized.Show();
   const HWND window = FindWindowW(nullptr, L"Sized");
   const auto isOnScreen = [&] {
     RECT place, work, common;
@@ -176,7 +187,6 @@ TEST_F(Win32Controls, AFormStaysOnTheScreenWhateverIsDoneToIt) {
   };
   sized.SetPlace({-30000, 100000, 90000, 3000});
   EXPECT_TRUE(isOnScreen());
-  sized.Show();
   const forms::Bounds place = sized.Place();
   sized.SetPlace(place);
   EXPECT_EQ(sized.Place(), place);
