@@ -1,6 +1,8 @@
 // How long the Windows program takes from its start to its visible window and until it waits for
 // input, and its private memory then, beside a program of one list. Both are started in turn, with
-// no task and with 100; that each has shown its lines and ends well is checked.
+// no task and with 100; that each has shown its lines and ends well is checked. Shown are medians,
+// and the least of each, which count where a machine is busy.
+//
 // Usage: start_bench [ROUNDS]   (the two programs lie beside it; replaces the user's own tasks)
 #include <windows.h>
 
@@ -127,17 +129,18 @@ Start Measure(const Subject& subject, int tasks) {
   return start;
 }
 
-double Median(const std::vector<Start>& starts, double Start::*figure) {
+std::vector<double> Sorted(const std::vector<Start>& starts, double Start::*figure) {
   std::vector<double> sorted;
   for (const Start& start : starts) sorted.push_back(start.*figure);
   std::sort(sorted.begin(), sorted.end());
-  return (sorted[(sorted.size() - 1) / 2] + sorted[sorted.size() / 2]) / 2;
+  return sorted;
 }
 
 }  // namespace
 
 int wmain(int count, wchar_t** arguments) {
   const int rounds = count > 1 ? std::stoi(arguments[1]) : 20;
+  const auto middle = static_cast<std::size_t>(rounds) / 2;
   std::wstring folder(MAX_PATH, L'\0');
   folder.resize(GetModuleFileNameW(nullptr, folder.data(), MAX_PATH));
   SetCurrentDirectoryW(folder.substr(0, folder.find_last_of(L'\\')).c_str());
@@ -153,10 +156,11 @@ int wmain(int count, wchar_t** arguments) {
     for (const auto& [what, figure] : {std::pair{"ms to the visible window", &Start::visible},
                                        {"ms until it waits for input", &Start::idle},
                                        {"KiB of private memory", &Start::memory}}) {
-      const double least = Median(starts[0], figure);
-      const double own = Median(starts[1], figure);
-      std::printf("%d tasks, %s: %.0f, one list: %.0f (%.2f)\n", tasks, what, own, least,
-                  own / least);
+      const auto least = Sorted(starts[0], figure);
+      const auto own = Sorted(starts[1], figure);
+      std::printf("%d tasks, %s: %.0f, one list: %.0f", tasks, what, own[middle], least[middle]);
+      std::printf(" (%.2f; the least of each: %.0f and %.0f, %.2f)\n", own[middle] / least[middle],
+                  own[0], least[0], own[0] / least[0]);
     }
   }
   RegDeleteTreeW(HKEY_CURRENT_USER, kStore);

@@ -50,8 +50,7 @@ class Win32FormHost::Peer : public forms::FormPeer {
   FormWindow* window_ = nullptr;
 };
 
-Win32FormHost::Win32FormHost(Win32Loop& loop)
-    : loop_(loop), owner_(L"OrvantoOwner", [](UINT, WPARAM, LPARAM) { return std::nullopt; }) {
+Win32FormHost::Win32FormHost(Win32Loop& loop) : loop_(loop) {
   const INITCOMMONCONTROLSEX classes = {sizeof classes, ICC_STANDARD_CLASSES |
                                                             ICC_TREEVIEW_CLASSES |
                                                             ICC_UPDOWN_CLASS | ICC_TAB_CLASSES};
@@ -74,8 +73,11 @@ std::unique_ptr<forms::FormPeer> Win32FormHost::Attach(forms::Form& form) {
 }
 
 FormWindow& Win32FormHost::MakeWindow(forms::Form& form) {
-  windows_.push_back(std::make_unique<FormWindow>(form,
-                                                  mainWindow_ == nullptr ? nullptr : owner_.Get(),
+  const bool owned = mainWindow_ != nullptr;
+  if (owned && !owner_) {
+    owner_.emplace(L"OrvantoOwner", [](UINT, WPARAM, LPARAM) { return std::nullopt; });
+  }
+  windows_.push_back(std::make_unique<FormWindow>(form, owned ? owner_->Get() : nullptr,
                                                   [this](FormWindow& gone) { Forget(gone); }));
   return *windows_.back();
 }

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "platform/forms/forms.h"
@@ -41,7 +42,7 @@ class Win32FormHost : public forms::FormHost {
   void ChooseTaskbar(HWND window) const;
 
   Win32Loop& loop_;
-  HiddenWindow owner_;
+  std::optional<HiddenWindow> owner_;  // of all but the main one
   HWND mainWindow_ = nullptr;
   std::vector<std::unique_ptr<FormWindow>> windows_;
 };
