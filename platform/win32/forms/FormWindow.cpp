@@ -261,7 +261,10 @@ void FormWindow::KeepOnScreen() const {
   if (IsIconic(window_) || IsZoomed(window_)) return;
   RECT place = {};
   GetWindowRect(window_, &place);
-  const RECT work = ScreenOf(window_).rcWork;
+  const MONITORINFO screen = ScreenOf(window_);
+  RECT work = {};
+  // The task bar may not have followed the screen yet.
+  IntersectRect(&work, &screen.rcWork, &screen.rcMonitor);
   LONG width = place.right - place.left;
   LONG height = place.bottom - place.top;
   if (form_->resizable) {
