@@ -349,7 +349,8 @@ TaskEntry frmEdit::Entered() const {
   entry.in = CodeOf(cmbMonth, loaded_.in);
   // What is no number is no day either.
   entry.dayNo = ToInt16Or(txtmnthday.Text(), 0);
-  entry.taskType = ChosenTaskType();
+  const std::int16_t type = ChosenTaskType();
+  entry.taskType = type != 0 ? type : loaded_.taskType;  // which this program does not know
   entry.winStyle = CodeOf(cmbWindow, loaded_.winStyle);
   entry.path = txt1.Text();
   entry.cmdLine = txt2.Text();

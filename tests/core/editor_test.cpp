@@ -114,12 +114,16 @@ TEST_F(EditorTest, OpenedAndSavedATaskStaysAsItWas) {
   Add("Rent", "10:05", "TimeType=3 DayNo=15 TaskType=7");
   Add("Odd", "11:05", "TimeType=0");
   Add("Unknown rule", "12:05", "Every=77 In=14 TaskType=3 WinStyle=9 CmdLine=");
+  Add("Unknown type", "13:05", "TaskType=9");
   for (const int monthFirst : {0, 1}) {
     store.DateOrderMonthFirst = monthFirst;
     const RegistryTree before = registry.Tree();
-    for (std::int16_t slot = 1; slot <= 5; ++slot) {
+    for (std::int16_t slot = 1; slot <= 6; ++slot) {
       editor.Open(slot);
       EXPECT_EQ(editor.Caption(), "Edit Task - " + store.TaskName(slot));
+      EXPECT_EQ(std::count_if(editor.optTaskType.begin(), editor.optTaskType.end(),
+                              [](const auto& option) { return option.Value(); }),
+                slot != 6);
       EXPECT_EQ(editor.cmbGroup.Items(), (Texts{"General", "Night"}));
       EXPECT_EQ(editor.cmbMonth.Items().size(), 13U);
       // A rule that never fires is offered to its own task only, which may leave it.

@@ -63,6 +63,8 @@ TEST(Win32MessageBoxes, HoldsTimersAndPosts) {
   for (const auto& [buttons, id, answer] : cases) {
     int ticks = 0;
     int posts = 0;
+    int shown = 0;
+    loop.onTimerHeld = [&] { ++shown; };
     const auto timer = loop.NewTimer([&] { ++ticks; });
     timer->Start(milliseconds(10));
     loop.Post([&] { ++posts; });
@@ -75,6 +77,7 @@ TEST(Win32MessageBoxes, HoldsTimersAndPosts) {
     });
     EXPECT_EQ(boxes.Show("?", "Held box", buttons, BoxIcon::Question), answer);
     EXPECT_EQ(ticks + posts, 0);
+    EXPECT_GE(shown, 1) << "the time goes on";
     loop.DoEvents();
     timer->Stop();
     EXPECT_GE(ticks, 1);
