@@ -40,6 +40,14 @@ struct ScriptDesk : CoreDesk {
   int RunByPath(const std::string& path) {
     return ErrorOf([&] { scripts.RunScript(path); });
   }
+  // What a check of that script tells.
+  std::string Faults() const {
+    std::string faults;
+    scripts.CheckScript("s.txt", [&](int line, const std::string& reason) {
+      faults += std::to_string(line) + ": " + reason + "\n";
+    });
+    return faults;
+  }
   // The files with their texts, but for the script.
   Texts Files() {
     files.contents.erase("C:\\Orvanto\\scripts\\s.txt");

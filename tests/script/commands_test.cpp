@@ -106,7 +106,6 @@ TEST_F(Commands, TheTableHoldsEveryCommandOfTheManual) {
   EXPECT_EQ(described, std::set<std::string>(words.begin(), words.end()));
 }
 
-
 class FileFinderTest : public testing::Test, public ScriptDesk {
  protected:
   void Tree(std::map<std::string, Texts> listings) {
@@ -154,7 +153,6 @@ TEST_F(FileFinderTest, OtherEventsRunBeforeEveryEntry) {
   EXPECT_TRUE(done.empty()) << "the program has ended";
 }
 
-
 TEST_F(Commands, ThoseOfWindowsDoTheirSteps) {
   desktop.titles = {"Untitled - Notepad", "", "Other"};
   EXPECT_EQ(RunText("setfocus('notepad')\nminimize('NOTEPAD')\nmaximize('*Notepad*')\n"
@@ -201,7 +199,6 @@ TEST_F(Commands, ATitleIsActedOnOnceForEachPlace) {
   windows.WindowAction("aa", WindowCode::SetFocus, "");
   EXPECT_EQ(done, (Texts{"top 0", "show 1 0", "top 0", "show 1 0"})) << "the program has ended";
 }
-
 
 // The scripts that are shipped, each run for what it says it does.
 struct Samples : testing::Test, ScriptDesk {

@@ -74,6 +74,7 @@ TEST_F(Runner, ABadLineIsLoggedTwiceAndReachesTheCaller) {
     EXPECT_EQ(desk.RunText(text), kFileAlreadyOpen) << text;
     EXPECT_EQ(desk.failures, Texts{std::string("s.txt, line 1: ") + reason}) << text;
     EXPECT_EQ(desk.Log(), ScriptDesk::Twice("s.txt")) << text;
+    EXPECT_EQ(desk.Faults(), std::string("1: ") + reason + "\n") << "without running it";
     EXPECT_TRUE(desk.scripts.Slot(1).inUse) << text;
     EXPECT_EQ(desk.scripts.Slot(1).linesDone, 2) << "the failed line and the one after it";
   }
