@@ -11,7 +11,7 @@ TEST_F(DesktopTest, MouseMakesATask) {
   EXPECT_FALSE(IsWindowVisible(program.MainWindow()));
   EXPECT_NE(GetWindowLongPtrW(editor, GWL_EXSTYLE) & WS_EX_APPWINDOW, 0)
       << "it stands in for the main window in the task bar";
-  const std::vector<HWND> texts = RunningProgram::Children(editor, WC_EDITW);
+  const std::vector<HWND> texts = Children(editor, WC_EDITW);
   // A screen reader takes the text before a box for its name, seen or not.
   std::vector<std::wstring> names;
   for (const HWND text : texts) names.push_back(TextOf(GetWindow(text, GW_HWNDPREV)));
@@ -46,7 +46,7 @@ TEST_F(DesktopTest, MouseMakesATask) {
   ASSERT_TRUE(WaitFor([&] { return IsWindowEnabled(day) != 0; }));
   PostMessageW(day, WM_KEYDOWN, VK_UP, 0);
   // The upper of the two arrows.
-  const HWND arrows = RunningProgram::Children(editor, UPDOWN_CLASSW).at(0);
+  const HWND arrows = Children(editor, UPDOWN_CLASSW).at(0);
   PostMessageW(arrows, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(3, 3));
   PostMessageW(arrows, WM_LBUTTONUP, 0, MAKELPARAM(3, 3));
   ASSERT_TRUE(WaitFor([&] { return TextOf(day) == L"3"; }));

@@ -9,7 +9,7 @@ namespace {
 // The lamps and the address.
 bool Shows(const RunningProgram& program, bool connected) {
   return WaitFor([&] {
-    auto texts = RunningProgram::Children(program.MainWindow(), WC_STATICW);
+    auto texts = Children(program.MainWindow(), WC_STATICW);
     std::erase_if(texts, [](HWND text) { return !IsWindowVisible(text); });
     return texts.size() == 5 && TextOf(texts[1]) == (connected ? L"127.0.0.1" : L"0.0.0.0") &&
            TextOf(texts[3]) == (connected ? L"on" : L"off") &&
@@ -40,7 +40,7 @@ TEST_F(DesktopTest, TheWindowsTellOfTheClientAndTalkWithHim) {
   Import(std::vector<Task>(8, {L"task", L"6", L"text"}));
   const RunningProgram program;
   ASSERT_TRUE(Shows(program, false));
-  const HWND log = RunningProgram::Children(program.MainWindow(), WC_EDITW).at(0);
+  const HWND log = Children(program.MainWindow(), WC_EDITW).at(0);
   client->Connect("127.0.0.1", 600);
   expect("7) Logout\r\n>");
   EXPECT_TRUE(Shows(program, true));
@@ -53,7 +53,7 @@ TEST_F(DesktopTest, TheWindowsTellOfTheClientAndTalkWithHim) {
     expect(accepted ? "Press '/' to Quit...\r\n\r\n" : "7) Logout\r\n>");
   }
   const HWND chat = InFront(L"Chat");
-  const HWND transcript = RunningProgram::Children(chat, WC_EDITW).at(1);
+  const HWND transcript = Children(chat, WC_EDITW).at(1);
   Type("Good evening~");
   expect("\r\nServer: Good evening\r\n");
   // The newest line is in sight, wherever the keyboard is; a letter beside the box ends no chat.

@@ -11,7 +11,7 @@
 #include "platform/win32/Win32Clipboard.h"
 #include "platform/win32/Win32Desktop.h"
 #include "platform/win32/Win32Process.h"
-#include "tests/desktop/RunningProgram.h"
+#include "tests/desktop/Screen.h"
 
 namespace orvanto::win32 {
 namespace {
