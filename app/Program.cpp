@@ -5,6 +5,7 @@
 #include "app/RemoteArea.h"
 #include "core/ProgramFolder.h"
 #include "core/ProgramSettings.h"
+#include "core/ProgramTitle.h"
 #include "core/Sched.h"
 #include "core/Scheduler.h"
 #include "core/TaskExecution.h"
@@ -17,6 +18,7 @@
 #include "core/ui/frmmsg.h"
 #include "download/Downloads.h"
 #include "platform/EventLoop.h"
+#include "platform/text/Lines.h"
 #include "remote/Internet.h"
 #include "remote/frmChat.h"
 #include "remote/ftpserver/frmFtpserver.h"
@@ -198,9 +200,22 @@ struct Program::Parts {
       remote.ftp.Relisten();
     };
     windows.settings.onCheckNow = [this] { Download(kUpdateUrl, true); };
+    platform.forms.onHelp = [this, &platform](const std::string& page) {
+      ShowManual(platform, page);
+    };
     windows.main.showDownload = [this] { downloads.window.Open(); };
     downloads.window.formBehind = &windows.main;
     downloads.ForEachDialog([this](forms::Form& form) { form.formBehind = &downloads.window; });
+  }
+
+  void ShowManual(Platform& platform, const std::string& page) {
+    const std::string path = automation.folder.AppDir + "manual\\" + page + ".html";
+    if (platform.files.Exists(path) &&
+        platform.shell.Execute({"open", path, "", "", ShowCommand::Normal})) {
+      return;
+    }
+    platform.messageBoxes.Show("The manual could not be opened:" + std::string(kCrLf) + path,
+                               kProgramTitle, Buttons::Ok, BoxIcon::None);
   }
 
   void Download(const std::string& url, bool replace = false) {
@@ -255,6 +270,8 @@ void Program::BringToFront() {
   }
   MainWindow().Return();
 }
+
+void Program::ShowTime() { MainWindow().SetCaption(parts_->automation.scheduler.Caption()); }
 
 void Program::Start() {
   MainWindow().Start(parts_->options.commandLine, parts_->options.programFolder);

@@ -64,6 +64,9 @@ class Program {
   // tray. What a second start of the program asks of the first.
   void BringToFront();
 
+  // Brings the main window's caption up to date where nothing else goes on.
+  void ShowTime();
+
   // Ends the program from outside (a signal, the end of the session): unloads the main window.
   void Quit();
 

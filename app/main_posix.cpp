@@ -6,7 +6,6 @@
 
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -38,6 +37,7 @@
 #include "platform/posix/TerminalMessageBoxes.h"
 #include "platform/text/Case.h"
 #include "platform/text/PrintableLine.h"
+#include "platform/text/WholeNumber.h"
 #include "remote/ftpserver/server_control.h"
 
 namespace orvanto {
@@ -61,13 +61,6 @@ fs::path DefaultHome() {
   return fs::path(home != nullptr ? home : "/") / ".local/share/orvanto";
 }
 
-std::optional<std::uint16_t> PortNumber(std::string_view text) {
-  std::uint16_t port = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
-  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return port;
-}
-
 // Options come first. False when the words make no sense.
 bool ParseArguments(int argc, char** argv, Arguments& arguments) {
   for (int i = 1; i < argc; ++i) {
@@ -80,7 +73,7 @@ bool ParseArguments(int argc, char** argv, Arguments& arguments) {
     if (++i == argc || *argv[i] == '\0') return false;
     if (home) {
       arguments.home = argv[i];
-    } else if (arguments.ftpPort = PortNumber(argv[i]); !arguments.ftpPort) {
+    } else if (arguments.ftpPort = WholeNumber<std::uint16_t>(argv[i]); !arguments.ftpPort) {
       return false;
     }
   }

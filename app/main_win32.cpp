@@ -105,6 +105,7 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR commandLine, int) {
     orvanto::Program program(host.platform, {.commandLine = win32::ToUtf8(commandLine),
                                              .programFolder = win32::ToUtf8(ProgramFolder())});
     host.loop.onSessionEnd = [&program] { program.Quit(); };
+    host.loop.onTimerHeld = [&program] { program.ShowTime(); };
     // Posted, so that it waits for the end of a message box.
     instance.onShow = [&] { host.loop.Post([&program] { program.BringToFront(); }); };
     program.Start();

@@ -39,7 +39,7 @@ struct Setting {
   // Whose it is. ByMode: the user's own, or everybody's, as the storage mode has it.
   enum class Kept { ByMode, ForUser, ForMachine };
   // Early: before the storage mode is known, and before a server can be switched on.
-  enum class Read { WhenNeeded, Early, AtStart };
+  enum class Read { Later, Early };
   // A flag is on for "1" only; a number has 16 bits.
   using Member = std::variant<std::monostate, std::string ProgramSettings::*,
                               bool ProgramSettings::*, std::int16_t ProgramSettings::*>;
@@ -49,7 +49,7 @@ struct Setting {
   const char* defaultValue;
   const char* meaning;  // one line, for people
   Kept kept = Kept::ByMode;
-  Read read = Read::WhenNeeded;
+  Read read = Read::Later;
   Member member = {};
 
   // What is stored; where nothing is, `otherwise`.
@@ -65,14 +65,16 @@ struct Setting {
 
 inline constexpr Setting kSettings[] = {
     {kGeneral, "OnTop", "0", "1: the main window stays above all others", Setting::Kept::ByMode,
-     Setting::Read::AtStart, &ProgramSettings::onTop},
+     Setting::Read::Later, &ProgramSettings::onTop},
+    {kGeneral, "Window", "", "place and size of the main window, in twips", Setting::Kept::ForUser},
     {kGeneral, "Users_Share", "0", "1: the users of the computer share tasks and settings",
      Setting::Kept::ForMachine},
     {kGeneral, "Check_Auto_Update", "0", "1: look for an update at the start (not done yet)",
-     Setting::Kept::ByMode, Setting::Read::AtStart, &ProgramSettings::checkAutoUpdate},
+     Setting::Kept::ByMode, Setting::Read::Later, &ProgramSettings::checkAutoUpdate},
     {kGeneral, "Inet_ServerOn", "0", "1: the telnet and FTP servers are on from the start",
      Setting::Kept::ByMode, Setting::Read::Early, &ProgramSettings::serverOn},
-    {kGeneral, "Inet_ServerPort", "600", "port of the telnet server"},
+    {kGeneral, "Inet_ServerPort", "600", "port of the telnet server", Setting::Kept::ByMode,
+     Setting::Read::Early},
     {kGeneral, "Inet_FtpPort", "21", "port of the FTP server with Inet_Compat; 22 without",
      Setting::Kept::ForUser, Setting::Read::Early, &ProgramSettings::ftpPort},
     {kGeneral, "Inet_Passwd_Required", "0", "1: a login by telnet or FTP needs the password",
@@ -89,11 +91,11 @@ inline constexpr Setting kSettings[] = {
      Setting::Kept::ForUser, Setting::Read::Early, &ProgramSettings::bindAddress},
     {kGeneral, "Use_Proxy", "0", "1: the proxy's box in the settings is checked"},
     {kGeneral, "Proxy", "0", "host of an HTTP proxy (downloads go direct)", Setting::Kept::ByMode,
-     Setting::Read::AtStart, &ProgramSettings::proxyHost},
-    {kGeneral, "ProxyPort", "0", "its port", Setting::Kept::ByMode, Setting::Read::AtStart,
+     Setting::Read::Later, &ProgramSettings::proxyHost},
+    {kGeneral, "ProxyPort", "0", "its port", Setting::Kept::ByMode, Setting::Read::Later,
      &ProgramSettings::proxyPort},
     {kInternet, "Proxy FTP", "0", "1: FTP through the proxy (downloads go direct)",
-     Setting::Kept::ByMode, Setting::Read::AtStart, &ProgramSettings::ftpThroughProxy},
+     Setting::Kept::ByMode, Setting::Read::Later, &ProgramSettings::ftpThroughProxy},
     {kInternet, "Rollback", "0", "1: a partial download goes back a little before it goes on"},
     {kInternet, "Rollback Amount", "1024", "by so many bytes"},
     {kInternet, "FTP Timeout", "30", "seconds that a download waits for an FTP server"},

@@ -1,11 +1,11 @@
 #include "download/CompatDownloadPolicy.h"
 
 #include <algorithm>
-#include <charconv>
 
 #include "download/Url.h"
 #include "platform/text/Case.h"
 #include "platform/text/Lines.h"
+#include "platform/text/WholeNumber.h"
 
 namespace orvanto {
 namespace {
@@ -50,9 +50,7 @@ DownloadPolicy::Peer CompatDownloadPolicy::PeerOf(const DownloadState& state) co
   Peer peer = DownloadPolicy::PeerOf(state);
   const std::size_t colon = peer.host.rfind(':');
   if (colon == std::string::npos) return peer;
-  const char* const end = peer.host.data() + peer.host.size();
-  peer.port = 0;
-  if (std::from_chars(peer.host.data() + colon + 1, end, peer.port).ptr != end) peer.port = 0;
+  peer.port = WholeNumber<std::uint16_t>(peer.host.substr(colon + 1)).value_or(0);
   peer.host.resize(colon);
   return peer;
 }

@@ -17,7 +17,9 @@ constexpr const char* kNotSaved =
 OptionsDialog::OptionsDialog(forms::FormHost& host, const std::string& caption,
                              forms::Size clientSize, DownloadOptions& options,
                              MessageBoxes& messageBoxes)
-    : Form(host, caption, clientSize), options_(options), messageBoxes_(messageBoxes) {}
+    : Form(host, caption, clientSize), options_(options), messageBoxes_(messageBoxes) {
+  helpPage = "downloads";
+}
 
 void OptionsDialog::Bind(std::vector<Row> rows, forms::Button& save, forms::Button& cancel) {
   rows_ = std::move(rows);

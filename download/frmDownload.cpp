@@ -102,6 +102,7 @@ frmDownload::frmDownload(forms::FormHost& host, const Services& services, Downlo
         tmrFtpStart_->Stop();
         RunFtp();
       })) {
+  helpPage = "downloads";
   WireButtons();
   Reset();
   cmdRun.SetEnabled(false);

@@ -51,6 +51,7 @@ frmSave::frmSave(forms::FormHost& host, Files& files)
       cmdOK(*this, nullptr, "&OK", {4290, 5040, 1290, 375}),
       cmdCancel(*this, nullptr, "&Cancel", {5730, 5040, 1290, 375}),
       files_(files) {
+  helpPage = "downloads";
   cmbDrive.onChange = [this] { ShowFolder(cmbDrive.Text(), Split(txtPath.Text()).second); };
   lstFolders.onEnter = [this] { EnterFolder(); };
   lstFiles.onChange = [this] { TakeFile(); };

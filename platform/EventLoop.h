@@ -93,11 +93,11 @@ class EventLoop {
    private:
     EventLoop& loop_;
   };
+  virtual bool Held() const = 0;
 
  protected:
   virtual void BeginHold() = 0;
   virtual void EndHold() = 0;
-  virtual bool Held() const = 0;
   // Handles some of what is pending; when that is nothing, waits for it.
   virtual void Round() = 0;
 };

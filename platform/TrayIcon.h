@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace orvanto {
 
@@ -22,8 +23,17 @@ class TrayIcon {
   virtual void Add(const std::string& tip) = 0;
   virtual void Remove() = 0;
 
-  // Called from the loop with the mouse message number. May call Add and Remove.
+  // Called from the loop with the mouse message number; choosing the icon by the keyboard is a
+  // double click. May call Add and Remove.
   std::function<void(int mouseMessage)> onMouse;
+
+  // What the right mouse button or the menu key offers, called from the loop; the first is what a
+  // double click does. Empty: nothing opens.
+  struct Item {
+    std::string caption;  // with '&' before the mnemonic
+    std::function<void()> onChosen;
+  };
+  std::vector<Item> menu;
 };
 
 }  // namespace orvanto

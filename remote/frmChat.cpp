@@ -7,6 +7,7 @@ frmChat::frmChat(forms::FormHost& host)
       txtSend(*this, nullptr, {}, {120, 3240, 6360, 345}),
       cmdQuit(*this, nullptr, "&Quit", {5250, 3705, 1230, 375}),
       txtChat(*this, nullptr, {.multiLine = true, .readOnly = true}, {120, 120, 6360, 3000}) {
+  helpPage = "remote-control";
   txtSend.spokenName = "Your line";
   txtChat.spokenName = "Conversation";
   txtSend.onEnter = [this] {

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <functional>
-#include <string_view>
 
 #include "app/Program.h"
 #include "app/console/AddArguments.h"
@@ -54,9 +53,8 @@ int Set(const Words& words, const CommandContext& context) {
   RegistryChange change(settings.Store());
   if (const Setting* const known = FindSetting(words[1], words[2]); known != nullptr) {
     known->Store(settings, words[3]);
-    // The servers are switched on before the storage mode is known.
     if (settings.StorageMode() != 0 && known->kept == Setting::Kept::ByMode &&
-        std::string_view(known->name).starts_with("Inet_")) {
+        known->read == Setting::Read::Early) {
       context.err << "Note: settings are shared. This one is kept for all users of this computer, "
                      "but each start reads it from the user's own settings.\n";
     }

@@ -13,6 +13,7 @@ frmAbout::frmAbout(forms::FormHost& host, Shell& shell)
                      {240, 945, 4920, 240}),
       cmdOK(*this, nullptr, "&OK", {3870, 1530, 1290, 375}),
       cmdSysInfo(*this, nullptr, "&System Info...", {240, 1530, 1800, 375}) {
+  helpPage = "index";
   cmdSysInfo.onClick = [&shell] { shell.Start("msinfo32.exe", ShowCommand::Normal); };
   cmdOK.onClick = [this] { Unload(); };
   defaultButton = cancelButton = &cmdOK;

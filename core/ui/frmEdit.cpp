@@ -134,6 +134,7 @@ frmEdit::frmEdit(forms::FormHost& host, const Services& services)
       cmdSave(*this, nullptr, "&Save", {6690, 6225, 1290, 375}),
       cmdCancel(*this, nullptr, "&Cancel", {8130, 6225, 1290, 375}),
       services_(services) {
+  helpPage = "tasks";
   defaultButton = &cmdSave;
   cancelButton = &cmdCancel;
   txtMinute.spokenName = "Minute";

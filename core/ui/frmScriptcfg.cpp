@@ -1,7 +1,9 @@
 #include "core/ui/frmScriptcfg.h"
 
 #include <algorithm>
+#include <array>
 #include <initializer_list>
+#include <string_view>
 #include <tuple>
 #include <utility>
 
@@ -19,17 +21,42 @@
 #include "platform/TrayIcon.h"
 #include "platform/text/Case.h"
 #include "platform/text/Lines.h"
+#include "platform/text/WholeNumber.h"
 
 namespace orvanto {
 namespace {
 
 constexpr const char* kStartupLog = "ORVTASK.LOG";
 
-// Heights of the task tree, in twips: above the server's area, and alone.
+// At the window's first size, in twips. Heights of the task tree: above the server's area, and
+// alone.
+constexpr forms::Size kFirstSize{8940, 4350};
 constexpr int kTreeAboveServer = 1425;
 constexpr int kTreeAlone = 3375;
-
+constexpr forms::Bounds kTree{120, 120, 7020, kTreeAlone};
 constexpr forms::Column kCommands{{7260, 120, 1560, 375}, 465};
+constexpr forms::Bounds kServer{120, 1650, 7020, 1845};
+constexpr forms::Bounds kServerLog{180, 630, 5280, 1050};
+constexpr forms::Column kServerCommands{{5610, 630, 1230, 375}, 465};
+constexpr forms::Bounds kServerSwitch{120, 3600, 7020, 630};
+
+// "left top width height" in twips; nothing when it is anything else.
+std::optional<forms::Bounds> ParsePlace(std::string_view text) {
+  constexpr int kMost = 1'000'000;
+  std::array<int, 4> numbers{};
+  for (int& number : numbers) {
+    const std::size_t length = std::min(text.find(' '), text.size());
+    number = WholeNumber<int>(text.substr(0, length)).value_or(kMost);
+    if (number <= -kMost || number >= kMost) return std::nullopt;
+    text.remove_prefix(std::min(length + 1, text.size()));
+  }
+  return forms::Bounds{numbers[0], numbers[1], numbers[2], numbers[3]};
+}
+
+std::string PlaceText(const forms::Bounds& place) {
+  return std::to_string(place.left) + " " + std::to_string(place.top) + " " +
+         std::to_string(place.width) + " " + std::to_string(place.height);
+}
 
 // Redraws once, after all changes of the tree.
 class TreeUpdate {
@@ -46,8 +73,8 @@ class TreeUpdate {
 }  // namespace
 
 frmScriptcfg::frmScriptcfg(forms::FormHost& host, const Services& services)
-    : Form(host, kProgramTitle, {8940, 4350}),
-      treTasks(*this, nullptr, {120, 120, 7020, kTreeAlone}),
+    : Form(host, kProgramTitle, kFirstSize),
+      treTasks(*this, nullptr, kTree),
       cmdNew(*this, nullptr, "&New Task", kCommands[0]),
       cmdDelete(*this, nullptr, "&Delete Task", kCommands[1]),
       cmdEdit(*this, nullptr, "&Edit Task", kCommands[2]),
@@ -55,18 +82,18 @@ frmScriptcfg::frmScriptcfg(forms::FormHost& host, const Services& services)
       cmdSystemTray(*this, nullptr, "&System Tray", kCommands[4]),
       cmdAbout(*this, nullptr, "&About", kCommands[5]),
       cmdExit(*this, nullptr, "E&xit", kCommands[6]),
-      fraInet(*this, nullptr, "Internet Server:", {120, 3600, 7020, 630}),
-      optIneton(*this, &fraInet, "&On", {180, 270, 1200, 270}),
-      optInetoff(*this, &fraInet, "O&ff", {1560, 270, 1200, 270}),
-      fraServer(*this, nullptr, "", {120, 1650, 7020, 1845}),
+      fraServer(*this, nullptr, "", kServer),
       lblConnectionFrom(*this, &fraServer, "Connection From:", {465, 285, 1500, 240}),
       lblIpclient(*this, &fraServer, "0.0.0.0", {2010, 285, 1680, 240}),
       lblNoConnection(*this, &fraServer, "No Connection", {4245, 285, 1440, 240}),
       shpServeryes(*this, &fraServer, {180, 300, 195, 195}),
       shpServerno(*this, &fraServer, {3960, 300, 195, 195}),
-      txtServer(*this, &fraServer, {.multiLine = true, .readOnly = true}, {180, 630, 5280, 1050}),
-      cmdChat(*this, &fraServer, "&Chat", {5610, 630, 1230, 375}),
-      cmdKick(*this, &fraServer, "&Kick", {5610, 1095, 1230, 375}),
+      txtServer(*this, &fraServer, {.multiLine = true, .readOnly = true}, kServerLog),
+      cmdChat(*this, &fraServer, "&Chat", kServerCommands[0]),
+      cmdKick(*this, &fraServer, "&Kick", kServerCommands[1]),
+      fraInet(*this, nullptr, "Internet Server:", kServerSwitch),
+      optIneton(*this, &fraInet, "&On", {180, 270, 1200, 270}),
+      optInetoff(*this, &fraInet, "O&ff", {1560, 270, 1200, 270}),
       mnuScheduler(*this, "&Scheduler"),
       mnuSettings(mnuScheduler, "Settings"),
       mnuOnTop(mnuScheduler, "Always on Top"),
@@ -96,7 +123,9 @@ frmScriptcfg::frmScriptcfg(forms::FormHost& host, const Services& services)
       mnuInetftpserver(mnuInternet, "FTP Server"),
       mnuInetdownload(mnuInternet, "Download..."),
       services_(services) {
-  minimizeButton = true;
+  helpPage = "the-main-window";
+  minimizeButton = resizable = true;
+  onResize = [this] { LayOut(); };
   treTasks.spokenName = "Tasks";
   txtServer.spokenName = "Server log";
   fraInet.SetVisible(false);
@@ -133,9 +162,10 @@ void frmScriptcfg::WireCommands() {
   treTasks.onTip = [this](forms::TreeView::NodeId node) { return TipOf(node); };
   mnuListDuplicate.onClick = [this] { DuplicateSelectedTask(); };
   services_.trayIcon.onMouse = [this](int mouseMessage) {
-    if (mouseMessage != kLeftDoubleClick) return;
-    Return();
+    if (mouseMessage == kLeftDoubleClick) Return();
   };
+  services_.trayIcon.menu = {{"&Open", [this] { Return(); }},
+                             {"E&xit", [this] { OnCommand(kExit); }}};
   ticks_ = services_.scheduler.secondPassed.Subscribe([this] {
     SetCaption(services_.scheduler.Caption());
     FadeWhatHasPassed();
@@ -384,6 +414,7 @@ void frmScriptcfg::Start(const std::string& commandLine, const std::string& prog
   LoadSetting(SettingOf("Check_Auto_Update"));
   Step([&] { store.ReadDateOrder(); });
   Step([&] { CentreOnScreen(); });
+  Step([&] { RestorePlace(); });
   Step([&] { services_.folder.Set(programFolder); });
   Step([&] {
     BuildTaskTree();
@@ -413,9 +444,45 @@ void frmScriptcfg::SelectTask(std::int16_t slot) {
 
 void frmScriptcfg::ShowServerArea(bool on) {
   (on ? optIneton : optInetoff).SetValue(true);
-  treTasks.SetHeight(on ? kTreeAboveServer : kTreeAlone);
   fraServer.SetVisible(on);
+  LayOut();
   mnuInetftpserver.SetEnabled(on);
+}
+
+// What the window has more than at first goes to the tree, and in width to the server's log.
+void frmScriptcfg::LayOut() {
+  const int wider = ClientSize().width - kFirstSize.width;
+  const int higher = ClientSize().height - kFirstSize.height;
+  const auto moved = [](forms::Bounds bounds, int right, int down, int width, int height) {
+    return forms::Bounds{bounds.left + right, bounds.top + down, bounds.width + width,
+                         bounds.height + height};
+  };
+  const int treeHeight = fraServer.Visible() ? kTreeAboveServer : kTreeAlone;
+  treTasks.SetBounds(moved(kTree, 0, 0, wider, treeHeight - kTree.height + higher));
+  int row = 0;
+  for (forms::Button* button :
+       {&cmdNew, &cmdDelete, &cmdEdit, &cmdRun, &cmdSystemTray, &cmdAbout, &cmdExit}) {
+    button->SetBounds(moved(kCommands[row++], wider, 0, 0, 0));
+  }
+  fraServer.SetBounds(moved(kServer, 0, higher, wider, 0));
+  txtServer.SetBounds(moved(kServerLog, 0, 0, wider, 0));
+  row = 0;
+  for (forms::Button* button : {&cmdChat, &cmdKick}) {
+    button->SetBounds(moved(kServerCommands[row++], wider, 0, 0, 0));
+  }
+  fraInet.SetBounds(moved(kServerSwitch, 0, higher, wider, 0));
+}
+
+void frmScriptcfg::RestorePlace() {
+  const auto place = ParsePlace(SettingOf("Window").Text(services_.settings));
+  if (place) SetPlace(*place);
+  placeAtStart_ = Place();
+}
+
+// One that nobody has moved comes to the middle of the screen, whatever screen there is next time.
+void frmScriptcfg::SavePlace() {
+  if (Place() == placeAtStart_) return;
+  SettingOf("Window").Store(services_.settings, PlaceText(Place()));
 }
 
 // Keeps the line selected that was, as long as there is the same. As far as the hundredth task.
@@ -466,6 +533,7 @@ void frmScriptcfg::OnUnload() {
   services_.message.Unload();
   services_.programSettings.onTop = mnuOnTop.Checked();
   SettingOf("OnTop").Save(services_.settings, services_.programSettings);
+  SavePlace();
   if (onEnded) onEnded();
 }
 

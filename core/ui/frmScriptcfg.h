@@ -92,13 +92,13 @@ class frmScriptcfg : public forms::Form {
   forms::TreeView treTasks;
   // Created column by column: the order is the tab order.
   forms::Button cmdNew, cmdDelete, cmdEdit, cmdRun, cmdSystemTray, cmdAbout, cmdExit;
-  forms::Frame fraInet;
-  forms::OptionButton optIneton, optInetoff;
   forms::Frame fraServer;
   forms::Label lblConnectionFrom, lblIpclient, lblNoConnection;
   forms::Lamp shpServeryes, shpServerno;
   forms::TextBox txtServer;
   forms::Button cmdChat, cmdKick;
+  forms::Frame fraInet;
+  forms::OptionButton optIneton, optInetoff;
 
   forms::MenuItem mnuScheduler, mnuSettings, mnuOnTop, mnuSystemTray, mnuSeparator, mnuAbout,
       mnuExit;
@@ -120,6 +120,9 @@ class frmScriptcfg : public forms::Form {
   std::string TipOf(forms::TreeView::NodeId node);
   void FadeWhatHasPassed();
   void SetOnTop(bool on);
+  void LayOut();
+  void RestorePlace();
+  void SavePlace();
   void OnUnload();
   void LoadSetting(const Setting& setting);
   void Step(const std::function<void()>& step);
@@ -133,6 +136,7 @@ class frmScriptcfg : public forms::Form {
   Services services_;
   std::vector<forms::TreeView::NodeId> nodeOfSlot_;                     // from slot 1 on
   std::vector<std::pair<DateTime, forms::TreeView::NodeId>> comeOnce_;  // and have not yet
+  forms::Bounds placeAtStart_;
   Subscription ticks_;
   Subscription listChanges_;
 };

@@ -93,6 +93,7 @@ frmSettings::frmSettings(forms::FormHost& host, Settings& settings,
       cmdClose(*this, nullptr, "&Close", {5430, 3795, 1290, 375}),
       settings_(settings),
       values_(programSettings) {
+  helpPage = "settings";
   for (forms::TextBox* box : {&txtPort, &txtServerPort, &txtFTPPort}) {
     box->takesKey = [](char32_t key) { return (key >= '0' && key <= '9') || key < ' '; };
   }

@@ -1,9 +1,10 @@
 #include "download/ftp/FtpReplies.h"
 
-#include <charconv>
+#include <algorithm>
 #include <utility>
 
 #include "platform/text/Lines.h"
+#include "platform/text/WholeNumber.h"
 
 namespace orvanto {
 namespace {
@@ -11,10 +12,8 @@ namespace {
 constexpr std::size_t kCodeLength = 3;
 
 int CodeOf(std::string_view line) {
-  int code = 0;
-  const char* const end = line.data() + kCodeLength;
   if (line.size() < kCodeLength) return 0;
-  return std::from_chars(line.data(), end, code).ptr == end && code > 0 ? code : 0;
+  return std::max(WholeNumber<int>(line.substr(0, kCodeLength)).value_or(0), 0);
 }
 
 }  // namespace

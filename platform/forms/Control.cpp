@@ -44,12 +44,6 @@ void Control::SetBounds(const Bounds& bounds) {
   Changed(Property::Bounds);
 }
 
-void Control::SetHeight(int height) {
-  Bounds bounds = bounds_;
-  bounds.height = height;
-  SetBounds(bounds);
-}
-
 void Control::SetFocus() {
   form_.focus_ = this;
   form_.Changed(FormProperty::Focus);

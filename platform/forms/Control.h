@@ -74,7 +74,6 @@ class Control {
   void SetEnabled(bool enabled);
   const Bounds& GetBounds() const { return bounds_; }
   void SetBounds(const Bounds& bounds);
-  void SetHeight(int height);
 
   // Puts the keyboard here, at once or when the form is next in front. For one that a person could
   // use there.

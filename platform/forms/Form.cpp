@@ -1,11 +1,12 @@
 #include "platform/forms/Form.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace orvanto::forms {
 
 Form::Form(FormHost& host, std::string caption, Size clientSize)
-    : host_(host), caption_(std::move(caption)), clientSize_(clientSize) {}
+    : host_(host), caption_(std::move(caption)), leastSize_(clientSize), clientSize_(clientSize) {}
 
 Form::~Form() {
   if (peer_) host_.Detach(std::move(peer_));
@@ -32,6 +33,32 @@ void Form::CentreOnScreen() {
   left_ = (screen.width - clientSize_.width - frame.width) / 2;
   top_ = (screen.height - clientSize_.height - frame.height) / 2;
   Changed(FormProperty::Position);
+}
+
+Bounds Form::Place() const {
+  return peer_ ? peer_->Place() : Bounds{left_, top_, clientSize_.width, clientSize_.height};
+}
+
+void Form::SetPlace(const Bounds& place) {
+  left_ = place.left;
+  top_ = place.top;
+  Resize({place.width, place.height});
+  Changed(FormProperty::Size);
+  Changed(FormProperty::Position);
+}
+
+bool Form::Resize(Size size) {
+  if (!resizable || !loaded_) return false;
+  clientSize_ = {std::max(size.width, leastSize_.width), std::max(size.height, leastSize_.height)};
+  if (const auto handler = onResize) handler();
+  return true;
+}
+
+bool Form::Help() {
+  if (!visible_ || helpPage.empty() || !host_.onHelp) return false;
+  const auto handler = host_.onHelp;
+  handler(helpPage);
+  return true;
 }
 
 void Form::SetTopMost(bool topMost) {

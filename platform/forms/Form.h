@@ -20,8 +20,9 @@ struct Size {
 };
 
 // The real window of a loaded form, if the host makes one. Called on every change of the truth,
-// before the setter returns; reads the rest from the form. Never calls back from inside. Once
-// detached it touches neither the form nor its controls, which may be gone.
+// before the setter returns; reads the rest from the form. Never calls back from inside, but for
+// Resize where the system gives the window another size than was asked for. Once detached it
+// touches neither the form nor its controls, which may be gone.
 class FormPeer {
  public:
   virtual ~FormPeer() = default;
@@ -29,12 +30,15 @@ class FormPeer {
   virtual void ControlChanged(const Control& control, Property property) = 0;
   virtual void MenuChanged(const MenuItem& item) = 0;
   virtual bool HasKeyboard() const = 0;
+  // Where a person has put it, as Form::Place.
+  virtual Bounds Place() const = 0;
 };
 
 class FormHost {
  public:
   virtual ~FormHost() = default;
-  // Makes the window of a form that is being loaded: all its controls exist, it is not visible yet.
+  // Of a form that is being loaded: all its controls exist, it is not visible yet. The window may
+  // be made as late as when the form is shown.
   virtual std::unique_ptr<FormPeer> Attach(Form& form) = 0;
   // Takes the window of an unloaded form. A call of the peer's own may be on the stack, so a host
   // that dispatches from it destroys it later.
@@ -43,6 +47,9 @@ class FormHost {
   virtual Size FrameSize(const Form& form) const = 0;  // what border, caption and menu add
   // What a text takes in lines of that width, as a label that breaks words shows it.
   virtual Size TextSize(const std::string& text, int width) const = 0;
+
+  // A person asks for a page of the manual.
+  std::function<void(const std::string& page)> onHelp;
 };
 
 class Form {
@@ -59,11 +66,16 @@ class Form {
   int Left() const { return left_; }
   int Top() const { return top_; }
   void CentreOnScreen();
+  // Left and top from the corner of the main screen's work area, and the size of the client area.
+  // What is asked for is moved to where it can be seen; what is told is where the window is or,
+  // while it is maximized or minimized, where it is restored to. For a resizable form.
+  Bounds Place() const;
+  void SetPlace(const Bounds& place);
   bool Visible() const { return visible_; }
   bool TopMost() const { return topMost_; }
   void SetTopMost(bool topMost);
 
-  // Load makes the window, hidden. Show loads when that is still to be done. Unload hides it,
+  // Load gives it to the host, hidden. Show loads when that is still to be done. Unload hides it,
   // raises onUnload and drops the window; the form may be loaded again. Each does nothing when it
   // is so already.
   bool Loaded() const { return loaded_; }
@@ -91,6 +103,19 @@ class Form {
   Button* cancelButton = nullptr;
   bool minimizeButton = false;
 
+  // The page of the manual that is about it; empty: none.
+  std::string helpPage;
+  // user: the F1 key
+  bool Help();
+
+  // The person can change its size, though not below the one that it was made with; the form then
+  // places its controls in onResize. To be set before it loads.
+  bool resizable = false;
+  std::function<void()> onResize;
+  Size LeastSize() const { return leastSize_; }
+  // user: what the client area is now, also maximized
+  bool Resize(Size size);
+
   // For hosts.
   const std::vector<Control*>& Controls() const { return controls_; }
   const std::vector<MenuItem*>& MenuBar() const { return menuBar_; }
@@ -103,6 +128,7 @@ class Form {
   FormHost& host_;
   std::unique_ptr<FormPeer> peer_;
   std::string caption_;
+  const Size leastSize_;
   Size clientSize_;
   int left_ = 0;
   int top_ = 0;

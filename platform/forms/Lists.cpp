@@ -1,10 +1,10 @@
 #include "platform/forms/Lists.h"
 
 #include <algorithm>
-#include <charconv>
 #include <utility>
 
 #include "platform/forms/ControlVisitor.h"
+#include "platform/text/WholeNumber.h"
 
 namespace orvanto::forms {
 
@@ -55,12 +55,7 @@ bool ComboBox::Type(const std::string& text) {
 
 bool UpDown::Step(int by) {
   if (!Usable()) return false;
-  int number = least_;
-  const std::string& text = buddy_.Text();
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) {
-    number = least_ - by;
-  }
+  const int number = WholeNumber<int>(buddy_.Text()).value_or(least_ - by);
   return buddy_.Type(std::to_string(std::clamp(number + by, least_, most_)));
 }
 

@@ -46,7 +46,8 @@ class TreeView : public Control {
   std::function<void()> onActivate;
   // The Delete key, while a node is selected.
   std::function<void()> onDelete;
-  // What is told of a node under which the mouse rests; empty: nothing.
+  // What is told of a node on which the mouse rests, or to which the keyboard has come; empty:
+  // nothing.
   std::function<std::string(NodeId node)> onTip;
 
   // user

@@ -61,10 +61,11 @@ class PosixLoop : public EventLoop {
   // Readable while such a signal waits to be handled; -1 without OnSignals. For blocking waits.
   int SignalFd() const { return signalFd_.Get(); }
 
+  bool Held() const override { return holds_ > 0; }
+
  protected:
   void BeginHold() override { ++holds_; }
   void EndHold() override { --holds_; }
-  bool Held() const override { return holds_ > 0; }
   void Round() override;
 
  private:

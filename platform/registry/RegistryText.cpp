@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdint>
 #include <utility>
 
 #include "platform/text/Case.h"
 #include "platform/text/Utf8.h"
+#include "platform/text/WholeNumber.h"
 
 namespace orvanto {
 namespace {
@@ -114,11 +114,7 @@ bool EqualsWithoutCase(std::string_view a, std::string_view b) {
 
 // All digits of `text`, at most `digits` of them, as a number of the base.
 std::optional<std::uint32_t> Number(std::string_view text, int base, std::size_t digits) {
-  std::uint32_t value = 0;
-  const char* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, value, base);
-  if (text.size() > digits || error != std::errc() || stop != end) return std::nullopt;
-  return value;
+  return text.size() <= digits ? WholeNumber<std::uint32_t>(text, base) : std::nullopt;
 }
 
 std::optional<char> HexByte(std::string_view text) {

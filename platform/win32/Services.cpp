@@ -3,6 +3,7 @@
 #include <mmsystem.h>
 #include <shellapi.h>
 
+#include "platform/win32/Library.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/Win32Process.h"
 
@@ -60,7 +61,7 @@ bool Win32Shell::Execute(const ShellRequest& request) {
   info.nShow = static_cast<int>(request.show);
   // The shell may handle messages while it looks for the program.
   const EventLoop::Hold hold(loop_);
-  return ShellExecuteExW(&info) != 0;
+  return Late<decltype(ShellExecuteExW)>(L"shell32.dll", "ShellExecuteExW")(&info) != 0;
 }
 
 bool Win32Shell::Start(const std::string& commandLine, ShowCommand show) {
@@ -76,7 +77,8 @@ bool Win32Shell::StartAndWait(const std::string& commandLine, ShowCommand show) 
 }
 
 bool Win32Sound::Play(const std::string& name) {
-  return PlaySoundW(ToWide(name).c_str(), nullptr, SND_ASYNC) != 0;
+  const auto play = Late<decltype(PlaySoundW)>(L"winmm.dll", "PlaySoundW");
+  return play(ToWide(name).c_str(), nullptr, SND_ASYNC) != 0;
 }
 
 void Win32Sound::Beep() { MessageBeep(MB_OK); }

@@ -165,11 +165,11 @@ std::optional<LRESULT> Win32Loop::OnMessage(UINT message, WPARAM wParam, LPARAM 
 void Win32Loop::Fire(UINT_PTR id) {
   const auto found = timers_.find(id);
   if (found == timers_.end()) return;
-  if (holds_ == 0) {
-    found->second->Fire();
-  } else if (std::find(heldTimers_.begin(), heldTimers_.end(), id) == heldTimers_.end()) {
+  if (holds_ == 0) return found->second->Fire();
+  if (std::find(heldTimers_.begin(), heldTimers_.end(), id) == heldTimers_.end()) {
     heldTimers_.push_back(id);
   }
+  if (onTimerHeld) Guarded("timer in a hold", onTimerHeld);
 }
 
 // The number comes round again only when all others have been used, long after the last message of

@@ -25,6 +25,7 @@ class Win32Loop : public EventLoop {
   void Run() override;
   void Quit() override;
   bool QuitRequested() const override { return quit_; }
+  bool Held() const override { return holds_ > 0; }
   void DoEvents() override;
   void Post(std::function<void()> work) override { work_.Post(std::move(work)); }
   std::unique_ptr<Deferred> NewDeferred(std::function<void()> handler) override {
@@ -42,13 +43,16 @@ class Win32Loop : public EventLoop {
   void EndSocketMessages(UINT message) { sockets_.erase(message); }
   HWND Window() const { return window_.Get(); }
 
+  // A timer has fallen due inside a Hold, in which messages come nevertheless. For what shows the
+  // time: it may let nothing in.
+  std::function<void()> onTimerHeld;
+
   // The session ends and the process with it as soon as this returns. Called even inside a Hold.
   std::function<void()> onSessionEnd;
 
  protected:
   void BeginHold() override { ++holds_; }
   void EndHold() override;
-  bool Held() const override { return holds_ > 0; }
   void Round() override;
 
  private:

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/win32/Library.h"
 #include "platform/win32/NameLookUp.h"
 
 namespace orvanto::win32 {
@@ -88,7 +89,8 @@ std::string OwnAddress() {
   // What is needed may grow between two calls.
   for (int i = 0; i < 4 && result == ERROR_BUFFER_OVERFLOW; ++i) {
     memory.resize(size / sizeof memory[0] + 1);
-    result = GetAdaptersAddresses(AF_INET, kFlags, nullptr, first(), &size);
+    result = Late<decltype(GetAdaptersAddresses)>(L"iphlpapi.dll", "GetAdaptersAddresses")(
+        AF_INET, kFlags, nullptr, first(), &size);
   }
   if (result != NO_ERROR) return "127.0.0.1";
   for (const auto* adapter = first(); adapter != nullptr; adapter = adapter->Next) {

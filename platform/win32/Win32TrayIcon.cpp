@@ -3,8 +3,10 @@
 #include <shellapi.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/win32/Handle.h"
+#include "platform/win32/Library.h"
 #include "platform/win32/Text.h"
 
 namespace orvanto::win32 {
@@ -19,8 +21,8 @@ constexpr std::chrono::milliseconds kLongestDelay{30000};
 Win32TrayIcon::Win32TrayIcon(EventLoop& loop)
     : loop_(loop),
       taskbarCreated_(RegisterWindowMessageW(L"TaskbarCreated")),
-      window_(kWindowClass,
-              [this](UINT message, WPARAM, LPARAM lParam) { return OnMessage(message, lParam); }),
+      window_(kWindowClass, [this](UINT message, WPARAM wParam,
+                                   LPARAM lParam) { return OnMessage(message, wParam, lParam); }),
       retry_(loop.NewTimer([this] { Offer(); })) {
   // The task bar has fewer rights than a program that was started as administrator.
   ChangeWindowMessageFilterEx(window_.Get(), taskbarCreated_, MSGFLT_ALLOW, nullptr);
@@ -60,16 +62,43 @@ bool Win32TrayIcon::Notify(DWORD action) const {
   data.cbSize = sizeof data;
   data.hWnd = window_.Get();
   data.uID = 1;
-  data.uFlags = NIF_MESSAGE | NIF_ICON | NIF_TIP;
+  data.uFlags = NIF_MESSAGE | NIF_ICON | NIF_TIP | NIF_SHOWTIP;
   data.uCallbackMessage = kCallback;
   data.hIcon = icon.Get();  // the shell makes a copy
   tip_.copy(data.szTip, 63);
-  return Shell_NotifyIconW(action, &data) != 0;
+  const auto notify = Late<decltype(Shell_NotifyIconW)>(L"shell32.dll", "Shell_NotifyIconW");
+  if (!notify(action, &data)) return false;
+  // So that the keyboard is reported, too.
+  data.uVersion = NOTIFYICON_VERSION_4;
+  if (action == NIM_ADD) notify(NIM_SETVERSION, &data);
+  return true;
 }
 
-std::optional<LRESULT> Win32TrayIcon::OnMessage(UINT message, LPARAM lParam) {
+void Win32TrayIcon::OpenMenu(POINT place) {
+  if (!wanted_ || menu.empty() || std::exchange(menuOpen_, true)) return;
+  const std::vector<Item> items = menu;
+  const Handle<HMENU, DestroyMenu> shown(CreatePopupMenu());
+  for (const Item& item : items) {
+    AppendMenuW(shown.Get(), MF_STRING, static_cast<UINT>(&item - items.data()) + 1,
+                ToWide(item.caption).c_str());
+  }
+  SetMenuDefaultItem(shown.Get(), 0, TRUE);
+  SetForegroundWindow(window_.Get());  // or it would stay when the person turns to something else
+  const int chosen = TrackPopupMenuEx(shown.Get(), TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x,
+                                      place.y, window_.Get(), nullptr);
+  menuOpen_ = false;
+  if (chosen > 0) items[static_cast<std::size_t>(chosen - 1)].onChosen();
+}
+
+std::optional<LRESULT> Win32TrayIcon::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == kCallback && LOWORD(lParam) == WM_CONTEXTMENU) {
+    if (loop_.Held()) return 0;
+    loop_.Post([this, place = POINT{static_cast<short>(LOWORD(wParam)),
+                                    static_cast<short>(HIWORD(wParam))}] { OpenMenu(place); });
+    return 0;
+  }
   if (message == kCallback) {
-    const int mouse = LOWORD(lParam);
+    const int mouse = LOWORD(lParam) == NIN_KEYSELECT ? kLeftDoubleClick : LOWORD(lParam);
     loop_.Post([this, mouse] {
       if (const auto handler = onMouse) handler(mouse);
     });

@@ -28,13 +28,15 @@ class Win32TrayIcon : public TrayIcon {
   void Remove() override;
 
  private:
-  std::optional<LRESULT> OnMessage(UINT message, LPARAM lParam);
+  std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+  void OpenMenu(POINT place);
   void Offer();
   bool Notify(DWORD action) const;
 
   EventLoop& loop_;
   UINT taskbarCreated_;
   bool wanted_ = false;
+  bool menuOpen_ = false;
   std::wstring tip_;
   std::chrono::milliseconds delay_{};
   HiddenWindow window_;

@@ -1,7 +1,5 @@
 #include "remote/ftpserver/client_control.h"
 
-#include <array>
-#include <charconv>
 #include <optional>
 
 #include "core/Convert.h"
@@ -10,6 +8,7 @@
 #include "platform/net/SocketError.h"
 #include "platform/text/Case.h"
 #include "platform/text/Lines.h"
+#include "platform/text/WholeNumber.h"
 #include "remote/Access.h"
 #include "remote/ftpserver/FailedLogins.h"
 #include "remote/ftpserver/FtpPolicy.h"
@@ -24,19 +23,20 @@ constexpr const char* kPermissionDenied = "550 Permission denied.";
 
 // Of "h1,h2,h3,h4,p1,p2": the address with points and the port; nothing when it is none.
 std::optional<std::pair<std::string, int>> DataAddress(std::string_view numbers) {
-  std::array<int, 6> parts{};
-  const char* at = numbers.data();
-  const char* const end = at + numbers.size();
-  for (std::size_t i = 0; i < parts.size(); ++i) {
-    if (i > 0 && (at == end || *at++ != ',')) return std::nullopt;
-    const auto [next, error] = std::from_chars(at, end, parts[i]);
-    if (error != std::errc() || parts[i] < 0 || parts[i] > 255) return std::nullopt;
-    at = next;
+  std::string address;
+  int port = 0;
+  for (std::size_t i = 0; i < 6; ++i) {
+    const std::size_t comma = i < 5 ? numbers.find(',') : numbers.size();
+    const auto part = WholeNumber<std::uint8_t>(numbers.substr(0, comma));
+    if (comma == std::string_view::npos || !part) return std::nullopt;
+    numbers.remove_prefix(std::min(comma + 1, numbers.size()));
+    if (i < 4) {
+      address += (i > 0 ? "." : "") + std::to_string(*part);
+    } else {
+      port = port * 256 + *part;
+    }
   }
-  if (at != end) return std::nullopt;
-  std::string address = std::to_string(parts[0]);
-  for (std::size_t i = 1; i < 4; ++i) address += "." + std::to_string(parts[i]);
-  return std::pair(address, parts[4] * 256 + parts[5]);
+  return std::pair(address, port);
 }
 
 // A number's beginning counts; what is none is 0.

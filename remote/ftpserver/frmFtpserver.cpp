@@ -10,6 +10,7 @@ frmFtpserver::frmFtpserver(forms::FormHost& host)
       lblConnectedClients(*this, &fraMain, "Connected Clients", {180, 3360, 7800, 240}),
       lstConnectedClients(*this, &fraMain, {180, 3630, 7800, 1410}),
       cmdClose(*this, nullptr, "&Close", {7050, 5400, 1230, 375}) {
+  helpPage = "remote-control";
   lstServerLog.followsEnd = true;
   cancelButton = &cmdClose;
   // The server runs on.

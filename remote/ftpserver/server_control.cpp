@@ -1,12 +1,11 @@
 #include "remote/ftpserver/server_control.h"
 
-#include <charconv>
-#include <string_view>
 #include <vector>
 
 #include "core/Convert.h"
 #include "core/ProgramFolder.h"
 #include "platform/net/SocketError.h"
+#include "platform/text/WholeNumber.h"
 #include "remote/Access.h"
 #include "remote/ftpserver/FtpPolicy.h"
 #include "remote/ftpserver/frmFtpserver.h"
@@ -15,15 +14,6 @@ namespace orvanto {
 namespace {
 
 constexpr const char* kGreeting = "Quellmark FTP ready...";
-
-// Nothing when it is none.
-std::optional<std::uint16_t> PortNumber(std::string_view text) {
-  std::uint16_t port = 0;
-  text = TrimBlanks(text);
-  const char* const end = text.data() + text.size();
-  const auto [next, error] = std::from_chars(text.data(), end, port);
-  return error == std::errc() && next == end && port > 0 ? std::optional(port) : std::nullopt;
-}
 
 }  // namespace
 
@@ -53,8 +43,8 @@ void FtpServer::Relisten() {
   if (!services_.window.Loaded()) return;
   const auto policy = MakeFtpPolicy(remote_);
   if (const std::string warning = policy->Warning(); !warning.empty()) Log(warning);
-  const std::optional<std::uint16_t> port = port_ ? port_ : PortNumber(policy->ListeningPort());
-  if (listener_->GetState() == TcpSocket::State::Listening && port == listener_->LocalPort() &&
+  if (listener_->GetState() == TcpSocket::State::Listening &&
+      WantedPort() == listener_->LocalPort() &&
       ListeningAddress(remote_) == listener_->BoundAddress()) {
     return;
   }
@@ -72,16 +62,23 @@ void FtpServer::Unload() {
   services_.window.Unload();
 }
 
+std::optional<std::uint16_t> FtpServer::WantedPort() const {
+  if (port_) return port_;
+  const auto port = WholeNumber<std::uint16_t>(TrimBlanks(MakeFtpPolicy(remote_)->ListeningPort()));
+  return port != 0 ? port : std::nullopt;
+}
+
 void FtpServer::StartServer() {
-  const auto policy = MakeFtpPolicy(remote_);
-  const std::string portText = port_ ? std::to_string(*port_) : policy->ListeningPort();
-  const auto port = port_ ? port_ : PortNumber(portText);
-  if (!port) return Log("ERROR - start_server: \"" + portText + "\" is no port.");
+  const auto port = WantedPort();
+  if (!port) {
+    const std::string setting = MakeFtpPolicy(remote_)->ListeningPort();
+    return Log("ERROR - start_server: \"" + setting + "\" is no port.");
+  }
   if (listener_->GetState() != TcpSocket::State::Listening &&
       !listener_->Listen(*port, ListeningAddress(remote_))) {
     const int error = listener_->LastError();
     return Log("ERROR - start_server: " + (error == kAddressInUse
-                                               ? "port " + portText + " is in use."
+                                               ? "port " + std::to_string(*port) + " is in use."
                                                : NumberedErrorText(error)));
   }
   Log("Server started - Listening on port " + std::to_string(listener_->LocalPort()));

@@ -51,6 +51,7 @@ class FtpServer {
  private:
   static constexpr std::size_t kMostClients = 101;
 
+  std::optional<std::uint16_t> WantedPort() const;  // none when what is set is none
   void StartServer();
   void OnConnectionRequest(TcpSocket::RequestId request);
   FtpClient* FreeClient();

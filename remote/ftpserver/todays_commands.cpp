@@ -1,11 +1,11 @@
 // The commands of FTP that today's clients need.
 #include <algorithm>
-#include <charconv>
 #include <string>
 #include <string_view>
 
 #include "platform/Files.h"
 #include "platform/text/Case.h"
+#include "platform/text/WholeNumber.h"
 #include "remote/ftpserver/client_control.h"
 #include "remote/ftpserver/data_transfers.h"
 #include "remote/ftpserver/file_control.h"
@@ -16,14 +16,6 @@ namespace {
 
 constexpr const char* kOtherProtocol = "522 Network protocol not supported, use (1)";
 constexpr const char* kCannotListen = "425 Can't open data connection.";
-
-// False when it is anything but digits.
-template <typename Number>
-bool ParseNumber(std::string_view text, Number& number) {
-  const char* const end = text.data() + text.size();
-  const auto [next, error] = std::from_chars(text.data(), end, number);
-  return error == std::errc() && next == end;
-}
 
 // The names that a client wants listed: "-la", "/" and "." mean all of them.
 std::string PatternOf(std::string_view what) {
@@ -84,11 +76,8 @@ void FtpClient::Mdtm(Argument name) {
 }
 
 void FtpClient::RestAt(Argument offset) {
-  if (ParseNumber(offset, record_.restartAt) && record_.restartAt > 0) {
-    return Reply("350 Restarting at " + offset);
-  }
-  record_.restartAt = 0;
-  Rest(offset);
+  record_.restartAt = WholeNumber<decltype(record_.restartAt)>(offset).value_or(0);
+  record_.restartAt > 0 ? Reply("350 Restarting at " + offset) : Rest(offset);
 }
 
 void FtpClient::ListMatching(Argument what) {
@@ -106,13 +95,13 @@ void FtpClient::Eprt(Argument where) {
   const std::size_t protocol = 1;
   const std::size_t address = where.find(where[0], protocol) + 1;
   const std::size_t port = where.find(where[0], address) + 1;
-  int number = 0;
-  if (address == 0 || port == 0 || !where.ends_with(where[0]) || port == where.size() ||
-      !ParseNumber(std::string_view(where).substr(port, where.size() - port - 1), number)) {
+  if (address == 0 || port == 0 || !where.ends_with(where[0]) || port == where.size()) {
     return Reply(kSyntaxError);
   }
+  const auto number = WholeNumber<int>(where.substr(port, where.size() - port - 1));
+  if (!number) return Reply(kSyntaxError);
   if (where.substr(protocol, address - 1 - protocol) != "1") return Reply(kOtherProtocol);
-  SetDataPort(where.substr(address, port - 1 - address), number);
+  SetDataPort(where.substr(address, port - 1 - address), *number);
 }
 
 std::uint16_t FtpClient::ListenForData() {

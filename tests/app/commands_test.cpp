@@ -214,6 +214,12 @@ TEST_F(ProgramTest, OneWindowStandsForAnother) {
     EXPECT_EQ(program.ChatWindow().TopMost(), onTop);
     if (!onTop) window.mnuOnTop.Choose();
   }
+  const std::string page = "C:\\Home\\manual\\the-main-window.html";
+  fake.messageBoxes.expected = {{"The manual could not be opened:\r\n" + page}};
+  EXPECT_TRUE(window.Help());
+  fake.files.contents[page] = "";
+  EXPECT_TRUE(window.Help());
+  EXPECT_EQ(fake.done.back(), "open " + page + " in '' 1");
   program.GetSettings().WriteSetting(kGeneral, "NoTasks", "100");
   fake.messageBoxes.expected = {{TaskStore::kListFull}};
   EXPECT_TRUE(window.cmdNew.Press());

@@ -156,7 +156,7 @@ TEST_F(MainWindowTest, ThePopupMessageGrowsWithItsText) {
   }
 }
 
-TEST_F(MainWindowTest, TheTrayTakesTheWindowAndADoubleClickBringsItBack) {
+TEST_F(MainWindowTest, TheTrayTakesTheWindowAndGivesItBack) {
   Add("In the tray", "14:05", "TaskType=5");
   Add("Hidden", "14:06");
   Start();
@@ -173,8 +173,10 @@ TEST_F(MainWindowTest, TheTrayTakesTheWindowAndADoubleClickBringsItBack) {
   EXPECT_EQ(window.Focus(), &window.treTasks);
   EXPECT_EQ(trayIcon.shownTip, "");
 
+  EXPECT_TRUE(window.cmdSystemTray.Press());
+  trayIcon.menu.at(0).onChosen();
   EXPECT_TRUE(window.mnuOnTop.Choose() && window.cmdSystemTray.Press());
-  window.Unload();
+  trayIcon.menu.at(1).onChosen();
   EXPECT_EQ(trayIcon.shownTip, "");
   EXPECT_FALSE(message.Loaded() || scheduler.tmrSched.Enabled());
   EXPECT_TRUE(loop.QuitRequested());
@@ -185,6 +187,33 @@ TEST_F(MainWindowTest, TheTrayTakesTheWindowAndADoubleClickBringsItBack) {
   messageBoxes.expected = {{"Hidden"}};
   loop.Advance(60000);
   EXPECT_FALSE(window.Visible());
+}
+
+TEST_F(MainWindowTest, ItComesBackWhereItWasLeft) {
+  const auto stored = [&] { return SettingOf("Window").Text(settings); };
+  const forms::Bounds tree = window.treTasks.GetBounds();
+  Start();
+  window.Unload();
+  EXPECT_EQ(stored(), "") << "nobody has moved it";
+  settings.WriteUserSetting(kGeneral, "Window", "-150 300 9940 5350");
+  Start();
+  EXPECT_EQ(window.treTasks.GetBounds(),
+            (forms::Bounds{tree.left, tree.top, tree.width + 1000, tree.height + 1000}));
+  EXPECT_EQ(window.cmdExit.GetBounds().left, 8260);
+  EXPECT_EQ(window.fraInet.GetBounds(), (forms::Bounds{120, 4600, 8020, 630}));
+  window.ShowServerArea(true);
+  EXPECT_EQ(window.fraServer.GetBounds(), (forms::Bounds{120, 2650, 8020, 1845}));
+  EXPECT_EQ(window.txtServer.GetBounds().width, 6280);
+  EXPECT_TRUE(window.Resize({}));
+  EXPECT_EQ(window.treTasks.GetBounds().height, 1425) << "not below its first size";
+  window.Unload();
+  EXPECT_EQ(stored(), "-150 300 8940 4350");
+  for (const std::string bad : {"0 0 9999", "0 0 9999 1e4", "0 0 9999 99999999", ""}) {
+    settings.WriteUserSetting(kGeneral, "Window", bad);
+    Start();
+    EXPECT_EQ(window.Left(), (1280 * 15 - 8940) / 2) << bad;
+    window.Unload();
+  }
 }
 
 TEST_F(MainWindowTest, RemoteSettingsAreReadBeforeTheStorageMode) {

@@ -6,7 +6,7 @@
 namespace orvanto::desktop {
 namespace {
 
-TEST_F(DesktopTest, GoesToTheTrayAndComesBackOnADoubleClickOrASecondStart) {
+TEST_F(DesktopTest, GoesToTheTrayAndComesBackByItsIconOrASecondStart) {
   const RunningProgram program;
   const HWND main = program.MainWindow();
   EXPECT_EQ(GetWindow(main, GW_OWNER), nullptr) << "an owned window is not in the task bar";
@@ -20,9 +20,19 @@ TEST_F(DesktopTest, GoesToTheTrayAndComesBackOnADoubleClickOrASecondStart) {
   ASSERT_TRUE(Shell_NotifyIconW(NIM_DELETE, &icon)) << "the icons go with the old task bar";
   PostMessageW(icon.hWnd, RegisterWindowMessageW(L"TaskbarCreated"), 0, 0);
   EXPECT_TRUE(WaitFor(isThere));
-  PostMessageW(icon.hWnd, WM_APP + 1, 1, WM_LBUTTONDBLCLK);  // as the icon tells of the mouse
-  EXPECT_TRUE(program.MainIsInFront());
-  EXPECT_FALSE(isThere());
+  // As the icon tells of mouse and keyboard.
+  for (const LPARAM event : {WM_LBUTTONDBLCLK, NIN_KEYSELECT, WM_CONTEXTMENU}) {
+    PostMessageW(icon.hWnd, WM_APP + 1, MAKEWPARAM(300, 300), MAKELPARAM(event, 1));
+    if (event == WM_CONTEXTMENU) {
+      EXPECT_TRUE(WaitFor([&] { return !TopLevel(program.Id(), L"#32768").empty(); }));
+      Type("o");
+    }
+    EXPECT_TRUE(program.MainIsInFront());
+    EXPECT_FALSE(isThere());
+    if (event == WM_CONTEXTMENU) break;
+    program.Press(L"&System Tray");
+    ASSERT_TRUE(WaitFor(isThere));
+  }
 
   program.Press(L"&System Tray");
   ASSERT_TRUE(WaitFor([&] { return !IsWindowVisible(main); }));

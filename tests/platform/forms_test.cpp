@@ -15,6 +15,7 @@ struct KeyboardHost : HeadlessFormHost {
     void ControlChanged(const Control&, Property) override {}
     void MenuChanged(const MenuItem&) override {}
     bool HasKeyboard() const override { return host.hasKeyboard; }
+    Bounds Place() const override { return {}; }
     KeyboardHost& host;
   };
   std::unique_ptr<FormPeer> Attach(Form&) override { return std::make_unique<Peer>(*this); }

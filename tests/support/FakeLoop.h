@@ -87,10 +87,11 @@ class FakeLoop : public EventLoop {
     clock_.Move(milliseconds);
   }
 
+  bool Held() const override { return held_ > 0; }
+
  protected:
   void BeginHold() override { ++held_; }
   void EndHold() override { --held_; }
-  bool Held() const override { return held_ > 0; }
   // Nobody waits: with nothing to do, time goes on to the next timer.
   void Round() override {
     if (!work_.Empty()) return DoEvents();

@@ -57,6 +57,8 @@ class ControlWindow {
     HBRUSH brush = nullptr;
   };
   virtual Ground GetGround() const { return {}; }
+  // The mouse is told its name where no label tells it.
+  virtual bool WantsTip() const { return true; }
   // Its text stands on the colour of what can be written on, not on that of the form.
   virtual bool IsField() const { return false; }
 

@@ -2,6 +2,7 @@
 
 #include <commdlg.h>
 
+#include "platform/win32/Library.h"
 #include "platform/win32/Text.h"
 
 namespace orvanto::win32 {
@@ -71,7 +72,8 @@ std::optional<std::string> Win32FileDialogs::ChooseFile(const std::string& title
   dialog.lpstrInitialDir = start.empty() ? nullptr : start.c_str();
   dialog.lpstrTitle = caption.c_str();
   dialog.Flags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR | OFN_HIDEREADONLY;
-  if (!GetOpenFileNameW(&dialog)) return std::nullopt;
+  const auto open = Late<decltype(GetOpenFileNameW)>(L"comdlg32.dll", "GetOpenFileNameW");
+  if (!open(&dialog)) return std::nullopt;
   return ToUtf8(name);
 }
 

@@ -10,6 +10,7 @@
 #include "platform/win32/HiddenWindow.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/forms/Scale.h"
+#include "platform/win32/forms/TitleBar.h"
 
 namespace orvanto::win32 {
 
@@ -21,7 +22,6 @@ namespace {
 constexpr const wchar_t* kWindowClass = L"OrvantoForm";
 constexpr UINT kDestroy = WM_APP;
 constexpr UINT kFirstControl = 100;  // above IDOK and IDCANCEL
-constexpr UINT kFirstMenuItem = 0x1000;
 
 // Counts up as long as the scope lasts.
 class Scope {
@@ -36,7 +36,8 @@ class Scope {
 };
 
 DWORD StyleOf(const forms::Form& form) {
-  return WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | (form.minimizeButton ? WS_MINIMIZEBOX : 0);
+  return WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | (form.minimizeButton ? WS_MINIMIZEBOX : 0) |
+         (form.resizable ? WS_THICKFRAME | WS_MAXIMIZEBOX : 0);
 }
 
 DWORD ExtendedStyleOf(const forms::Form& form) {
@@ -60,7 +61,20 @@ void RegisterFormClass(WNDPROC procedure) {
   RegisterClassExW(&windowClass);
 }
 
+MONITORINFO ScreenOf(HWND window) {
+  MONITORINFO screen = {};
+  screen.cbSize = sizeof screen;
+  GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &screen);
+  return screen;
+}
+
 }  // namespace
+
+RECT MainWorkArea() {
+  RECT area = {};
+  SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
+  return area;
+}
 
 Handle<HFONT, DeleteObject> MessageFont(UINT dpi) {
   NONCLIENTMETRICSW metrics = {};
@@ -76,9 +90,8 @@ UINT MainScreenDpi() {
   return x;
 }
 
-SIZE OuterSize(const forms::Form& form, UINT dpi) {
-  RECT outer = {0, 0, ToPixels(form.ClientSize().width, dpi),
-                ToPixels(form.ClientSize().height, dpi)};
+SIZE OuterSize(const forms::Form& form, forms::Size client, UINT dpi) {
+  RECT outer = {0, 0, ToPixels(client.width, dpi), ToPixels(client.height, dpi)};
   AdjustWindowRectExForDpi(&outer, StyleOf(form), !form.MenuBar().empty(), ExtendedStyleOf(form),
                            dpi);
   return {outer.right - outer.left, outer.bottom - outer.top};
@@ -104,16 +117,12 @@ FormWindow::~FormWindow() {
 
 void FormWindow::MakeWindow(HWND owner) {
   RegisterFormClass(Procedure);
-  HMENU menu = nullptr;
-  if (!form_->MenuBar().empty()) {
-    menu = CreateMenu();  // the window's from now on
-    FillMenu(menu, form_->MenuBar());
-  }
   window_ = CreateWindowExW(ExtendedStyleOf(*form_), kWindowClass, ToWide(form_->Caption()).c_str(),
-                            StyleOf(*form_), CW_USEDEFAULT, CW_USEDEFAULT, 100, 100, owner, menu,
-                            ThisModule(), nullptr);
+                            StyleOf(*form_), CW_USEDEFAULT, CW_USEDEFAULT, 100, 100, owner,
+                            menu_.Make(form_->MenuBar()), ThisModule(), nullptr);
   SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
   dpi_ = GetDpiForWindow(window_);
+  ColourTitleBar(window_);
   // As a dialog does: mnemonics are underlined once the keyboard is used.
   SendMessageW(window_, WM_CHANGEUISTATE, MAKEWPARAM(UIS_INITIALIZE, 0), 0);
 }
@@ -130,6 +139,9 @@ void FormWindow::MakeControls() {
     const bool isOption = control->AsOption() != nullptr;
     controls_.push_back(
         MakeControlWindow(*control, window_, static_cast<int>(kFirstControl + controls_.size())));
+    if (!control->spokenName.empty() && controls_.back()->WantsTip()) {
+      tips_.Add(window_, controls_.back()->Get(), ToWide(control->spokenName));
+    }
     // The arrow keys walk through the options of one container.
     const bool among = afterOption && isOption && container == control->Container();
     if ((isOption || afterOption) && !among) SetStyle(controls_.back()->Get(), WS_GROUP, true);
@@ -156,38 +168,9 @@ void FormWindow::MirrorOptionStops() const {
   }
 }
 
-void FormWindow::FillMenu(HMENU menu, const std::vector<forms::MenuItem*>& items) {
-  for (forms::MenuItem* item : items) {
-    const auto position = static_cast<UINT>(GetMenuItemCount(menu));
-    if (item->IsSeparator()) {
-      AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-    } else if (item->Items().empty()) {
-      AppendMenuW(menu, MF_STRING, kFirstMenuItem + menuItems_.size(),
-                  ToWide(item->Caption()).c_str());
-    } else {
-      const HMENU below = CreatePopupMenu();
-      AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(below),
-                  ToWide(item->Caption()).c_str());
-    }
-    menuItems_.push_back({item, menu, position});
-    MirrorMenuItem(menuItems_.back());
-    if (!item->Items().empty())
-      FillMenu(GetSubMenu(menu, static_cast<int>(position)), item->Items());
-  }
-}
-
-void FormWindow::MirrorMenuItem(const MenuPlace& place) const {
-  const UINT enabled = place.item->Enabled() ? MF_ENABLED : MF_GRAYED;
-  const UINT checked = place.item->Checked() ? MF_CHECKED : MF_UNCHECKED;
-  EnableMenuItem(place.menu, place.position, MF_BYPOSITION | enabled);
-  CheckMenuItem(place.menu, place.position, MF_BYPOSITION | checked);
-}
-
 void FormWindow::MenuChanged(const forms::MenuItem& item) {
-  for (const MenuPlace& place : menuItems_) {
-    if (place.item == &item) MirrorMenuItem(place);
-  }
-  DrawMenuBar(window_);
+  const HMENU menu = menu_.Changed(item);
+  if (menu != nullptr && menu == GetMenu(window_) && IsWindowVisible(window_)) DrawMenuBar(window_);
 }
 
 // Font, images and places for the present resolution.
@@ -264,13 +247,69 @@ void FormWindow::ControlChanged(const forms::Control& control, Property property
 }
 
 void FormWindow::MoveToPosition() const {
-  RECT area = {};
-  SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
+  const RECT area = MainWorkArea();
   // The window may be on another screen yet, where the program was started from.
   const UINT dpi = MainScreenDpi();
   SetWindowPos(window_, nullptr, area.left + ToPixels(form_->Left(), dpi),
                area.top + ToPixels(form_->Top(), dpi), 0, 0,
                SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+  KeepOnScreen();
+}
+
+// Wholly, where it fits; else its upper left corner.
+void FormWindow::KeepOnScreen() const {
+  if (IsIconic(window_) || IsZoomed(window_)) return;
+  RECT place = {};
+  GetWindowRect(window_, &place);
+  const RECT work = ScreenOf(window_).rcWork;
+  LONG width = place.right - place.left;
+  LONG height = place.bottom - place.top;
+  if (form_->resizable) {
+    const SIZE least = OuterSize(*form_, form_->LeastSize(), dpi_);
+    width = std::min(width, std::max(least.cx, work.right - work.left));
+    height = std::min(height, std::max(least.cy, work.bottom - work.top));
+  }
+  const LONG left = std::max(work.left, std::min(place.left, work.right - width));
+  const LONG top = std::max(work.top, std::min(place.top, work.bottom - height));
+  const RECT wanted = {left, top, left + width, top + height};
+  if (EqualRect(&place, &wanted)) return;
+  SetWindowPos(window_, nullptr, left, top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+forms::Bounds FormWindow::Place() const {
+  WINDOWPLACEMENT placement = {};
+  placement.length = sizeof placement;
+  GetWindowPlacement(window_, &placement);
+  RECT place = placement.rcNormalPosition;
+  // It is told as if no task bar took room on its screen.
+  const MONITORINFO screen = ScreenOf(window_);
+  const RECT main = MainWorkArea();
+  OffsetRect(&place, screen.rcWork.left - screen.rcMonitor.left - main.left,
+             screen.rcWork.top - screen.rcMonitor.top - main.top);
+  const UINT dpi = MainScreenDpi();
+  RECT frame = {};
+  AdjustWindowRectExForDpi(&frame, StyleOf(*form_), !form_->MenuBar().empty(),
+                           ExtendedStyleOf(*form_), dpi_);
+  return {ToTwips(place.left, dpi), ToTwips(place.top, dpi),
+          ToTwips(place.right - place.left - (frame.right - frame.left), dpi_),
+          ToTwips(place.bottom - place.top - (frame.bottom - frame.top), dpi_)};
+}
+
+void FormWindow::OnSize(WPARAM how) {
+  if (how == SIZE_MINIMIZED) {
+    minimized_ = true;
+    return;
+  }
+  // The screen may have changed meanwhile.
+  if (std::exchange(minimized_, false)) KeepOnScreen();
+  RECT client = {};
+  GetClientRect(window_, &client);
+  const forms::Size known = form_->ClientSize();
+  if (client.right == ToPixels(known.width, dpi_) &&
+      client.bottom == ToPixels(known.height, dpi_)) {
+    return;
+  }
+  form_->Resize({ToTwips(client.right, dpi_), ToTwips(client.bottom, dpi_)});
 }
 
 void FormWindow::FormChanged(FormProperty property) {
@@ -283,7 +322,7 @@ void FormWindow::FormChanged(FormProperty property) {
       MoveToPosition();
       break;
     case FormProperty::Size: {
-      const SIZE size = OuterSize(*form_, dpi_);
+      const SIZE size = OuterSize(*form_, form_->ClientSize(), dpi_);
       SetWindowPos(window_, nullptr, 0, 0, size.cx, size.cy,
                    SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
       break;
@@ -315,7 +354,7 @@ void FormWindow::Detach() {
   const Scope mirroring(mirroring_);
   form_ = nullptr;
   controls_.clear();
-  menuItems_.clear();
+  menu_.Clear();
   ShowWindow(window_, SW_HIDE);
   DestroyWhenIdle();
 }
@@ -357,6 +396,9 @@ LRESULT FormWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_CLOSE:
       form_->Close();
       return 0;
+    case WM_HELP:
+      form_->Help();
+      return TRUE;
     case WM_COMMAND:
       OnCommand(LOWORD(wParam), HIWORD(wParam));
       return 0;
@@ -399,8 +441,22 @@ LRESULT FormWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 LRESULT FormWindow::OnSystemChange(UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_GETDPISCALEDSIZE:
-      *reinterpret_cast<SIZE*>(lParam) = OuterSize(*form_, static_cast<UINT>(wParam));
+      if (IsZoomed(window_)) break;
+      *reinterpret_cast<SIZE*>(lParam) =
+          OuterSize(*form_, form_->ClientSize(), static_cast<UINT>(wParam));
       return TRUE;
+    case WM_GETMINMAXINFO: {
+      if (!form_->resizable) break;
+      const SIZE least = OuterSize(*form_, form_->LeastSize(), dpi_);
+      reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {least.cx, least.cy};
+      return 0;
+    }
+    case WM_SIZE:
+      OnSize(wParam);
+      return 0;
+    case WM_DISPLAYCHANGE:
+      KeepOnScreen();
+      break;
     case WM_DPICHANGED: {
       dpi_ = HIWORD(wParam);
       const auto& place = *reinterpret_cast<const RECT*>(lParam);
@@ -411,6 +467,8 @@ LRESULT FormWindow::OnSystemChange(UINT message, WPARAM wParam, LPARAM lParam) {
     }
     case WM_SETTINGCHANGE:
       if (wParam == SPI_SETNONCLIENTMETRICS) Rescale();
+      if (wParam == SPI_SETWORKAREA) KeepOnScreen();
+      ColourTitleBar(window_);
       break;
     case WM_THEMECHANGED:
       Rescale();
@@ -477,8 +535,8 @@ void FormWindow::OnCommand(UINT id, WORD code) {
     form_->defaultButton->Press();
   } else if (id == IDCANCEL && form_->cancelButton != nullptr) {
     form_->cancelButton->Press();
-  } else if (id >= kFirstMenuItem && id - kFirstMenuItem < menuItems_.size()) {
-    menuItems_[id - kFirstMenuItem].item->Choose();
+  } else if (forms::MenuItem* const item = menu_.Find(id)) {
+    item->Choose();
   } else if (ControlWindow* window = Find(id)) {
     window->OnCommand(code);
   }

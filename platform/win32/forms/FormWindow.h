@@ -11,6 +11,8 @@
 #include "platform/forms/forms.h"
 #include "platform/win32/Handle.h"
 #include "platform/win32/forms/ControlWindow.h"
+#include "platform/win32/forms/FormMenu.h"
+#include "platform/win32/forms/Tips.h"
 
 namespace orvanto::win32 {
 
@@ -30,16 +32,11 @@ class FormWindow {
   void FormChanged(forms::FormProperty property);
   void ControlChanged(const forms::Control& control, forms::Property property);
   void MenuChanged(const forms::MenuItem& item);
+  forms::Bounds Place() const;
   void Detach();
 
  private:
   using Icon = Handle<HICON, DestroyIcon>;
-
-  struct MenuPlace {
-    forms::MenuItem* item;
-    HMENU menu;
-    UINT position;
-  };
 
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
   LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
@@ -54,13 +51,13 @@ class FormWindow {
 
   void MakeWindow(HWND owner);
   void MakeControls();
-  void FillMenu(HMENU menu, const std::vector<forms::MenuItem*>& items);
-  void MirrorMenuItem(const MenuPlace& place) const;
   void Rescale();
   void Place(ControlWindow& window) const;
   void MirrorState(const ControlWindow& window);
   void MirrorOptionStops() const;
   void MoveToPosition() const;
+  void KeepOnScreen() const;
+  void OnSize(WPARAM how);
   ControlWindow* Find(UINT id) const;
   ControlWindow* Find(const forms::Control* control) const;
   HBRUSH GroundOf(const ControlWindow& window) const;
@@ -73,7 +70,9 @@ class FormWindow {
   Handle<HFONT, DeleteObject> font_;
   std::array<Icon, 2> icons_;  // ICON_SMALL and ICON_BIG
   std::vector<std::unique_ptr<ControlWindow>> controls_;
-  std::vector<MenuPlace> menuItems_;
+  FormMenu menu_;
+  Tips tips_;
+  bool minimized_ = false;
   HWND lastFocus_ = nullptr;  // has the keyboard when the form next comes to the front
   int depth_ = 0;             // messages of this window on the stack
   int mirroring_ = 0;         // > 0: what the windows report now comes from us, not from a person

@@ -12,16 +12,25 @@ namespace {
 class FrameWindow : public ControlWindow {
  public:
   FrameWindow(forms::Frame& frame, HWND parent, int id)
-      : ControlWindow(frame, {WC_BUTTONW, BS_GROUPBOX, WS_EX_TRANSPARENT}, parent, id) {}
+      : ControlWindow(frame, {WC_BUTTONW, BS_GROUPBOX, WS_EX_TRANSPARENT}, parent, id) {
+    MirrorText();
+  }
 
   void Mirror(Property property) override {
-    ControlWindow::Mirror(property);
     if (property != Property::Text) return;
+    MirrorText();
     // It paints its caption into a gap of its line, whose width belongs to the text before.
     RECT place;
     GetWindowRect(window_, &place);
     MapWindowPoints(nullptr, GetParent(window_), reinterpret_cast<POINT*>(&place), 2);
     RedrawWindow(GetParent(window_), &place, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+  }
+
+ private:
+  // A theme may measure the gap for another font than the caption's, and cut what is beyond it.
+  void MirrorText() const {
+    const std::string& caption = GetControl().Text();
+    SetWindowTextIfOther(caption.empty() ? caption : caption + "  ");
   }
 };
 

@@ -13,12 +13,23 @@ constexpr int kWidest = 6000;  // twips
 
 }  // namespace
 
+HTREEITEM ItemUnderMouse(HWND tree) {
+  const DWORD position = GetMessagePos();
+  TVHITTESTINFO hit = {};
+  hit.pt = {static_cast<short>(LOWORD(position)), static_cast<short>(HIWORD(position))};
+  ScreenToClient(tree, &hit.pt);
+  TreeView_HitTest(tree, &hit);
+  return (hit.flags & TVHT_ONITEM) != 0 ? hit.hItem : nullptr;
+}
+
 NodeTip::NodeTip(HWND tree, std::function<std::wstring(HTREEITEM item)> textOf)
-    : tree_(tree),
-      textOf_(std::move(textOf)),
-      window_(CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr,
-                              WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0, 0, 0, tree, nullptr,
-                              nullptr, nullptr)) {
+    : tree_(tree), textOf_(std::move(textOf)) {}
+
+void NodeTip::MakeWindow() {
+  if (window_) return;
+  window_.Reset(CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr,
+                                WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0, 0, 0, tree_, nullptr,
+                                nullptr, nullptr));
   TTTOOLINFOW tool = Tool();
   SendMessageW(window_.Get(), TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
 }
@@ -34,14 +45,14 @@ TTTOOLINFOW NodeTip::Tool() const {
 void NodeTip::OnMessage(UINT message, WPARAM wParam) {
   switch (message) {
     case WM_MOUSEMOVE:
-      if (UnderMouse() != item_) Hide();
+      if (ItemUnderMouse(tree_) != item_) Hide();
       WaitForRest();
       break;
     case WM_MOUSEHOVER: {
       POINT place;
       GetCursorPos(&place);
       place.y += GetSystemMetrics(SM_CYCURSOR) / 2;
-      ShowFor(UnderMouse(), place);
+      ShowFor(ItemUnderMouse(tree_), place);
       break;
     }
     case WM_TIMER:
@@ -78,14 +89,6 @@ void NodeTip::WaitForRest() {
   TrackMouseEvent(&track);
 }
 
-HTREEITEM NodeTip::UnderMouse() const {
-  TVHITTESTINFO hit = {};
-  GetCursorPos(&hit.pt);
-  ScreenToClient(tree_, &hit.pt);
-  TreeView_HitTest(tree_, &hit);
-  return (hit.flags & TVHT_ONITEM) != 0 ? hit.hItem : nullptr;
-}
-
 void NodeTip::ShowFor(HTREEITEM item, POINT place) {
   item_ = item;
   std::wstring text = item != nullptr ? textOf_(item) : L"";
@@ -94,6 +97,7 @@ void NodeTip::ShowFor(HTREEITEM item, POINT place) {
   GetGUIThreadInfo(GetCurrentThreadId(), &thread);
   const bool menu = (thread.flags & (GUI_INMENUMODE | GUI_POPUPMENUMODE)) != 0;
   if (text.empty() || menu) return;
+  MakeWindow();
   TTTOOLINFOW tool = Tool();
   tool.lpszText = text.data();
   const UINT dpi = GetDpiForWindow(tree_);

@@ -13,6 +13,9 @@
 
 namespace orvanto::win32 {
 
+// Where the mouse was when the message came that is being handled; null: on none.
+HTREEITEM ItemUnderMouse(HWND tree);
+
 // Not every system's tree has such tips, and none shows them to the keyboard.
 class NodeTip {
  public:
@@ -25,16 +28,16 @@ class NodeTip {
   void OnKeyboard();
 
  private:
+  void MakeWindow();
   void WaitForRest();
   void ShowFor(HTREEITEM item, POINT place);
   void Hide();
-  HTREEITEM UnderMouse() const;
   TTTOOLINFOW Tool() const;
 
   const HWND tree_;
   const std::function<std::wstring(HTREEITEM item)> textOf_;
-  const Handle<HWND, DestroyWindow> window_;
-  HTREEITEM item_ = nullptr;  // under the mouse
+  Handle<HWND, DestroyWindow> window_;  // none until there is something to show
+  HTREEITEM item_ = nullptr;            // under the mouse
 };
 
 }  // namespace orvanto::win32

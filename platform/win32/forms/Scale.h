@@ -21,10 +21,13 @@ inline int ToTwips(int pixels, UINT dpi) {
 // Of the main screen, which the forms' positions are meant for.
 UINT MainScreenDpi();
 
+// Of the main screen, without the task bar.
+RECT MainWorkArea();
+
 // The font of the system's message boxes.
 Handle<HFONT, DeleteObject> MessageFont(UINT dpi);
 
-// The outer size in pixels of a form's window.
-SIZE OuterSize(const forms::Form& form, UINT dpi);
+// The outer size in pixels of a form's window with a client area of that size.
+SIZE OuterSize(const forms::Form& form, forms::Size client, UINT dpi);
 
 }  // namespace orvanto::win32

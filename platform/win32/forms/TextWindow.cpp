@@ -64,6 +64,8 @@ class TextWindow : public ControlWindow {
 
   bool TakesEnter() const override { return box_.onEnter != nullptr; }
   bool IsField() const override { return true; }
+  // It would cover what is being read.
+  bool WantsTip() const override { return !box_.GetStyle().multiLine; }
 
  private:
   static DWORD Style(const forms::TextBox& box) {

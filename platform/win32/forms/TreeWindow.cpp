@@ -1,16 +1,32 @@
 #include "platform/win32/forms/TreeWindow.h"
 
+#include <uxtheme.h>
+
 #include <algorithm>
 
 #include "platform/win32/HiddenWindow.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/forms/ControlKinds.h"
+#include "platform/win32/forms/FormMenu.h"
 #include "platform/win32/forms/Scale.h"
 
 namespace orvanto::win32 {
 
 using forms::Property;
 using forms::TreeView;
+
+namespace {
+
+// As the trees of today's systems look, where the system's theme knows how.
+void DressAsExplorer(HWND tree) {
+  const HTHEME theme = OpenThemeData(tree, L"Explorer::TreeView");
+  if (theme == nullptr) return;
+  CloseThemeData(theme);
+  SetWindowTheme(tree, L"Explorer", nullptr);
+  SetWindowLongPtrW(tree, GWL_STYLE, GetWindowLongPtrW(tree, GWL_STYLE) & ~LONG_PTR{TVS_HASLINES});
+}
+
+}  // namespace
 
 TreeWindow::TreeWindow(TreeView& tree, HWND parent, int id)
     : ControlWindow(tree,
@@ -21,6 +37,7 @@ TreeWindow::TreeWindow(TreeView& tree, HWND parent, int id)
                     parent, id),
       tree_(tree),
       tip_(window_, [this](HTREEITEM item) { return TipOf(item); }) {
+  DressAsExplorer(window_);
   TreeView_SetExtendedStyle(window_, TVS_EX_DOUBLEBUFFER, TVS_EX_DOUBLEBUFFER);
   SetWindowSubclass(window_, Procedure, 0, reinterpret_cast<DWORD_PTR>(this));
 }
@@ -64,7 +81,13 @@ void TreeWindow::Place(const RECT& place) {
 
 void TreeWindow::ScrollToSelection() const {
   const HTREEITEM item = TreeView_GetSelection(window_);
-  if (item != nullptr) TreeView_EnsureVisible(window_, item);
+  RECT line = {};
+  RECT inside = {};
+  GetClientRect(window_, &inside);
+  const bool open = item != nullptr && TreeView_GetItemRect(window_, item, &line, FALSE);
+  if (item == nullptr || (open && line.top >= 0 && line.bottom <= inside.bottom)) return;
+  TreeView_EnsureVisible(window_, item);
+  SendMessageW(window_, WM_HSCROLL, SB_LEFT, 0);  // it may have scrolled to a long line's end, too
 }
 
 void TreeWindow::Rescale(UINT dpi) {
@@ -139,19 +162,11 @@ bool TreeWindow::OpenMenu(LPARAM where) {
     if (item != nullptr) TreeView_GetItemRect(window_, item, &line, TRUE);
     place = {line.left, line.bottom};
     ClientToScreen(window_, &place);
-  } else if (const HTREEITEM item = ItemUnderMouse(); item != nullptr) {
+  } else if (const HTREEITEM item = ItemUnderMouse(window_); item != nullptr) {
     if (const auto node = NodeOf(item)) tree_.ClickNode(*node);
   }
-  const HWND form = GetParent(window_);
-  const std::vector<forms::MenuItem*> items = tree_.contextMenu->Items();
-  const Handle<HMENU, DestroyMenu> menu(CreatePopupMenu());
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    AppendMenuW(menu.Get(), MF_STRING | (items[i]->Enabled() ? MF_ENABLED : MF_GRAYED), i + 1,
-                ToWide(items[i]->Caption()).c_str());
-  }
-  const int chosen = TrackPopupMenuEx(menu.Get(), TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x, place.y,
-                                      form, nullptr);
-  if (chosen > 0) items[static_cast<std::size_t>(chosen - 1)]->Choose();
+  forms::MenuItem* const chosen = ChooseFrom(*tree_.contextMenu, GetParent(window_), place);
+  if (chosen != nullptr) chosen->Choose();
   return true;
 }
 
@@ -167,15 +182,6 @@ void TreeWindow::SelectItem(HTREEITEM item) {
   if (TreeView_GetSelection(window_) == item) return;
   selecting_ = true;  // until the window has reported it
   TreeView_SelectItem(window_, item);
-}
-
-HTREEITEM TreeWindow::ItemUnderMouse() const {
-  const DWORD position = GetMessagePos();
-  TVHITTESTINFO hit = {};
-  hit.pt = {static_cast<short>(LOWORD(position)), static_cast<short>(HIWORD(position))};
-  ScreenToClient(window_, &hit.pt);
-  TreeView_HitTest(window_, &hit);
-  return (hit.flags & TVHT_ONITEM) != 0 ? hit.hItem : nullptr;
 }
 
 std::optional<TreeView::NodeId> TreeWindow::NodeOf(HTREEITEM item) const {
@@ -228,7 +234,7 @@ LRESULT TreeWindow::OnNotify(const NMHDR& header, bool person) {
     case NM_CLICK: {
       // A click on the selected node is one too, though it selects nothing new.
       if (std::exchange(clickTold_, false)) break;
-      const HTREEITEM item = ItemUnderMouse();
+      const HTREEITEM item = ItemUnderMouse(window_);
       const auto selected = tree_.Selected();
       if (item != nullptr && selected && NodeOf(static_cast<LPARAM>(*selected)) &&
           items_[*selected] == item) {
@@ -237,7 +243,7 @@ LRESULT TreeWindow::OnNotify(const NMHDR& header, bool person) {
       break;
     }
     case NM_DBLCLK: {
-      const HTREEITEM item = ItemUnderMouse();
+      const HTREEITEM item = ItemUnderMouse(window_);
       if (item == nullptr || TreeView_GetChild(window_, item) != nullptr) break;
       tree_.Activate();
       return 1;

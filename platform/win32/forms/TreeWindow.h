@@ -20,6 +20,7 @@ class TreeWindow : public ControlWindow {
   void Place(const RECT& place) override;
   void Rescale(UINT dpi) override;
   LRESULT OnNotify(const NMHDR& header, bool person) override;
+  bool WantsTip() const override { return false; }
 
  private:
   using ImageList = Handle<HIMAGELIST, ImageList_Destroy>;
@@ -36,7 +37,6 @@ class TreeWindow : public ControlWindow {
   std::wstring TipOf(HTREEITEM item) const;
   void SelectItem(HTREEITEM item);
   int ImageIndex(const std::string& name);
-  HTREEITEM ItemUnderMouse() const;
   // The node of an item, if it is one of the tree's present nodes.
   std::optional<forms::TreeView::NodeId> NodeOf(LPARAM data) const;
   std::optional<forms::TreeView::NodeId> NodeOf(HTREEITEM item) const;

@@ -10,23 +10,44 @@
 
 namespace orvanto::win32 {
 
+// Of a form that has not been shown yet there is no window: many never are.
 class Win32FormHost::Peer : public forms::FormPeer {
  public:
-  Peer(const Win32FormHost& host, FormWindow& window) : host_(host), window_(window) {}
+  Peer(Win32FormHost& host, forms::Form& form) : host_(host), form_(form) {}
+
+  void Make() {
+    window_ = &host_.MakeWindow(form_);
+    window_->FormChanged(forms::FormProperty::Focus);
+  }
+  HWND Window() const { return window_->Get(); }
+
   void FormChanged(forms::FormProperty property) override {
-    if (property == forms::FormProperty::Visible) host_.ChooseTaskbar(window_.Get());
-    window_.FormChanged(property);
+    if (window_ == nullptr && form_.Visible()) Make();
+    if (window_ == nullptr) return;
+    if (property == forms::FormProperty::Visible) host_.ChooseTaskbar(window_->Get());
+    window_->FormChanged(property);
   }
   void ControlChanged(const forms::Control& control, forms::Property property) override {
-    window_.ControlChanged(control, property);
+    if (window_ != nullptr) window_->ControlChanged(control, property);
   }
-  void MenuChanged(const forms::MenuItem& item) override { window_.MenuChanged(item); }
-  bool HasKeyboard() const override { return GetForegroundWindow() == window_.Get(); }
-  void Detach() { window_.Detach(); }
+  void MenuChanged(const forms::MenuItem& item) override {
+    if (window_ != nullptr) window_->MenuChanged(item);
+  }
+  bool HasKeyboard() const override {
+    return window_ != nullptr && GetForegroundWindow() == window_->Get();
+  }
+  void Detach() {
+    if (window_ != nullptr) window_->Detach();
+  }
+  forms::Bounds Place() const override {
+    if (window_ != nullptr) return window_->Place();
+    return {form_.Left(), form_.Top(), form_.ClientSize().width, form_.ClientSize().height};
+  }
 
  private:
-  const Win32FormHost& host_;
-  FormWindow& window_;
+  Win32FormHost& host_;
+  forms::Form& form_;
+  FormWindow* window_ = nullptr;
 };
 
 Win32FormHost::Win32FormHost(Win32Loop& loop)
@@ -44,12 +65,19 @@ Win32FormHost::~Win32FormHost() {
 }
 
 std::unique_ptr<forms::FormPeer> Win32FormHost::Attach(forms::Form& form) {
-  const bool isMain = mainWindow_ == nullptr;
-  auto window = std::make_unique<FormWindow>(form, isMain ? nullptr : owner_.Get(),
-                                             [this](FormWindow& gone) { Forget(gone); });
-  if (isMain) mainWindow_ = window->Get();
-  windows_.push_back(std::move(window));
-  return std::make_unique<Peer>(*this, *windows_.back());
+  auto peer = std::make_unique<Peer>(*this, form);
+  if (mainWindow_ == nullptr) {
+    peer->Make();
+    mainWindow_ = peer->Window();
+  }
+  return peer;
+}
+
+FormWindow& Win32FormHost::MakeWindow(forms::Form& form) {
+  windows_.push_back(std::make_unique<FormWindow>(form,
+                                                  mainWindow_ == nullptr ? nullptr : owner_.Get(),
+                                                  [this](FormWindow& gone) { Forget(gone); }));
+  return *windows_.back();
 }
 
 void Win32FormHost::Detach(std::unique_ptr<forms::FormPeer> peer) {
@@ -88,15 +116,14 @@ std::vector<HWND> Win32FormHost::VisibleForms() const {
 }
 
 forms::Size Win32FormHost::ScreenSize() const {
-  RECT area = {};
-  SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
+  const RECT area = MainWorkArea();
   const UINT dpi = MainScreenDpi();
   return {ToTwips(area.right - area.left, dpi), ToTwips(area.bottom - area.top, dpi)};
 }
 
 forms::Size Win32FormHost::FrameSize(const forms::Form& form) const {
   const UINT dpi = MainScreenDpi();
-  const SIZE outer = OuterSize(form, dpi);
+  const SIZE outer = OuterSize(form, form.ClientSize(), dpi);
   return {ToTwips(outer.cx, dpi) - form.ClientSize().width,
           ToTwips(outer.cy, dpi) - form.ClientSize().height};
 }

@@ -1,4 +1,4 @@
-// Gives every loaded form a real window.
+// Gives every form a real window: the main one when it is loaded, the others when first shown.
 #pragma once
 
 #include <windows.h>
@@ -35,6 +35,7 @@ class Win32FormHost : public forms::FormHost {
  private:
   class Peer;
 
+  FormWindow& MakeWindow(forms::Form& form);
   bool Navigate(MSG& message) const;
   void Forget(const FormWindow& window);
   void ChooseTaskbar(HWND window) const;

@@ -132,6 +132,17 @@ TEST_F(Win32Controls, ShowWhatTheFormHoldsAndTellWhatAPersonDoes) {
   EXPECT_NE(SendMessageW(secret, EM_GETPASSWORDCHAR, 0, 0), 0);
 }
 
+TEST_F(Win32Controls, OfAnotherFormComeWhenItIsShown) {
+  Panel other(host_);
+  other.Load();
+  other.digits.SetText("7");
+  other.digits.SetFocus();
+  const HWND first = FindWindowW(L"OrvantoForm", nullptr);
+  EXPECT_EQ(FindWindowExW(nullptr, first, L"OrvantoForm", nullptr), nullptr);
+  other.Show();
+  EXPECT_EQ(WindowText(GetFocus()), "7");
+}
+
 TEST_F(Win32Controls, TakeTextThatIsDropped) {
   Win32Clipboard clipboard;
   ASSERT_TRUE(clipboard.SetText("http://caf\u00e9/"));
@@ -160,6 +171,38 @@ TEST_F(Win32Controls, EnterBelongsToTheLineThatTakesIt) {
   panel_.box.onEnter = [&] { panel_.Unload(); };  // the line may unload its form
   Press(box, VK_RETURN);
   EXPECT_FALSE(panel_.Loaded());
+}
+
+TEST_F(Win32Controls, AFormStaysOnTheScreenWhateverIsDoneToIt) {
+  forms::Form sized(host_, "Sized", {6000, 3000});
+  sized.resizable = true;
+  sized.helpPage = "page";
+  sized.Show();
+  const HWND window = FindWindowW(nullptr, L"Sized");
+  const auto isOnScreen = [&] {
+    RECT place, work, common;
+    GetWindowRect(window, &place);
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    return IntersectRect(&common, &place, &work) && EqualRect(&common, &place);
+  };
+  sized.SetPlace({-30000, 100000, 90000, 3000});
+  EXPECT_TRUE(isOnScreen());
+  const forms::Bounds place = sized.Place();
+  sized.SetPlace(place);
+  EXPECT_EQ(sized.Place(), place);
+  EXPECT_EQ(sized.ClientSize().width, place.width) << "which the screen has";
+  int resized = 0;
+  sized.onResize = [&] { ++resized; };
+  SetWindowPos(window, nullptr, 5000, 10, 10, 10, SWP_NOZORDER);
+  EXPECT_EQ(sized.ClientSize().width, 6000);
+  EXPECT_EQ(resized, 1);
+  EXPECT_FALSE(isOnScreen()) << "a person may";
+  SendMessageW(window, WM_DISPLAYCHANGE, 32, MAKELPARAM(640, 480));
+  EXPECT_TRUE(isOnScreen());
+  std::string asked;
+  host_.onHelp = [&](const std::string& page) { asked = page; };
+  SendMessageW(window, WM_HELP, 0, 0);
+  EXPECT_EQ(asked, "page");
 }
 
 // Who closes a group that the selected task is in has the group selected then.
