@@ -209,17 +209,5 @@ TEST_F(EditorTest, NowTodayBrowseAndEditScript) {
                          "start notepad.exe C:\\Orvanto\\scripts\\night.txt"}));
 }
 
-TEST_F(EditorTest, TheArrowsStayWithinTheMonth) {
-  OpenNew();
-  editor.optMonthly.Choose();
-  const std::tuple<const char*, int, const char*> steps[] = {
-      {"30", 1, "31"}, {"31", 1, "31"}, {"1", -1, "1"}, {"99", -1, "31"}, {"5x", -1, "1"}};
-  for (const auto& [typed, step, expected] : steps) {
-    editor.txtmnthday.Type(typed);
-    editor.srlmnthday.Step(step);
-    EXPECT_EQ(editor.txtmnthday.Text(), expected) << typed;
-  }
-}
-
 }  // namespace
 }  // namespace orvanto

@@ -260,26 +260,6 @@ TEST_F(BufferedSocketTest, AGentleCloseSendsTheRestAndDropsWhatArrives) {
   }
 }
 
-TEST_F(BufferedSocketTest, WhatFailsIsNotSentAnyMore) {
-  const std::function<void()> failures[] = {[&] { socket.FailSending(7); },
-                                            [&] { socket.SendMore(); }, [&] { socket.Send("b"); }};
-  for (const auto& fail : failures) {
-    SCOPED_TRACE(&fail - failures);
-    Begin();
-    const bool direct = &fail == &failures[2];
-    socket.room = direct ? kAny : 0;
-    socket.Send("a");
-    socket.room = kAny;
-    socket.sendError = &fail == &failures[0] ? 0 : 7;
-    fail();
-    socket.sendError = 0;
-    EXPECT_EQ(socket.wants, direct ? "r r " : "r rw r ");
-    EXPECT_EQ(seen, "") << "what has arrived comes first";
-    EXPECT_EQ(Seen(), "E7");
-    EXPECT_EQ(socket.sent, direct ? "a" : "");
-  }
-}
-
 TEST_F(BufferedSocketTest, NothingOfAConnectionReachesTheNext) {
   // What has happened, and what of it has been sent by the end.
   const std::pair<std::function<void()>, const char*> pasts[] = {

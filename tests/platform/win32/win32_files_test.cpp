@@ -76,11 +76,5 @@ TEST_F(Win32FilesTest, ReadsWhatAnotherWritesAndLeavesWhatIsLocked) {
   EXPECT_NE(files_.Remove(top_ + "locked"), "");
 }
 
-TEST_F(Win32FilesTest, KnowsTheCodePageOfOldTexts) {
-  if (GetACP() != 1252 && GetACP() != CP_UTF8) GTEST_SKIP() << "the system has another one";
-  EXPECT_EQ(files_.FromCodePage("a\xe4\x80"), "a\u00e4\u20ac");
-  EXPECT_EQ(files_.FromCodePage(""), "");
-}
-
 }  // namespace
 }  // namespace orvanto::win32
