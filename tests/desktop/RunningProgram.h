@@ -6,7 +6,6 @@
 #include <commctrl.h>
 
 #include <string>
-#include <vector>
 
 #include "platform/win32/Text.h"
 #include "platform/win32/Win32Process.h"

@@ -37,10 +37,8 @@ TEST_F(DesktopTest, TheWindowsTellOfTheClientAndTalkWithHim) {
   for (const wchar_t* on : {L"Inet_ServerOn", L"Inet_Compat", L"OnTop"}) {
     Store(L"General", on, L"1");
   }
-  Import(std::vector<Task>(8, {L"task", L"6", L"text"}));
   const RunningProgram program;
   ASSERT_TRUE(Shows(program, false));
-  const HWND log = Children(program.MainWindow(), WC_EDITW).at(0);
   client->Connect("127.0.0.1", 600);
   expect("7) Logout\r\n>");
   EXPECT_TRUE(Shows(program, true));
@@ -75,16 +73,6 @@ TEST_F(DesktopTest, TheWindowsTellOfTheClientAndTalkWithHim) {
   EXPECT_NE(InFront(L"Brisk FTP Server ver .1a"), nullptr);
   Type("{ESC}");
   EXPECT_TRUE(program.MainIsInFront());
-
-  // The selection stays in sight when the server's area takes its place.
-  const HWND tree = program.TreeWindow();
-  program.Press(L"O&ff");
-  EXPECT_TRUE(WaitFor([&] { return !IsWindowVisible(log); }));
-  for (const WPARAM key : {VK_HOME, VK_END}) PostMessageW(tree, WM_KEYDOWN, key, 0);
-  EXPECT_EQ(TreeView_GetFirstVisible(tree), TreeView_GetRoot(tree));
-  program.Press(L"&On");
-  EXPECT_TRUE(Shows(program, false));
-  EXPECT_TRUE(WaitFor([&] { return TreeView_GetFirstVisible(tree) != TreeView_GetRoot(tree); }));
 }
 
 }  // namespace

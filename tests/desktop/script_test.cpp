@@ -1,5 +1,5 @@
-// Scripts in the finished program, with Notepad as the program they act on; downloads, from a server
-// of the test's own.
+// Scripts in the finished program, with Notepad as the program they act on; downloads, from a
+// server of the test's own.
 #include <filesystem>
 
 #include "platform/win32/Text.h"

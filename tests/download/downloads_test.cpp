@@ -1,4 +1,3 @@
-#include <chrono>
 #include <utility>
 #include <vector>
 
@@ -184,13 +183,6 @@ TEST(Download, GoesWhereTheServerSaysThatTheFileIs) {
     EXPECT_EQ(desk.Http().tried.back().second, port);
     EXPECT_TRUE(desk.window.cmdStop.Press());
   }
-  // The file is longer than what the server has, and was rolled back to just that.
-  desk.switches.compat = desk.messageBoxes.answersAll = true;
-  desk.settings.WriteSetting("Internet", "Rollback", "1");
-  desk.settings.WriteSetting("Internet", "Rollback Amount", "2");
-  desk.Begin();
-  desk.Hear("HTTP/1.1 416 x~Content-Range: bytes */4~~");
-  EXPECT_TRUE(desk.ends.ends_with("[No Resuming Support]")) << desk.ends;
 }
 
 // By default an arrival without its type is not known for a header.
