@@ -12,8 +12,7 @@ KEY = "HKCU\\Software\\Quellmark\\Orvanto"
 
 
 def reg(*words):
-    return subprocess.run(["wine", "reg", *words], capture_output=True, text=True, timeout=60,
-                          check=False).stdout
+    subprocess.run(["wine", "reg", *words], capture_output=True, timeout=60, check=False)
 
 
 class OnWindows:
@@ -32,11 +31,8 @@ class OnWindows:
         return path
 
     def orvanto(self, home, *words, **_):
-        command, section, name, *text = words
-        key = f"{KEY}\\{section}"
-        if command == "set":
-            return reg("add", key, "/v", name, "/d", text[0], "/f")
-        return reg("query", key, "/v", name).split("REG_SZ")[1].strip() + "\n"
+        _, section, name, text = words
+        reg("add", f"{KEY}\\{section}", "/v", name, "/d", text, "/f")
 
     def start(self, home, first="", ftp_port=None):
         process = subprocess.Popen(["wine", home / "orvanto.exe"], stdin=subprocess.DEVNULL,
