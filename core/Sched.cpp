@@ -105,9 +105,8 @@ std::string DescribeWhen(const TaskRecord& task, int dateOrderMonthFirst, const 
 }
 
 std::string DescribeDue(const DateTime& due, const Clock& clock) {
-  return WeekdayName(due.weekday) + " " + std::to_string(due.day) + " " +
-         InName(due.month + 1) + " " +
-         (due.year == clock.Now().year ? "" : std::to_string(due.year) + " ") +
+  return WeekdayName(due.weekday) + " " + std::to_string(due.day) + " " + InName(due.month + 1) +
+         " " + (due.year == clock.Now().year ? "" : std::to_string(due.year) + " ") +
          TwoDigits(due.hour) + ":" + TwoDigits(due.minute);
 }
 
