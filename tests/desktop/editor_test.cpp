@@ -136,7 +136,7 @@ TEST_F(DesktopTest, SettingsByKeyboard) {
       return FindWindowW(nullptr, L"Settings") != nullptr;
     }));
     const HWND dialog = InFront(L"Settings");
-    ASSERT_TRUE(WaitFor([&] { return FocusBeside(dialog) != nullptr; }));
+    ASSERT_TRUE(WaitFor([&] { return IsChild(dialog, FocusBeside(dialog)) != 0; }));
     PressKeys(keys);
     WaitFor([&] { return all() == stored; });
     EXPECT_EQ(all(), stored) << keys;
