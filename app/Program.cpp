@@ -296,6 +296,11 @@ TelnetServer& Program::Telnet() { return parts_->remote.telnet; }
 FtpServer& Program::Ftp() { return parts_->remote.ftp; }
 Downloads& Program::GetDownloads() { return parts_->downloads; }
 
+void Program::CheckScript(const std::string& path,
+                          const std::function<void(int, const std::string&)>& onFault) {
+  parts_->automation.scripts.CheckScript(path, onFault);
+}
+
 std::string Program::ScriptCommand() const { return parts_->automation.scripts.CommandAtWork(); }
 
 void Program::RunUntilIdle() {

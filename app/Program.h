@@ -79,6 +79,11 @@ class Program {
   // Told in words, with the script and the line, of the failure that ends a script.
   std::function<void(const std::string& message)> onScriptFailure;
 
+  // Every line of a script that would fail, without running it. Throws Error when the file cannot
+  // be read.
+  void CheckScript(const std::string& path,
+                   const std::function<void(int line, const std::string& reason)>& onFault);
+
   // The word of the script command that is being carried out; empty for none.
   std::string ScriptCommand() const;
 

@@ -71,6 +71,8 @@ std::string EveryName(int code) {
 
 std::string InName(int code) { return TextAt(kIn, code); }
 
+std::string WeekdayName(int weekday) { return TextAt(kWeekdays, weekday); }
+
 std::string TaskTypeName(int code) {
   const TaskTypeFacts* facts = FactsOfTaskType(code);
   return facts != nullptr ? facts->name : "";
@@ -103,9 +105,8 @@ std::string DescribeWhen(const TaskRecord& task, int dateOrderMonthFirst, const 
 }
 
 std::string DescribeDue(const DateTime& due, const Clock& clock) {
-  return TextAt(kWeekdays, due.weekday) + " " + std::to_string(due.day) + " " +
-         InName(due.month + 1) + " " +
-         (due.year == clock.Now().year ? "" : std::to_string(due.year) + " ") +
+  return WeekdayName(due.weekday) + " " + std::to_string(due.day) + " " + InName(due.month + 1) +
+         " " + (due.year == clock.Now().year ? "" : std::to_string(due.year) + " ") +
          TwoDigits(due.hour) + ":" + TwoDigits(due.minute);
 }
 

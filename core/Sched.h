@@ -22,6 +22,7 @@ inline constexpr int kInCodes = 13;
 // The text of a code, counted from 1; empty for a code outside the table.
 std::string EveryName(int code);
 std::string InName(int code);
+std::string WeekdayName(int weekday);  // 1: Sunday
 std::string TaskTypeName(int code);
 
 // "Tuesday 24 November 09:30"; with the year where it is another one than at present.

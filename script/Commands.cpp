@@ -8,6 +8,7 @@
 #include "platform/MessageBoxes.h"
 #include "platform/Session.h"
 #include "platform/Sound.h"
+#include "script/KeySequence.h"
 
 namespace orvanto {
 namespace {
@@ -134,18 +135,25 @@ Result Delay(const Line&) { return Result::GoOn; }
 
 constexpr bool kSecond = true;
 
+// What a command's arguments must be.
+void Number(const std::string& arg1, const std::string&) { ToInt16(arg1); }
+void Flags(const std::string& arg1, const std::string&) { ToInt32(arg1); }
+void Style(const std::string&, const std::string& arg2) { ShowState(arg2); }
+void Keys(const std::string&, const std::string& arg2) { ParseKeySequence(arg2); }
+
 }  // namespace
 
 struct ScriptCommands::Command {
   std::string_view word;
   Result (*run)(const Line&);
+  void (*check)(const std::string& arg1, const std::string& arg2) = nullptr;  // null: anything goes
 };
 
 namespace {
 
 constexpr std::array<ScriptCommands::Command, 31> kCommands{{
     {"beep", Beep},
-    {"changeres", ChangeResolution},
+    {"changeres", ChangeResolution, Number},
     {"closewin", Window<WindowCode::Close>},
     {"copy", File<FileCode::Copy, kSecond>},
     {"delay", Delay},
@@ -159,19 +167,19 @@ constexpr std::array<ScriptCommands::Command, 31> kCommands{{
     {"findopenwait", Found<FileCode::LoadWait>},
     {"findprint", Found<FileCode::Print>},
     {"hangup", HangUp},
-    {"load", File<FileCode::Open, kSecond>},
-    {"loadwait", File<FileCode::LoadWait, kSecond>},
+    {"load", File<FileCode::Open, kSecond>, Style},
+    {"loadwait", File<FileCode::LoadWait, kSecond>, Style},
     {"maximize", Window<WindowCode::Maximize>},
     {"minimize", Window<WindowCode::Minimize>},
     {"move", File<FileCode::Move, kSecond>},
     {"msgbox", MsgBox},
-    {"open", File<FileCode::Open, kSecond>},
-    {"openwait", File<FileCode::LoadWait, kSecond>},
+    {"open", File<FileCode::Open, kSecond>, Style},
+    {"openwait", File<FileCode::LoadWait, kSecond>, Style},
     {"playsound", PlaySound},
     {"print", File<FileCode::Print, !kSecond>},
     {"reset", Restart},
-    {"sdown", ShutDownAsGiven},
-    {"sendkeys", Window<WindowCode::SendKeys>},
+    {"sdown", ShutDownAsGiven, Flags},
+    {"sendkeys", Window<WindowCode::SendKeys>, Keys},
     {"sendkeysdos", Window<WindowCode::SendKeysDos>},
     {"setfocus", Window<WindowCode::SetFocus>},
     {"shutdown", ShutDown},
@@ -195,6 +203,11 @@ const ScriptCommands::Command* ScriptCommands::Find(std::string_view word) {
 }
 
 bool ScriptCommands::IsDelay(const Command& command) { return command.run == Delay; }
+
+void ScriptCommands::Check(const Command& command, const std::string& arg1,
+                           const std::string& arg2) {
+  if (command.check != nullptr) command.check(arg1, arg2);
+}
 
 ScriptCommands::Result ScriptCommands::Run(const Command& command, const std::string& arg1,
                                            const std::string& arg2) {

@@ -42,6 +42,9 @@ class ScriptCommands {
   static const Command* Find(std::string_view word);
   static bool IsDelay(const Command& command);
 
+  // Throws what Run would throw for arguments that cannot be used, whatever files and windows there
+  // are; does nothing else.
+  static void Check(const Command& command, const std::string& arg1, const std::string& arg2);
   // Throws Error for an argument that does not convert.
   Result Run(const Command& command, const std::string& arg1, const std::string& arg2);
 

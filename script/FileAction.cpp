@@ -9,11 +9,6 @@
 namespace orvanto {
 namespace {
 
-// An empty show state reaches the system as 0.
-ShowCommand ShowState(const std::string& extra) {
-  return ShowStyleFromCode(ToInt16(extra.empty() ? "0" : extra)).value_or(ShowCommand::Hide);
-}
-
 // A path as one word of a command line. Only a host that takes a whole text for a path before it
 // parts it has quotes in its names.
 std::string Quoted(const std::string& path) {
@@ -26,6 +21,11 @@ std::optional<ShowCommand> ShowStyleFromCode(std::int16_t style) {
   const WindowStyleFacts* facts = FactsOfWindowStyle(style == 0 ? 1 : style);
   if (facts == nullptr) return std::nullopt;
   return facts->ofScripts;
+}
+
+// An empty show state reaches the system as 0.
+ShowCommand ShowState(const std::string& extra) {
+  return ShowStyleFromCode(ToInt16(extra.empty() ? "0" : extra)).value_or(ShowCommand::Hide);
 }
 
 std::int16_t FileActions::FileAction(const std::string& givenPath, FileCode code,

@@ -26,6 +26,9 @@ enum class FileCode {
 // The show state of a style number of scripts, 0 to 6; empty for any other.
 std::optional<ShowCommand> ShowStyleFromCode(std::int16_t style);
 
+// The same of the argument of a line, empty for style 0. Throws Error where it is no number.
+ShowCommand ShowState(const std::string& extra);
+
 class FileActions {
  public:
   FileActions(Files& files, Shell& shell, const ProgramFolder& folder)

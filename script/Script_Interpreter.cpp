@@ -37,6 +37,32 @@ std::string Decoded(std::string bytes, const Files& files) {
   return IsUtf8(bytes) ? std::move(bytes) : files.FromCodePage(bytes);
 }
 
+// The seconds of a delay, from the line itself, whatever the arguments are: after "delay(", up to
+// the last character.
+std::int16_t DelaySeconds(std::string_view line) {
+  constexpr std::size_t kAfterWord = 6;
+  std::string_view seconds = line.size() > kAfterWord ? line.substr(kAfterWord) : "";
+  if (!seconds.empty()) seconds.remove_suffix(1);
+  return ToInt16(seconds);
+}
+
+// What lines give, one after the other. Empty at the start; a line that does not set them leaves
+// them as they are.
+struct Reading {
+  std::string word = {};
+  std::string arg1 = {};
+  std::string arg2 = {};
+
+  // The command of the next line; null for a comment. Throws Error for what is neither.
+  const ScriptCommands::Command* Read(std::string_view line) {
+    ReadCommandWord(line, word);
+    SplitArguments(word, line, arg1, arg2);
+    const ScriptCommands::Command* command = ScriptCommands::Find(word);
+    if (command == nullptr && !line.starts_with('*')) throw Error(kIllegalCall, "Not a command");
+    return command;
+  }
+};
+
 }  // namespace
 
 // One call of RunScript.
@@ -45,10 +71,7 @@ struct ScriptInterpreter::Call {
   bool fileOpen = false;
   std::string text = {};  // of the file
   int line = 0;           // the one at work; 0 before the first
-  // Empty at the start; a line that does not set them leaves them as they are.
-  std::string word = {};
-  std::string arg1 = {};
-  std::string arg2 = {};
+  Reading reading = {};
   // A failure has been handled, and no line has been completed since.
   bool handling = false;
 
@@ -86,7 +109,7 @@ ScriptInterpreter::ScriptInterpreter(EventLoop& loop, Files& files, const Progra
 }
 
 std::string ScriptInterpreter::CommandAtWork() const {
-  return atWork_ != nullptr ? atWork_->word : "";
+  return atWork_ != nullptr ? atWork_->reading.word : "";
 }
 
 bool ScriptInterpreter::Waiting() const {
@@ -130,12 +153,40 @@ void ScriptInterpreter::RunScript(const std::string& path) {
 void ScriptInterpreter::OpenFile(Call& call) {
   // After a failed line the file is still open, and opening it again is the next failure.
   if (call.fileOpen) throw Error(kFileAlreadyOpen, "File already open");
-  const std::string& path = call.slot.path;
-  const std::string file = folder_.TaskFile(files_.TellsCaseApart() ? path : LowerCase(path));
-  if (!files_.Read(file, call.text)) throw Error(kFileNotFoundError, "File not found");
+  call.text = ReadText(call.slot.path);
   call.fileOpen = true;
   call.line = 0;
-  call.text = Decoded(std::move(call.text), files_);
+}
+
+std::string ScriptInterpreter::ReadText(const std::string& path) const {
+  const std::string file = folder_.TaskFile(files_.TellsCaseApart() ? path : LowerCase(path));
+  std::string bytes;
+  if (!files_.Read(file, bytes)) throw Error(kFileNotFoundError, "File not found");
+  return Decoded(std::move(bytes), files_);
+}
+
+void ScriptInterpreter::CheckScript(
+    const std::string& path,
+    const std::function<void(int line, const std::string& reason)>& onFault) const {
+  const std::string text = ReadText(path);
+  LineReader reader(text);
+  Reading reading;
+  bool faulty = false;
+  for (int number = 1; const auto next = reader.Next(); ++number) {
+    const std::string_view line = TrimBlanks(*next);
+    // A blank line does once more what the last one does, which has been told.
+    if (faulty && line.empty()) continue;
+    faulty = false;
+    try {
+      const ScriptCommands::Command* const command = reading.Read(line);
+      if (command == nullptr) continue;
+      if (ScriptCommands::IsDelay(*command)) DelaySeconds(line);
+      ScriptCommands::Check(*command, reading.arg1, reading.arg2);
+    } catch (const Error& error) {
+      faulty = true;
+      onFault(number, error.what());
+    }
+  }
 }
 
 ScriptInterpreter::Outcome ScriptInterpreter::RunPass(Call& call) {
@@ -163,28 +214,19 @@ ScriptInterpreter::Outcome ScriptInterpreter::RunPass(Call& call) {
 }
 
 ScriptInterpreter::Outcome ScriptInterpreter::RunLine(Call& call, std::string_view line) {
-  ReadCommandWord(line, call.word);
-  SplitArguments(call.word, line, call.arg1, call.arg2);
-  const ScriptCommands::Command* command = ScriptCommands::Find(call.word);
-  if (command == nullptr) {
-    if (!line.empty() && line.front() == '*') return Outcome::Next;
-    throw Error(kIllegalCall, "Not a command");
-  }
+  const ScriptCommands::Command* const command = call.reading.Read(line);
+  if (command == nullptr) return Outcome::Next;
   if (ScriptCommands::IsDelay(*command)) {
     StartDelay(call.slot, line);
     return Outcome::Waiting;
   }
-  const bool ended =
-      commands_.Run(*command, call.arg1, call.arg2) == ScriptCommands::Result::EndScript;
+  const bool ended = commands_.Run(*command, call.reading.arg1, call.reading.arg2) ==
+                     ScriptCommands::Result::EndScript;
   return ended ? Outcome::Ended : Outcome::Next;
 }
 
 void ScriptInterpreter::StartDelay(ScriptSlot& slot, std::string_view line) {
-  // From the line itself, whatever the arguments are: after "delay(", up to the last character.
-  constexpr std::size_t kBehindWord = 6;
-  std::string_view seconds = line.size() > kBehindWord ? line.substr(kBehindWord) : "";
-  if (!seconds.empty()) seconds.remove_suffix(1);
-  slot.delayLength = ToInt16(seconds);
+  slot.delayLength = DelaySeconds(line);
   slot.delayElapsed = 1;
   slot.delayPending = true;
   tmrDelay_->Start(1s);

@@ -49,6 +49,11 @@ class ScriptInterpreter : public ScriptRunner {
   // and the failure that RunScript throws follow from it and say less.
   std::function<void(const std::string& message)> onFailure;
 
+  // Tells of every line that would fail, with its number and the reason, and runs none. Throws
+  // Error when the file cannot be read.
+  void CheckScript(const std::string& path,
+                   const std::function<void(int line, const std::string& reason)>& onFault) const;
+
   // The word of the command that is being carried out, of the innermost script; empty for none.
   std::string CommandAtWork() const;
 
@@ -72,6 +77,7 @@ class ScriptInterpreter : public ScriptRunner {
 
   void DelayTick();
   ScriptSlot& ClaimSlot(const std::string& path);
+  std::string ReadText(const std::string& path) const;
   void OpenFile(Call& call);
   Outcome RunPass(Call& call);
   Outcome RunLine(Call& call, std::string_view line);

@@ -4,8 +4,9 @@
 #include <functional>
 
 #include "app/Program.h"
-#include "app/console/AddArguments.h"
 #include "app/console/ConsoleDownloads.h"
+#include "app/console/TaskArguments.h"
+#include "app/console/TaskLists.h"
 #include "core/Convert.h"
 #include "core/ProgramSettings.h"
 #include "core/Sched.h"
@@ -14,6 +15,7 @@
 #include "core/modTaskOperations.h"
 #include "download/Downloads.h"
 #include "platform/text/PrintableLine.h"
+#include "platform/text/WholeNumber.h"
 
 namespace orvanto {
 namespace {
@@ -81,24 +83,27 @@ int ListSettings(const Words&, const CommandContext& context) {
   return 0;
 }
 
-int List(const Words&, const CommandContext& context) {
-  TaskStore& store = context.program.Store();
-  for (const std::int16_t slot : store.Slots()) {
-    // What cannot be described still has its number and its name.
-    std::string line = slot <= kMaxTasks ? context.program.GetSched().DescribeTask(slot) : "";
-    if (line.empty()) line = store.TaskName(slot);
-    context.out << slot << ") " << PrintableLine(line) << "\n";
+int List(const Words& words, const CommandContext& context) {
+  if (words.size() > 1 && words[1] != "--json") {
+    throw UsageError("The list is printed as it is, or with --json.");
   }
+  words.size() > 1 ? PrintTasksAsJson(context.program, context.out)
+                   : PrintTasks(context.program, context.out);
   return 0;
 }
 
-int Add(const Words& words, const CommandContext& context) {
+int Next(const Words& words, const CommandContext& context) {
+  const auto most = WholeNumber<std::size_t>(words.size() > 1 ? words[1] : "100");
+  if (!most) throw UsageError("\"" + words[1] + "\" is no number of tasks.");
+  PrintNextDue(context.program, *most, context.out);
+  return 0;
+}
+
+// Says what was stored, and what will not come of it. An empty name stands for a new task.
+int StoreTask(const TaskEntry& entry, const std::string& name, RegistryChange& change,
+              const CommandContext& context) {
   TaskStore& store = context.program.Store();
-  const TaskEntry entry = ParseAddArguments({words.begin() + 1, words.end()},
-                                            store.DateOrderMonthFirst != 0, context.taskPath);
-  // One change from the look at the list to the last write: two of us at once do not collide.
-  RegistryChange change(context.program.GetSettings().Store());
-  const std::int16_t slot = store.StoreEntry(entry, "");
+  const std::int16_t slot = store.StoreEntry(entry, name);
   if (slot == 0) return Refuse(context, store.TaskValidationMessage);
   if (const int status = Finish(context, change); status != 0) return status;
   if (entry.every > kEveryCodesThatFire) {
@@ -110,6 +115,15 @@ int Add(const Words& words, const CommandContext& context) {
   return 0;
 }
 
+int Add(const Words& words, const CommandContext& context) {
+  TaskStore& store = context.program.Store();
+  const TaskEntry entry = ParseAddArguments({words.begin() + 1, words.end()},
+                                            store.DateOrderMonthFirst != 0, context.taskPath);
+  // One change from the look at the list to the last write: two of us at once do not collide.
+  RegistryChange change(context.program.GetSettings().Store());
+  return StoreTask(entry, "", change, context);
+}
+
 // The slot that a word names, or 0 with the refusal written.
 std::int16_t SlotOf(const std::string& word, const CommandContext& context) {
   if (word.empty() || word.find_first_not_of("0123456789") != std::string::npos) {
@@ -119,6 +133,19 @@ std::int16_t SlotOf(const std::string& word, const CommandContext& context) {
   if (slot >= 1 && slot <= context.program.Store().NoTasks()) return slot;
   Refuse(context, "There is no task " + word + ".");
   return 0;
+}
+
+int Edit(const Words& words, const CommandContext& context) {
+  TaskStore& store = context.program.Store();
+  RegistryChange change(context.program.GetSettings().Store());
+  const std::int16_t slot = SlotOf(words[1], context);
+  if (slot == 0) return kExitRefused;
+  store.LoadTask(slot);
+  const std::string name = store.CurrentTask.name;
+  TaskEntry entry = EntryOf(store.CurrentTask, store.DateOrderMonthFirst);
+  ParseEditArguments({words.begin() + 2, words.end()}, store.DateOrderMonthFirst != 0,
+                     context.taskPath, entry);
+  return StoreTask(entry, name, change, context);
 }
 
 int Delete(const Words& words, const CommandContext& context) {
@@ -161,6 +188,16 @@ int Run(const Words& words, const CommandContext& context) {
   return failed ? kExitRefused : status;
 }
 
+int Check(const Words& words, const CommandContext& context) {
+  int status = 0;
+  context.program.CheckScript(context.taskPath(words[1], kRunScript),
+                              [&](int line, const std::string& reason) {
+                                context.out << words[1] << ":" << line << ": " << reason << "\n";
+                                status = kExitRefused;
+                              });
+  return status;
+}
+
 struct Command {
   const char* name;
   std::size_t leastWords;  // the command itself included
@@ -171,18 +208,22 @@ struct Command {
 
 constexpr std::size_t kAnyNumber = 1000;
 
-constexpr std::array<Command, 8> kCommands{{
+constexpr std::array<Command, 11> kCommands{{
     {"settings", 1, 1, ListSettings, "settings                      list all settings"},
     {"get", 3, 3, Get, "get SECTION NAME              print a setting"},
     {"set", 4, 4, Set, "set SECTION NAME TEXT         store a setting"},
-    {"list", 1, 1, List, "list                          print the tasks with their numbers"},
+    {"list", 1, 2, List, "list [--json]                 print the tasks with their numbers"},
+    {"next", 1, 2, Next, "next [N]                      print when tasks are due next, N of them"},
     {"add", 2, kAnyNumber, Add,
      "add NAME --at HH:MM WHEN WHAT [--group G]\n"
      "      WHEN  --once DATE | --every TEXT [--in TEXT] | --day N\n"
      "      WHAT  --script F | --program F [--params T] [--window N] | --print F |\n"
      "            --reset | --shutdown | --message T | --sound F"},
+    {"edit", 3, kAnyNumber, Edit,
+     "edit N [NAME] [--at ...]      change of task N what these words say, as those of add"},
     {"delete", 2, 2, Delete, "delete N                      delete task N"},
     {"run", 2, 2, Run, "run N                         run task N now, in this process"},
+    {"check", 2, 2, Check, "check SCRIPT                  print the lines that would fail"},
     {"download", 2, 2, Download, "download URL                  fetch a file into the home"},
 }};
 

@@ -37,13 +37,14 @@ _orvanto() {
       ;;
   esac
   case $previous in
-    --script | --program | --print | --sound) compopt -o default ;;
+    check | --script | --program | --print | --sound) compopt -o default ;;
     --window) mapfile -t COMPREPLY < <(compgen -W "1 2 3 4 5 6" -- "$word") ;;
     --*) ;;
     *)
-      # The options that the usage names for this command.
+      # The options that the usage names for this command; edit has those of add.
+      local command=${COMP_WORDS[at]/#edit/add}
       option=$("$program" --help 2>/dev/null |
-        sed -n "/^  ${COMP_WORDS[at]}\b/,/^  [a-z]/{/^  ${COMP_WORDS[at]}\b\|^   /p}" |
+        sed -n "/^  $command\b/,/^  [a-z]/{/^  $command\b\|^   /p}" |
         grep -o -e '--[a-z]*')
       mapfile -t COMPREPLY < <(compgen -W "$option" -- "$word")
       ;;

@@ -22,6 +22,8 @@
 namespace orvanto {
 namespace {
 
+using testing::AllOf;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -87,6 +89,29 @@ TEST_F(CommandsTest, AddsATaskOfEveryKind) {
   Run("set Task~1 TaskType 9");
   EXPECT_EQ(Run("list"), 0);
   EXPECT_THAT(out.str(), StartsWith("1) Task 1\n2) ")) << "what cannot be described";
+  EXPECT_EQ(Run("next 3"), 0);
+  EXPECT_EQ(out.str(),
+            "2026-11-22 07:05 Sun  2) Task 2 | Run | 07:05 on Every Weekend Day In March\n"
+            "2026-11-22 12:00 Sun  6) Task 6 | Popup Message | 12:00 on Every Day In Every Month\n"
+            "2026-11-23 23:30 Mon  1) Task 1\n");
+  EXPECT_EQ(Run("edit 4 Task~\"4 --group Night --every every~day --in may"), 0) << err.str();
+  EXPECT_EQ(Run("edit 3 --message y\xFF\x01 --at 0:30"), 0) << err.str();
+  EXPECT_EQ(Run("edit 2 --in april --params z"), 0) << err.str();
+  Run("list --json");
+  EXPECT_THAT(out.str(),
+              HasSubstr("\n  {\"number\": 2, \"name\": \"Task 2\", \"group\": \"General\", "
+                        "\"does\": \"program\", "
+                        "\"path\": \"C:\\\\tool.exe\", \"params\": \"z\", \"window\": 6, \"at\": "
+                        "\"07:05\", \"every\": "
+                        "\"Every Weekend Day\", \"in\": \"April\", \"next\": \"2026-11-22T07:05\", "
+                        "\"line\": \"Task 2 | "
+                        "Run | 07:05 on Every Weekend Day In April\"},\n  {\"number\": 3, "));
+  EXPECT_THAT(out.str(),
+              AllOf(StartsWith("[\n  {\"number\": 1, \"name\": \"Task 1\""),
+                    HasSubstr("\"does\": null"), HasSubstr("\"path\": \"y\u00ff\\u0001\""),
+                    HasSubstr("\"window\": 1, \"at\": \"00:30\", \"day\": 31"),
+                    HasSubstr("\"name\": \"Task \\\"4\""), HasSubstr("\"next\": null"),
+                    EndsWith("\"}\n]\n")));
   fake.clock.shortDateOrder = "m/d/y";
   program.Prepare();
   for (const std::string date : {"12/25/2026", "2026-12-25"}) {
@@ -126,8 +151,8 @@ TEST_F(CommandsTest, WhatItDoesNotUnderstandIsAUsageError) {
     }
   };
   refuses("", {"frobnicate", "get General", "get General a b", "set General OnTop", "list all",
-               "delete", "delete -1", "run first", "add", "add T", "add --at 10:00 --day 1 --reset",
-               "add --what --at 10:00 --day 1 --reset"});
+               "delete", "delete -1", "next -1", "list --xml", "edit 1", "run first", "add",
+               "add T", "add --at 10:00 --day 1 --reset", "add --what --at 10:00 --day 1 --reset"});
   refuses("add T ", {"--at 10 --day 1 --reset", "--at 1:0:0 --day 1 --reset",
                      "--at 10:00 --every Some~Day --reset", "--at 10:00 --once tomorrow --reset",
                      "--at 10:00 --once 1-2-26-3 --reset"});
@@ -181,6 +206,8 @@ TEST_F(CommandsTest, RunsAndDeletesByNumber) {
   Run("add Two --at 10:00 --day 1 --shutdown");
   Run("add Three --at 10:00 --day 1 --script backup.txt");
   fake.files.contents["C:\\Home\\scripts\\backup.txt"] = "msgbox('x',nostop)\nbeeb()";
+  EXPECT_EQ(Run("check backup.txt"), kExitRefused);
+  EXPECT_EQ(out.str(), "backup.txt:2: Not a command\n");
   Texts popups;
   program.onPopup = [&](const std::string& text) { popups.push_back(text); };
   fake.messageBoxes.expected = {{"Hello"}};

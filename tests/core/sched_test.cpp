@@ -13,15 +13,6 @@
 namespace orvanto {
 namespace {
 
-TEST(Sched, NamesEveryCode) {
-  EXPECT_EQ(EveryName(0) + EveryName(39) + InName(0) + InName(14) + TaskTypeName(0), "");
-  std::string names;
-  for (const int code : {1, 10, 11, 17, 38}) names += EveryName(code) + ", ";
-  EXPECT_EQ(names + InName(13),
-            "Every Day, Every Weekend Day, The 1st Sunday, The 1st Saturday, The 4th Saturday, "
-            "December");
-}
-
 TEST(Sched, DescribesTasks) {
   CoreDesk desk;
   desk.Add("Short", "9:05", "TimeHour=9 TimeType=1 DateDay=7 DateMonth=3 DateYear=01");
@@ -127,18 +118,6 @@ TEST(Sched, DueOnlyInTheMinuteThatTheRuleNames) {
   task.dayNo = 31;
   EXPECT_TRUE(due(1, 31) && !due(4, 30));
 }
-
-TEST(Sched, DetectsTheDateOrder) {
-  FakeClock clock;
-  const std::pair<const char*, const char*> orders[] = {
-      {"d.m.y", "dd/mm/yyyy"},    {"m/d/y", "mm/dd/yyyy"},      {"y-m-d", "yyyy/mm/dd"},
-      {"0m/0d/58", "mm/dd/yyyy"}, {"d. 0m. '58", "dd/mm/yyyy"}, {"", ""}};
-  for (const auto& [order, pattern] : orders) {
-    clock.shortDateOrder = order;
-    EXPECT_EQ(DetectDateOrder(clock), pattern);
-  }
-}
-
 
 constexpr std::int64_t kSecond = 1000;
 constexpr std::int64_t kMinute = 60 * kSecond;

@@ -2,7 +2,6 @@
 
 #include "download/frmFetchwellOptions.h"
 #include "download/frmFtpOptions.h"
-#include "download/frmHeader.h"
 #include "download/frmProxy.h"
 #include "download/frmSave.h"
 #include "tests/support/FakePlatform.h"
@@ -138,16 +137,6 @@ TEST_F(Dialogs, SaveAsWalksThroughDrivesAndFoldersToAPath) {
   EXPECT_TRUE(!save.lstFiles.PressEnter() && save.cmdCancel.Press() && save.Close());
   EXPECT_EQ(told, (Texts{"C:\\d.txt", "C:\\d.txt", "D:\\d.txt", "D:\\d.txt",
                          "\\\\server\\share\\d.txt", "C:\\A.txt", "nothing", "nothing"}));
-}
-
-TEST_F(Dialogs, TheLogIsShownAndStaysWhileItsWindowIsClosed) {
-  frmHeader header(forms);
-  header.Log().Begin("HTTP/1.0 200 OK\r\n");
-  header.Open();
-  EXPECT_TRUE(header.cmdClose.Press());
-  header.Log().Append("more");
-  header.Open();
-  EXPECT_EQ(header.txtHeader.Text(), "HTTP/1.0 200 OK\r\nmore");
 }
 
 }  // namespace

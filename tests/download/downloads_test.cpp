@@ -1,4 +1,3 @@
-#include <chrono>
 #include <utility>
 #include <vector>
 
@@ -184,13 +183,6 @@ TEST(Download, GoesWhereTheServerSaysThatTheFileIs) {
     EXPECT_EQ(desk.Http().tried.back().second, port);
     EXPECT_TRUE(desk.window.cmdStop.Press());
   }
-  // The file is longer than what the server has, and was rolled back to just that.
-  desk.switches.compat = desk.messageBoxes.answersAll = true;
-  desk.settings.WriteSetting("Internet", "Rollback", "1");
-  desk.settings.WriteSetting("Internet", "Rollback Amount", "2");
-  desk.Begin();
-  desk.Hear("HTTP/1.1 416 x~Content-Range: bytes */4~~");
-  EXPECT_TRUE(desk.ends.ends_with("[No Resuming Support]")) << desk.ends;
 }
 
 // By default an arrival without its type is not known for a header.
@@ -268,18 +260,6 @@ TEST(Download, ShowsCompletionEarlyAndKeepsTheLastByte) {
   EXPECT_EQ(desk.File() + desk.ends, "0123456789[whole]");
   EXPECT_TRUE(desk.window.cmdRun.Press());
   EXPECT_EQ(desk.done.back(), "Open C:\\Orvanto\\file in '' 1");
-  // At 32 MiB the figures are right to four bytes.
-  const std::size_t length = (32U << 20) + 4;
-  desk.files.diskLeft = FakeFiles::kAny;
-  desk.Begin("http://host/large");
-  desk.Hear("Content-Type: x~Content-Length: " + std::to_string(length) + "~~");
-  desk.loop.Advance(1000);
-  desk.Http().PeerSends(std::string(length - 2, 'x'));
-  desk.loop.Advance(1000);
-  EXPECT_EQ(desk.Shown(), "---x Download Completed");
-  desk.Http().PeerSends("yz");
-  EXPECT_EQ(desk.ends, "[whole][whole]");
-  EXPECT_EQ(desk.files.contents["C:\\Orvanto\\large"].size(), length);
 }
 
 TEST(Download, SavesACopyOfTheFinishedFile) {

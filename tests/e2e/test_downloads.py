@@ -42,12 +42,6 @@ class Downloads(support.HomeTest):
             time.sleep(0.001)
         return process
 
-    def cut_short(self):
-        process = self.begins(SLOW_HTTP + "big", 1)
-        self.nginx.process.kill()
-        self.assertIn("The connection ended at byte", process.communicate(timeout=20)[0])
-        self.assertEqual(process.returncode, 1)
-
     def test_whole(self):
         self.enterContext(stock_servers.serve("vsftpd", self.folder, 2121))
         for url in (HTTP, FTP, FTP.replace("1/", "1:2121/")):
@@ -75,13 +69,6 @@ class Downloads(support.HomeTest):
                 self.says(("Downloaded big", "No Resuming Support")[status], url + "big", status)
                 self.holds(left if status else left + self.big[size:])
 
-    def test_failed(self):
-        self.says("The connection was refused", "http://127.0.0.2/big", 1)
-        self.says("Error occured while conencting to server", "ftp://127.0.0.1:22/big", 1)
-        self.says("File Not Found", HTTP + "none", 1)
-        self.assertEqual(os.listdir(self.home()), ["scripts"])
-        self.cut_short()
-
     def test_with_todays_servers(self):
         self.orvanto(self.home(), "set", "General", "Inet_Compat", "1")
         self.enterContext(stock_servers.serve("vsftpd", self.folder, 2121))
@@ -101,7 +88,10 @@ class Downloads(support.HomeTest):
         self.says("403 Forbidden", http + "refused/big", 1)
         self.says("https is not spoken", "https://127.0.0.1/big", 1)
         self.assertFalse(self.got.exists())
-        self.cut_short()
+        process = self.begins(SLOW_HTTP + "big", 1)
+        self.nginx.process.kill()
+        self.assertIn("The connection ended at byte", process.communicate(timeout=20)[0])
+        self.assertEqual(process.returncode, 1)
 
     def test_those_of_a_script_one_after_the_other(self):
         urls = (SLOW_HTTP + "big", HTTP + "none", FTP + "sub/small")

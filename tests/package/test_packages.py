@@ -150,7 +150,7 @@ class Debian(Packages):
                 ("de", ["delete"]), ("delete|", ["1"]), ("set|", ["General", "Internet"]),
                 ("set|Internet|Pro", [r"Proxy\ FTP"]), ("set|General|Use_", ["Use_Proxy"]),
                 ("add|Tea|--ev", ["--every"]), ("add|Tea|--window|", list("123456")),
-                ("list|--o", [])):
+                ("edit|1|--p", ["--params", "--program", "--print"]), ("list|", ["--json"])):
             line = ["--home", self.orvanto[2], *words.split("|")]
             said = run("bash", "-c", 'source "$1"; shift; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1));'
                        '_orvanto; printf "%s\\n" "${COMPREPLY[@]}"', "", script, self.program, *line)

@@ -95,6 +95,10 @@ class FtpServerTest : public testing::Test, protected CoreDesk {
     for (int i = 0; i < 9; ++i) loop.DoEvents();
     return Data().Sent() + Answered();
   }
+  std::string After(std::int64_t milliseconds) {
+    loop.Advance(milliseconds);
+    return Answered();
+  }
   std::string Answered() { return Plain(Command().Sent()); }
   std::string Held(const std::string& name) { return files.contents[kScripts + name]; }
 
@@ -467,17 +471,14 @@ TEST_F(FtpServerTest, StrictHasLimitsOfTime) {
   remote.password = "p";
   Connect(0), Connect(1);
   EXPECT_EQ(Say("PASS x|FEAT") + Say("PASS p", 1), "");
-  loop.Advance(999);
-  EXPECT_EQ(Answered(), "");
-  loop.Advance(2);
-  EXPECT_EQ(Answered(), kNotIn + kFeatures);
+  EXPECT_EQ(After(999), "");
+  EXPECT_EQ(After(2), kNotIn + kFeatures);
   EXPECT_EQ(Plain(Command(1).Sent()), kLoggedIn) << "not before the other";
   for (const int seconds : {1, 2, 4, 8, 16, 32, 32}) {
     EXPECT_EQ(Say("PASS x"), "") << seconds;
     Command().PeerCloses(), Connect();  // which is of no use
     EXPECT_EQ(Say("NOOP|PASS x"), kOk);
-    loop.Advance(seconds * 1000 - 1);
-    EXPECT_EQ(Answered(), "");
+    EXPECT_EQ(After(seconds * 1000 - 1), "");
     Command().PeerCloses(), loop.Advance(1), Connect();
   }
   Talk({{"PASS p", kLoggedIn}, {"PASS x", ""}});  // from the beginning again
@@ -486,10 +487,9 @@ TEST_F(FtpServerTest, StrictHasLimitsOfTime) {
   EXPECT_EQ(Answered() + Say("PASS p"), kNotIn + kLoggedIn);
 
   for (const std::string& how : {kPort, std::string("PASV")}) {
-    Say(how + "|LIST"), loop.Advance(14'999);
-    EXPECT_EQ(Answered(), "");
-    loop.Advance(1);
-    EXPECT_EQ(Answered(), kCannot);
+    Say(how + "|LIST");
+    EXPECT_EQ(After(14'999), "");
+    EXPECT_EQ(After(1), kCannot);
   }
   Say("PASV"), loop.Advance(15'000);
   EXPECT_FALSE(Enter()) << "which nobody has used";
@@ -497,14 +497,13 @@ TEST_F(FtpServerTest, StrictHasLimitsOfTime) {
   loop.Advance(14 * 60'000), Say(kPort), loop.Advance(14 * 60'000);
   Say("RETR f"), Data().Connected();
   Data().room = 0, loop.DoEvents(), loop.Advance(14 * 60'000);
-  Data().room = 1024, Data().SendMore(), loop.DoEvents(), loop.Advance(14 * 60'000);
-  EXPECT_EQ(Answered(), "") << "it has moved meanwhile";
-  loop.Advance(60'000);
-  EXPECT_EQ(Answered(), "421 Idle for too long.\n");
+  Data().room = 1024, Data().SendMore(), loop.DoEvents();
+  EXPECT_EQ(After(14 * 60'000), "") << "it has moved meanwhile";
+  EXPECT_EQ(After(60'000), "421 Idle for too long.\n");
   EXPECT_EQ(log.back(), "User  logged out.");
   for (int i = 0; i < 2; ++i) {  // what was long ago does not count
-    loop.Advance(30'000), Connect(), Say("PASS x"), loop.Advance(1000);
-    EXPECT_EQ(Answered(), kNotIn);
+    loop.Advance(30'000), Connect(), Say("PASS x");
+    EXPECT_EQ(After(1000), kNotIn);
     loop.Advance(15 * 60'000), Answered();
   }
 }

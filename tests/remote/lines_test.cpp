@@ -74,7 +74,6 @@ TEST(LineAssembler, AnotherConnectionKeepsTheLineOnly) {
   EXPECT_EQ(Pieces(lines, "\n"), "<put back>");
 }
 
-
 const std::string kIac = "\xFF";
 std::string Iac(std::initializer_list<int> bytes) {
   std::string text = kIac;

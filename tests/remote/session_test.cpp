@@ -184,6 +184,10 @@ TEST_F(SessionTest, TodaysClientsSendLinesOrHaveTheirKeysEchoed) {
 
 class StrictSessionTest : public SessionTest {
  protected:
+  std::string After(std::int64_t milliseconds) {
+    loop.Advance(milliseconds);
+    return socket.Sent();
+  }
   StrictSessionTest() {
     remote.strict = remote.passwordRequired = true;
     remote.password = "Secret";
@@ -195,27 +199,20 @@ TEST_F(StrictSessionTest, AWrongPasswordMakesEverybodyWait) {
   Connect();
   for (const int seconds : {2, 4, 8}) {
     EXPECT_EQ(Line("wrong"), "");
-    loop.Advance(seconds * 1000 - 1);
-    EXPECT_EQ(socket.Sent(), "");
-    loop.Advance(1);
-    EXPECT_EQ(socket.Sent(), again);
+    EXPECT_EQ(After(seconds * 1000 - 1), "");
+    EXPECT_EQ(After(1), again);
   }
   // Who does not wait for his answer is no better off.
   Line("wrong");
   socket.PeerCloses();
   EXPECT_EQ(Connect(), "Enter Password: ");
   EXPECT_EQ(Line("Secret"), "");
-  loop.Advance(7999);
-  EXPECT_EQ(socket.Sent(), "");
+  EXPECT_EQ(After(7999), "");
   loop.Advance(1);
   for (int i = 0; i < 10; ++i) loop.DoEvents();
   EXPECT_EQ(socket.Sent(), "******\r\n\r\n" + kMenu);
   server.Kick();
-  Connect();
-  Line("wrong");
-  loop.Advance(8000);
-  EXPECT_TRUE(server.Listening());
-  for (const char* line : {"", "Secre", "Secret ", "SecretSecret"}) {
+  for (const char* line : {"wrong", "", "Secre", "Secret ", "SecretSecret"}) {
     Connect();
     EXPECT_EQ(Line(line), "") << line;
     loop.Advance(8000);
@@ -249,8 +246,7 @@ TEST_F(StrictSessionTest, AChatLetsNobodyInAndSilenceEnds) {
   Line("wrong");
   server.StartChat();
   socket.Sent();
-  loop.Advance(8000);
-  EXPECT_EQ(socket.Sent(), "") << "in a chat";
+  EXPECT_EQ(After(8000), "") << "in a chat";
 }
 
 TEST_F(StrictSessionTest, ListensWhereItIsToldToAndWithoutAPasswordForThisComputer) {

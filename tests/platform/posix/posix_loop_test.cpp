@@ -90,15 +90,6 @@ TEST(PosixLoop, CallsWatchesWhileTheirDescriptorsAreReady) {
   EXPECT_EQ(taken, "aAbcc");
 }
 
-TEST(PosixLoop, EndsWithWorkThatOwnsTimersAndWatches) {
-  Pipe pipe;
-  PosixLoop loop;
-  const std::shared_ptr<Timer> timer = loop.NewTimer([] {});
-  const std::shared_ptr<PosixLoop::Watch> watch = loop.WatchFd(pipe.Out(), POLLIN, [](short) {});
-  const std::shared_ptr<void> poster(nullptr, [&loop](void*) { loop.Post([] {}); });
-  loop.Post([timer, watch, poster] {});
-}
-
 TEST(PosixLoop, HandsSignalsToTheHandlerFromTheLoop) {
   std::vector<int> signals;
   sigset_t before;

@@ -283,6 +283,10 @@ TEST_F(TerminalTest, AsksUntilItUnderstands) {
     EXPECT_EQ(Show(buttons, program_), answer);
     EXPECT_EQ(Shown(kText + asked), kText + asked);
   }
+  // Where nobody can answer.
+  const std::string kTold = "Title?: Sure?\n?[2J ??\n";
+  EXPECT_EQ(Show(Buttons::NoUnlessYes, Descriptor(::open("/dev/null", O_RDWR)).Get()), Answer::No);
+  EXPECT_EQ(Shown(kTold), kTold);
 }
 
 TEST_F(TerminalTest, ASignalTakesTheSafeAnswerAndIsHandledBeforeTheReturn) {
@@ -300,17 +304,6 @@ TEST_F(TerminalTest, ASignalTakesTheSafeAnswerAndIsHandledBeforeTheReturn) {
   }
   loop_.DoEvents();
   EXPECT_EQ(signals, 2);
-}
-
-TEST_F(TerminalTest, WhereNobodyCanAnswerTheSafeAnswerIsTaken) {
-  const Descriptor nobody(::open("/dev/null", O_RDWR));
-  const std::string kTold = "Title?: Sure?\n?[2J ??\n";
-  for (const auto& [buttons, answer] : {std::pair(Buttons::Ok, Answer::Ok),
-                                        {Buttons::NoUnlessYes, Answer::No},
-                                        {Buttons::RetryCancel, Answer::Cancel}}) {
-    EXPECT_EQ(Show(buttons, nobody.Get()), answer);
-    EXPECT_EQ(Shown(kTold), kTold);
-  }
 }
 
 }  // namespace

@@ -3,15 +3,13 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <chrono>
 #include <future>
 #include <thread>
 
 #include "platform/win32/Text.h"
-#include "platform/win32/Win32Clipboard.h"
 #include "platform/win32/Win32Desktop.h"
 #include "platform/win32/Win32Process.h"
-#include "tests/desktop/RunningProgram.h"
+#include "tests/desktop/Screen.h"
 
 namespace orvanto::win32 {
 namespace {
@@ -19,7 +17,6 @@ namespace {
 using desktop::TextOf;
 using desktop::Type;
 using desktop::WaitFor;
-using std::chrono::milliseconds;
 
 class Notepad {
  public:
@@ -155,23 +152,6 @@ TEST(Win32Desktop, NothingWaitsLongForAWindowThatHangs) {
   desktop.Show(window, ShowCommand::Minimized);
   EXPECT_LT(GetTickCount64() - began, 20000u);
   release.set_value();
-}
-
-TEST(Win32Clipboard, WaitsForOthersButNotForEver) {
-  Win32Clipboard clipboard;
-  for (const auto& [time, taken] :
-       {std::pair{milliseconds(300), true}, {milliseconds(3000), false}}) {
-    std::promise<bool> opened;
-    std::promise<void> release;
-    std::jthread other([&] {
-      opened.set_value(OpenClipboard(nullptr));
-      release.get_future().wait_for(time);
-      CloseClipboard();
-    });
-    ASSERT_TRUE(opened.get_future().get());
-    EXPECT_EQ(clipboard.SetText("late"), taken);
-    release.set_value();
-  }
 }
 
 }  // namespace

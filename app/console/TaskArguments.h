@@ -1,4 +1,4 @@
-// The words of `add`, taken apart.
+// The words of `add` and `edit`, taken apart.
 #pragma once
 
 #include <cstdint>
@@ -24,5 +24,13 @@ using TaskPath = std::function<std::string(const std::string& file, std::int16_t
 // invalid (a 31 April, a 25th hour) is left to the validation of tasks. Throws UsageError.
 TaskEntry ParseAddArguments(const std::vector<std::string>& words, bool monthFirst,
                             const TaskPath& taskPath);
+
+// The same words, any of them, after `edit N`: changes what they say and leaves the rest of the
+// entry as it is. Another thing to do brings its own parameters and window.
+void ParseEditArguments(const std::vector<std::string>& words, bool monthFirst,
+                        const TaskPath& taskPath, TaskEntry& entry);
+
+// The word of the option that chooses a task type, without its dashes; empty for another code.
+std::string WordOfTaskType(std::int16_t type);
 
 }  // namespace orvanto

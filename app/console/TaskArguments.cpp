@@ -1,7 +1,8 @@
-#include "app/console/AddArguments.h"
+#include "app/console/TaskArguments.h"
 
 #include <map>
-#include <set>
+#include <optional>
+#include <utility>
 
 #include "core/Convert.h"
 #include "core/Sched.h"
@@ -36,16 +37,15 @@ const std::map<std::string, OptionKind> kOptions{
 
 using Options = std::map<std::string, std::string>;
 
-Options Collect(const std::vector<std::string>& words, std::string& name) {
+// Sets the name where one is given.
+Options Collect(const std::vector<std::string>& words, std::optional<std::string>& name) {
   Options options;
-  bool named = false;
   for (std::size_t i = 0; i < words.size(); ++i) {
     const std::string& word = words[i];
     const auto kind = kOptions.find(word);
     if (kind == kOptions.end()) {
-      if (named || word.substr(0, 2) == "--") throw UsageError("What is \"" + word + "\"?");
+      if (name || word.starts_with("--")) throw UsageError("What is \"" + word + "\"?");
       name = word;
-      named = true;
       continue;
     }
     if (kind->second.takesValue && i + 1 == words.size()) {
@@ -56,7 +56,6 @@ Options Collect(const std::vector<std::string>& words, std::string& name) {
       throw UsageError("The option " + word + " is given twice.");
     }
   }
-  if (!named) throw UsageError("The task needs a name.");
   return options;
 }
 
@@ -92,7 +91,6 @@ std::int16_t NumberOrInvalid(const std::string& text) {
 std::string Part(const std::string& text) { return IsDigits(text) ? TwoDigits(text) : "?"; }
 
 void ReadTime(const Options& options, TaskEntry& entry) {
-  if (options.count("--at") == 0) throw UsageError("When? Say --at HH:MM.");
   const auto fields = Split(options.at("--at"), ":");
   if (fields.size() != 2) throw UsageError("A time is written as HH:MM.");
   entry.hour = Part(fields[0]);
@@ -111,12 +109,17 @@ void ReadDate(const std::vector<std::string>& fields, bool monthFirst, TaskEntry
   entry.year = fields[yearFirst ? 0 : 2];
 }
 
+int DayRules(const Options& options) {
+  return static_cast<int>(options.count("--once") + options.count("--every") +
+                          options.count("--day"));
+}
+
+// One of the rules, or none: then the entry keeps its own.
 void ReadWhen(const Options& options, bool monthFirst, TaskEntry& entry) {
   const auto has = [&](const char* option) { return options.count(option) != 0; };
-  if (int{has("--once")} + int{has("--every")} + int{has("--day")} != 1) {
+  if (DayRules(options) > 1) {
     throw UsageError("On which day? Say one of --once DATE, --every TEXT and --day N.");
   }
-  if (has("--in") && !has("--every")) throw UsageError("The option --in goes with --every.");
   if (has("--once")) {
     entry.timeType = kTimeOnce;
     const auto fields = Split(options.at("--once"), "-/.");
@@ -124,33 +127,33 @@ void ReadWhen(const Options& options, bool monthFirst, TaskEntry& entry) {
     ReadDate(fields, monthFirst, entry);
   } else if (has("--every")) {
     entry.timeType = kTimeRecurring;
-    const auto in = options.find("--in");
     entry.every = static_cast<std::int16_t>(CodeOf(options.at("--every"), kEveryCodes, EveryName));
-    entry.in =
-        static_cast<std::int16_t>(in == options.end() ? 1 : CodeOf(in->second, kInCodes, InName));
-  } else {
+    entry.in = 1;
+  } else if (has("--day")) {
     entry.timeType = kTimeDayNumber;
     entry.dayNo = NumberOrInvalid(options.at("--day"));
   }
+  if (!has("--in")) return;
+  if (entry.timeType != kTimeRecurring) throw UsageError("The option --in goes with --every.");
+  entry.in = static_cast<std::int16_t>(CodeOf(options.at("--in"), kInCodes, InName));
 }
 
 void ReadWhat(const Options& options, const TaskPath& taskPath, TaskEntry& entry) {
+  bool chosen = false;
   for (const auto& [option, value] : options) {
     const std::int16_t type = kOptions.at(option).type;
     if (type == 0) continue;
-    if (entry.taskType != 0) throw UsageError("A task does one thing: " + option + " is too much.");
+    if (std::exchange(chosen, true)) {
+      throw UsageError("A task does one thing: " + option + " is too much.");
+    }
     entry.taskType = type;
-    if (!kOptions.at(option).takesValue) continue;
     entry.path = FactsOfTaskType(type)->namesFile ? taskPath(value, type) : value;
+    entry.cmdLine.clear();
+    entry.winStyle = 1;
   }
-  if (entry.taskType == 0) {
-    throw UsageError(
-        "What is to be done? Say one of --script, --program, --print, --reset, --shutdown, "
-        "--message and --sound.");
-  }
-  entry.winStyle = 1;
+  const TaskTypeFacts* const facts = FactsOfTaskType(entry.taskType);
   for (const char* option : {"--params", "--window"}) {
-    if (options.count(option) != 0 && !FactsOfTaskType(entry.taskType)->startsProgram) {
+    if (options.count(option) != 0 && (facts == nullptr || !facts->startsProgram)) {
       throw UsageError(std::string("The option ") + option + " goes with --program or --print.");
     }
   }
@@ -165,18 +168,51 @@ void ReadWhat(const Options& options, const TaskPath& taskPath, TaskEntry& entry
   }
 }
 
+void Apply(const Options& options, bool monthFirst, const TaskPath& taskPath, TaskEntry& entry) {
+  if (options.count("--at") != 0) ReadTime(options, entry);
+  ReadWhen(options, monthFirst, entry);
+  ReadWhat(options, taskPath, entry);
+  if (const auto group = options.find("--group"); group != options.end()) {
+    entry.group = group->second;
+  }
+}
+
 }  // namespace
 
 TaskEntry ParseAddArguments(const std::vector<std::string>& words, bool monthFirst,
                             const TaskPath& taskPath) {
   TaskEntry entry;
-  const Options options = Collect(words, entry.name);
-  ReadTime(options, entry);
-  ReadWhen(options, monthFirst, entry);
-  ReadWhat(options, taskPath, entry);
-  const auto group = options.find("--group");
-  entry.group = group == options.end() ? "General" : group->second;
+  entry.group = "General";
+  std::optional<std::string> name;
+  const Options options = Collect(words, name);
+  if (!name) throw UsageError("The task needs a name.");
+  entry.name = *name;
+  if (options.count("--at") == 0) throw UsageError("When? Say --at HH:MM.");
+  if (DayRules(options) == 0) {
+    throw UsageError("On which day? Say one of --once DATE, --every TEXT and --day N.");
+  }
+  Apply(options, monthFirst, taskPath, entry);
+  if (entry.taskType == 0) {
+    throw UsageError(
+        "What is to be done? Say one of --script, --program, --print, --reset, --shutdown, "
+        "--message and --sound.");
+  }
   return entry;
+}
+
+void ParseEditArguments(const std::vector<std::string>& words, bool monthFirst,
+                        const TaskPath& taskPath, TaskEntry& entry) {
+  std::optional<std::string> name;
+  const Options options = Collect(words, name);
+  if (name) entry.name = *name;
+  Apply(options, monthFirst, taskPath, entry);
+}
+
+std::string WordOfTaskType(std::int16_t type) {
+  for (const auto& [option, kind] : kOptions) {
+    if (kind.type != 0 && kind.type == type) return option.substr(2);
+  }
+  return "";
 }
 
 }  // namespace orvanto
