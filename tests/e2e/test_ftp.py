@@ -85,7 +85,7 @@ class Ftp(HomeTest):
             f"{curl} -T up && {curl}up -o got && {curl} && {curl} -Q 'DELE up' && cmp up got",
             shell=True, check=False, capture_output=True, cwd=local)
         self.assertEqual((done.returncode, done.stdout.count(b" 9437184 ")), (0, 1), done.stderr)
-        self.assertEqual(os.listdir(home / "scripts"), [])
+        self.assertFalse((home / "scripts/up").exists())
         self.stop(process)
 
     def end(self, process):
