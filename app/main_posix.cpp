@@ -81,6 +81,17 @@ bool ParseArguments(int argc, char** argv, Arguments& arguments) {
   return true;
 }
 
+// A new home begins with the sample scripts, where they are beside the program as an installation
+// puts them.
+void CopySamples(const fs::path& scripts) {
+  std::error_code error;
+  const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path().parent_path();
+  const fs::path samples = folder / "share/orvanto/scripts";
+  if (!fs::is_directory(samples, error)) return;
+  fs::copy(samples, scripts, error);
+  if (error) std::cerr << "The sample scripts were not copied: " << error.message() << std::endl;
+}
+
 // One scheduler at a time in one home, or every task would run twice. Says why when it has none.
 posix::Descriptor LockHome(const std::string& home) {
   posix::Descriptor lock(::open(kLockFile, O_RDWR | O_CREAT | O_CLOEXEC, 0666));
@@ -264,7 +275,7 @@ int Main(int argc, char** argv) {
     std::cerr << "The home's path may not hold a backslash: " << home.string() << std::endl;
     return kExitRefused;
   }
-  fs::create_directories(home / "scripts", error);
+  if (fs::create_directories(home / "scripts", error)) CopySamples(home / "scripts");
   // Everything that is named without a directory, the logs among it, belongs into the home.
   if (!error) fs::current_path(home, error);
   if (error) {

@@ -18,13 +18,5 @@ target_link_libraries(orvanto PRIVATE orvanto_app orvanto_resources orvanto_win3
                                       orvanto_warnings)
 # Sections that begin on pages in the file, too, are mapped as they are and need no private memory.
 target_link_options(orvanto PRIVATE -municode -Wl,--file-alignment,4096)
-
-# What F1 opens: looked for beside the program.
-set(make_manual ${PROJECT_SOURCE_DIR}/tools/make-manual)
-file(GLOB_RECURSE documents CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*)
-add_custom_command(OUTPUT ${generated}/manual.made
-  COMMAND ${make_manual} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/manual
-  COMMAND ${CMAKE_COMMAND} -E touch ${generated}/manual.made
-  DEPENDS ${make_manual} ${documents})
-add_custom_target(manual ALL DEPENDS ${generated}/manual.made)
+# F1 looks for it beside the program.
 add_dependencies(orvanto manual)

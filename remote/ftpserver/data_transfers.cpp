@@ -24,10 +24,7 @@ DataTransfer::DataTransfer(const Services& services, ClientRecord& record)
       record_(record),
       dataSock_(services.sockets.NewSocket(SocketHost::Use::Data)),
       listener_(services.sockets.NewSocket(SocketHost::Use::Data)),
-      clock_(services.loop.NewTimer([this] {
-        ForgetConnection();
-        if (Running()) Fail(NumberedErrorText(kConnectTimedOut));
-      })) {
+      clock_(services.loop.NewTimer([this] { NobodyComes(kConnectTimedOut); })) {
   listener_->onConnectionRequest = [this](TcpSocket::RequestId request) { OnRequest(request); };
   dataSock_->onConnected = [this] { OnConnected(); };
   dataSock_->onSendComplete = [this] { SendNext(); };
@@ -96,7 +93,12 @@ void DataTransfer::StartClock() {
 }
 
 void DataTransfer::OnRequest(TcpSocket::RequestId request) {
-  if (!dataSock_->Accept(request)) return;
+  if (!dataSock_->Accept(request)) {
+    // It has gone again, and the system does not tell any more whose it was. Where the wait has a
+    // limit another may come.
+    if (record_.policy->DataLimit().count() == 0) NobodyComes(kConnectionReset);
+    return;
+  }
   const std::string peer = dataSock_->RemoteAddress();
   if (!record_.policy->TrustsDataPeer(record_, peer)) {
     services_.log("ERROR - dataSock: turned away " + peer);
@@ -194,6 +196,11 @@ void DataTransfer::Abort() {
   ForgetConnection();
   dataSock_->Close();
   End("426 Connection closed; transfer aborted.");
+}
+
+void DataTransfer::NobodyComes(int error) {
+  ForgetConnection();
+  if (Running()) Fail(NumberedErrorText(error));
 }
 
 // That the client was to make, or has made before its command.

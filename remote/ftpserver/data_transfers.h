@@ -65,6 +65,7 @@ class DataTransfer {
   void OnArrival();
   void Fail(const std::string& what);
   void ForgetConnection();
+  void NobodyComes(int error);
   void Forget();
   void End(const std::string& reply);
 

@@ -217,12 +217,6 @@ TEST_F(CommandsTest, RunsAndDeletesByNumber) {
   EXPECT_EQ(Run("run 2"), kExitRefused);
   EXPECT_EQ(err.str(), "backup.txt, line 2: Not a command\n");
   EXPECT_EQ(popups, Texts{"x"});
-  // The download fails while the script still searches.
-  fake.files.contents["C:\\Home\\scripts\\backup.txt"] = "download('x',)\nfinddelete('y',C:\\big)";
-  fake.files.listings["C:\\big\\"] = {"a", "b", "c"};
-  fake.messageBoxes.answersAll = true;
-  EXPECT_EQ(Run("run 2"), kExitRefused);
-  EXPECT_THAT(err.str(), StartsWith("Not downloaded: x"));
 }
 
 class ProgramTest : public testing::Test {

@@ -105,9 +105,14 @@ inline bool IsTopMost(HWND window) {
   return (GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
 }
 
-// The window with this caption, once it is in front; null when that never happens.
+// The window with this caption, once it is in front and stays there: where the window manager is
+// late, the one before it comes up again for a moment. Null when that never happens.
 inline HWND InFront(const std::wstring& caption) {
-  const bool came = WaitFor([&] { return TextOf(GetForegroundWindow()) == caption; });
+  int looks = 0;
+  const bool came = WaitFor([&] {
+    looks = TextOf(GetForegroundWindow()) == caption ? looks + 1 : 0;
+    return looks == 6;
+  });
   return came ? GetForegroundWindow() : nullptr;
 }
 

@@ -128,15 +128,10 @@ TEST_F(Dialogs, SaveAsWalksThroughDrivesAndFoldersToAPath) {
   }
   save.Open("C:\\");
   EXPECT_TRUE(save.lstFiles.Choose(0) && save.txtPath.Type("d") && save.lstFiles.PressEnter());
-  save.onPicked = [&](const auto& path) {
-    EXPECT_FALSE(path || save.Loaded());
-    if (told.size() == 6) save.Open("again");
-    told.push_back("nothing");
-  };
   save.Open("");
-  EXPECT_TRUE(!save.lstFiles.PressEnter() && save.cmdCancel.Press() && save.Close());
+  EXPECT_TRUE(!save.lstFiles.PressEnter() && save.cmdCancel.Press() && !save.Loaded());
   EXPECT_EQ(told, (Texts{"C:\\d.txt", "C:\\d.txt", "D:\\d.txt", "D:\\d.txt",
-                         "\\\\server\\share\\d.txt", "C:\\A.txt", "nothing", "nothing"}));
+                         "\\\\server\\share\\d.txt", "C:\\A.txt", "nothing"}));
 }
 
 }  // namespace

@@ -40,14 +40,6 @@ TEST(Download, AsksForTheRest) {
   DownloadDesk desk;
   EXPECT_EQ(desk.Begin("HTTP://host//a b?c"), RequestFor("//a b?c", "", "host"));
   EXPECT_EQ(desk.Http().tried.back(), std::pair(Ipv4{0x01020304}, std::uint16_t{80}));
-  const CompatDownloadPolicy compat;
-  EXPECT_EQ(compat.Refusal("HTTPS://host/a"),
-            "https is not spoken: files come by http and ftp only.");
-  for (const char* bad :
-       {"http://host:0/a", "http://host:65536/a", "http://u:p@host/a", "x://h/a"}) {
-    EXPECT_EQ(compat.Refusal(bad), DownloadPolicy().Refusal("x")) << bad;
-  }
-  EXPECT_EQ(compat.Refusal("ftp://u:p@host/a"), "");
 }
 
 // What is there, what arrives before the other side closes (in pieces between bars, "~" ends a

@@ -40,6 +40,7 @@ DELETES = (
 class Ftp(HomeTest):
     def test_stock_clients_list_fetch_store_and_delete(self):
         home = self.home()
+        (home / "scripts").mkdir(exist_ok=True)  # without the samples
         for name, value in (("ServerOn", "1"), ("ServerPort", "6000"), ("Compat", "1"),
                             ("Strict", "1"), ("Passwd_Required", "1"), ("Passwd", "secret")):
             self.orvanto(home, "set", "General", "Inet_" + name, value)

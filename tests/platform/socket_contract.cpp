@@ -225,14 +225,5 @@ TEST_P(SocketContract, AHoldKeepsEverythingUntilItsEnd) {
   EXPECT_EQ(atServer.data, "held");
 }
 
-// However much the system would take at a single stroke.
-TEST_P(SocketContract, APeerThatNeverReadsEndsTheConnection) {
-  ConnectEnds();
-  client->onDataArrival = [] {};
-  server->Send(std::string(64 << 20, 'x'));
-  ASSERT_TRUE(Until([&] { return atServer.Ended(); }));
-  EXPECT_EQ(atServer.seen, "E");
-}
-
 }  // namespace
 }  // namespace orvanto

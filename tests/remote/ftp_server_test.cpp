@@ -404,6 +404,11 @@ TEST_F(FtpServerTest, TodaysTransfers) {
   const std::string telnet = "\xFF\xF4\xFF\xF2";
   EXPECT_EQ(Say(telnet + "ABOR"), kAborted + over + kPassive + "350 Restarting at 1\n" + sending);
   EXPECT_EQ(Say("ABOR|ABOR"), kAborted + over + over);
+  Say("PASV|RETR f");
+  sockets.clientsGo = true;
+  Enter();
+  sockets.clientsGo = false;
+  EXPECT_EQ(Answered(), kCannot) << "he has gone before he was let in";
 
   EXPECT_TRUE((Say("PASV"), Enter()));
   Data().PeerSends("new"), Data().PeerCloses();

@@ -10,8 +10,6 @@
 
 #include <array>
 #include <csignal>
-#include <filesystem>
-#include <future>
 #include <thread>
 #include <vector>
 
@@ -135,40 +133,6 @@ TEST(PosixSocket, WaitsForNothingButAsksSilentPeers) {
     EXPECT_EQ(::getsockopt(next, level, name, &is, &size), 0);
     EXPECT_EQ(is, value) << level << ' ' << name;
   }
-}
-
-std::ptrdiff_t OpenDescriptors() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-}
-
-TEST(PosixSocket, ANameThatIsNeverAnsweredHoldsNothingUp) {
-  PosixLoop loop;
-  std::promise<void> end;
-  const auto never = end.get_future().share();
-  PosixSocketHost host(loop, [never](const std::string& name) -> std::vector<Ipv4> {
-    if (name == "silent") never.wait();
-    return {0x7F000002, 0x7F000001};
-  });
-  const auto listener = NewSocket(host);
-  ASSERT_TRUE(listener->Listen(0, "127.0.0.1"));
-  const auto stuck = NewSocket(host);
-  const auto gone = NewSocket(host);
-  const auto client = NewSocket(host);
-  const std::ptrdiff_t before = OpenDescriptors();
-  for (const auto& socket : {stuck.get(), gone.get()}) {
-    socket->onError = [](int) { ADD_FAILURE(); };
-    socket->Connect("silent", 7);
-  }
-  client->Connect("known", listener->LocalPort());
-  client->onConnected = [&] { loop.Quit(); };
-  loop.Run();
-  EXPECT_EQ(client->RemoteAddress(), "127.0.0.1") << "the other address refuses";
-  gone->Close();
-  EXPECT_EQ(stuck->GetState(), TcpSocket::State::Connecting);
-  end.set_value();
-  loop.DoEvents();
-  for (TcpSocket* const socket : {stuck.get(), client.get()}) socket->Close();
-  while (OpenDescriptors() > before) std::this_thread::yield();  // the threads end by themselves
 }
 
 TEST(PosixSocket, AListenerWithoutDescriptorsTriesAgain) {

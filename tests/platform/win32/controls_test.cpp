@@ -2,14 +2,14 @@
 #include <windows.h>
 
 #include <commctrl.h>
+#include <ole2.h>
 
-#include <algorithm>
 #include <stdexcept>
 #include <tuple>
+#include <utility>
 
 #include "platform/win32/Win32Clipboard.h"
 #include "platform/win32/forms/Win32FormHost.h"
-#include "tests/support/DragAndDrop.h"
 
 namespace orvanto::win32 {
 namespace {
@@ -141,6 +141,39 @@ TEST_F(Win32Controls, OfAnotherFormComeWhenItIsShown) {
   EXPECT_EQ(FindWindowExW(nullptr, first, L"OrvantoForm", nullptr), nullptr);
   other.Show();
   EXPECT_EQ(WindowText(GetFocus()), "7");
+}
+
+// Moves the mouse a little, and drops.
+struct DropNow final : IDropSource {
+  STDMETHODIMP QueryInterface(REFIID, void** object) override {
+    *object = this;
+    return S_OK;
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return 1; }
+  STDMETHODIMP_(ULONG) Release() override { return 1; }
+  STDMETHODIMP QueryContinueDrag(BOOL, DWORD) override {
+    if (std::exchange(moved, true)) return DRAGDROP_S_DROP;
+    mouse_event(MOUSEEVENTF_MOVE, 1, 1, 0, 0);
+    return S_OK;
+  }
+  STDMETHODIMP GiveFeedback(DWORD) override { return DRAGDROP_S_USEDEFAULTCURSORS; }
+  bool moved = false;
+};
+
+// A person who drags the text on the clipboard onto a window, with OLE and the real mouse. False
+// when the window does not take it.
+bool DropClipboardOn(HWND window) {
+  IDataObject* data = nullptr;
+  if (OleGetClipboard(&data) != S_OK) return false;
+  RECT place = {};
+  GetWindowRect(window, &place);
+  SetCursorPos(place.left + 5, place.top + 5);
+  mouse_event(MOUSEEVENTF_MOVE, 1, 1, 0, 0);
+  DropNow source;
+  DWORD effect = 0;
+  const HRESULT done = DoDragDrop(data, &source, DROPEFFECT_COPY, &effect);
+  data->Release();
+  return done == DRAGDROP_S_DROP && effect == DROPEFFECT_COPY;
 }
 
 TEST_F(Win32Controls, TakeTextThatIsDropped) {

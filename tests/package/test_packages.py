@@ -1,0 +1,163 @@
+"""The packages of build/packages, installed, used, updated and removed."""
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import tempfile
+import time
+import unittest
+import zipfile
+
+TOP = pathlib.Path(__file__).resolve().parent.parent.parent
+SAMPLES = {path.name for path in (TOP / "scripts").iterdir()}
+
+
+def package(pattern):
+    return next((TOP / "build/packages").glob(pattern))
+
+
+def run(*words, **options):
+    done = subprocess.run(words, capture_output=True, text=True, timeout=100, check=False, **options)
+    if done.returncode != 0:
+        raise AssertionError(f"{words}: {done.returncode}: {done.stdout}{done.stderr}")
+    return done.stdout + done.stderr
+
+
+def wait_until(condition, what):
+    deadline = time.monotonic() + 30
+    while not condition():
+        if time.monotonic() > deadline:
+            raise AssertionError(what)
+        time.sleep(0.1)
+
+
+class Packages(unittest.TestCase):
+    def setUp(self):
+        scratch = tempfile.TemporaryDirectory()
+        self.addCleanup(scratch.cleanup)
+        self.scratch = pathlib.Path(scratch.name)
+
+
+class Windows(Packages):
+    RUN = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Run"
+    UNINSTALL = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\Orvanto"
+    TASKS = r"HKCU\Software\Quellmark\Orvanto\General"
+
+    def setUp(self):
+        super().setUp()
+        self.env = {**os.environ, "WINEPREFIX": str(self.scratch / "wine"), "WINEDEBUG": "-all"}
+        run(TOP / "tools/wine-prefix", self.env["WINEPREFIX"])
+        # Not kept waiting for by whoever reads a program's output: see tools/on-screen.
+        subprocess.call(["wine", "rundll32", "user32.dll,GetDesktopWindow"], env=self.env,
+                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.addCleanup(subprocess.call, ["wineserver", "-w"], env=self.env)
+        self.addCleanup(subprocess.call, ["wineserver", "-k"], env=self.env)
+        users = self.scratch / "wine/drive_c/users"
+        self.user = next(path for path in users.iterdir() if path.name != "Public") / "AppData"
+        self.folder = self.user / "Local/Programs/Orvanto"
+
+    def value(self, key, name):
+        """A text of the registry, "" where there is none."""
+        said = subprocess.run(["wine", "reg", "query", key, "/v", name], env=self.env, timeout=60,
+                              capture_output=True, text=True, check=False).stdout
+        return said.split("REG_SZ")[1].strip() if "REG_SZ" in said else ""
+
+    def files(self):
+        return {path.name for path in self.folder.rglob("*") if path.is_file()}
+
+    def test_installed_updated_while_it_runs_and_removed(self):
+        link = self.user / "Roaming/Microsoft/Windows/Start Menu/Programs/Orvanto.lnk"
+        setup = ["wine", package("*-setup.exe"), "/S"]
+        run(*setup, env=self.env)
+        self.assertLessEqual({"orvanto.exe", "index.html", "LICENSE.txt", "README.txt", *SAMPLES},
+                             self.files())
+        with zipfile.ZipFile(package("*-win64.zip")) as portable:
+            self.assertEqual({pathlib.Path(name).name for name in portable.namelist()
+                              if not name.endswith("/")}, self.files() - {"uninstall.exe"})
+        self.assertTrue(link.exists())
+        self.assertEqual(self.value(self.UNINSTALL, "DisplayName"), "Orvanto")
+        self.assertEqual(self.value(self.RUN, "Orvanto"), "")
+
+        scripts = self.folder / "scripts"
+        (scripts / "mine.txt").write_text("beep()")
+        (scripts / "note.txt").write_text("beep()")
+        (scripts / "question.txt").unlink()
+        sample = scripts / "backup.txt"
+        installed = sample.stat()
+        sample.write_text("an older version's")
+        os.utime(sample, ns=(installed.st_atime_ns, installed.st_mtime_ns))
+        for key, name, text in ((self.RUN, "Orvanto", "elsewhere"), (self.TASKS, "NoTasks", "7")):
+            run("wine", "reg", "add", key, "/v", name, "/d", text, env=self.env)
+        shown = ["xdotool", "search", "--onlyvisible", "--name", "^Orvanto - "]
+        program = subprocess.Popen(["wine", self.folder / "orvanto.exe"], env=self.env,
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        wait_until(lambda: subprocess.call(shown, stdout=subprocess.DEVNULL) == 0, "not started")
+        # Unread: the program that it starts keeps the output.
+        subprocess.check_call(setup, env=self.env, stdout=subprocess.DEVNULL,
+                              stderr=subprocess.DEVNULL)
+        self.assertEqual(program.wait(1), 0)
+        wait_until(lambda: subprocess.call(shown, stdout=subprocess.DEVNULL) == 0, "not restarted")
+        self.assertEqual(self.value(self.RUN, "Orvanto"),
+                         r'"C:\users\%s\AppData\Local\Programs\Orvanto\orvanto.exe" invisible'
+                         % self.user.parent.name)
+        self.assertEqual(sample.read_text(), (TOP / "scripts/backup.txt").read_text())
+        self.assertEqual(set(os.listdir(scripts)), (SAMPLES | {"mine.txt"}) - {"question.txt"})
+
+        subprocess.check_call(["wine", self.folder / "uninstall.exe", "/S"], env=self.env)
+        wait_until(lambda: not (self.folder / "uninstall.exe").exists(), "not removed")
+        self.assertEqual(self.files() - {"ORVTASK.LOG"}, {"mine.txt", "note.txt"})
+        self.assertEqual((scripts / "note.txt").read_text(), "beep()")
+        self.assertFalse(link.exists())
+        self.assertEqual(self.value(self.UNINSTALL, "DisplayName"), "")
+        self.assertEqual(self.value(self.RUN, "Orvanto"), "")
+        self.assertEqual(self.value(self.TASKS, "NoTasks"), "7")
+
+
+class Debian(Packages):
+    def test_installed_used_and_removed(self):
+        root, home = self.scratch / "root", self.scratch / "home"
+        for folder in ("info", "updates"):
+            (root / "var/lib/dpkg" / folder).mkdir(parents=True)
+        (root / "var/lib/dpkg/status").touch()
+        dpkg = ["dpkg", f"--root={root}", "--force-not-root", "--force-depends", "--force-bad-path"]
+        if os.geteuid() != 0:
+            dpkg[:0] = ["unshare", "-r"]
+        run(*dpkg, "-i", package("*.deb"))
+        self.program = root / "usr/bin/orvanto"
+        usage = run(self.program, "--help")
+
+        self.orvanto = [self.program, "--home", home]
+        self.assertEqual(run(*self.orvanto, "list"), "")
+        self.assertEqual(set(os.listdir(home / "scripts")), SAMPLES)
+        (home / "scripts/note.txt").unlink()
+        run(*self.orvanto, "add", "Tea", "--at", "16:00", "--day", "1", "--message", "Tea")
+        self.assertEqual(set(os.listdir(home / "scripts")), SAMPLES - {"note.txt"})
+
+        page = run("man", "--warnings", "-l", root / "usr/share/man/man1/orvanto.1.gz",
+                   env={**os.environ, "MANWIDTH": "100", "LC_ALL": "C.UTF-8"})
+        self.assertNotIn("warning", page)
+        commands = re.findall(r"^  ([a-z]+)", usage, re.M)
+        for word in commands + re.findall(r"--[a-z-]+", usage):
+            self.assertRegex(page, rf"(?<!\S)\[?{word}\b")
+        self.check_completion(root / "usr/share/bash-completion/completions/orvanto", commands)
+        if shutil.which("systemd-analyze"):
+            unit = root / "usr/lib/systemd/user/orvanto.service"
+            unit.write_text(unit.read_text().replace("/usr/bin/orvanto", str(self.program)))
+            self.assertEqual(run("systemd-analyze", "--user", "--man=no", "verify", unit,
+                                 env={**os.environ, "XDG_RUNTIME_DIR": str(self.scratch)}), "")
+
+        run(*dpkg, "-r", "orvanto")
+        self.assertEqual([str(path) for path in root.glob("usr/**/*") if path.is_file()], [])
+
+    def check_completion(self, script, commands):
+        for words, expected in (
+                ("", [*commands, "--home", "--ftp-port", "--help", "invisible"]),
+                ("de", ["delete"]), ("delete|", ["1"]), ("set|", ["General", "Internet"]),
+                ("set|Internet|Pro", [r"Proxy\ FTP"]), ("set|General|Use_", ["Use_Proxy"]),
+                ("add|Tea|--ev", ["--every"]), ("add|Tea|--window|", list("123456")),
+                ("edit|1|--p", ["--params", "--program", "--print"]), ("list|", ["--json"])):
+            line = ["--home", self.orvanto[2], *words.split("|")]
+            said = run("bash", "-c", 'source "$1"; shift; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1));'
+                       '_orvanto; printf "%s\\n" "${COMPREPLY[@]}"', "", script, self.program, *line)
+            self.assertEqual(set(said.split("\n")) - {""}, set(expected), words)
