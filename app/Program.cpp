@@ -214,8 +214,11 @@ struct Program::Parts {
         platform.shell.Execute({"open", path, "", "", ShowCommand::Normal})) {
       return;
     }
+    // F1 comes from the box, too, to the window below it.
+    if (std::exchange(manualMissed, true)) return;
     platform.messageBoxes.Show("The manual could not be opened:" + std::string(kCrLf) + path,
                                kProgramTitle, Buttons::Ok, BoxIcon::None);
+    manualMissed = false;
   }
 
   void Download(const std::string& url, bool replace = false) {
@@ -230,6 +233,7 @@ struct Program::Parts {
   Downloads downloads;
   Windows windows;
   RemoteControl remote;
+  bool manualMissed = false;  // its message is open
 };
 
 Program::Program(Platform& platform, StartOptions options)

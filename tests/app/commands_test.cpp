@@ -237,7 +237,8 @@ TEST_F(ProgramTest, OneWindowStandsForAnother) {
     if (!onTop) window.mnuOnTop.Choose();
   }
   const std::string page = "C:\\Home\\manual\\the-main-window.html";
-  fake.messageBoxes.expected = {{"The manual could not be opened:\r\n" + page}};
+  fake.messageBoxes.expected = {{.text = "The manual could not be opened:\r\n" + page,
+                                 .whileOpen = [&] { EXPECT_TRUE(window.Help()); }}};
   EXPECT_TRUE(window.Help());
   fake.files.contents[page] = "";
   EXPECT_TRUE(window.Help());

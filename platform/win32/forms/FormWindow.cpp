@@ -230,7 +230,7 @@ void FormWindow::FormChanged(FormProperty property) {
       break;
     case FormProperty::Visible:
       if (form_->Visible()) {
-        ShowWindow(window_, SW_SHOWNORMAL);
+        ShowWindow(window_, IsZoomed(window_) ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL);
         SetForegroundWindow(window_);
       } else {
         ShowWindow(window_, SW_HIDE);

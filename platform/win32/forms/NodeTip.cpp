@@ -66,6 +66,10 @@ void NodeTip::OnMessage(UINT message, WPARAM wParam) {
         ShowFor(item, place);
       }
       break;
+    case WM_CHAR:
+      // Of a name that is typed, the later letters often stay at the same node.
+      if (wParam > VK_SPACE) OnKeyboard();
+      break;
     case WM_MOUSELEAVE:
     case WM_KILLFOCUS:
     case WM_KEYDOWN:

@@ -26,12 +26,13 @@ class NodeTip {
   void OnMessage(UINT message, WPARAM wParam);
   // The keyboard has chosen another node.
   void OnKeyboard();
+  // Also what is still to come. Wanted where the items go: it would tell of one that is gone.
+  void Hide();
 
  private:
   void MakeWindow();
   void WaitForRest();
   void ShowFor(HTREEITEM item, POINT place);
-  void Hide();
   TTTOOLINFOW Tool() const;
 
   const HWND tree_;

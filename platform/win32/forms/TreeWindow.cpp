@@ -113,6 +113,7 @@ int TreeWindow::ImageIndex(const std::string& name) {
 }
 
 void TreeWindow::Rebuild() {
+  tip_.Hide();
   SendMessageW(window_, WM_SETREDRAW, FALSE, 0);
   TreeView_DeleteAllItems(window_);
   items_.clear();

@@ -232,6 +232,10 @@ TEST_F(Win32Controls, AFormStaysOnTheScreenWhateverIsDoneToIt) {
   EXPECT_FALSE(isOnScreen()) << "a person may";
   SendMessageW(window, WM_DISPLAYCHANGE, 32, MAKELPARAM(640, 480));
   EXPECT_TRUE(isOnScreen());
+  ShowWindow(window, SW_MAXIMIZE);
+  sized.Hide();
+  sized.Show();
+  EXPECT_TRUE(IsZoomed(window)) << "as it was left";
   std::string asked;
   host_.onHelp = [&](const std::string& page) { asked = page; };
   SendMessageW(window, WM_HELP, 0, 0);
