@@ -32,7 +32,8 @@ Entry ModelRun::Wish(bool valid) {
     return std::string(valid || Chance(90) ? table[Below(good)] : Pick(table));
   };
   Entry entry;
-  entry.name = valid || Chance(50) ? FreshName() : Pick(kNames);
+  entry.name = valid || Chance(35) ? FreshName() : Pick(kNames);
+  if (!valid && Chance(30)) entry.name = "Fresh " + std::to_string(fresh_ - Below(12));  // again
   entry.group = Pick(kGroups);
   entry.hour = pick(kHours, 4);
   entry.minute = pick(kMinutes, 4);
