@@ -14,9 +14,9 @@ constexpr const char* kMonthNumbers[] = {"02", "2", "8", "9", "12", "4", "3", "1
 constexpr const char* kYears[] = {"2028", "2026", "2027", "2028", "99", "y", ""};
 constexpr const char* kGroups[] = {"General", "Night", "night", "", "Day work"};
 constexpr const char* kNames[] = {
-    "Backup",    "BACKUP", "Ä day", "ä Day",     "A",       "A\\B",         "1",
-    "2",         "3",      "4",     "7",         "NoTasks", "General",      "internet",
-    "General\\", "x\\",    "a | b", "tab\there", "",        "C \"quoted\"", "Task1"};
+    "Backup", "BACKUP",    "Ä day", "ä Day",        "A",       "A\\B",      "1",         "2",
+    "3",      "4",         "7",     "NoTasks",      "General", "internet",  "General\\", "x\\",
+    "a | b",  "tab\there", "",      "C \"quoted\"", "Task1",   "backup (2)"};
 constexpr const char* kFiles[] = {"a.txt", "C:\\TOOL.exe", "A.TXT", "b.txt", "", "C:\\no"};
 constexpr const char* kTexts[] = {"Hello", "", "a b", "\"x\" /y", "Ä"};
 constexpr const char* kNotWritten = "The task could not be saved: the settings cannot be written.";
@@ -32,16 +32,17 @@ Entry ModelRun::Wish(bool valid) {
     return std::string(valid || Chance(90) ? table[Below(good)] : Pick(table));
   };
   Entry entry;
-  entry.name = valid || Chance(60) ? FreshName() : Pick(kNames);
+  entry.name = valid || Chance(35) ? FreshName() : Pick(kNames);
+  if (!valid && Chance(30)) entry.name = "Fresh " + std::to_string(fresh_ - Below(12));  // again
   entry.group = Pick(kGroups);
   entry.hour = pick(kHours, 4);
   entry.minute = pick(kMinutes, 4);
   entry.day = pick(kDays, 4);
   entry.month = pick(kMonthNumbers, 4);
   entry.year = pick(kYears, 4);
-  entry.when = 1 + Below(3);
-  entry.every = 1 + Below(10);
-  entry.in = Chance(50) ? 1 : 1 + Below(13);
+  entry.when = Chance(50) ? 2 : 1 + Below(3);
+  entry.every = Chance(50) ? 1 : 1 + Below(10);
+  entry.in = Chance(70) ? 1 : 1 + Below(13);
   entry.dayNo = valid || Chance(95) ? 1 + Below(31) : 32 * Below(2);
   entry.type = Chance(30) ? 6 : 1 + Below(7);
   entry.path = NamesFile(entry.type) ? pick(kFiles, 3) : Pick(kTexts);

@@ -211,7 +211,7 @@ bool ModelRun::PassTime() {
 
 bool ModelRun::Pass(std::int64_t time) {
   // A popup may stay open for a while; what is due behind it comes late, or not at all.
-  model_.boxOpen = Chance(70) ? 0 : Chance(50) ? 61 * kSecond : Below(130'000);
+  model_.boxOpen = Chance(60) ? 0 : Chance(70) ? 60 * kSecond + Below(1200) : Below(130'000);
   Say("  " + std::to_string(time) + " ms pass, boxes stay open for " +
       std::to_string(model_.boxOpen));
   product_->boxes.whileOpen = [this] { product_->here.loop.Block(model_.boxOpen); };
@@ -299,7 +299,7 @@ bool ModelRun::Damage() {
     return true;
   }
   const std::string name = model_.Name(AnySlot());
-  if (name.empty()) return false;
+  if (name.empty() || name == "General") return false;
   const auto& [value, text] = Pick(kDamage);
   Say("  " + name + ": " + value + " = " + (text != nullptr ? text : "(missing)"));
   Poke(name, value, text);
@@ -459,30 +459,37 @@ bool ModelRun::Summary() const {
   return all;
 }
 
+namespace {
+
+// False for a contradiction, or where something has never succeeded.
+bool RunSteps(std::uint64_t seed, std::uint64_t steps) {
+  const std::string repeated = "task_model --seed " + std::to_string(seed) + " --steps ";
+  std::printf("%s%s\n", repeated.c_str(), std::to_string(steps).c_str());
+  std::fflush(stdout);
+  ModelRun run(seed);
+  for (std::uint64_t step = 1; step <= steps; ++step) {
+    try {
+      run.Step();
+    } catch (const Contradiction& found) {
+      std::printf("%s%s. Since the last start:\n%s", repeated.c_str(), std::to_string(step).c_str(),
+                  Joined(run.done).c_str());
+      std::printf("CONTRADICTION: %s\nthe program:\n%s\nthe model:\n%s\n", found.what.c_str(),
+                  found.product.c_str(), found.model.c_str());
+      return false;
+    }
+  }
+  return run.Summary();
+}
+
+}  // namespace
 }  // namespace orvanto::model
 
 int main(int count, char** arguments) {
   std::uint64_t seed = std::random_device()();
-  std::int64_t steps = 100'000;
+  std::uint64_t steps = 100'000;
   for (int i = 1; i + 1 < count; i += 2) {
-    (arguments[i] == std::string("--seed") ? seed : reinterpret_cast<std::uint64_t&>(steps)) =
+    (arguments[i] == std::string("--seed") ? seed : steps) =
         std::strtoull(arguments[i + 1], nullptr, 10);
   }
-  std::printf("task_model --seed %llu --steps %lld\n", static_cast<unsigned long long>(seed),
-              static_cast<long long>(steps));
-  std::fflush(stdout);
-  orvanto::model::ModelRun run(seed);
-  for (std::int64_t step = 1; step <= steps; ++step) {
-    try {
-      run.Step();
-    } catch (const orvanto::model::Contradiction& found) {
-      std::printf("seed %llu, step %lld. Since the last start:\n",
-                  static_cast<unsigned long long>(seed), static_cast<long long>(step));
-      for (const std::string& line : run.done) std::printf("%s\n", line.c_str());
-      std::printf("CONTRADICTION: %s\nthe program:\n%s\nthe model:\n%s\n", found.what.c_str(),
-                  found.product.c_str(), found.model.c_str());
-      return 1;
-    }
-  }
-  return run.Summary() ? 0 : 1;
+  return orvanto::model::RunSteps(seed, steps) ? 0 : 1;
 }
