@@ -393,7 +393,10 @@ TEST_F(SessionTest, ChatAskedForByTheClient) {
   const std::string asking = "\r\n\r\nAsking for Chat...\r\n";
   const std::string starting = "\r\n\r\nStarting Chat...\r\n\r\nPress '/' ";
   Connect();
-  const auto asked = [&] { EXPECT_EQ(socket.Sent(), asking); };
+  const auto asked = [&] {
+    EXPECT_EQ(socket.Sent(), asking);
+    EXPECT_TRUE(Log().ends_with("Client Requesting Chat"));
+  };
   messageBoxes.expected = {{"Accept Chat Request?", Answer::No, asked},
                            {"Accept Chat Request?", Answer::Yes, asked},
                            {"Accept Chat Request?", Answer::Yes, [&] { socket.PeerCloses(); }}};
