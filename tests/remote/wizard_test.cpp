@@ -34,8 +34,8 @@ TEST_F(WizardTest, AsksAndRejectsAndAsksAgain) {
   const char* const kSelected = "Invalid Option Selected";
   const char* const kInvalid = "Invalid Option";
   const char* const kNoFile = "File does not exist";
-  // What leads to a question, a piece of it, an answer that it does not take, and what is said before
-  // it comes again.
+  // What leads to a question, a piece of it, an answer that it does not take, and what is said
+  // before it comes again.
   const std::array<const char*, 4> cases[] = {
       {"", "Name", "", "No task name given"},
       {"", "Name", "TAKEN", TaskStore::kSameSection},
