@@ -40,10 +40,10 @@ TEST_F(WizardTest, AsksAndRejectsAndAsksAgain) {
       {"", "Name", "", "No task name given"},
       {"", "Name", "TAKEN", TaskStore::kSameSection},
       {"|A", "24-hour", "09.30", "Invalid Time"},
-      {"|A", "(xx:xx)", "-1:00", "Invalid Hour selected for execution time"},
+      {"|A", "(xx:xx)", "12:3", "Invalid Time"},
       {"|A", "(xx:xx)", "00:60", "Invalid Minute selected for execution time"},
       {"|A|00:00", "3) One", "01", kSelected},
-      {"|A|00:00|1", "(mm/dd/yyyy)", "1/2/2026", "Invalid Date"},
+      {"|A|00:00|1", "(mm/dd/yyyy)", "12/31/26", "Invalid Date"},
       {"|A|00:00|1", "(mm/dd/yyyy)", "31/12/2026", "Invalid Month given for Date"},
       {"|A|00:00|2", "10) Every Weekend Day\r\n>", "11", kInvalid},
       {"|A|00:00|2|10", "13) December\r\n>", "14", kInvalid},
@@ -63,8 +63,7 @@ TEST_F(WizardTest, AsksAndRejectsAndAsksAgain) {
   EXPECT_TRUE(Talk("1|y|A|00:00|3|1|6").starts_with("Enter the message"));
   store.DateOrderMonthFirst = 0;
   EXPECT_TRUE(Talk("q|1|y|A|00:00|1").ends_with("(dd/mm/yyyy)?"));
-  Line("q");
-  EXPECT_EQ(Talk("1|y|A|00:00|3|1|4|maybe"), "Keep this task(y/n)?");
+  EXPECT_EQ(Talk("q|1|y|A|00:00|3|1|4|maybe"), "Keep this task(y/n)?");
   EXPECT_EQ(Talk("n") + Talk("1|n"), kMenu + kMenu);
   EXPECT_EQ(store.NoTasks(), 1);
 }
