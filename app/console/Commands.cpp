@@ -106,7 +106,8 @@ int StoreTask(const TaskEntry& entry, const std::string& name, RegistryChange& c
   const std::int16_t slot = store.StoreEntry(entry, name);
   if (slot == 0) return Refuse(context, store.TaskValidationMessage);
   if (const int status = Finish(context, change); status != 0) return status;
-  if (entry.every > kEveryCodesThatFire) {
+  if (entry.timeType == kTimeRecurring && entry.every > kEveryCodesThatFire &&
+      entry.every <= kEveryCodes) {
     context.err << "Note: a task with the rule \"" << EveryName(entry.every)
                 << "\" is kept but never comes due.\n";
   }

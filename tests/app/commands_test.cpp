@@ -86,6 +86,7 @@ TEST_F(CommandsTest, AddsATaskOfEveryKind) {
   EXPECT_EQ(Task(1).group, "Night");
   EXPECT_EQ(Task(2).cmdLine, "-x y");
   EXPECT_EQ(Task(2).winStyle * 10 + Task(3).winStyle, 61);
+  EXPECT_EQ(Run("edit 7 --day 5") + (err.str() != ""), 0) << "and one that does fire is not";
   Run("set Task~1 TaskType 9");
   EXPECT_EQ(Run("list"), 0);
   EXPECT_THAT(out.str(), StartsWith("1) Task 1\n2) ")) << "what cannot be described";

@@ -27,6 +27,10 @@ RECT MainWorkArea();
 // The font of the system's message boxes.
 Handle<HFONT, DeleteObject> MessageFont(UINT dpi);
 
+// Of a form's window.
+DWORD StyleOf(const forms::Form& form);
+DWORD ExtendedStyleOf(const forms::Form& form);
+
 // The outer size in pixels of a form's window with a client area of that size.
 SIZE OuterSize(const forms::Form& form, forms::Size client, UINT dpi);
 
