@@ -309,6 +309,10 @@ TEST_F(ProgramTest, TheServersAreaAndTheTerminalActOnTheClient) {
   EXPECT_TRUE(socket.Sent().ends_with("~"));
   ASSERT_TRUE(window.cmdKick.Press());
   EXPECT_EQ(socket.GetState(), TcpSocket::State::Listening);
+  auto& setup = program.SettingsWindow();
+  setup.Open(), setup.tabSettings.Choose(2);
+  EXPECT_TRUE(setup.txtServerPort.Type("601") && setup.cmdSave.Press());
+  EXPECT_EQ(socket.LocalPort(), 601);
   ASSERT_TRUE(window.optInetoff.Choose());
   terminal.Line("kick");
   EXPECT_EQ(socket.GetState(), TcpSocket::State::Closed) << "there is nobody";

@@ -199,6 +199,8 @@ TEST(Download, TakesAHeaderThatIsCutAnywhere) {
   desk.Begin();
   desk.Http().PeerSends("Content-Type:" + std::string(64 << 10, 'x'));
   EXPECT_EQ(desk.File().size(), (64U << 10) + 13);
+  desk.loop.Advance(500);
+  EXPECT_EQ(desk.window.lblSize.Text(), "Unknown");
 }
 
 // What arrives before the figures say that it is complete and what after that ("!" breaks the
@@ -235,21 +237,22 @@ TEST(Download, EndsWithTheLastByteWhateverTheFiguresSay) {
 // The figures say early that it is complete; the last bytes still come.
 TEST(Download, ShowsCompletionEarlyAndKeepsTheLastByte) {
   DownloadDesk desk;
+  const frmDownload& window = desk.window;
   desk.Begin();
-  desk.Http().PeerSends(kHeader);
+  desk.Http().PeerSends("HTTP/1.1 200 OK\r\nContent-Length: 204800\r\nContent-Type: x\r\n\r\n");
   desk.loop.Advance(1000);
-  desk.Http().PeerSends("01234567");
+  desk.Http().PeerSends(std::string(1999, 'x'));
+  desk.loop.Advance(1000);
   EXPECT_EQ(desk.Shown(), "-xx- box");
+  EXPECT_EQ(window.lblRecieve.Text() + " of " + window.lblSize.Text(), "1.95 KB of 200.00 KB");
+  EXPECT_EQ(window.picDownloadProgress.Drawings().front().text, "1%");
+  EXPECT_EQ(window.lblSpeed.Text() + " " + window.lblElapsed.Text(), "2.00 Kbps 00:00:01");
+  EXPECT_EQ(window.lblRemaining.Text(), "00:01:39");
+  desk.Http().PeerSends(std::string(204800 - 2000, 'x'));
   desk.loop.Advance(1000);
-  EXPECT_EQ(desk.window.lblRecieve.Text() + desk.window.lblSize.Text(), "9 Bytes10 Bytes");
-  EXPECT_EQ(desk.window.picDownloadProgress.Drawings().front().text, "90%");
-  desk.Http().PeerSends("8");
-  desk.loop.Advance(1000);
-  EXPECT_EQ(desk.Shown(), "---x Download Completed");
-  EXPECT_EQ(desk.ends, "");
+  EXPECT_EQ(desk.Shown() + window.lblSpeed.Text() + desk.ends, "---x Download Completed0");
   desk.Http().PeerSends("9");
-  EXPECT_EQ(desk.Http().GetState(), TcpSocket::State::Closed);
-  EXPECT_EQ(desk.File() + desk.ends, "0123456789[whole]");
+  EXPECT_EQ(desk.File().substr(204798) + desk.ends, "x9[whole]");
   EXPECT_TRUE(desk.window.cmdRun.Press());
   EXPECT_EQ(desk.done.back(), "Open C:\\Orvanto\\file in '' 1");
 }
@@ -277,7 +280,7 @@ TEST(Download, WaitsForTheOneBefore) {
   desk.window.StartUpdate("http://host/other");
   desk.Http().PeerSends(kHeader + std::string("0123456789"));
   desk.Http().PeerCloses();
-  EXPECT_FALSE(desk.window.Visible());
+  EXPECT_FALSE(desk.window.Loaded());
   desk.messageBoxes.expected.push_back(
       {"This is no address of a file that can be downloaded.\r\nftp://host", Answer::Ok,
        [&] { EXPECT_EQ(desk.Shown().substr(0, 4), "x---"); }});
@@ -348,9 +351,14 @@ TEST(Download, GoesOnAfterAPauseWhereTheFileEnds) {
   desk.window.cmdPause.Press();
   desk.Http().Connected();
   EXPECT_EQ(desk.Http().Sent(), RequestFor("/dir/file", "Range: bytes=5-\r\n", "host"));
-  desk.Hear("HTTP/1.1 206 Partial Content~Content-Type: x~Content-Length: 5~~56789");
+  desk.loop.Advance(1000);
+  const std::string most(1981, '5');
+  desk.Hear("HTTP/1.1 206 Partial Content~Content-Type: x~Content-Length: 1985~~" + most);
+  desk.loop.Advance(1000);
+  EXPECT_EQ(desk.window.lblSize.Text() + " " + desk.window.lblSpeed.Text(), "1.94 KB 1.98 Kbps");
+  desk.Hear("6789");
   desk.Http().PeerCloses();
-  EXPECT_EQ(desk.File() + desk.ends, "0123456789[whole]");
+  EXPECT_EQ(desk.File() + desk.ends, "01234" + most + "6789[whole]");
 }
 
 TEST(Download, OffersToResumeWhatWasCutShort) {
@@ -408,9 +416,12 @@ TEST(Download, ReplacesAnOldFileByAWholeOne) {
 
 TEST(Download, TakesUrlsFromTheClipboardAndFromDrops) {
   DownloadDesk desk;
-  desk.clipboard.text = "  see ftp://host/x \r\n";
-  desk.window.Open();
-  EXPECT_EQ(desk.window.txtURL.Text(), "see ftp://host/x");
+  for (const std::string url : {"see ftp://host/x", "see http://host/x"}) {
+    desk.clipboard.text = "  " + url + " \r\n";
+    desk.window.Close();
+    desk.window.Open();
+    EXPECT_EQ(desk.window.txtURL.Text(), url);
+  }
   desk.window.txtURL.Drop(" http://host/a ");
   EXPECT_EQ(desk.window.txtURL.Text(), "http://host/a");
   desk.window.Close();

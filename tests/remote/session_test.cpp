@@ -369,8 +369,8 @@ TEST_F(SessionTest, ChatStartedHere) {
   server.StartChat();
   EXPECT_TRUE(Log().ends_with("Server Started Chat"));
   EXPECT_EQ(socket.Sent(), "\r\n\r\nServer Started Chat...\r\n\r\nPress '/' to Quit...\r\n\r\n");
-  EXPECT_EQ(Send("h"), "\r\nClient: h");
-  EXPECT_EQ(Line("i"), "\r\n");
+  EXPECT_EQ(Send("h") + Send("i"), "\r\nClient: hi");
+  EXPECT_EQ(Line(""), "\r\n");
   ASSERT_TRUE(chat.txtSend.Type("hello"));
   for (int i = 0; i < 2; ++i) ASSERT_TRUE(chat.txtSend.PressEnter());
   EXPECT_EQ(socket.Sent(), "\r\nServer: hello\r\n\r\nServer: \r\n");
@@ -393,7 +393,10 @@ TEST_F(SessionTest, ChatAskedForByTheClient) {
   const std::string asking = "\r\n\r\nAsking for Chat...\r\n";
   const std::string starting = "\r\n\r\nStarting Chat...\r\n\r\nPress '/' ";
   Connect();
-  const auto asked = [&] { EXPECT_EQ(socket.Sent(), asking); };
+  const auto asked = [&] {
+    EXPECT_EQ(socket.Sent(), asking);
+    EXPECT_TRUE(Log().ends_with("Client Requesting Chat"));
+  };
   messageBoxes.expected = {{"Accept Chat Request?", Answer::No, asked},
                            {"Accept Chat Request?", Answer::Yes, asked},
                            {"Accept Chat Request?", Answer::Yes, [&] { socket.PeerCloses(); }}};

@@ -34,32 +34,36 @@ TEST_F(WizardTest, AsksAndRejectsAndAsksAgain) {
   const char* const kSelected = "Invalid Option Selected";
   const char* const kInvalid = "Invalid Option";
   const char* const kNoFile = "File does not exist";
-  // What leads to a question, an answer that it does not take, and what is said before it comes
-  // again.
-  const std::tuple<const char*, const char*, const char*> cases[] = {
-      {"", "", "No task name given"},
-      {"", "TAKEN", TaskStore::kSameSection},
-      {"|A", "09.30", "Invalid Time"},
-      {"|A", "-1:00", "Invalid Hour selected for execution time"},
-      {"|A", "00:60", "Invalid Minute selected for execution time"},
-      {"|A|00:00", "01", kSelected},
-      {"|A|00:00|1", "1/2/2026", "Invalid Date"},
-      {"|A|00:00|1", "31/12/2026", "Invalid Month given for Date"},
-      {"|A|00:00|2", "11", kInvalid},
-      {"|A|00:00|2|10", "14", kInvalid},
-      {"|A|00:00|3", "32", kInvalid},
-      {"|A|00:00|1|12/31/2026", "8", kSelected},
-      {"|A|00:00|3|1|1", "none.txt", kNoFile},
-      {"|A|00:00|3|1|2", "", kNoFile},
-      {"|A|00:00|3|1|3", "z", kNoFile},
-      {"|A|00:00|3|1|7", "none.wav", kNoFile},
-      {"|A|00:00|3|1|2|c:\\x.exe|", "7", kSelected}};
-  for (const auto& [answers, refused, message] : cases) {
+  // What leads to a question, a piece of it, an answer that it does not take, and what is said
+  // before it comes again.
+  const std::array<const char*, 4> cases[] = {
+      {"", "Name", "", "No task name given"},
+      {"", "Name", "TAKEN", TaskStore::kSameSection},
+      {"|A", "24-hour", "09.30", "Invalid Time"},
+      {"|A", "(xx:xx)", "12:3", "Invalid Time"},
+      {"|A", "(xx:xx)", "00:60", "Invalid Minute selected for execution time"},
+      {"|A|00:00", "3) One", "01", kSelected},
+      {"|A|00:00|1", "(mm/dd/yyyy)", "12/31/26", "Invalid Date"},
+      {"|A|00:00|1", "(mm/dd/yyyy)", "31/12/2026", "Invalid Month given for Date"},
+      {"|A|00:00|2", "10) Every Weekend Day\r\n>", "11", kInvalid},
+      {"|A|00:00|2|10", "13) December\r\n>", "14", kInvalid},
+      {"|A|00:00|3", "(1-31)", "32", kInvalid},
+      {"|A|00:00|1|12/31/2026", "2) Run Program/Shortcut/Open File", "8", kSelected},
+      {"|A|00:00|3|1|1", "script file is not in the home directory", "none.txt", kNoFile},
+      {"|A|00:00|3|1|2", "program, shortcut or file", "", kNoFile},
+      {"|A|00:00|3|1|3", "print", "z", kNoFile},
+      {"|A|00:00|3|1|7", "it must be preceeded by a path)", "none.wav", kNoFile},
+      {"|A|00:00|3|1|2|c:\\x.exe|", "6) Hidden\r\n>", "7", kSelected}};
+  for (const auto& [answers, piece, refused, message] : cases) {
     const std::string question = Talk(std::string("1|y") + answers);
+    EXPECT_NE(question.find(piece), std::string::npos) << question;
     EXPECT_EQ(Talk(refused), "\r\n" + std::string(message) + "\r\n" + question) << refused;
     Line("q");
   }
-  EXPECT_EQ(Talk("1|y|A|00:00|3|1|4|maybe"), "Keep this task(y/n)?");
+  EXPECT_TRUE(Talk("1|y|A|00:00|3|1|6").starts_with("Enter the message"));
+  store.DateOrderMonthFirst = 0;
+  EXPECT_TRUE(Talk("q|1|y|A|00:00|1").ends_with("(dd/mm/yyyy)?"));
+  EXPECT_EQ(Talk("q|1|y|A|00:00|3|1|4|maybe"), "Keep this task(y/n)?");
   EXPECT_EQ(Talk("n") + Talk("1|n"), kMenu + kMenu);
   EXPECT_EQ(store.NoTasks(), 1);
 }
