@@ -107,11 +107,11 @@ inline bool IsTopMost(HWND window) {
 
 // The window with this caption, once it is in front and stays there: where the window manager is
 // late, the one before it comes up again for a moment. Null when that never happens.
-inline HWND InFront(const std::wstring& caption) {
+inline HWND InFront(const std::wstring& caption, int looksEnough = 6) {
   int looks = 0;
   const bool came = WaitFor([&] {
     looks = TextOf(GetForegroundWindow()) == caption ? looks + 1 : 0;
-    return looks == 6;
+    return looks == looksEnough;
   });
   return came ? GetForegroundWindow() : nullptr;
 }

@@ -50,7 +50,8 @@ TEST_F(DesktopTest, TheWindowsTellOfTheClientAndTalkWithHim) {
     Type(accepted ? "{LEFT}~" : "~");
     expect(accepted ? "Press '/' to Quit...\r\n\r\n" : "7) Logout\r\n>");
   }
-  const HWND chat = InFront(L"Chat");
+  // A box has just gone, and the window manager may yet give the front to what was below it.
+  const HWND chat = InFront(L"Chat", 50);
   const HWND transcript = Children(chat, WC_EDITW).at(1);
   Type("Good evening~");
   expect("\r\nServer: Good evening\r\n");

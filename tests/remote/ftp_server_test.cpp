@@ -93,7 +93,8 @@ class FtpServerTest : public testing::Test, protected CoreDesk {
     Enter();
     if (Data().GetState() == TcpSocket::State::Connecting) Data().Connected();
     for (int i = 0; i < 9; ++i) loop.DoEvents();
-    return Data().Sent() + Answered();
+    const std::string got = Data().Sent();
+    return got + Answered();
   }
   std::string After(std::int64_t milliseconds) {
     loop.Advance(milliseconds);
@@ -475,7 +476,8 @@ TEST_F(FtpServerTest, StrictHasLimitsOfTime) {
   remote.compat = remote.strict = remote.passwordRequired = true;
   remote.password = "p";
   Connect(0), Connect(1);
-  EXPECT_EQ(Say("PASS x|FEAT") + Say("PASS p", 1), "");
+  EXPECT_EQ(Say("PASS x|FEAT"), "");
+  EXPECT_EQ(Say("PASS p", 1), "");
   EXPECT_EQ(After(999), "");
   EXPECT_EQ(After(2), kNotIn + kFeatures);
   EXPECT_EQ(Plain(Command(1).Sent()), kLoggedIn) << "not before the other";
@@ -489,7 +491,8 @@ TEST_F(FtpServerTest, StrictHasLimitsOfTime) {
   Talk({{"PASS p", kLoggedIn}, {"PASS x", ""}});  // from the beginning again
   loop.Advance(1000);
   clock.Move(-60'000);
-  EXPECT_EQ(Answered() + Say("PASS p"), kNotIn + kLoggedIn);
+  EXPECT_EQ(Answered(), kNotIn);
+  EXPECT_EQ(Say("PASS p"), kLoggedIn);
 
   for (const std::string& how : {kPort, std::string("PASV")}) {
     Say(how + "|LIST");
