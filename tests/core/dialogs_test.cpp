@@ -53,15 +53,18 @@ TEST_F(EditorTest, ATypeShowsItsControlsAndKeepsWhatItDoesNotTouch) {
   const Texts walks = {"0sbe 1sbpw 3w 2sb 0sbe 3 2sb 0sbe 2sb", "3wW 4 0sbe 4 5s 1sbpw 4",
                        "5s 0sbe 5s 4 6sb 1sbpw 5s", "6sb 0sbe 6sb 5s 1sbpw 6sb",
                        "2sbW 3W 1sbpwW 0sbe"};
+  const Texts captions = {"Script File:", "Program or Shortcut:", "File to Print:", "", "",
+                          "Message:",     "Sound File:"};
   for (const std::string& walk : walks) {
     OpenNew();
     EXPECT_EQ(Shown(), "sbpwW");
     std::istringstream steps(walk);
     for (std::string step; steps >> step;) {
-      const std::string caption = editor.lbl1.Text();
+      const std::string before = editor.lbl1.Text();
       ChooseType(step[0] - '0');
       EXPECT_EQ(Shown(), step.substr(1)) << step << " of " << walk;
-      EXPECT_EQ(editor.lbl1.Text() == caption, step[0] == '3' || step[0] == '4');
+      const std::string& caption = captions.at(static_cast<std::size_t>(step[0] - '0'));
+      EXPECT_EQ(editor.lbl1.Text(), caption.empty() ? before : caption);
     }
     editor.cmdCancel.Press();
   }
@@ -249,17 +252,18 @@ struct SettingsDialogTest : testing::Test, CoreDesk {
 TEST_F(SettingsDialogTest, UpdatesAndUsers) {
   const auto shared = [&] { return settings.ReadMachineSetting("General", "Users_Share", "none"); };
   Open(0);
-  EXPECT_FALSE(dialog.chkAutoUpdate.Value());
+  EXPECT_EQ(Saved("Check_Auto_Update"), "0 ");
   dialog.cmdDefaults.Press();
-  EXPECT_EQ(Stored("Check_Auto_Update"), "none ");
+  EXPECT_EQ(Stored("Check_Auto_Update"), "0 ");
   EXPECT_EQ(Saved("Check_Auto_Update Use_Proxy Inet_Passwd"), "1 none none ");
   EXPECT_TRUE(dialog.cmdCheckNow.Press());
   EXPECT_EQ(checks, 1);
   Open(3);
   EXPECT_TRUE(dialog.chkAutoUpdate.Value() && dialog.optUsersDontShare.Value());
+  dialog.cmdSave.Press();
   dialog.cmdDefaults.Press();
-  dialog.cmdClose.Press();
-  EXPECT_EQ(shared(), "none");
+  EXPECT_TRUE(dialog.optUsersShare.Value() && dialog.cmdClose.Press());
+  EXPECT_EQ(shared(), "0");
   Open(3);
   dialog.optUsersShare.Choose();
   dialog.cmdSave.Press();
@@ -288,7 +292,8 @@ TEST_F(SettingsDialogTest, TheProxysPortLastsAsLongAsTheProgram) {
 
 TEST_F(SettingsDialogTest, RemoteAccess) {
   Open(2);
-  EXPECT_EQ(dialog.txtServerPort.Text() + dialog.txtFTPPort.Text(), "60021");
+  EXPECT_EQ(Saved("Inet_ServerOn") + dialog.txtServerPort.Text() + dialog.txtFTPPort.Text(),
+            "0 60021");
   EXPECT_FALSE(dialog.txtPwd.Usable() || dialog.lblShared.ShownToUser());
   dialog.chkPwd.Press();
   dialog.txtPwd.Type("secret");
@@ -313,7 +318,7 @@ TEST_F(SettingsDialogTest, RemoteAccess) {
   EXPECT_EQ(portChanges, 2);
   settings.SetStorageMode(1);
   Open(2);
-  EXPECT_TRUE(dialog.lblShared.ShownToUser());
+  EXPECT_TRUE(dialog.lblShared.ShownToUser() && dialog.optUsersShare.Value());
 }
 
 TEST_F(SettingsDialogTest, TheSwitchesAreTheUsersOwn) {

@@ -152,6 +152,7 @@ TEST_F(MainWindowTest, ThePopupMessageGrowsWithItsText) {
     const bool scrolls = length == 100000;
     EXPECT_TRUE(message.txtMsg.ShownToUser() == scrolls && message.lblMsg.ShownToUser() != scrolls);
     EXPECT_EQ((scrolls ? message.txtMsg.Text() : message.lblMsg.Text()).size(), length);
+    EXPECT_TRUE(message.cmdOK.Press() && !message.Loaded());
     last = size;
   }
 }
@@ -173,7 +174,7 @@ TEST_F(MainWindowTest, TheTrayTakesTheWindowAndGivesItBack) {
   EXPECT_EQ(window.Focus(), &window.treTasks);
   EXPECT_EQ(trayIcon.shownTip, "");
 
-  EXPECT_TRUE(window.cmdSystemTray.Press());
+  EXPECT_TRUE(window.mnuSystemTray.Choose());
   trayIcon.menu.at(0).onChosen();
   EXPECT_TRUE(window.mnuOnTop.Choose() && window.cmdSystemTray.Press());
   trayIcon.menu.at(1).onChosen();
@@ -193,8 +194,8 @@ TEST_F(MainWindowTest, ItComesBackWhereItWasLeft) {
   const auto stored = [&] { return SettingOf("Window").Text(settings); };
   const forms::Bounds tree = window.treTasks.GetBounds();
   Start();
-  window.Unload();
-  EXPECT_EQ(stored(), "") << "nobody has moved it";
+  window.cmdExit.Press();
+  EXPECT_EQ(stored() + SettingOf("OnTop").Text(settings, ""), "0") << "nobody has moved it";
   settings.WriteUserSetting(kGeneral, "Window", "-150 300 9940 5350");
   Start();
   EXPECT_EQ(window.treTasks.GetBounds(),
@@ -233,14 +234,14 @@ TEST_F(MainWindowTest, RemoteSettingsAreReadBeforeTheStorageMode) {
 
 TEST_F(MainWindowTest, AFailedStepIsLoggedAndTheNextOnesFollow) {
   settings.WriteMachineSetting(kGeneral, "Users_Share", "both");
-  settings.WriteSetting(kGeneral, "ProxyPort", "70000");
-  settings.WriteSetting(kGeneral, "NoTasks", "101");
+  Put(kGeneral, "ProxyPort=70000 NoTasks=101");
   files.contents["ORVTASK.LOG"] = "\"Error Code:53\"\r\n";
-  clock.shortDateOrder = "m/d/y";
+  store.DateOrderMonthFirst = 1;
+  clock.shortDateOrder = "58-m-d";
   Start();
   EXPECT_EQ(files.contents["ORVTASK.LOG"],
             "\"Error Code:53\"\r\n\"Error Code:13\"\r\n\"Error Code:6\"\r\n\"Error Code:9\"\r\n");
-  EXPECT_EQ(store.DateOrderMonthFirst, 1);
+  EXPECT_EQ(store.DateOrderMonthFirst, 0) << "the year stands first";
   EXPECT_EQ(folder.AppDir, "C:\\Orvanto\\");
   EXPECT_TRUE(window.Visible() && scheduler.tmrSched.Enabled());
   // The first hundred are shown all the same: their one group and themselves.

@@ -23,6 +23,14 @@ TEST(Sched, DescribesTasks) {
   EXPECT_EQ(desk.sched.DescribeTask(100), " | Run | 14:11 on ");
   EXPECT_EQ(ErrorOf([&] { desk.sched.DescribeTask(0); }), kSubscriptOutOfRange);
   EXPECT_EQ(ErrorOf([&] { desk.sched.DescribeTask(101); }), kSubscriptOutOfRange);
+  for (int i = 0; i < 12; ++i) {
+    std::tm time{};
+    time.tm_mon = i;
+    time.tm_wday = i % 7;
+    char names[64];
+    std::strftime(names, sizeof names, "%B, Every %A, The 4th %A", &time);
+    EXPECT_EQ(InName(i + 2) + ", " + EveryName(i % 7 + 2) + ", " + EveryName(i % 7 + 32), names);
+  }
 }
 
 // From Saturday 21 November 2026, 14:04:30.
@@ -66,7 +74,7 @@ TEST(Sched, RecurrenceHoldsByDayAndMonth) {
   const std::pair<const char*, const char*> cases[] = {
       {"0 1 6", ""},      {"1 1 6", "1234567"}, {"2 1 6", "1"},  {"8 1 6", "7"},
       {"9 1 6", "23456"}, {"10 1 6", "17"},     {"11 1 6", ""},  {"39 1 6", ""},
-      {"1 0 6", ""},      {"1 2 1", "1234567"}, {"1 13 11", ""}, {"1 13 12", "1234567"},
+      {"10 0 6", ""},     {"1 2 1", "1234567"}, {"1 13 11", ""}, {"1 13 12", "1234567"},
       {"1 14 1", ""},     {"9 7 6", "23456"},   {"9 7 7", ""},   {"10 7 6", "17"},
       {"10 7 5", "1"},    {"10 14 5", ""}};
   for (const auto& [rule, weekdays] : cases) {
@@ -185,6 +193,7 @@ TEST_F(SchedulerTest, ADayOfLateTimersSkipsNoMinuteAndRepeatsNone) {
   Walk(kDay + 5 * kSecond);
   EXPECT_EQ(std::multiset<std::string>(fired.begin(), fired.end()), expected);
   EXPECT_NEAR(static_cast<double>(captions.size()), 86400 + 5, 2);
+  EXPECT_EQ(captions.back().substr(0, 15), "Orvanto - 00:00");
 }
 
 TEST_F(SchedulerTest, WhatATaskThatTakesLongLeavesToRun) {
@@ -254,8 +263,8 @@ TEST(Execution, EachTypeDoesItsOneThing) {
     const std::string code = std::to_string(type);
     desk.Add("Task " + code, "10:00", "TaskType=" + code + " Path=" + paths[type] + " WinStyle=4");
   }
-  // Of window styles the ends of the table, and the one that is not what it says.
-  for (const char* style : {"0", "1", "3", "6", "7"}) {
+  // The other window styles; one is not what it says.
+  for (const char* style : {"0", "1", "2", "3", "5", "6", "7"}) {
     desk.Add(std::string("Style ") + style, "10:00",
              std::string("TaskType=2 Path=a.exe CmdLine=/x WinStyle=") + style);
   }
@@ -265,12 +274,13 @@ TEST(Execution, EachTypeDoesItsOneThing) {
   desk.messageBoxes.expected = {{"Tea"}};
   for (const std::int16_t slot : desk.store.Slots()) desk.execution.RunTask(slot);
 
-  EXPECT_EQ(told, "1234567222222");
+  EXPECT_EQ(told, "123456722222222");
   EXPECT_EQ(desk.scripts.ran, (Texts{"night.txt"}));
   EXPECT_EQ(desk.done,
             (Texts{"open notepad.exe in '' 4", "print c:\\a.txt in '' 4", "end 2", "end 1",
                    "play ding.wav", "open a.exe /x in '' 0", "open a.exe /x in '' 1",
-                   "open a.exe /x in '' 2", "open a.exe /x in '' 0", "open a.exe /x in '' 0"}));
+                   "open a.exe /x in '' 2", "open a.exe /x in '' 2", "open a.exe /x in '' 7",
+                   "open a.exe /x in '' 0", "open a.exe /x in '' 0"}));
 }
 
 }  // namespace

@@ -45,17 +45,19 @@ class TaskStoreTest : public testing::Test, public CoreDesk {
 };
 
 TEST_F(TaskStoreTest, WhatIsMissingLoadsAsTheDefaults) {
-  Fill({"Once", "Day", "Odd"});
-  for (const char* bare : {"Once", "Day"}) settings.DeleteUserKey(bare);
+  Fill({"Once", "Day", "Odd", "Rule"});
+  for (const char* bare : {"Once", "Day", "Rule"}) settings.DeleteUserKey(bare);
   Put("Once", "TimeType=1");
   Put("Day", "TimeType=3");
+  Put("Rule", "TimeType=2");
   Put("Odd", "TimeType=soon TaskType=soon TimeHour=7");
   // The month stands in for the minute.
   const char* expected[] = {"Once | Run | 14:11 on 21-11-2026,   1 General",
                             "Day | Run | 14:11 on Day Number: 1,   1 General",
                             "Odd | Unknown Type | 07:05 on , Odd  1 General",
+                            "Rule | Run | 14:11 on  In ,   1 General",
                             " | Run | 14:11 on ,   1 General"};
-  for (std::int16_t slot = 1; slot <= 4; ++slot) EXPECT_EQ(Told(slot), expected[slot - 1]);
+  for (std::int16_t slot = 1; slot <= 5; ++slot) EXPECT_EQ(Told(slot), expected[slot - 1]);
   store.LoadTask(1);
   EXPECT_EQ(store.CurrentTask.dateYear, "2026");
 }
@@ -237,7 +239,7 @@ TEST_F(TaskStoreTest, JudgesDates) {
        {"29-2-2001", "30-02-2004", "31-4-2026", "31-6-2026", "31-8-2026", "31-11-2026", "32-1-2026",
         "0-1-2026"}},
       {"Invalid Month given for Date", {"1-13-2026", "1-0-2026", "0-13-99"}},
-      {"Invalid Year given for Date", {"1-1-99", "1-1-999"}},
+      {"Invalid Year given for Date", {"1-1-99", "1-1-999", "32-1-99"}},
       {"Invalid Date", {"x-1-2026", "1--2026", "1-1-20266666"}}};
   for (const auto& [message, dates] : cases) {
     for (const std::string& date : dates) {
