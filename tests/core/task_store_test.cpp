@@ -87,14 +87,14 @@ TEST_F(TaskStoreTest, DeletingClosesTheGap) {
 }
 
 TEST_F(TaskStoreTest, SavingAnExistingSlotKeepsTheCountAndTheOldNamesSection) {
-  Fill({"2", "Two"});
-  store.SaveTask(EntryAt(1, "2"));
+  Fill({"Two", "2"});
+  store.SaveTask(EntryAt(2, "2"));
   EXPECT_EQ(Stored("2", "TimeHour"), "09");
-  store.SaveTask(EntryAt(2, "Renamed"));
-  EXPECT_EQ(Names(), (Texts{"2", "Renamed"}));
+  store.SaveTask(EntryAt(1, "Renamed"));
+  EXPECT_EQ(Names(), (Texts{"Renamed", "2"}));
   EXPECT_TRUE(HasSection("Two"));
   EXPECT_TRUE(HasSection("2")) << "it is a task's";
-  store.SaveTask(EntryAt(1, "One"));
+  store.SaveTask(EntryAt(2, "One"));
   EXPECT_FALSE(HasSection("2")) << "the section named like the count goes";
 }
 

@@ -243,15 +243,15 @@ TEST_F(Commands, SimpleOnesReachTheirService) {
 
 TEST_F(Commands, FilesAreOpenedPrintedAndWaitedFor) {
   files.contents["C:\\D\\A.txt"] = "";
-  // No style, then some of the table, its ends, and one that is not in it.
+  // No style, which is 0, then those of the table that are not simply shown, and one too many.
   EXPECT_EQ(RunText("open('c:\\d\\a.TXT')\nload(' C:\\D\\A.txt ',3)\nprint('c:\\d\\a.txt')\n"
                     "openwait('c:\\d\\a.txt',6)\nloadwait(c:\\d\\a.txt)\n"
-                    "open('c:\\d\\a.txt',0)\nopen('c:\\d\\a.txt',7)\n"
+                    "open('c:\\d\\a.txt',4)\nopen('c:\\d\\a.txt',7)\n"
                     "load('c:\\d\\a.txt',2)\nload('c:\\d\\a.txt',5)"),
             0);
   EXPECT_EQ(Done(), (Texts{"open c:\\d\\a.txt in '0' 1", "open c:\\d\\a.txt in '0' 3",
                            "print c:\\d\\a.txt in '0' 1", "wait for \"c:\\d\\a.txt\" 0",
-                           "wait for \"c:\\d\\a.txt\" 1", "open c:\\d\\a.txt in '0' 1",
+                           "wait for \"c:\\d\\a.txt\" 1", "open c:\\d\\a.txt in '0' 4",
                            "open c:\\d\\a.txt in '0' 0", "open c:\\d\\a.txt in '0' 2",
                            "open c:\\d\\a.txt in '0' 7"}));
   EXPECT_EQ(RunText("open('a.txt',x)\nopen('c:\\nowhere\\a.txt',x)\nopen('c:\\d\\',x)"), 0)
