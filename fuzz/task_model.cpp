@@ -177,7 +177,11 @@ bool ModelRun::RemoteRun() {
   const std::string reply = product_->Say(std::to_string(slot));
   const bool there = slot <= model_.Count();
   if (there) model_.Run(slot);  // slot 0, too, which is a nameless program
-  Holds(!there || reply.find("\r\nStarted Task: " + model_.Name(slot) + "\r\n") == 0,
+  // A script that is not there ends the handling of the line, and nothing is answered.
+  const Entry task = model_.Load(slot);
+  const bool fails = task.type == 1 && !FileIsThere(task.path);
+  Holds(!there || (fails && reply.empty()) ||
+            reply.find("\r\nStarted Task: " + model_.Name(slot) + "\r\n") == 0,
         "the answer to a start: " + reply);
   product_->socket->PeerCloses();
   return there;
