@@ -10,15 +10,9 @@ namespace {
 constexpr const char* kInUse = "That Task Name is already in use. Please use a different one.";
 constexpr const char* kUnusable = "That Task Name cannot be used. Please use a different one.";
 
-class TaskStoreTest : public testing::Test, public CoreDesk {
- protected:
+struct TaskStoreTest : testing::Test, CoreDesk {
   void Fill(const Texts& names) {
     for (const std::string& name : names) Add(name, "08:05");
-  }
-  TaskEntry EntryAt(std::int16_t slot, const std::string& name) {
-    TaskEntry entry = Entry(name, "09:05");
-    entry.index = slot;
-    return entry;
   }
   // The slot in which the entry is stored, or why it is not.
   std::string Save(const TaskEntry& entry, const std::string& loadedName = "") {
@@ -26,172 +20,130 @@ class TaskStoreTest : public testing::Test, public CoreDesk {
     return slot != 0 ? std::to_string(slot) : store.TaskValidationMessage;
   }
   std::string Save(const std::string& name, const std::string& loadedName = "") {
-    return Save(EntryAt(0, name), loadedName);
+    return Save(Entry(name, "09:05"), loadedName);
   }
-  // The message that is left by one of the validations.
-  template <typename... Given>
-  std::string Judge(void (TaskStore::*validate)(Given...), const auto&... given) {
-    store.TaskValidationMessage.clear();
-    (store.*validate)(given...);
-    return store.TaskValidationMessage;
+  // The count, the names, and the sections that there are.
+  std::string List() {
+    std::string told = settings.ReadSetting(kGeneral, "NoTasks", "none") + ":";
+    for (const std::string& name : Names()) told += " " + name;
+    told += " |";
+    for (const auto& [id, node] : registry.Tree().Keys()) {
+      const std::string own = std::string(kProductKey) + "\\";
+      if (node.path.starts_with(own)) told += " " + node.path.substr(own.size());
+    }
+    return told;
   }
-  std::string Stored(const std::string& section, const std::string& value) {
-    return settings.ReadSetting(section, value, "(missing)");
-  }
-  bool HasSection(const std::string& name, RootKey root = RootKey::CurrentUser) {
-    return registry.HasKey(root, std::string(kProductKey) + "\\" + name);
-  }
-  void SetCount(const std::string& count) { settings.WriteSetting(kGeneral, "NoTasks", count); }
 };
 
 TEST_F(TaskStoreTest, WhatIsMissingLoadsAsTheDefaults) {
-  Fill({"Once", "Day", "Odd", "Rule"});
-  for (const char* bare : {"Once", "Day", "Rule"}) settings.DeleteUserKey(bare);
-  Put("Once", "TimeType=1");
-  Put("Day", "TimeType=3");
-  Put("Rule", "TimeType=2");
-  Put("Odd", "TimeType=soon TaskType=soon TimeHour=7");
-  // The month stands in for the minute.
-  const char* expected[] = {"Once | Run | 14:11 on 21-11-2026,   1 General",
-                            "Day | Run | 14:11 on Day Number: 1,   1 General",
-                            "Odd | Unknown Type | 07:05 on , Odd  1 General",
-                            "Rule | Run | 14:11 on  In ,   1 General",
-                            " | Run | 14:11 on ,   1 General"};
-  for (std::int16_t slot = 1; slot <= 5; ++slot) EXPECT_EQ(Told(slot), expected[slot - 1]);
-  store.LoadTask(1);
-  EXPECT_EQ(store.CurrentTask.dateYear, "2026");
+  // What is stored of a task, and what it is. The month stands in for the minute.
+  const std::pair<const char*, const char*> cases[] = {
+      {"", "Run | 14:11 on ,   1 General"},
+      {"TimeType=1", "Run | 14:11 on 21-11-2026,   1 General"},
+      {"TimeType=2", "Run | 14:11 on  In ,   1 General"},
+      {"TimeType=3", "Run | 14:11 on Day Number: 1,   1 General"},
+      {"TimeType=soon TaskType=soon TimeHour=7", "Unknown Type | 07:11 on ,   1 General"}};
+  Put(kGeneral, "Task1=Task");
+  for (const auto& [fields, told] : cases) {
+    Put("Task", fields);
+    EXPECT_EQ(Told(1), std::string("Task | ") + told);
+  }
 }
 
-TEST_F(TaskStoreTest, DeletingClosesTheGap) {
+TEST_F(TaskStoreTest, TheListThroughItsLife) {
   int changes = 0;
   const Subscription listens = store.listChanged.Subscribe([&] { ++changes; });
   Fill({"One", "Two", "Three"});
-  store.DeleteTask(2);
-  EXPECT_EQ(Names(), (Texts{"One", "Three"}));
-  EXPECT_FALSE(HasSection("Two"));
-  EXPECT_EQ(Stored(kGeneral, "Task3"), "(missing)");
-  for (const int nothing : {0, 3}) store.DeleteTask(static_cast<std::int16_t>(nothing));
-  EXPECT_EQ(changes, 4);
-  for (int i = 0; i < 2; ++i) store.DeleteTask(1);
-  EXPECT_EQ(Stored(kGeneral, "NoTasks"), "0");
+  for (const int slot : {2, 0, 3}) store.DeleteTask(static_cast<std::int16_t>(slot));
+  EXPECT_EQ(List() + std::to_string(changes), "2: One Three | General One Three4");
+  EXPECT_EQ(Save("Two") + Save("2") + Save("New", "One"), "341");
+  EXPECT_EQ(List(), "4: New Three Two 2 | 2 General New One Three Two") << "its old section stays";
+  store.DeleteTask(1);
+  EXPECT_EQ(Save("Three again", "Three") + Save("Gone", "New"), "14") << "it has moved up";
+  EXPECT_EQ(Save("One more", "Two") + Save("Two", "2"), "23");
+  EXPECT_EQ(List(),
+            "4: Three again One more Two Gone | 2 General Gone One One more Three "
+            "Three again Two");
+  Fill({"4"});
+  EXPECT_EQ(Save("Four", "Gone"), "4");
 
   settings.SetStorageMode(1);
   Fill({"One", "Two"});
   store.DeleteTask(1);
   EXPECT_EQ(Names(), (Texts{"Two"}));
-  EXPECT_TRUE(HasSection("One", RootKey::LocalMachine)) << "what is shared is only hidden";
-  EXPECT_EQ(Stored(kGeneral, "Task2"), "Two");
-  SetCount("x");
+  EXPECT_TRUE(registry.HasKey(RootKey::LocalMachine, std::string(kProductKey) + "\\One"))
+      << "what is shared is only hidden";
+  Put(kGeneral, "NoTasks=x");
   EXPECT_EQ(store.NoTasks(), 0) << "the deleted one does not come back";
   EXPECT_EQ(Save("Three"), TaskStore::kCountLost);
 }
 
-TEST_F(TaskStoreTest, SavingAnExistingSlotKeepsTheCountAndTheOldNamesSection) {
-  Fill({"Two", "2"});
-  store.SaveTask(EntryAt(2, "2"));
-  EXPECT_EQ(Stored("2", "TimeHour"), "09");
-  store.SaveTask(EntryAt(1, "Renamed"));
-  EXPECT_EQ(Names(), (Texts{"Renamed", "2"}));
-  EXPECT_TRUE(HasSection("Two"));
-  EXPECT_TRUE(HasSection("2")) << "it is a task's";
-  store.SaveTask(EntryAt(2, "One"));
-  EXPECT_FALSE(HasSection("2")) << "the section named like the count goes";
-}
-
-TEST_F(TaskStoreTest, TheProgramsOwnSectionsAreNeverDeleted) {
-  settings.WriteSetting(kInternet, "Proxy FTP", "1");
+TEST_F(TaskStoreTest, SectionsOfOthersAreNotTouched) {
+  Put(kInternet, "x=1");
   Fill({"", "general", "Internet\\"});
   for (int i = 0; i < 3; ++i) store.DeleteTask(1);
-  EXPECT_EQ(Stored(kGeneral, "NoTasks"), "0");
-  SetCount("Internet");
-  store.SaveTask(EntryAt(0, "One"));
-  EXPECT_EQ(Stored(kInternet, "Proxy FTP"), "1");
-}
-
-TEST_F(TaskStoreTest, AnEntryGoesToTheSlotOfItsTaskOrAfterTheLast) {
-  Fill({"One", "Two"});
-  store.DeleteTask(1);
-  EXPECT_EQ(Save(EntryAt(2, "Two again"), "Two"), "1") << "it has moved up";
-  EXPECT_EQ(Save(EntryAt(1, "New")), "2");
-  store.DeleteTask(2);
-  EXPECT_EQ(Save(EntryAt(2, "New"), "New"), "2") << "it had gone";
-  for (const char* count : {"99", "100", "32767"}) {
-    SetCount(count);
-    EXPECT_EQ(Save("Last"), count[0] == '9' ? "100" : TaskStore::kListFull) << count;
-  }
-}
-
-TEST_F(TaskStoreTest, NamesThatShareASectionAreNotMixedUp) {
   Fill({"Größe", "Backup"});
+  EXPECT_EQ(List(), "2: Größe Backup | Backup General Größe Internet");
   for (const char* loaded : {"", "Backup"}) {
     EXPECT_EQ(Save("gRÖßE", loaded), TaskStore::kSameSection);
   }
+  Put(kGeneral, "NoTasks=Internet");  // a section named like the count goes, but for this
   EXPECT_EQ(Save("gRÖßE", "Größe"), "1") << "its own slot";
-  EXPECT_EQ(Names(), (Texts{"gRÖßE", "Backup"}));
+  Put(kGeneral, "NoTasks=2");
   Fill({"GRÖßE"});  // before they were refused
   store.DeleteTask(3);
-  EXPECT_TRUE(HasSection("gRÖßE"));
+  EXPECT_EQ(List(), "2: gRÖßE Backup | Backup General Größe Internet");
 }
 
-TEST_F(TaskStoreTest, ANewTaskTakesNothingOverFromOneThatHadItsName) {
-  for (const int mode : {0, 1}) {
-    settings.SetStorageMode(static_cast<std::int16_t>(mode));
-    Add("Old", "08:05", "CmdLine=/x WinStyle=6");
-    EXPECT_EQ(Save("Renamed", "Old"), "1");
-    EXPECT_EQ(Save("Old"), "2");
-    EXPECT_EQ(Stored("Old", "CmdLine") + Stored("Old", "WinStyle"), "1");
-    EXPECT_EQ(Stored("Renamed", "CmdLine"), "(missing)") << "nothing that was not there";
-  }
-}
-
-TEST_F(TaskStoreTest, TimesAreStoredAsDigitsHoweverTyped) {
+TEST_F(TaskStoreTest, WhatIsEnteredIsJudgedAndStoredAsDigits) {
   TaskEntry entry = Entry("Timed", "08:05");
   entry.timeType = kTimeOnce;
-  entry.datePart1 = " 5";
-  entry.datePart2 = "+1";
-  entry.year = "02027";
-  for (const std::string time : {"7.:5", "7:.5", "-0:5", "7 :5", " 7:+5"}) {
-    entry.hour = time.substr(0, time.find(':'));
-    entry.minute = time.substr(time.find(':') + 1);
-    const bool taken = time.find_first_of(".-") == std::string::npos;
-    EXPECT_EQ(Save(entry, entry.name) == "1", taken) << time;
+  // Day, month, year, hour, minute; what is said, or stored.
+  const std::array<std::string, 6> cases[] = {
+      {" 5", "+1", "02027", "7 ", " +5", "07:05 on 05-01-2027"},
+      {"31", "9", "1900", "7", "5", "07:05 on 31-09-1900"},
+      {"31", "8", "2026", "7", "5", "Invalid Day given for Date"},
+      {"1", "0", "99", "7", "5", "Invalid Month given for Date"},
+      {"1", "1", "20e2", "7", "5", "Invalid Year given for Date"},
+      {"1", "1", "999", "7", "5", "Invalid Year given for Date"},
+      {"1", "", "2026", "7", "5", "Invalid Date"},
+      {"1", "1", "2026", "7.", "5", "Invlaid Hour given for Time"},
+      {"1", "1", "2026", "-0", ".5", "Invalid Minute given for Time"}};
+  for (const auto& [day, month, year, hour, minute, expected] : cases) {
+    entry.datePart1 = day, entry.datePart2 = month, entry.year = year;
+    entry.hour = hour, entry.minute = minute;
+    const std::string told = Save(entry, entry.name);
+    EXPECT_EQ(told == "1" ? sched.TreeLine(1) : told,
+              (told == "1" ? "Timed | Popup Message | " : "") + expected);
   }
-  EXPECT_EQ(Told(1), "Timed | Popup Message | 07:05 on 05-01-2027, Timed  1 General");
-  entry.year = "20e2";
-  EXPECT_EQ(Save(entry, entry.name), "Invalid Year given for Date");
-  entry.timeType = kTimeDayNumber;
-  entry.dayNo = 0;
-  EXPECT_EQ(Save(entry, entry.name), "Invlaid Day of Month Given");
 }
 
-TEST_F(TaskStoreTest, WhatCannotBeWrittenIsSaid) {
+TEST_F(TaskStoreTest, WhatCannotBeStoredIsSaidAndDamageCostsNoTask) {
   registry.FailWrite(3, kDiskFull);
   EXPECT_EQ(Save("One"), TaskStore::kNotWritten);
+  store.DeleteTask(1);
   settings.SetStorageMode(2);
   EXPECT_EQ(Save("One"), TaskStore::kNotWritten);
   std::string prior = "prior";
   settings.ReadSetting(kGeneral, "NoTasks", "0", prior);
   EXPECT_EQ(prior, "prior") << "nor is anything read";
-}
-
-TEST_F(TaskStoreTest, ADamagedCountCostsNoTask) {
+  settings.SetStorageMode(0);
   Fill({"One", "Two"});
   settings.DeleteUserSetting(kGeneral, "NoTasks");
   EXPECT_EQ(store.NoTasks(), 0);
   EXPECT_EQ(Save("two"), TaskStore::kSameSection) << "the name is there";
   EXPECT_EQ(Save("New"), "3");
-  EXPECT_EQ(Names(), (Texts{"One", "Two", "New"}));
-  // Also after a gap, and while one of them is being edited.
-  for (const char* gone : {"Task2", "NoTasks"}) settings.DeleteUserSetting(kGeneral, gone);
-  EXPECT_EQ(Save(EntryAt(1, "One"), "One"), "1");
-  EXPECT_EQ(store.NoTasks(), 3);
-  settings.WriteSetting(kGeneral, "Task2", "Two");
   for (const char* damaged : {"two", "-1", "99999", ""}) {
-    SetCount(damaged);
+    Put(kGeneral, std::string("NoTasks=") + damaged);
     EXPECT_EQ(Names(), (Texts{"One", "Two", "New"})) << damaged;
   }
-  Fill({"Last"});
-  EXPECT_EQ(Names(), (Texts{"One", "Two", "New", "Last"}));
+  // Also after a gap, and while one of them is being edited.
+  for (const char* gone : {"Task2", "NoTasks"}) settings.DeleteUserSetting(kGeneral, gone);
+  EXPECT_EQ(Save("One", "One") + std::to_string(store.NoTasks()), "13");
+  for (const std::string count : {"99", "100", "32767"}) {
+    Put(kGeneral, "NoTasks=" + count);
+    EXPECT_EQ(Save("Last"), count == "99" ? "100" : TaskStore::kListFull) << count;
+  }
 }
 
 TEST_F(TaskStoreTest, FindsTheTaskOfATreeLine) {
@@ -227,26 +179,9 @@ TEST_F(TaskStoreTest, RefusesNames) {
       {4, "", {"Odd | Name"}}};
   for (const auto& [slot, message, names] : cases) {
     for (const std::string& name : names) {
-      EXPECT_EQ(Judge(&TaskStore::ValidateTaskName, name, slot), message) << name;
-    }
-  }
-}
-
-TEST_F(TaskStoreTest, JudgesDates) {
-  const std::pair<const char*, Texts> cases[] = {
-      {"", {"29-2-2004", "29-2-1900", "31-9-2026"}},
-      {"Invalid Day given for Date",
-       {"29-2-2001", "30-02-2004", "31-4-2026", "31-6-2026", "31-8-2026", "31-11-2026", "32-1-2026",
-        "0-1-2026"}},
-      {"Invalid Month given for Date", {"1-13-2026", "1-0-2026", "0-13-99"}},
-      {"Invalid Year given for Date", {"1-1-99", "1-1-999", "32-1-99"}},
-      {"Invalid Date", {"x-1-2026", "1--2026", "1-1-20266666"}}};
-  for (const auto& [message, dates] : cases) {
-    for (const std::string& date : dates) {
-      std::istringstream parts(date);
-      std::array<std::string, 3> part;
-      for (std::string& one : part) std::getline(parts, one, '-');
-      EXPECT_EQ(Judge(&TaskStore::ValidateDate, part[0], part[1], part[2]), message) << date;
+      store.TaskValidationMessage.clear();
+      store.ValidateTaskName(name, slot);
+      EXPECT_EQ(store.TaskValidationMessage, message) << name;
     }
   }
 }
@@ -265,12 +200,61 @@ TEST_F(TaskStoreTest, LooksForFilesInTheScriptsFolderUnlessThePathIsWhole) {
       {kPopupMessage, "D:\\y.txt", "", ""},
       {kResetComputer, "", "", ""}};
   for (const auto& [type, path, asked, said] : cases) {
-    finder.asked.clear();
-    EXPECT_EQ(Judge(&TaskStore::CheckTaskFile, type, path), said) << path;
-    EXPECT_EQ(finder.asked, asked);
+    finder.asked = store.TaskValidationMessage = "";
+    store.CheckTaskFile(type, path);
+    EXPECT_EQ(finder.asked + store.TaskValidationMessage, std::string(asked) + said) << path;
   }
   folder.Set("C:\\");
   EXPECT_EQ(folder.AppDir, "C:\\");
+}
+
+constexpr const char* kKey = "Software\\Quellmark\\Orvanto\\General";
+const RegistryData kDefault = std::string("d");
+
+TEST(RegistryAccess, EachTypeHasItsWidthAndWhatIsMissingIsTheDefault) {
+  FakePlatform fake;
+  RegistryAccess access(fake.registry);
+  // The status of each: reading, writing, deleting a value and a key. What was read is in `got`.
+  RegistryData got;
+  const auto statuses = [&](const char* root, const std::string& key) {
+    return std::array{
+        access.RegRead(root, key, "V", "S", kDefault, got), access.RegDeleteValueAt(root, key, "V"),
+        access.RegDeleteKeyAt(root, key, "K"), access.RegWrite(root, key, "Other", "S", kDefault)};
+  };
+  using Statuses = std::array<Status, 4>;
+  EXPECT_EQ(ResolveRoot("HkDd"), RootKey::DynData);
+  constexpr Status k99 = kUnresolvedRoot;
+  EXPECT_EQ(statuses("HKXX", kKey), (Statuses{k99, k99, k99, k99}));
+  EXPECT_EQ(statuses("HKCU", kKey), (Statuses{kFileNotFound, 0, 0, 0}));
+  EXPECT_EQ(statuses("hkcu", kKey), Statuses{});
+  EXPECT_EQ(got, kDefault);
+  EXPECT_EQ(access.RegDeleteKeyAt("HKCU", "Software", "Quellmark"), kAccessDenied);
+
+  std::string id;
+  EXPECT_EQ(RegistryTree::IdOf(RootKey::CurrentUser, kKey, id), kSuccess);
+  // What is written, its bytes, and what is read as a text, a flag (of two bytes) and a number.
+  const std::string brief(255, 'x'), endless(70000, 'x');
+  const std::tuple<const char*, RegistryData, std::string, std::array<RegistryData, 3>> cases[] = {
+      {"B", true, "\xFF\xFF", {kDefault, true, 0xFFFF}},
+      {"D", -2, "\xFE\xFF\xFF\xFF", {kDefault, kDefault, -2}},
+      {"d", 0x12345, {"\x45\x23\0\0", 4}, {kDefault, kDefault, 0x2345}},
+      {"s", brief, brief + '\0', {brief, kDefault, kDefault}},
+      {"S", endless, endless + '\0', {endless, kDefault, kDefault}}};
+  for (const auto& [type, data, bytes, read] : cases) {
+    EXPECT_EQ(access.RegWrite("HKCU", kKey, "V", type, data), kSuccess);
+    EXPECT_TRUE(fake.registry.Tree().FindValue(id, "V")->data == bytes) << type;
+    for (std::size_t i = 0; i < 3; ++i) {
+      EXPECT_EQ(access.RegRead("HKCU", kKey, "V", std::string(1, "sBD"[i]), kDefault, got), 0);
+      EXPECT_TRUE(got == read[i]) << type << " as " << i;
+    }
+  }
+  for (const char* type : {"S", "Q"}) {
+    EXPECT_EQ(access.RegWrite("HKCU", kKey, "V", type, true), kInvalidParameter);
+  }
+  for (const int write : {1, 2}) {
+    fake.registry.FailWrite(write, kDiskFull);
+    EXPECT_EQ(access.RegWrite("HKCU", kKey, "Failed", "S", kDefault), kDiskFull);
+  }
 }
 
 }  // namespace
