@@ -45,8 +45,7 @@ std::string Plain(std::string text) {
   return text;
 }
 
-class FtpServerTest : public testing::Test, protected CoreDesk {
- protected:
+struct FtpServerTest : testing::Test, CoreDesk {
   FtpServerTest() {
     logged_ = server.logged.Subscribe([this](const std::string& line) {
       EXPECT_EQ(line.substr(8, 3), " - ");
@@ -67,12 +66,33 @@ class FtpServerTest : public testing::Test, protected CoreDesk {
     SocketAt(0).PeerConnects();
     EXPECT_EQ(Plain(Command(client).Sent()), "220 Quellmark FTP ready...\n");
   }
-  // Lines with '|' between them; what they are answered at once.
-  std::string Say(const std::string& lines, std::size_t client = 0) {
-    Command(client).PeerSends(std::regex_replace(lines, std::regex("\\|"), "\r\n") + "\r\n");
-    return Plain(Command(client).Sent());
+  // Steps with '|' between them, and what the client gets and is told then. "+": the data
+  // connection comes about, "<x": x arrives there, ".": it is closed, "!": it breaks, "@9": so many
+  // milliseconds go by; ";" at an end: all is sent that can be. Any other is the client's line.
+  std::string Say(const std::string& steps, std::size_t client = 0) {
+    std::string lines;
+    std::istringstream each(steps + "|");
+    for (std::string step; std::getline(each, step, '|');) {
+      if (step.find_first_of("+<.!@;") != 0) {
+        lines += step + "\r\n";
+        continue;
+      }
+      if (!lines.empty()) Command(client).PeerSends(std::exchange(lines, {}));
+      if (step[0] == '<') Data(client).PeerSends(step.substr(1));
+      if (step[0] == '.') Data(client).PeerCloses();
+      if (step[0] == '@') loop.Advance(std::stoi(step.substr(1)));
+      if (step[0] == '!') Data(client).receiveError = kConnectionReset, Data(client).Receive();
+      Data(client).receiveError = 0;
+      if (step[0] == '+' && !Enter() && Data(client).GetState() == TcpSocket::State::Connecting) {
+        Data(client).Connected();
+      }
+      for (int i = 0; i < 9 && step.ends_with(';'); ++i) loop.DoEvents();
+    }
+    if (!lines.empty()) Command(client).PeerSends(lines);
+    const std::string got = Data(client).Sent();
+    return got + Plain(Command(client).Sent());
   }
-  // Each of the lines with '|' between them, alone, and what that is answered.
+  // Each of the steps alone, and what that is answered.
   using Row = std::pair<std::string, std::string>;
   void Talk(std::initializer_list<Row> rows) {
     for (const auto& [lines, reply] : rows) {
@@ -88,19 +108,6 @@ class FtpServerTest : public testing::Test, protected CoreDesk {
     SocketAt(4).PeerConnects();
     return !open();
   }
-  // The end of a transfer that runs: what the client has got then, and what it is told.
-  std::string Ends() {
-    Enter();
-    if (Data().GetState() == TcpSocket::State::Connecting) Data().Connected();
-    for (int i = 0; i < 9; ++i) loop.DoEvents();
-    const std::string got = Data().Sent();
-    return got + Answered();
-  }
-  std::string After(std::int64_t milliseconds) {
-    loop.Advance(milliseconds);
-    return Answered();
-  }
-  std::string Answered() { return Plain(Command().Sent()); }
   std::string Held(const std::string& name) { return files.contents[kScripts + name]; }
 
   RemoteSettings remote;
@@ -159,8 +166,7 @@ TEST_F(FtpServerTest, APasswordIsAskedForWhereItIsRequired) {
     EXPECT_EQ(Say(std::string("PASS ") + password), in ? kLoggedIn : kNotIn);
     EXPECT_EQ(log.back() == "User  logged in.", in);
     EXPECT_EQ(Say("NOOP"), kOk) << "all the same";
-    Command().PeerSends("half a comm");
-    Command().PeerCloses();
+    Command().PeerSends("half a comm"), Command().PeerCloses();
   }
   Connect();
   Command().PeerSends("PWD" + std::string(8000, ' '));
@@ -169,25 +175,20 @@ TEST_F(FtpServerTest, APasswordIsAskedForWhereItIsRequired) {
 
 TEST_F(FtpServerTest, ListsFoldersThenFiles) {
   Connect();
-  Say(kPort);
-  EXPECT_EQ(Say("LIST -la"), kListing);
+  Talk({{kPort, kPortDone}, {"LIST -la", kListing}, {"+;", kComplete}});  // an empty folder
   EXPECT_EQ(Data().tried.back(), std::pair(Ipv4{0x0A010203}, std::uint16_t{20000}));
-  EXPECT_EQ(Ends(), kComplete) << "an empty folder";
-
   files.listings[kScripts] = {"b.txt", "sub\\", "link@", ".h*", "a\nb"};
   files.contents[kScripts + "b.txt"] = std::string(1234, 'x');
   files.changed[kScripts + "sub"] = {2026, 11, 5, 14, 7, 0, 5};
-  EXPECT_EQ(Say("LIST"), kListing);
-  EXPECT_EQ(Ends(),
-            "drwx------ 1 user group 0  Nov 05 14:07 sub\r\n"
-            "drwx------ 1 user group 0  Feb 03 04:05 link\r\n"
-            "-rwx------ 1 user group 1234 Feb 03 04:05 b.txt\r\n"
-            "-rwx------ 1 user group 0 Feb 03 04:05 .h\r\n" +
-                kComplete);
-
+  Talk({{"LIST", kListing},
+        {"+;",
+         "drwx------ 1 user group 0  Nov 05 14:07 sub\r\n"
+         "drwx------ 1 user group 0  Feb 03 04:05 link\r\n"
+         "-rwx------ 1 user group 1234 Feb 03 04:05 b.txt\r\n"
+         "-rwx------ 1 user group 0 Feb 03 04:05 .h\r\n" +
+             kComplete}});
   files.listings[kScripts].assign(90'000, "file");  // more than a socket keeps
-  Say("LIST");
-  EXPECT_EQ(std::ranges::count(Ends(), '\r'), 90'000);
+  EXPECT_EQ(std::ranges::count(Say("LIST|+;"), '\r'), 90'000);
 }
 
 TEST_F(FtpServerTest, SendsFilesInChunks) {
@@ -203,7 +204,7 @@ TEST_F(FtpServerTest, SendsFilesInChunks) {
     for (int i = 0; i < 3; ++i) loop.DoEvents();
     EXPECT_EQ(Data().pieces, static_cast<int>((size + 1023) / 1024));
     EXPECT_EQ(Data().GetState(), TcpSocket::State::Closing);
-    EXPECT_TRUE(Ends() == contents + kComplete);
+    EXPECT_TRUE(Say("+") == contents + kComplete);
     EXPECT_EQ(files.open, 0);
   }
 }
@@ -211,21 +212,11 @@ TEST_F(FtpServerTest, SendsFilesInChunks) {
 TEST_F(FtpServerTest, StoresWhatArrivesWhereItBelongs) {
   files.contents[kScripts + "new"] = "longer";
   Connect();
-  Say(kPort);
-  EXPECT_EQ(Say("STOR new"), kSending + "new\n");
-  Data().Connected();
-  for (const char* piece : {"a", "bc"}) Data().PeerSends(piece);
-  EXPECT_EQ(Answered(), "");
-  Data().PeerCloses();
-  EXPECT_EQ(Answered() + Held("new"), kComplete + "abcger");
+  Talk({{kPort, kPortDone}, {"STOR new", kSending + "new\n"}, {"+|<a|<bc", ""}, {".", kComplete}});
+  EXPECT_EQ(Held("new"), "abcger");
   for (const std::string arrives : {"", "a", "abc"}) {
-    Say("STOR cut");
-    Data().Connected();
-    Data().PeerSends(arrives);
-    Data().receiveError = kConnectionReset;
-    Data().Receive();
-    Data().receiveError = 0;
-    EXPECT_EQ(Answered() + Held("cut"), kAborted + arrives);
+    EXPECT_EQ(Say("STOR cut|+|<" + arrives), kSending + "cut\n");
+    EXPECT_EQ(Say("!") + Held("cut"), kAborted + arrives);
     EXPECT_EQ(files.open, 0);
     files.contents.erase(kScripts + "cut");
   }
@@ -234,37 +225,28 @@ TEST_F(FtpServerTest, StoresWhatArrivesWhereItBelongs) {
 TEST_F(FtpServerTest, TransfersThatFailSaySoAndLeaveNothingOpen) {
   const std::string failed = "451 Requested action aborted: local error in processing.\n";
   const std::string full = "452 Requested action not taken.\n";
-  const auto nothing = [] {};
   const auto refused = [&] { Data().ConnectFailed(kConnectionRefused), loop.DoEvents(); };
-  const auto arrives = [&] { Data().PeerSends("abc"); };
-  const struct {
-    std::string command;
-    std::function<void()> fault;  // before there is a connection
-    std::function<void()> then;
-    std::string reply;
-  } cases[] = {
-      {"RETR f", [&] { files.locked = {kScripts + "f"}; }, nothing, kDenied},
-      {{"STOR f\0x", 8}, nothing, nothing, kDenied},
-      {"RETR f", [&] { files.readsLeft = 1; }, [&] { loop.DoEvents(); }, failed},
-      {"RETR f", nothing, [&] { files.contents[kScripts + "f"] = "cut", loop.DoEvents(); }, failed},
-      {"STOR g", [&] { files.diskLeft = 2; }, arrives, full},
-      {"STOR g", [&] { files.writesLeft = 0; }, arrives, full},
-      {"RETR f", [&] { Data().room = 0; }, [&] { Data().PeerCloses(); }, ""},
-      {"RETR f", nothing, [&] { Data().PeerCloses(), loop.DoEvents(); }, kComplete},
-      {"LIST", refused, nothing, kCannot},
-      {"RETR f", refused, nothing, kCannot},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(&c - cases);
+  // The command, what goes wrong before there is a connection, what happens then, and the reply.
+  const std::tuple<std::string, std::function<void()>, const char*, std::string> cases[] = {
+      {"RETR f", [&] { files.locked = {kScripts + "f"}; }, ";", kDenied},
+      {{"STOR f\0x", 8}, [] {}, ";", kDenied},
+      {"RETR f", [&] { files.readsLeft = 1; }, ";", failed},
+      {"RETR f", [&] { Data().Connected(), files.contents[kScripts + "f"] = "cut"; }, ";", failed},
+      {"STOR g", [&] { files.diskLeft = 2; }, "<abc", full},
+      {"STOR g", [&] { files.writesLeft = 0; }, "<abc", full},
+      {"RETR f", [&] { Data().room = 0; }, ".", ""},
+      {"RETR f", [] {}, ".|;", kComplete},
+      {"LIST", refused, ";", kCannot},
+      {"RETR f", refused, ";", kCannot}};
+  for (const auto& [command, fault, then, reply] : cases) {
+    SCOPED_TRACE(command + then);
     files.contents[kScripts + "f"] = std::string(3000, 'x');
     Connect();
-    Say(kPort);
-    Say(c.command);
-    c.fault();
-    if (Data().GetState() == TcpSocket::State::Connecting) Data().Connected();
-    c.then();
-    EXPECT_EQ(Answered(), c.reply);
-    EXPECT_EQ(files.open, c.reply.empty() ? 1 : 0);
+    Say(kPort + "|" + command);
+    fault();
+    std::string told = Say(std::string("+|") + then);
+    EXPECT_EQ(told.erase(0, told.find_first_not_of('x')), reply);
+    EXPECT_EQ(files.open, reply.empty() ? 1 : 0);
     Data().room = FakeSocketHost::kAny;
     Command().PeerCloses();
     EXPECT_EQ(files.open, 0);
@@ -282,9 +264,8 @@ TEST_F(FtpServerTest, TransfersThatFailSaySoAndLeaveNothingOpen) {
 TEST_F(FtpServerTest, WhatWouldDisturbATransferWaitsForItsEnd) {
   files.contents = {{kScripts + "f", std::string(1025, 'x')}, {kScripts + "g", "g"}};
   Connect();
-  Say(kPort + "|RETR f");
   Data().room = 0;
-  Data().Connected();
+  Say(kPort + "|RETR f|+");
   EXPECT_EQ(Say("PORT 1,2,3,4,30,0|RETR g|DELE F|NOOP|DELE none"), kOk + kDenied);
   server.RefreshClients();
   EXPECT_THAT(
@@ -293,10 +274,9 @@ TEST_F(FtpServerTest, WhatWouldDisturbATransferWaitsForItsEnd) {
   EXPECT_EQ(files.contents.count(kScripts + "f"), 1U);
   Data().room = FakeSocketHost::kAny;
   Data().SendMore();
-  loop.DoEvents();
-  EXPECT_EQ(Answered(), kComplete + kPortDone + kSending + "g\n");
+  EXPECT_EQ(Say(";"), std::string(1025, 'x') + kComplete + kPortDone + kSending + "g\n");
   EXPECT_EQ(Data().tried.back().second, 7680);
-  EXPECT_EQ(Ends(), std::string(1025, 'x') + "g" + kComplete + "250 DELE command successful.\n");
+  EXPECT_EQ(Say("+;"), "g" + kComplete + "250 DELE command successful.\n");
   Say("LIST");
   EXPECT_EQ(Say("QUIT"), kOk) << "and ends what runs";
   EXPECT_EQ(Data().GetState(), TcpSocket::State::Closed);
@@ -319,8 +299,9 @@ TEST_F(FtpServerTest, TheTableHoldsAHundredAndOne) {
   EXPECT_EQ(Say("USER bob", 50), "331 User name ok, need password.\n");
   Command(50).receiveError = kConnectionReset;
   Command(50).Receive();
-  EXPECT_EQ(log.end()[-2], "ERROR - commandSock: The other side has broken the connection (10054)");
-  EXPECT_EQ(log.back(), "User bob logged out.");
+  EXPECT_EQ(log.end()[-2] + log.back(),
+            "ERROR - commandSock: The other side has broken the connection (10054)"
+            "User bob logged out.");
   Command(50).receiveError = 0;
   Connect(50);
   server.RefreshClients();
@@ -366,15 +347,16 @@ TEST_F(FtpServerTest, AnswersWhatTodaysClientsAsk) {
       {"PASV|" + kPort, kSyntax},
       {"EPSV 1", kExtended},
       {"LIST /f", kListing},
+      {"+;", "-rwx------ 1 user group 6 Nov 05 14:07 f\r\n" + kComplete},
   });
-  EXPECT_EQ(Ends(), "-rwx------ 1 user group 6 Nov 05 14:07 f\r\n" + kComplete);
   const std::string all = "sub\r\nf\r\na.b.c\r\n";
   const Row listings[] = {{"", all},       {" -a -F /", all},      {" .", all},    {" *", all},
                           {" f", "f\r\n"}, {" ?.*c", "a.b.c\r\n"}, {" *.b", ""},   {" ..", ""},
                           {" sub/*", ""},  {" /a*", "a.b.c\r\n"},  {" a.b.c?", ""}};
   for (const auto& [what, names] : listings) {
-    EXPECT_EQ(Say("EPSV|NLST" + what), kExtended + kOpening + "file list.\n");
-    EXPECT_EQ(Ends(), names + kComplete) << what;
+    Talk({{"EPSV", kExtended},
+          {"NLST" + what, kOpening + "file list.\n"},
+          {"+;", names + kComplete}});
   }
 }
 
@@ -388,48 +370,44 @@ TEST_F(FtpServerTest, TodaysTransfers) {
   EXPECT_EQ(SocketAt(4).listensOn, Ipv4{0x0A090807}) << "where the client has connected";
   EXPECT_TRUE(Enter("10.6.6.6")) << "whoever it is, and before the command";
   EXPECT_FALSE(SocketAt(4).PeerConnects()) << "one only";
-  EXPECT_EQ(Say("REST 2000|RETR f"), "350 Restarting at 2000\n" + sending);
-  EXPECT_EQ(Ends(), "end" + kComplete);
-  Talk({{"RETR f", sending + kCannot}});
+  Talk({{"REST 2000", "350 Restarting at 2000\n"},
+        {"RETR f", "end" + sending},
+        {";", kComplete},
+        {"RETR f", sending + kCannot}});
   for (const char* rest : {"NOOP", "REST 7|REST x"}) {
     Say(std::string(rest) + "|PASV|RETR f");
-    EXPECT_EQ(Ends(), contents + kComplete);
+    EXPECT_EQ(Say("+;"), contents + kComplete);
   }
   Say("PASV|REST 2004|RETR f");
-  EXPECT_EQ(Ends(), "554 The file is shorter than that.\n");
+  EXPECT_EQ(Say("+;"), "554 The file is shorter than that.\n");
   EXPECT_EQ(Say("REST 1|STOR f"), "350 Restarting at 1\n" + kNoResuming);
 
-  EXPECT_TRUE((Say("PASV|RETR f"), Enter()));
+  Data().room = 0;
+  Say("PASV|RETR f|+");
   EXPECT_EQ(Say("PASV|REST 1|RETR f"), "") << "wait for its end";
   const std::string over = "226 ABOR command successful.\n";
-  const std::string telnet = "\xFF\xF4\xFF\xF2";
-  EXPECT_EQ(Say(telnet + "ABOR"), kAborted + over + kPassive + "350 Restarting at 1\n" + sending);
+  EXPECT_EQ(Say("\xFF\xF4\xFF\xF2"
+                "ABOR"),
+            kAborted + over + kPassive + "350 Restarting at 1\n" + sending);
   EXPECT_EQ(Say("ABOR|ABOR"), kAborted + over + over);
+  Data().room = FakeSocketHost::kAny;
   Say("PASV|RETR f");
   sockets.clientsGo = true;
-  Enter();
+  EXPECT_EQ(Say("+"), kCannot) << "he has gone before he was let in";
   sockets.clientsGo = false;
-  EXPECT_EQ(Answered(), kCannot) << "he has gone before he was let in";
 
-  EXPECT_TRUE((Say("PASV"), Enter()));
-  Data().PeerSends("new"), Data().PeerCloses();
-  EXPECT_EQ(Say("STOR f"), sending + kComplete) << "all of it was there before the command";
-  Say("PASV|STOR f");
-  EXPECT_EQ(Held("f"), "new") << "nothing of what was there before, and yet";
-  Enter(), Data().PeerCloses();
-  EXPECT_EQ(Answered() + Held("f"), kComplete);
-  Say("PASV|STOR new"), Enter(), Data().PeerCloses();
-  EXPECT_EQ(Answered(), kComplete);
+  EXPECT_EQ(Say("PASV|+|<new|.|STOR f"), kPassive + sending + kComplete) << "all of it was there";
+  EXPECT_EQ(Say("PASV|STOR f") + Held("f"), kPassive + sending + "new") << "before, and yet";
+  EXPECT_EQ(Say("+|.") + Held("f"), kComplete);
+  EXPECT_EQ(Say("PASV|STOR new|+|."), kPassive + kSending + "new\n" + kComplete);
   files.locked.insert(kScripts + "f");
-  Data().Sent(), Say("PASV|STOR f");
-  EXPECT_EQ(Ends(), kDenied);
+  Say("PASV|STOR f");
+  EXPECT_EQ(Say("+;"), kDenied);
 
-  for (const char* line : {"LIST", "STOR g"}) {
-    Say("PASV"), Enter(), Data().receiveError = kConnectionReset, Data().Receive();
-    EXPECT_TRUE(Say(line).ends_with("\n" + kAborted));
-    Data().receiveError = 0;
+  for (const std::string line : {"LIST", "STOR g"}) {
+    EXPECT_TRUE(Say("PASV|+|!|" + line).ends_with("\n" + kAborted));
   }
-  Say("PASV"), Enter(), Say("PASV");
+  Say("PASV|+|PASV");
   EXPECT_EQ(Data().GetState(), TcpSocket::State::Closed) << "it was for the other port";
   for (const std::string& line : {kPort, std::string("ABOR"), std::string("QUIT")}) {
     Say("PASV|" + line);
@@ -469,7 +447,7 @@ TEST_F(FtpServerTest, StrictKeepsToTheClientsOwn) {
   Talk({{"EPRT !1!10.1.2.4!2000!", "504 Only your own address, and ports from 1024.\n"}});
   Say("PASV|RETR /sub\\f");
   EXPECT_FALSE(Enter("10.6.6.6"));
-  EXPECT_EQ(Ends(), "x" + kComplete) << "the port waits for the client";
+  EXPECT_EQ(Say("+;"), "x" + kComplete) << "the port waits for the client";
 }
 
 TEST_F(FtpServerTest, StrictHasLimitsOfTime) {
@@ -478,41 +456,34 @@ TEST_F(FtpServerTest, StrictHasLimitsOfTime) {
   Connect(0), Connect(1);
   EXPECT_EQ(Say("PASS x|FEAT"), "");
   EXPECT_EQ(Say("PASS p", 1), "");
-  EXPECT_EQ(After(999), "");
-  EXPECT_EQ(After(2), kNotIn + kFeatures);
+  Talk({{"@999", ""}, {"@2", kNotIn + kFeatures}});
   EXPECT_EQ(Plain(Command(1).Sent()), kLoggedIn) << "not before the other";
   for (const int seconds : {1, 2, 4, 8, 16, 32, 32}) {
     EXPECT_EQ(Say("PASS x"), "") << seconds;
     Command().PeerCloses(), Connect();  // which is of no use
-    EXPECT_EQ(Say("NOOP|PASS x"), kOk);
-    EXPECT_EQ(After(seconds * 1000 - 1), "");
+    EXPECT_EQ(Say("NOOP|PASS x|@" + std::to_string(seconds * 1000 - 1)), kOk);
     Command().PeerCloses(), loop.Advance(1), Connect();
   }
-  Talk({{"PASS p", kLoggedIn}, {"PASS x", ""}});  // from the beginning again
-  loop.Advance(1000);
+  // From the beginning again, whatever the clock says.
+  Talk({{"PASS p", kLoggedIn}, {"PASS x", ""}, {"@1000", kNotIn}});
   clock.Move(-60'000);
-  EXPECT_EQ(Answered(), kNotIn);
-  EXPECT_EQ(Say("PASS p"), kLoggedIn);
-
+  Talk({{"PASS p", kLoggedIn}});
   for (const std::string& how : {kPort, std::string("PASV")}) {
     Say(how + "|LIST");
-    EXPECT_EQ(After(14'999), "");
-    EXPECT_EQ(After(1), kCannot);
+    Talk({{"@14999", ""}, {"@1", kCannot}});
   }
-  Say("PASV"), loop.Advance(15'000);
+  Say("PASV|@15000");
   EXPECT_FALSE(Enter()) << "which nobody has used";
   files.contents[kScripts + "f"] = std::string(3000, 'x');
-  loop.Advance(14 * 60'000), Say(kPort), loop.Advance(14 * 60'000);
-  Say("RETR f"), Data().Connected();
-  Data().room = 0, loop.DoEvents(), loop.Advance(14 * 60'000);
-  Data().room = 1024, Data().SendMore(), loop.DoEvents();
-  EXPECT_EQ(After(14 * 60'000), "") << "it has moved meanwhile";
-  EXPECT_EQ(After(60'000), "421 Idle for too long.\n");
+  Data().room = 0;
+  Say("@840000|" + kPort + "|@840000|RETR f|+|@840000");
+  Data().room = 1024, Data().SendMore(), Say(";");
+  Talk({{"@840000", ""}, {"@60000", "421 Idle for too long.\n"}});  // it has moved meanwhile
   EXPECT_EQ(log.back(), "User  logged out.");
   for (int i = 0; i < 2; ++i) {  // what was long ago does not count
-    loop.Advance(30'000), Connect(), Say("PASS x");
-    EXPECT_EQ(After(1000), kNotIn);
-    loop.Advance(15 * 60'000), Answered();
+    loop.Advance(30'000), Connect();
+    Talk({{"PASS x", ""}, {"@1000", kNotIn}});
+    loop.Advance(15 * 60'000), Command().Sent();
   }
 }
 

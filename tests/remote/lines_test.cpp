@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <map>
+#include <regex>
+#include <sstream>
 #include <vector>
 
 #include "platform/net/LineAssembler.h"
@@ -51,14 +54,10 @@ TEST(LineAssembler, LinesMayBeCutAnywhere) {
   for (const auto& [policy, stream, expected] : cases) {
     for (std::size_t at = 0; at <= stream.size(); ++at) {
       LineAssembler lines(policy, kLongest);
-      std::string complete;
-      for (const std::string& arrival : {stream.substr(0, at), stream.substr(at)}) {
-        lines.Feed(arrival);
-        while (const auto piece = lines.Next()) {
-          if (piece->complete) complete += "<" + piece->text + ">";
-        }
-      }
-      EXPECT_EQ(complete, expected) << at;
+      std::string pieces = Pieces(lines, stream.substr(0, at));
+      pieces += Pieces(lines, stream.substr(at));
+      // Without what has been typed.
+      EXPECT_EQ(std::regex_replace(pieces, std::regex("(^|>)[^<]*"), "$1"), expected) << at;
     }
   }
 }
@@ -74,57 +73,48 @@ TEST(LineAssembler, AnotherConnectionKeepsTheLineOnly) {
   EXPECT_EQ(Pieces(lines, "\n"), "<put back>");
 }
 
-const std::string kIac = "\xFF";
-std::string Iac(std::initializer_list<int> bytes) {
-  std::string text = kIac;
-  for (const int byte : bytes) text += static_cast<char>(byte);
-  return text;
-}
-constexpr int kSe = 240, kSb = 250, kWill = 251, kWont = 252, kDo = 253, kDont = 254;
-
-// A stream, the text in it and the answers to it; wherever it is cut.
-TEST(TelnetProtocol, TakesTelnetOutOfTheText) {
-  const struct {
-    std::string stream, text, answers;
-  } cases[] = {
-      {"ab\r\n", "ab\r\n", ""},
-      {Iac({kDo, 24}) + Iac({kWill, 31}) + Iac({kWill, 1}) + Iac({kWont, 31}) + Iac({kDont, 24}),
-       "", Iac({kWont, 24}) + Iac({kDont, 31}) + Iac({kDont, 1})},
-      // What holds already is not agreed to again.
-      {Iac({kDo, 1}) + Iac({kDo, 1}) + Iac({kDo, 3}) + Iac({kWill, 3}) + Iac({kWill, 3}) +
-           Iac({kDont, 1}) + Iac({kDont, 1}) + Iac({kDo, 1}) + Iac({kWont, 3}) + Iac({kWont, 3}),
-       "",
-       Iac({kWill, 1}) + Iac({kWill, 3}) + Iac({kDo, 3}) + Iac({kWont, 1}) + Iac({kWill, 1}) +
-           Iac({kDont, 3})},
-      {Iac({kDo, 6}) + Iac({kDo, 6}), "", Iac({kWill, 6}) + Iac({kWill, 6})},
-      {"a" + kIac + kIac + "b" + Iac({244}) + "c" + Iac({241}) + "d", "a" + kIac + "bcd", ""},
-      {"a" + Iac({kSb, 31}) + "0" + kIac + kIac + "1" + Iac({kSe}) + "b", "ab", ""}};
-  for (const auto& c : cases) {
-    for (std::size_t at = 0; at <= c.stream.size(); ++at) {
-      TelnetProtocol protocol;
-      std::string answers;
-      std::string text = protocol.Receive(c.stream.substr(0, at), answers);
-      text += protocol.Receive(c.stream.substr(at), answers);
-      EXPECT_EQ(text, c.text) << at;
-      EXPECT_EQ(answers, c.answers) << at;
-    }
+// Telnet commands in words between blanks: "do1 will3 sb31", a number is a byte, others are text.
+std::string Bytes(const std::string& words) {
+  const std::map<std::string, int> codes{{"will", 251}, {"wont", 252}, {"do", 253}, {"dont", 254}};
+  std::string bytes;
+  std::istringstream each(words);
+  for (std::string word; each >> word;) {
+    const std::size_t digits = word.find_first_of("0123456789");
+    const auto code = codes.find(word.substr(0, digits));
+    if (code != codes.end()) bytes += {'\xFF', static_cast<char>(code->second)};
+    bytes += digits == word.npos
+                 ? word
+                 : std::string(1, static_cast<char>(std::stoi(word.substr(digits))));
   }
+  return bytes;
 }
 
-TEST(TelnetProtocol, AnOfferIsTakenOrRefused) {
-  const std::tuple<std::string, bool, std::string> cases[] = {
-      {"", false, ""},
-      {Iac({kDo, 1}) + Iac({kDo, 3}) + Iac({kDo, 1}), true, ""},
-      {Iac({kDont, 1}), false, ""},
-      {Iac({kDo, 1}) + Iac({kDont, 1}), false, Iac({kWont, 1})},
-      {Iac({kDont, 1}) + Iac({kDo, 1}), true, Iac({kWill, 1})}};
-  for (const auto& [stream, echoes, expected] : cases) {
-    TelnetProtocol protocol;
-    EXPECT_EQ(protocol.OfferCharacterMode(), Iac({kWill, 1}) + Iac({kWill, 3}));
-    std::string answers;
-    protocol.Receive(stream, answers);
-    EXPECT_EQ(protocol.Echoes(), echoes);
-    EXPECT_EQ(answers, expected);
+// Whether an echo is offered; a stream, wherever it is cut, its text, the answers, who echoes.
+TEST(TelnetProtocol, TakesTelnetOutOfTheText) {
+  const std::tuple<bool, const char*, const char*, const char*, bool> cases[] = {
+      {false, "ab 13 10", "ab 13 10", "", false},
+      {false, "do24 will31 will1 wont31 dont24", "", "wont24 dont31 dont1", false},
+      // What holds already is not agreed to again.
+      {false, "do1 do1 do3 will3 will3", "", "will1 will3 do3", true},
+      {false, "do1 dont1 dont1 do1 will3 wont3 wont3", "", "will1 wont1 will1 do3 dont3", true},
+      {false, "do6 do6", "", "will6 will6", false},
+      {false, "a 255 255 b 255 244 c 255 241 d", "a 255 bcd", "", false},
+      {false, "a 255 250 31 48 255 255 49 255 240 b", "ab", "", false},
+      {true, "do1 do3 do1", "", "", true},
+      {true, "dont1", "", "", false},
+      {true, "do1 dont1", "", "wont1", false},
+      {true, "dont1 do1", "", "will1", true}};
+  for (const auto& [offers, stream, text, answers, echoes] : cases) {
+    const std::string bytes = Bytes(stream);
+    for (std::size_t at = 0; at <= bytes.size(); ++at) {
+      TelnetProtocol protocol;
+      EXPECT_TRUE(!offers || protocol.OfferCharacterMode() == Bytes("will1 will3"));
+      std::string answered;
+      std::string left = protocol.Receive(bytes.substr(0, at), answered);
+      left += protocol.Receive(bytes.substr(at), answered);
+      EXPECT_EQ(left + "|" + answered, Bytes(text) + "|" + Bytes(answers)) << at;
+      EXPECT_EQ(protocol.Echoes(), echoes) << stream;
+    }
   }
 }
 

@@ -1,4 +1,4 @@
-// Conversations byte for byte: connection, login, menu, lists, chat.
+// Conversations byte for byte: connection, login, menu, lists, chat, the task wizard.
 #include "tests/remote/RemoteDesk.h"
 
 namespace orvanto {
@@ -8,7 +8,15 @@ const std::string kWaiting = "Waiting for Connection...";
 const std::string kIdle = "shown 10.9.8.7 -N 0.0.0.0";
 const std::string kOff = "hidden 10.9.8.7 -- 0.0.0.0";
 
-class SessionTest : public testing::Test, public RemoteDesk {};
+struct SessionTest : testing::Test, RemoteDesk {
+  // Each of the lines with '|' between them, alone, and what that is answered.
+  void Talk(std::initializer_list<std::pair<std::string, std::string>> rows) {
+    for (const auto& [lines, reply] : rows) {
+      std::istringstream each(lines + "|");
+      for (std::string line; std::getline(each, line, '|');) EXPECT_EQ(Line(line), reply) << line;
+    }
+  }
+};
 
 TEST_F(SessionTest, SwitchedOnItWaitsWhereItCan) {
   std::string switched;
@@ -17,24 +25,20 @@ TEST_F(SessionTest, SwitchedOnItWaitsWhereItCan) {
   server.Restart();
   EXPECT_FALSE(server.Listening()) << "off stays off";
   server.ServerOn();
-  EXPECT_EQ(server.Port(), 600);
-  EXPECT_EQ(area.Text(), kIdle);
+  EXPECT_EQ(area.Text() + std::to_string(server.Port()), kIdle + "600");
   settings.WriteSetting(kGeneral, "Inet_ServerPort", "601");
   ASSERT_TRUE(socket.PeerConnects());
   server.Restart();
-  EXPECT_EQ(server.Port(), 601);
-  EXPECT_EQ(area.Text(), kIdle);
+  EXPECT_EQ(area.Text() + std::to_string(server.Port()), kIdle + "601");
   server.ServerOff();
   EXPECT_FALSE(server.Listening());
-  EXPECT_EQ(area.Text(), kOff);
-  EXPECT_EQ(switched, "10");
-
+  EXPECT_EQ(area.Text() + switched, kOff + "10");
   sockets.taken = {2301};
   for (const std::string port : {"1", "0", "-1", "65535", "65536", "2301"}) {
     settings.WriteSetting(kGeneral, "Inet_ServerPort", port);
     server.ServerOn();
-    EXPECT_EQ(Log(), server.Listening() ? kWaiting : "Port " + port + " cannot be used.");
     EXPECT_EQ(server.Listening(), port == "1" || port == "65535") << port;
+    EXPECT_EQ(Log(), server.Listening() ? kWaiting : "Port " + port + " cannot be used.");
   }
 }
 
@@ -47,14 +51,11 @@ TEST_F(SessionTest, AClientWithoutPasswordGetsTheMenu) {
   EXPECT_FALSE(socket.PeerConnects()) << "nothing listens while a client is there";
   EXPECT_EQ(Send("-\xFF"), "-") << "half a command";
   socket.PeerCloses();
-  EXPECT_EQ(area.Text(), kIdle);
-  EXPECT_EQ(Log(), kWaiting);
+  EXPECT_EQ(area.Text() + Log(), kIdle + kWaiting);
   // The line survives its connection; half a command does not.
   Connect();
   EXPECT_EQ(Line("5"), kMenu) << "-5";
-  server.Kick();
-  Connect();
-  Send("7");
+  server.Kick(), Connect(), Send("7");
   EXPECT_EQ(Send("\xFF\xFD\x06\r\n"), "\xFF\xFB\x06") << "before he goes";
   sockets.clientsGo = true;
   EXPECT_FALSE(socket.PeerConnects());
@@ -97,12 +98,9 @@ TEST_F(SessionTest, ThreeWrongPasswordsOverTheLifeOfTheProgram) {
 TEST_F(SessionTest, ALineIsANumber) {
   Connect();
   EXPECT_EQ(Send("3\r\n"), "3\r\n") << "echoed, and no line";
-  EXPECT_EQ(Line(""), "") << "no number: skipped";
-  for (const char* line : {"8", "99", "0", "-5", " 8 "}) EXPECT_EQ(Line(line), kMenu) << line;
-  for (const char* line : {"", "q", "1x"}) EXPECT_EQ(Line(line), "") << line;
-  // A number that is too large ends the handling of its chunk, and the line stays until it is none.
-  for (const char* line : {"99999", "8", "x"}) EXPECT_EQ(Line(line), "") << line;
-  for (int i = 0; i < 5000; ++i) EXPECT_EQ(Line("8"), kMenu);
+  // What is no number is skipped; a line whose number is too large stays until it is none.
+  Talk({{"", ""}, {"8|99|0|-5| 8 ", kMenu}, {"|q|1x", ""}, {"99999|8|x", ""}});
+  for (int i = 0; i < 5000; ++i) Talk({{"8", kMenu}});
   EXPECT_LE(Log().size(), 64U << 10);
   EXPECT_TRUE(Log().starts_with("10.1.2.3: ")) << "whole lines go";
 }
@@ -110,20 +108,28 @@ TEST_F(SessionTest, ALineIsANumber) {
 TEST_F(SessionTest, ListsAndQuestions) {
   Connect();
   const std::string back = "\r\nPress 'q' for Main Menu\r\n";
-  EXPECT_EQ(Line("3"), back + "Which task do you want to run?");
-  EXPECT_EQ(Line("q"), kMenu);
-  AddMessages({"One", "a\xFF"});
-  const std::string list = "\r\n\r\nTask List\r\n---------\r\n\r\n1) One\r\n2) a\xFF\xFF\r\n";
+  Talk({{"3", back + "Which task do you want to run?"}, {"q", kMenu}});
+  AddMessages({"One", "a\xFF", "Three"});
+  const std::string list =
+      "\r\n\r\nTask List\r\n---------\r\n\r\n1) One\r\n2) a\xFF\xFF\r\n3) Three\r\n";
   const std::pair<std::string, const char*> questions[] = {
       {"\r\nCreate a new task(y/n)?", "Create New Task"},
       {back + "Which task do you want to delete?", "Delete Task"},
       {back + "Which task do you want to run?", "Run Task"},
       {back + "Which task do you want to edit?", "Edit Task"}};
   for (int choice = 1; const auto& [question, log] : questions) {
-    EXPECT_EQ(Line(std::to_string(choice++)), list + question);
+    Talk({{std::to_string(choice++), list + question}});
     EXPECT_TRUE(Log().ends_with(log)) << log;
-    EXPECT_EQ(Line(choice == 2 ? "q" : "Q"), kMenu) << "nothing is done";
+    Talk({{choice == 2 ? "q" : "Q", kMenu}});  // nothing is done
   }
+  messageBoxes.expected = {{"Three"}};
+  const std::pair<const char*, std::string> answers[] = {
+      {"2|2", "\r\nDeleted Task: a\xFF\xFF\r\n"}, {"2|3", ""},
+      {"2|0", "\r\nDeleted Task: \r\n"},          {"3|3", ""},
+      {"3|2", "\r\nStarted Task: Three\r\n"},     {"3|-1", "\r\nStarted Task: \r\n"},
+      {"2|2", "\r\nDeleted Task: Three\r\n"}};
+  for (const auto& [lines, text] : answers) EXPECT_EQ(Lines(lines), text + kMenu);
+  EXPECT_EQ(Names(), (Texts{"One"}));
 
   // Every second script is listed.
   const std::pair<Texts, std::string> listings[] = {
@@ -132,23 +138,10 @@ TEST_F(SessionTest, ListsAndQuestions) {
       {{"hidden*", "b", "A", "_", "c"}, "A\r\nc\r\n"}};
   for (const auto& [names, text] : listings) {
     files.listings["C:\\Orvanto\\scripts\\"] = names;
-    EXPECT_EQ(Line("5"), "\r\n\r\nScripts Folder\r\n--------------\r\n\r\n" + text + back);
-    EXPECT_EQ(Line("x"), "");
-    EXPECT_EQ(Line("q"), kMenu);
+    Talk({{"5", "\r\n\r\nScripts Folder\r\n--------------\r\n\r\n" + text + back},
+          {"x", ""},
+          {"q", kMenu}});
   }
-}
-
-TEST_F(SessionTest, TasksAreDeletedAndRun) {
-  AddMessages({"One", "Two", "Three"});
-  Connect();
-  messageBoxes.expected = {{"Three"}};
-  const std::pair<const char*, std::string> cases[] = {
-      {"2|2", "\r\nDeleted Task: Two\r\n"},   {"2|3", ""},
-      {"2|0", "\r\nDeleted Task: \r\n"},      {"3|3", ""},
-      {"3|2", "\r\nStarted Task: Three\r\n"}, {"3|-1", "\r\nStarted Task: \r\n"},
-      {"2|2", "\r\nDeleted Task: Three\r\n"}};
-  for (const auto& [lines, text] : cases) EXPECT_EQ(Lines(lines), text + kMenu);
-  EXPECT_EQ(Names(), (Texts{"One"}));
 }
 
 constexpr const char* kOffer = "\xFF\xFB\x01\xFF\xFB\x03";
@@ -182,8 +175,7 @@ TEST_F(SessionTest, TodaysClientsSendLinesOrHaveTheirKeysEchoed) {
   EXPECT_EQ(Send("\xFF\xFD\x01S\xC3\xA9\n"), "**\r\n\r\n" + kMenu);
 }
 
-class StrictSessionTest : public SessionTest {
- protected:
+struct StrictSessionTest : SessionTest {
   std::string After(std::int64_t milliseconds) {
     loop.Advance(milliseconds);
     return socket.Sent();
@@ -198,16 +190,13 @@ TEST_F(StrictSessionTest, AWrongPasswordMakesEverybodyWait) {
   const std::string again = "\r\n\r\nEnter Password: ";
   Connect();
   for (const int seconds : {2, 4, 8}) {
-    EXPECT_EQ(Line("wrong"), "");
-    EXPECT_EQ(After(seconds * 1000 - 1), "");
+    EXPECT_EQ(Line("wrong") + After(seconds * 1000 - 1), "");
     EXPECT_EQ(After(1), again);
   }
   // Who does not wait for his answer is no better off.
-  Line("wrong");
-  socket.PeerCloses();
+  Line("wrong"), socket.PeerCloses();
   EXPECT_EQ(Connect(), "Enter Password: ");
-  EXPECT_EQ(Line("Secret"), "");
-  EXPECT_EQ(After(7999), "");
+  EXPECT_EQ(Line("Secret") + After(7999), "");
   loop.Advance(1);
   for (int i = 0; i < 10; ++i) loop.DoEvents();
   EXPECT_EQ(socket.Sent(), "******\r\n\r\n" + kMenu);
@@ -231,16 +220,11 @@ TEST_F(StrictSessionTest, AChatLetsNobodyInAndSilenceEnds) {
     server.StartChat();
     EXPECT_TRUE(Line("/").ends_with(kMenu));
     const int minute = 60 * 1000;
-    loop.Advance(14 * minute);
-    Send("1");
-    loop.Advance(15 * minute - 1);
+    loop.Advance(14 * minute), Send("1"), loop.Advance(15 * minute - 1);
     EXPECT_TRUE(server.Connected());
     loop.Advance(1);
     EXPECT_TRUE(server.Listening());
-    Connect();
-    Line("");
-    server.Kick();
-    loop.Advance(4000);
+    Connect(), Line(""), server.Kick(), loop.Advance(4000);
   }
 }
 
@@ -282,8 +266,7 @@ TEST_F(StrictSessionTest, ListensWhereItIsToldToAndWithoutAPasswordForThisComput
 }
 
 // A task that lets other events in while it runs, each time `meanwhile`.
-class LongTaskTest : public SessionTest {
- protected:
+struct LongTaskTest : SessionTest {
   LongTaskTest() {
     AddMessages({"One"});
     Add("Fails", "08:05", "TaskType=1 Path=bad");
@@ -323,11 +306,8 @@ TEST_F(LongTaskTest, WhatItsClientSendsMeanwhileWaitsAsItArrived) {
 TEST_F(LongTaskTest, TheNextClientIsToldNothingOfItAndKeepsHisLine) {
   for (const char* task : {"1", "2"}) {
     meanwhile = [&] {
-      Send("7");
-      Send(kCrLf);
-      socket.PeerCloses();
-      Connect();
-      socket.PeerSends("3");
+      Send("7"), Send(kCrLf), socket.PeerCloses();
+      Connect(), socket.PeerSends("3");
     };
     EXPECT_EQ(Line(task), "3");
     EXPECT_EQ(Settle(), "") << "nothing is left of what his forerunner sent";
@@ -345,23 +325,6 @@ TEST_F(LongTaskTest, AfterAScriptThatFailsNothingIsSentAndTheLineStays) {
   EXPECT_EQ(Line("q"), kMenu) << "2q is no task";
 }
 
-TEST_F(LongTaskTest, ClientsWhoComeAndGoMakeNoLongChainOfLines) {
-  int runs = 0, open = 0, most = 0;
-  execution.onRun = [&](const TaskRecord&) {
-    most = std::max(most, ++open);
-    if (++runs < 100) {
-      socket.PeerCloses();
-      Connect();
-      Lines("3|1");
-    }
-    --open;
-  };
-  Line("1");
-  Settle();
-  EXPECT_EQ(runs, 100) << "every client's turn comes";
-  EXPECT_LE(most, 10);
-}
-
 TEST_F(SessionTest, ChatStartedHere) {
   server.StartChat();
   EXPECT_FALSE(chat.Visible()) << "nobody is there";
@@ -369,49 +332,42 @@ TEST_F(SessionTest, ChatStartedHere) {
   server.StartChat();
   EXPECT_TRUE(Log().ends_with("Server Started Chat"));
   EXPECT_EQ(socket.Sent(), "\r\n\r\nServer Started Chat...\r\n\r\nPress '/' to Quit...\r\n\r\n");
-  std::string heard = Send("h");
-  heard += Send("i");
-  EXPECT_EQ(heard, "\r\nClient: hi");
-  EXPECT_EQ(Line(""), "\r\n");
+  EXPECT_EQ(Send("h"), "\r\nClient: h");
+  EXPECT_EQ(Send("i") + Line(""), "i\r\n");
   ASSERT_TRUE(chat.txtSend.Type("hello"));
   for (int i = 0; i < 2; ++i) ASSERT_TRUE(chat.txtSend.PressEnter());
   EXPECT_EQ(socket.Sent(), "\r\nServer: hello\r\n\r\nServer: \r\n");
   server.StartChat();
   EXPECT_EQ(chat.txtChat.Text(), "Client: hi\r\n\r\nServer: hello\r\n\r\nServer: \r\n");
   EXPECT_EQ(Line("/x"), "\r\n");
-  ASSERT_TRUE(chat.Close());
-  EXPECT_FALSE(chat.Visible());
+  EXPECT_TRUE(chat.Close() && !chat.Visible());
   EXPECT_EQ(Line("/"), "\r\nChat Ended by Client\r\n\r\n" + kMenu) << "it went on for the client";
   server.StartChat();
   EXPECT_EQ(chat.txtChat.Text(), "");
   socket.Sent();
-  ASSERT_TRUE(chat.cmdQuit.Press());
-  EXPECT_FALSE(chat.Visible());
+  EXPECT_TRUE(chat.cmdQuit.Press() && !chat.Visible());
   server.SendTilde();
   EXPECT_EQ(socket.Sent(), "\r\nChat Ended by Server\r\n\r\n" + kMenu + "~");
 }
 
 TEST_F(SessionTest, ChatAskedForByTheClient) {
-  const std::string asking = "\r\n\r\nAsking for Chat...\r\n";
+  const std::string asking = "\r\n\r\nAsking for Chat...\r\n", ask = "Accept Chat Request?";
   const std::string starting = "\r\n\r\nStarting Chat...\r\n\r\nPress '/' ";
   Connect();
   const auto asked = [&] {
     EXPECT_EQ(socket.Sent(), asking);
-    EXPECT_TRUE(Log().ends_with("Client Requesting Chat"));
+    EXPECT_TRUE(Log().ends_with("Client Requesting Chat") && !chat.Visible());
   };
-  messageBoxes.expected = {{"Accept Chat Request?", Answer::No, asked},
-                           {"Accept Chat Request?", Answer::Yes, asked},
-                           {"Accept Chat Request?", Answer::Yes, [&] { socket.PeerCloses(); }}};
-  EXPECT_EQ(Line("6"), kMenu);
-  EXPECT_FALSE(chat.Visible());
-  EXPECT_EQ(Line("6"), "\r\n\r\nChat Request Accepted\r\n" + starting + "to Quit...\r\n\r\n");
+  messageBoxes.expected = {{ask, Answer::No, asked},
+                           {ask, Answer::Yes, asked},
+                           {ask, Answer::Yes, [&] { socket.PeerCloses(); }}};
+  Talk(
+      {{"6", kMenu}, {"6", "\r\n\r\nChat Request Accepted\r\n" + starting + "to Quit...\r\n\r\n"}});
   EXPECT_TRUE(chat.Visible());
   EXPECT_EQ(messageBoxes.buttonsShown, Buttons::NoUnlessYes);
-  server.Kick();
-  Connect();
+  server.Kick(), Connect();
   EXPECT_EQ(Line("6"), asking);
   EXPECT_FALSE(chat.Visible()) << "he has gone";
-
   remote.chatAutoAccept = 1;
   // A switch that is turned leaves nothing of the client there.
   for (const bool on : {true, false}) {
@@ -424,6 +380,110 @@ TEST_F(SessionTest, ChatAskedForByTheClient) {
     EXPECT_EQ(area.Text(), on ? kIdle : kOff);
     EXPECT_FALSE(chat.Visible());
   }
+}
+
+const std::string kStep = "\r\n\r\n";  // what every step begins with
+const std::string kChanged = "\r\n\r\nDo you want this option changed(y/n)?";
+
+struct WizardTest : testing::Test, RemoteDesk {
+  WizardTest() {
+    files.contents = {{"C:\\Orvanto\\scripts\\Night.txt", ""}, {"C:\\x.exe", ""}};
+    Connect();
+  }
+  // What the last of the lines brings, after the step's beginning.
+  std::string Talk(const std::string& lines) {
+    const std::string reply = Lines(lines);
+    return reply.starts_with(kStep) ? reply.substr(kStep.size()) : "no step: " + reply;
+  }
+};
+
+TEST_F(WizardTest, AsksAndRejectsAndAsksAgain) {
+  AddMessages({"Taken"});
+  store.DateOrderMonthFirst = 1;
+  EXPECT_EQ(Talk("1|Y"),
+            "\r\n\r\nTask List\r\n---------\r\n\r\n1) Taken\r\n"
+            "\r\nCreate a new task(y/n)?");
+  EXPECT_EQ(Talk("y"), "\r\nEnter Name for New Task: ");
+  EXPECT_EQ(Talk("A|00:00"),
+            "\r\n\r\nOn which day(s) should this task occur?\r\n\r\n1) Once, on a certain date\r\n"
+            "2) Recurring\r\n3) One day in every month\r\n>");
+  Line("q");
+  const char *const kInvalid = "Invalid Option", *const kNoFile = "File does not exist";
+  const char* const kSelected = "Invalid Option Selected";
+  // What leads to a question, a piece of it, an answer that is not taken, and what is said then.
+  const std::array<const char*, 4> cases[] = {
+      {"", "Name", "", "No task name given"},
+      {"", "Name", "TAKEN", TaskStore::kSameSection},
+      {"|A", "24-hour", "09.30", "Invalid Time"},
+      {"|A", "(xx:xx)", "12:3", "Invalid Time"},
+      {"|A", "(xx:xx)", "00:60", "Invalid Minute selected for execution time"},
+      {"|A|00:00", "3) One", "01", kSelected},
+      {"|A|00:00|1", "(mm/dd/yyyy)", "12/31/26", "Invalid Date"},
+      {"|A|00:00|1", "(mm/dd/yyyy)", "31/12/2026", "Invalid Month given for Date"},
+      {"|A|00:00|2", "10) Every Weekend Day\r\n>", "11", kInvalid},
+      {"|A|00:00|2|10", "13) December\r\n>", "14", kInvalid},
+      {"|A|00:00|3", "(1-31)", "32", kInvalid},
+      {"|A|00:00|1|12/31/2026", "2) Run Program/Shortcut/Open File", "8", kSelected},
+      {"|A|00:00|3|1|1", "script file is not in the home directory", "none.txt", kNoFile},
+      {"|A|00:00|3|1|2", "program, shortcut or file", "", kNoFile},
+      {"|A|00:00|3|1|3", "print", "z", kNoFile},
+      {"|A|00:00|3|1|7", "it must be preceeded by a path)", "none.wav", kNoFile},
+      {"|A|00:00|3|1|2|c:\\x.exe|", "6) Hidden\r\n>", "7", kSelected}};
+  for (const auto& [answers, piece, refused, message] : cases) {
+    const std::string question = Talk(std::string("1|y") + answers);
+    EXPECT_NE(question.find(piece), std::string::npos) << question;
+    EXPECT_EQ(Talk(refused), "\r\n" + std::string(message) + "\r\n" + question) << refused;
+    Line("q");
+  }
+  EXPECT_TRUE(Talk("1|y|A|00:00|3|1|6").starts_with("Enter the message"));
+  store.DateOrderMonthFirst = 0;
+  EXPECT_TRUE(Talk("q|1|y|A|00:00|1").ends_with("(dd/mm/yyyy)?"));
+  EXPECT_EQ(Talk("q|1|y|A|00:00|3|1|4|maybe"), "Keep this task(y/n)?");
+  for (const char* lines : {"n", "1|n"}) EXPECT_EQ(Talk(lines), kMenu);
+  EXPECT_EQ(store.NoTasks(), 1);
+}
+
+TEST_F(WizardTest, AnEditChangesWhatItIsToldTo) {
+  AddMessages({"Old"});
+  EXPECT_EQ(Talk("1|y|Date|23:59|1|31/12/2026|2|c:\\x.exe|-a|2|y"), kMenu);
+  EXPECT_EQ(Talk("1|y|N|08:05|3|7|5|y"), kMenu);
+  const RegistryTree before = registry.Tree();
+  const std::string days = "\r\nCurrent Option for on what days this Task should occur:\r\n\r\n";
+  const std::string name = "\r\nCurrent Task Name: ", keep = "Keep these changes(y/n)?";
+  const std::string time = "\r\nCurrent Time for Task: 08:05" + kChanged;
+  const std::string type = "\r\nCurrent Task Type: Popup Message" + kChanged;
+  const std::pair<const char*, std::string> talk[] = {
+      {"4|1", name + "Old" + kChanged},
+      {"maybe", name + "Old" + kChanged},
+      {"n", time},
+      {"n", days + "Every Day In Every Month" + kChanged},
+      {"n", type},
+      {"n", keep},
+      {"what", kStep + keep},
+      {"y", kStep + kMenu},
+      {"4|2|n|n", days + "Occurs only on this day: 31-12-2026" + kChanged},
+      {"n|n|y", kStep + kMenu},
+      {"4|3|n|n", days + "Occurs this day in every Month: 7" + kChanged},
+      {"n|n|y", kStep + kMenu},
+      // A slot that is none is edited as well, and cannot be kept.
+      {"4|9", name + kChanged},
+      {"n|n|n|n|y", kStep + "No task name given\r\n" + kMenu},
+      // Up to here nothing has been changed.
+      {"4|1|y", "\r\nEnter Name for New Task: "},
+      {"Old", kStep + time},
+      {"y|24:00", kStep + "\r\nInvalid Hour selected for execution time\r\n" + time},
+      {"n|y|3|15", kStep + type},
+      {"y|6|New text|y", kStep + kMenu},
+      // A new task has nothing to do with the one before.
+      {"4|2|n|n|n|n|y", kStep + kMenu},
+      {"1|y|New|00:00|3|1|3|c:\\x.exe", "Keep this task(y/n)?"},
+      {"y", kMenu}};
+  for (const auto& [answers, reply] : talk) {
+    EXPECT_TRUE(std::string(answers) != "4|1|y" || registry.Tree() == before);
+    EXPECT_EQ(Talk(answers), reply) << answers;
+  }
+  EXPECT_EQ(Told(1), "Old | Popup Message | 08:05 on Day Number: 15, New text  1 G");
+  EXPECT_EQ(Told(4), "New | Print File | 00:00 on Day Number: 1, c:\\x.exe  1 General");
 }
 
 }  // namespace
