@@ -53,17 +53,32 @@ struct DownloadDesk : CoreDesk {
     if (Http().GetState() == TcpSocket::State::Connecting) Http().Connected();
     return Http().Sent();
   }
-  // Pieces between bars; "~" ends a line. A connection that is begun anew meanwhile is made.
+  // Pieces between bars; "~" ends a line. A connection that is begun anew meanwhile is made, but
+  // for acts: "@P" pauses or resumes, "@S" stops, "@u" closes the window, "@n" connects; the other
+  // side closes the connection by "@." and breaks it by "@!"; a second passes by "@t".
   void Hear(const std::string& pieces) {
     std::istringstream rest(pieces);
     for (std::string piece; std::getline(rest, piece, '|');) {
       for (std::size_t at; (at = piece.find('~')) != std::string::npos;) {
         piece.replace(at, 1, kCrLf);
       }
-      if (Http().GetState() == TcpSocket::State::Connecting) Http().Connected();
-      if (Http().GetState() == TcpSocket::State::Connected) Http().PeerSends(piece);
+      const bool acts = piece.starts_with('@');
+      if (acts) Act(piece[1]);
+      if (!acts && Http().GetState() == TcpSocket::State::Connecting) Http().Connected();
+      if (!acts && IsConnected()) Http().PeerSends(piece);
     }
   }
+  void Act(char what) {
+    if (what == 'P') window.cmdPause.Press();
+    if (what == 'S') window.cmdStop.Press();
+    if (what == 'u') window.Close();
+    if (what == 'n') Http().Connected();
+    if (what == '.' && IsConnected()) Http().PeerCloses();
+    if (what == '!') Http().receiveError = 10054, Http().Receive();
+    if (what == 't') loop.Advance(1000);
+    Http().receiveError = 0;
+  }
+  bool IsConnected() { return Http().GetState() == TcpSocket::State::Connected; }
   void Expect(const std::string& text, Answer answer = Answer::Ok) {
     messageBoxes.expected.push_back({text, answer});
   }

@@ -1,6 +1,10 @@
-#include <utility>
+#include <array>
 #include <vector>
 
+#include "download/frmFetchwellOptions.h"
+#include "download/frmFtpOptions.h"
+#include "download/frmProxy.h"
+#include "download/frmSave.h"
 #include "tests/download/DownloadDesk.h"
 
 namespace orvanto {
@@ -13,55 +17,50 @@ std::string RequestFor(const std::string& path, const std::string& range, const 
          "User-Agent: Tarnwell Downloader\r\nReferer: " + host + "\r\nHost: " + host + "\r\n\r\n";
 }
 
-// What is on the disk, the rollback and its amount, and the line of the request.
+// What is on the disk, the rollback ("!": as today) and its amount, the bytes that are asked for.
 TEST(Download, AsksForTheRest) {
-  const struct {
-    std::size_t length;
-    const char* rollback;
-    const char* amount;
-    const char* range;
-    bool compat = false;
-  } kCases[] = {{0, "", "", "Range: bytes=0-\r\n"},
-                {5000, "0", "1024", "Range: bytes=5000-\r\n"},
-                {5000, "1", "1024", "Range: bytes=3976-\r\n"},
-                {5000, "1", "5000", "Range: bytes=5000-\r\n"},
-                {5000, "-1", "many", "Range: bytes=3976-\r\n"},
-                {5000, "x", "1", "Range: bytes=5000-\r\n"},
-                {10'000'001, "0", "", "Range: bytes=1E+07-\r\n"},
-                {10'000'001, "0", "", "Range: bytes=10000001-\r\n", true}};
-  for (const auto& [length, rollback, amount, range, compat] : kCases) {
+  const std::tuple<std::size_t, const char*, const char*, std::string> cases[] = {
+      {0, "", "", "0-"},
+      {5000, "0", "1024", "5000-"},
+      {5000, "1", "1024", "3976-"},
+      {5000, "1", "5000", "5000-"},
+      {5000, "-1", "many", "3976-"},
+      {5000, "x", "1", "5000-"},
+      {10'000'001, "0", "", "1E+07-"},
+      {10'000'001, "0!", "", "10000001-"}};
+  for (const auto& [length, rollback, amount, bytes] : cases) {
     DownloadDesk desk;
-    desk.switches.compat = compat;
+    desk.switches.compat = rollback == std::string("0!");
     desk.files.contents[kPath] = std::string(length, 'o');
     desk.settings.WriteSetting("Internet", "Rollback", rollback);
     desk.settings.WriteSetting("Internet", "Rollback Amount", amount);
-    EXPECT_EQ(desk.Begin(), RequestFor("/dir/file", range, "host"));
+    EXPECT_EQ(desk.Begin(), RequestFor("/dir/file", "Range: bytes=" + bytes + "\r\n", "host"));
   }
   DownloadDesk desk;
   EXPECT_EQ(desk.Begin("HTTP://host//a b?c"), RequestFor("//a b?c", "", "host"));
   EXPECT_EQ(desk.Http().tried.back(), std::pair(Ipv4{0x01020304}, std::uint16_t{80}));
 }
 
-// What is there, what arrives before the other side closes (in pieces between bars, "~" ends a
-// line), what is there then, and how it ends.
-struct Stream {
-  const char* before;
-  std::string pieces;
-  std::string outcome;
-};
+// What is there at the end and how it ends, and after which arrivals, as Hear takes them.
+using Streams = std::vector<std::pair<std::string, Texts>>;
 
-void RunAll(const std::vector<Stream>& streams, bool compat) {
-  for (const auto& [before, pieces, outcome] : streams) {
-    DownloadDesk desk;
-    desk.switches.compat = compat;
-    if (*before != '\0') desk.files.contents[kPath] = before;
-    desk.files.diskLeft = 30;
-    desk.messageBoxes.answersAll = true;
-    desk.Begin();
-    desk.Hear(pieces);
-    if (desk.Http().GetState() == TcpSocket::State::Connected) desk.Http().PeerCloses();
-    EXPECT_EQ(desk.File() + desk.ends, outcome) << pieces;
+void RunAll(bool compat, const std::string& before, const Streams& streams) {
+  for (const auto& [outcome, arrivals] : streams) {
+    for (const std::string& pieces : arrivals) {
+      DownloadDesk desk;
+      desk.switches.compat = compat;
+      if (!before.empty()) desk.files.contents[kPath] = before;
+      desk.files.diskLeft = 30;
+      desk.messageBoxes.answersAll = true;
+      desk.Begin();
+      desk.Hear(pieces + "|@.");
+      EXPECT_EQ(desk.File() + desk.ends, outcome) << pieces;
+    }
   }
+}
+
+std::string EndedAt(const std::string& byte) {
+  return "[The connection ended at byte " + byte + ".]";
 }
 
 TEST(Download, PutsEveryByteWhereItBelongs) {
@@ -69,92 +68,75 @@ TEST(Download, PutsEveryByteWhereItBelongs) {
   const std::string typed = "HTTP/1.0 200 OK~content-type: x~~";
   const std::string part = "HTTP/1.1 206 Partial Content~Content-Type: x~Content-Length: ";
   RunAll(
-      {{"", ok + "0123456789", "0123456789[whole]"},
-       {"", ok + "|01|content-type: ", "01content-type: [The connection ended at byte 16 of 10.]"},
-       {"", ok + "0123", "0123[The connection ended at byte 4 of 10.]"},
-       {"", typed + "404 not found", "404 not found[whole]"},
-       {"", "plain| data", "plain data[whole]"},
-       {"", "Content-Type: never ends", "Content-Type: never ends[whole]"},
-       {"", typed, "[whole]"},
-       {"", "", "none[The server has sent nothing.]"},
-       {"abcdef", "", "abcdef[The server has sent nothing.]"},
-       {"", typed + std::string(31, 'x'),
-        "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxx[The file cannot be written.]"},
-       {"", "HTTP/1.1 200 OK~content-length:12~Content-Type: x~~0123",
-        "0123[The connection ended at byte 4 of 12.]"},
-       {"abcdef", part + "99999999999999999999~~ghij",
-        "abcdefghij[The connection ended at byte 10 of 18446744073709551615.]"},
-       {"", "HTTP/1.1 404 Not Found~Content-Type: x~~sorry", "none[File Not Found]"},
-       {"abcdef", part + "4~~ghij", "abcdefghij[whole]"},
-       {"abcdef", part + "4~Content-Range: bytes 6-9/10~~ghij", "abcdefghij[whole]"},
-       {"abcdef", part + "4~Content-Range:  bytes 0-9/10~~ghij", "abcdef[No Resuming Support]"},
-       {"abcdef", ok + "206 partial content", "abcdef[No Resuming Support]"},
-       {"abcdef", "no header", "abcdefno header[whole]"}},
-      false);
+      false, "",
+      {{"0123456789[whole]", {ok + "0123456789"}},
+       {"01content-type: " + EndedAt("16 of 10"), {ok + "|01|content-type: "}},
+       {"0123" + EndedAt("4 of 10"), {ok + "0123"}},
+       {"404 not found[whole]", {typed + "404 not found"}},
+       {"plain data[whole]", {"plain| data"}},
+       {"Content-Type: never ends[whole]", {"Content-Type: never ends"}},
+       {"[whole]", {typed}},
+       {"none[The server has sent nothing.]", {""}},
+       {std::string(30, 'x') + "[The file cannot be written.]", {typed + std::string(31, 'x')}},
+       {"0123" + EndedAt("4 of 12"), {"HTTP/1.1 200 OK~content-length:12~Content-Type: x~~0123"}},
+       {"none[File Not Found]", {"HTTP/1.1 404 Not Found~Content-Type: x~~sorry"}}});
+  RunAll(false, "abcdef",
+         {{"abcdef[The server has sent nothing.]", {""}},
+          {"abcdefghij" + EndedAt("10 of 18446744073709551615"),
+           {part + "99999999999999999999~~ghij"}},
+          {"abcdefghij[whole]", {part + "4~~ghij", part + "4~Content-Range: bytes 6-9/10~~ghij"}},
+          {"abcdef[No Resuming Support]",
+           {part + "4~Content-Range:  bytes 0-9/10~~ghij", ok + "206 partial content"}},
+          {"abcdefno header[whole]", {"no header"}}});
 }
 
 // The same with today's servers.
 TEST(Download, BelievesWhatTheHeaderSays) {
-  const std::string part = "HTTP/1.1 206 x~content-range:\tBytes ";
+  const std::string ok = "HTTP/1.1 200 x~", part = "HTTP/1.1 206 x~content-range:\tBytes ";
   const auto to = [](const char* status, const std::string& location) {
     return "HTTP/1.1 " + std::string(status) + " x~location: " + location + "~~|";
   };
-  const auto moved = [](const char* there) {
-    return std::string(
-               "none[The file has moved to an address that cannot be fetched from (https is "
-               "not spoken): ") +
-           there + "]";
-  };
-  RunAll(
-      {{"", "hTTp/1.0 200\ncontent-LENGTH : 4\n\n0123", "0123[whole]"},
-       {"", "HTTP/1.1 102 a~x: y~~HTTP/1.1 100 b~~HTTP/1.1 200 c~~|01", "01[whole]"},
-       {"", "HTTP/1.1 200 x~Content-Length: 4~~012", "012[The connection ended at byte 3 of 4.]"},
-       {"", "HTTP/1.1 200 x~X-Content-Length: 9~~012", "012[whole]"},
-       {"", "HTTP/1.1 200 x~Content-Length: 0~~", "[whole]"},
-       {"", "HTTP/1.1 404 gone~~sorry", "none[File Not Found]"},
-       {"", "HTTP/1.1 403 No~~sorry",
-        "none[The server does not send the file. It says: HTTP/1.1 403 No]"},
-       {"", "HTTP/1.1 304 x~~", "none[The server does not send the file. It says: HTTP/1.1 304 x]"},
-       {"", "HT|ML", "none[The server's answer is no HTTP response.]"},
-       {"", "HTTP/1.1 200 OK~x: y~", "none[The server's answer is no HTTP response.]"},
-       {"", "HTTP/1.1 200 " + std::string(64 << 10, 'x') + "~~01",
-        "none[The server's answer is no HTTP response.]"},
-       {"", "HTTP/1.1 OK~~", "none[The server's answer is no HTTP response.]"},
-       {"abcdef", "", "abcdef[The server's answer is no HTTP response.]"},
-       {"abcdef", part + "6-9/10~Content-Length: 9~~ghij", "abcdefghij[whole]"},
-       {"abcdef", part + "6-9/*~Content-Length: 9~~ghij",
-        "abcdefghij[The connection ended at byte 10 of 15.]"},
-       {"abcdef", part + "5-9/10~~ghij", "abcdef[No Resuming Support]"},
-       {"abcdef", part + "*/10~~ghij", "abcdef[No Resuming Support]"},
-       {"abcdef", part + "6-9/5~~ghij", "abcdef[No Resuming Support]"},
-       {"", "HTTP/1.1 200 x~Content-Range: bytes 0-1/2~~0123", "0123[whole]"},
-       {"", "HTTP/1.1 204 x~~", "none[The server does not send the file. It says: HTTP/1.1 204 x]"},
-       {"abcdef", "HTTP/1.1 200 OK~~ghij", "abcdef[No Resuming Support]"},
-       {"abcdef", "HTTP/1.1 416 x~Content-Range: bytes */6~~", "abcdef[whole]"},
-       {"abcdef", "HTTP/1.1 416 x~Content-Range: bytes */5~~",
-        "abcdef[The server does not send the file. It says: HTTP/1.1 416 x]"},
-       {"", to("302", "/x") + to("301", "y?a/b") + "HTTP/1.1 200 x~~01", "01[whole]"},
-       {"", "HTTP/1.1 302 x~~sorry",
-        "none[The server does not send the file. It says: HTTP/1.1 302 x]"},
-       {"", to("302", "https://u:p@host/x"), moved("https://host/x")},
-       {"", to("302", "http://host:0/x"), moved("http://host:0/x")},
-       {"", to("302", "/\x01"), moved("http://host/\x01")},
-       {"",
-        to("301", "1") + to("302", "2") + to("303", "3") + to("307", "4") + to("308", "5") +
-            to("302", "6"),
-        "none[The server sends the download from one address to the next, at last to "
-        "http://host/dir/6]"}},
-      true);
+  const std::string moved =
+      "none[The file has moved to an address that cannot be fetched from (https is not spoken): ";
+  const std::string no = "[The server does not send the file. It says: HTTP/1.1 ";
+  const std::string html = "[The server's answer is no HTTP response.]";
+  RunAll(true, "",
+         {{"0123[whole]",
+           {"hTTp/1.0 200\ncontent-LENGTH : 4\n\n0123", ok + "Content-Range: bytes 0-1/2~~0123"}},
+          {"01[whole]",
+           {"HTTP/1.1 102 a~x: y~~HTTP/1.1 100 b~~HTTP/1.1 200 c~~|01",
+            to("302", "/x") + to("301", "y?a/b") + ok + "~01"}},
+          {"012" + EndedAt("3 of 4"), {ok + "Content-Length: 4~~012"}},
+          {"012[whole]", {ok + "X-Content-Length: 9~~012"}},
+          {"[whole]", {ok + "Content-Length: 0~~"}},
+          {"none[File Not Found]", {"HTTP/1.1 404 gone~~sorry"}},
+          {"none" + no + "403 No]", {"HTTP/1.1 403 No~~sorry"}},
+          {"none" + no + "304 x]", {"HTTP/1.1 304 x~~"}},
+          {"none" + no + "204 x]", {"HTTP/1.1 204 x~~"}},
+          {"none" + no + "302 x]", {"HTTP/1.1 302 x~~sorry"}},
+          {"none" + html,
+           {"HT|ML", ok + "x: y~", "HTTP/1.1 200 " + std::string(64 << 10, 'x') + "~~01",
+            "HTTP/1.1 OK~~"}},
+          {moved + "https://host/x]", {to("302", "https://u:p@host/x")}},
+          {moved + "http://host:0/x]", {to("302", "http://host:0/x")}},
+          {moved + "http://host/\x01]", {to("302", "/\x01")}},
+          {"none[The server sends the download from one address to the next, at last to "
+           "http://host/dir/6]",
+           {to("301", "1") + to("302", "2") + to("303", "3") + to("307", "4") + to("308", "5") +
+            to("302", "6")}}});
+  RunAll(true, "abcdef",
+         {{"abcdef" + html, {""}},
+          {"abcdefghij[whole]", {part + "6-9/10~Content-Length: 9~~ghij"}},
+          {"abcdefghij" + EndedAt("10 of 15"), {part + "6-9/*~Content-Length: 9~~ghij"}},
+          {"abcdef[No Resuming Support]",
+           {part + "5-9/10~~ghij", part + "*/10~~ghij", part + "6-9/5~~ghij", ok + "~ghij"}},
+          {"abcdef[whole]", {"HTTP/1.1 416 x~Content-Range: bytes */6~~"}},
+          {"abcdef" + no + "416 x]", {"HTTP/1.1 416 x~Content-Range: bytes */5~~"}}});
 }
 
 // An address, where that sends us on to, where we connect to then, and what we ask for.
 TEST(Download, GoesWhereTheServerSaysThatTheFileIs) {
-  const struct {
-    const char* url;
-    const char* location;
-    std::uint16_t port;
-    std::string request;
-  } kCases[] = {
+  const std::tuple<const char*, std::string, std::uint16_t, std::string> cases[] = {
       {"http://host:8080/a b/file", "../x?y#z", 8080,
        RequestFor("/a%20b/../x?y", kRest, "host:8080")},
       {"http://host:8080/a?b/file", "?d", 8080, RequestFor("/a?d", kRest, "host:8080")},
@@ -165,12 +147,11 @@ TEST(Download, GoesWhereTheServerSaysThatTheFileIs) {
       {"http://host/a/file", "http://host?b", 80, RequestFor("/?b", kRest, "host")}};
   DownloadDesk desk;
   desk.files.contents[kPath] = "abcdef";
-  for (const auto& [url, location, port, request] : kCases) {
+  for (const auto& [url, location, port, request] : cases) {
     desk.switches.compat = true;
     desk.Begin(url);
     desk.switches.compat = false;
-    desk.Hear(std::string("HTTP/1.1 307 x~Location: ") + location + "~~");
-    desk.Http().Connected();
+    desk.Hear("HTTP/1.1 307 x~Location: " + location + "~~|@n");
     EXPECT_EQ(desk.Http().Sent(), request);
     EXPECT_EQ(desk.Http().tried.back().second, port);
     EXPECT_TRUE(desk.window.cmdStop.Press());
@@ -203,73 +184,49 @@ TEST(Download, TakesAHeaderThatIsCutAnywhere) {
   EXPECT_EQ(desk.window.lblSize.Text(), "Unknown");
 }
 
-// What arrives before the figures say that it is complete and what after that ("!" breaks the
-// connection), and how it ends: by what was told of the length, whatever the figures say.
+// What arrives before the figures say that it is complete, what after that, and how it ends.
 TEST(Download, EndsWithTheLastByteWhateverTheFiguresSay) {
-  const std::string other = "X-Content-Length: 4\r\n";
-  const struct {
-    std::string header;
-    const char* early;
-    const char* late;
-    const char* ends;
-  } kCases[] = {{kHeader, "12345678", "!", "012345678[The connection ended at byte 9 of 10.]"},
-                {kHeader, "12345678!!", "", "012345678!![The connection ended at byte 11 of 10.]"},
-                {other + kHeader, "123", "456789", "0123456789[whole]"}};
-  for (const auto& [header, early, late, ends] : kCases) {
+  const std::string header = kHeader, other = "X-Content-Length: 4\r\n" + header;
+  const std::array<std::string, 3> cases[] = {
+      {header + "0|@t|12345678|@t", "@!", "012345678[The connection ended at byte 9 of 10.]"},
+      {header + "0|@t|12345678!!|@t", "", "012345678!![The connection ended at byte 11 of 10.]"},
+      {other + "0|@t|123|@t", "456789", "0123456789[whole]"}};
+  for (const auto& [early, late, ends] : cases) {
     DownloadDesk desk;
     desk.Begin();
-    desk.Http().PeerSends(header + "0");
-    desk.loop.Advance(1000);
-    desk.Http().PeerSends(early);
-    desk.loop.Advance(1000);
+    desk.Hear(early);
     EXPECT_EQ(desk.Shown(), "---x Download Completed");
-    desk.Http().receiveError = *late == '!' ? 10054 : 0;
-    if (*late == '!') {
-      desk.Http().Receive();
-    } else if (*late != '\0') {
-      desk.Http().PeerSends(late);
-    }
+    desk.Hear(late);
     EXPECT_EQ(desk.File() + desk.ends, ends);
     EXPECT_EQ(desk.Http().GetState(), TcpSocket::State::Closed);
   }
 }
 
 // The figures say early that it is complete; the last bytes still come.
-TEST(Download, ShowsCompletionEarlyAndKeepsTheLastByte) {
+TEST(Download, ShowsCompletionEarlyAndSavesACopyOfTheFinishedFile) {
   DownloadDesk desk;
   const frmDownload& window = desk.window;
   desk.Begin();
-  desk.Http().PeerSends("HTTP/1.1 200 OK\r\nContent-Length: 204800\r\nContent-Type: x\r\n\r\n");
-  desk.loop.Advance(1000);
-  desk.Http().PeerSends(std::string(1999, 'x'));
-  desk.loop.Advance(1000);
-  EXPECT_EQ(desk.Shown(), "-xx- box");
-  EXPECT_EQ(window.lblRecieve.Text() + " of " + window.lblSize.Text(), "1.95 KB of 200.00 KB");
-  EXPECT_EQ(window.picDownloadProgress.Drawings().front().text, "1%");
-  EXPECT_EQ(window.lblSpeed.Text() + " " + window.lblElapsed.Text(), "2.00 Kbps 00:00:01");
-  EXPECT_EQ(window.lblRemaining.Text(), "00:01:39");
-  desk.Http().PeerSends(std::string(204800 - 2000, 'x'));
-  desk.loop.Advance(1000);
+  desk.Hear("HTTP/1.1 200 OK~Content-Length: 204800~Content-Type: x~~|@t|" +
+            std::string(1999, 'x') + "|@t");
+  EXPECT_FALSE(desk.window.mnuSave.Choose());
+  EXPECT_EQ(desk.Shown() + " " + window.lblRecieve.Text() + " of " + window.lblSize.Text(),
+            "-xx- box 1.95 KB of 200.00 KB");
+  EXPECT_EQ(window.picDownloadProgress.Drawings().front().text + " " + window.lblSpeed.Text(),
+            "1% 2.00 Kbps");
+  EXPECT_EQ(window.lblElapsed.Text() + " " + window.lblRemaining.Text(), "00:00:01 00:01:39");
+  desk.Hear(std::string(204800 - 2000, 'x') + "|@t");
   EXPECT_EQ(desk.Shown() + window.lblSpeed.Text() + desk.ends, "---x Download Completed0");
-  desk.Http().PeerSends("9");
+  desk.Hear("9");
   EXPECT_EQ(desk.File().substr(204798) + desk.ends, "x9[whole]");
   EXPECT_TRUE(desk.window.cmdRun.Press());
   EXPECT_EQ(desk.done.back(), "Open C:\\Orvanto\\file in '' 1");
-}
-
-TEST(Download, SavesACopyOfTheFinishedFile) {
-  DownloadDesk desk;
-  desk.Begin();
-  EXPECT_FALSE(desk.window.mnuSave.Choose());
-  desk.Http().PeerSends(kHeader + std::string("0123456789"));
-  desk.Http().PeerCloses();
   desk.window.Open();
   EXPECT_TRUE(desk.window.mnuSave.Choose());
-  desk.downloads.BeginDownload("http://host/next");
-  desk.loop.DoEvents();
+  desk.Begin("http://host/next");
   desk.downloads.save.txtPath.Type("C:\\copy");
   desk.downloads.save.cmdOK.Press();
-  EXPECT_EQ(desk.files.contents["C:\\copy"], "0123456789");
+  EXPECT_TRUE(desk.files.contents["C:\\copy"] == desk.File());
 }
 
 TEST(Download, WaitsForTheOneBefore) {
@@ -278,8 +235,7 @@ TEST(Download, WaitsForTheOneBefore) {
   desk.downloads.BeginDownload(" ftp://host ");
   desk.downloads.BeginDownload("http://host/second");
   desk.window.StartUpdate("http://host/other");
-  desk.Http().PeerSends(kHeader + std::string("0123456789"));
-  desk.Http().PeerCloses();
+  desk.Hear(kHeader + std::string("0123456789|@."));
   EXPECT_FALSE(desk.window.Loaded());
   desk.messageBoxes.expected.push_back(
       {"This is no address of a file that can be downloaded.\r\nftp://host", Answer::Ok,
@@ -293,49 +249,28 @@ TEST(Download, WaitsForTheOneBefore) {
   EXPECT_EQ(desk.ends, "[whole][This is no address of a file that can be downloaded.]");
 }
 
-// Each button in each state: what it does to what is shown and to the connection.
+// Each button in each state: what is shown, the connection's state and how it ends, after which
+// steps. "h" is the header, "d" data; the others are acts.
 TEST(Download, ButtonsDoWhatTheStateAllows) {
-  using State = TcpSocket::State;
-  const struct {
-    const char* steps;  // h header, d data, P pause or resume, S stop, c closes, e fails, u unloads
-    const char* shown;
-    State state;
-    const char* ends;
-  } kCases[] = {
-      {"", "-xx- box", State::Connected, ""},
-      {"P", "-xx- box", State::Connected, ""},
-      {"S", "x--- Download Aborted", State::Closed, "[Download Aborted]"},
-      {"hd", "-xx- box", State::Connected, ""},
-      {"hdP", "-x-- Download Paused", State::Closed, ""},
-      {"hdPS", "-x-- Download Paused", State::Closed, ""},
-      {"hdPP", "-xx- box", State::Connecting, ""},
-      {"hdPPS", "x--- Download Aborted", State::Closed, "[Download Aborted]"},
-      {"hdPPnS", "x--- Download Aborted", State::Closed, "[Download Aborted]"},
-      {"hdS", "x--- Download Aborted", State::Closed, "[Download Aborted]"},
-      {"hde", "-xx- box", State::Failed, ""},
-      {"hdeS", "x--- Download Aborted", State::Closed, "[Download Aborted]"},
-      {"hdeP", "-x-- Download Paused", State::Closed, ""},
-      {"hdu", "---- Download Aborted", State::Closed, "[Download Aborted]"},
-      {"hdPu", "---- Download Aborted", State::Closed, "[Download Aborted]"},
-      {"hdc", "---- Download Completed", State::Closed, "[The connection ended at byte 5 of 10.]"}};
-  for (const auto& [steps, shown, state, ends] : kCases) {
-    DownloadDesk desk;
-    desk.Begin();
-    for (const char step : std::string(steps)) {
-      if (step == 'h') desk.Http().PeerSends(kHeader);
-      if (step == 'd') desk.Http().PeerSends("01234");
-      if (step == 'n') desk.Http().Connected();
-      if (step == 'P') desk.window.cmdPause.Press();
-      if (step == 'S') desk.window.cmdStop.Press();
-      if (step == 'c') desk.Http().PeerCloses();
-      if (step == 'u') desk.window.Close();
-      desk.Http().receiveError = step == 'e' ? 10054 : 0;
-      if (step == 'e') desk.Http().Receive();
-      desk.loop.Advance(1000);
+  const std::pair<const char*, Texts> cases[] = {
+      {"-xx- box 3", {"", "P", "hd"}},
+      {"-x-- Download Paused 0", {"hdP", "hdPS", "hd!P"}},
+      {"-xx- box 2", {"hdPP"}},
+      {"-xx- box 5", {"hd!"}},
+      {"x--- Download Aborted 0[Download Aborted]", {"S", "hdS", "hdPPS", "hdPPnS", "hd!S"}},
+      {"---- Download Aborted 0[Download Aborted]", {"hdu", "hdPu"}},
+      {"---- Download Completed 0[The connection ended at byte 5 of 10.]", {"hd."}}};
+  for (const auto& [shown, walks] : cases) {
+    for (const std::string& steps : walks) {
+      DownloadDesk desk;
+      desk.Begin();
+      for (const char step : steps) {
+        desk.Hear(step == 'h' ? kHeader : step == 'd' ? "01234" : std::string("@") + step);
+        desk.loop.Advance(1000);
+      }
+      const int state = static_cast<int>(desk.Http().GetState());
+      EXPECT_EQ(desk.Shown() + " " + std::to_string(state) + desk.ends, shown) << steps;
     }
-    EXPECT_EQ(desk.Shown(), shown) << steps;
-    EXPECT_EQ(desk.Http().GetState(), state) << steps;
-    EXPECT_EQ(desk.ends, ends) << steps;
   }
 }
 
@@ -345,60 +280,49 @@ TEST(Download, GoesOnAfterAPauseWhereTheFileEnds) {
   desk.settings.WriteSetting("Internet", "Rollback", "1");
   desk.settings.WriteSetting("Internet", "Rollback Amount", "2");
   desk.Begin();
-  desk.Http().PeerSends(kHeader + std::string("01234"));
-  desk.window.cmdPause.Press();
+  desk.Hear(kHeader + std::string("01234|@P"));
   desk.window.txtURL.Type("http://else/where");
-  desk.window.cmdPause.Press();
-  desk.Http().Connected();
+  desk.Hear("@P|@n");
   EXPECT_EQ(desk.Http().Sent(), RequestFor("/dir/file", "Range: bytes=5-\r\n", "host"));
-  desk.loop.Advance(1000);
   const std::string most(1981, '5');
-  desk.Hear("HTTP/1.1 206 Partial Content~Content-Type: x~Content-Length: 1985~~" + most);
-  desk.loop.Advance(1000);
+  desk.Hear("@t|HTTP/1.1 206 Partial Content~Content-Type: x~Content-Length: 1985~~" + most +
+            "|@t");
   EXPECT_EQ(desk.window.lblSize.Text() + " " + desk.window.lblSpeed.Text(), "1.94 KB 1.98 Kbps");
-  desk.Hear("6789");
-  desk.Http().PeerCloses();
+  desk.Hear("6789|@.");
   EXPECT_EQ(desk.File() + desk.ends, "01234" + most + "6789[whole]");
 }
 
 TEST(Download, OffersToResumeWhatWasCutShort) {
-  for (const bool broken : {false, true}) {
+  for (const char* end : {"|@.", "|@!"}) {
     DownloadDesk desk;
     desk.switches.compat = true;
     desk.Begin();
-    desk.Http().PeerSends(std::string(kHeader) + "012345");
-    desk.Http().receiveError = 10054;
-    broken ? desk.Http().Receive() : desk.Http().PeerCloses();
-    EXPECT_EQ(desk.Shown(), "xx-- The connection ended at byte 6 of 10.");
-    EXPECT_TRUE(desk.window.Visible() && desk.window.cmdPause.Text() == "&Resume");
+    desk.Hear(std::string(kHeader) + "012345" + end);
+    EXPECT_EQ(desk.Shown() + desk.window.cmdPause.Text(),
+              "xx-- The connection ended at byte 6 of 10.&Resume");
+    EXPECT_TRUE(desk.window.Visible());
     EXPECT_TRUE(desk.window.cmdPause.Press() && !desk.window.cmdPause.Press());
     desk.loop.DoEvents();
     desk.Http().Connected();
     EXPECT_EQ(desk.Shown() + desk.window.cmdPause.Text(), "-xx- box&Pause");
     EXPECT_EQ(desk.Http().Sent(), RequestFor("/dir/file", kRest, "host"));
-    desk.Http().receiveError = 0;
-    desk.Hear("HTTP/1.1 206 x~Content-Length: 4~~6789");
-    desk.Http().PeerCloses();
+    desk.Hear("HTTP/1.1 206 x~Content-Length: 4~~6789|@.");
     EXPECT_EQ(desk.File() + desk.ends, "0123456789[The connection ended at byte 6 of 10.][whole]");
   }
 }
 
-// Whether the switch is on, what arrives, and what is there then.
+// Whether the switch is on, what arrives, what is there then, the box that comes, what is locked.
 TEST(Download, ReplacesAnOldFileByAWholeOne) {
-  const struct {
-    bool compat;
-    const char* pieces;
-    const char* held;
-    const char* box = "";
-    const char* locked = "";
-  } kCases[] = {{false, "HTTP/1.1 206 Partial Content~Content-Type: x~~new", "oldnew"},
-                {true, "HTTP/1.1 200 OK~Content-Length: 2~~no", "no"},
-                {true, "HTTP/1.1 200 OK~~half of the disk", "half of the disk"},
-                {true, "HTTP/1.1 200 OK~~new", "old", "The file cannot be written.", kPath},
-                {true, "HTTP/1.1 200 OK~Content-Length: 4~~new", "old"},
-                {true, "HTTP/1.1 200 OK~~this is more than the disk takes", "old",
-                 "The file cannot be written."}};
-  for (const auto& [compat, pieces, held, box, locked] : kCases) {
+  const char* const full = "The file cannot be written.";
+  const std::string ok = "HTTP/1.1 200 OK~";
+  const std::tuple<bool, std::string, const char*, const char*, const char*> cases[] = {
+      {false, "HTTP/1.1 206 Partial Content~Content-Type: x~~new", "oldnew", "", ""},
+      {true, ok + "Content-Length: 2~~no", "no", "", ""},
+      {true, ok + "~half of the disk", "half of the disk", "", ""},
+      {true, ok + "~new", "old", full, kPath},
+      {true, ok + "Content-Length: 4~~new", "old", "", ""},
+      {true, ok + "~this is more than the disk takes", "old", full, ""}};
+  for (const auto& [compat, pieces, held, box, locked] : cases) {
     DownloadDesk desk;
     desk.switches.compat = compat;
     if (*box != '\0') desk.Expect(box);
@@ -407,8 +331,7 @@ TEST(Download, ReplacesAnOldFileByAWholeOne) {
     desk.files.diskLeft = 20;
     desk.downloads.BeginDownload(kUrl, true);
     desk.loop.DoEvents();
-    desk.Hear(pieces);
-    if (desk.Http().GetState() == TcpSocket::State::Connected) desk.Http().PeerCloses();
+    desk.Hear(pieces + "|@.");
     EXPECT_EQ(desk.File(), held) << desk.ends;
     EXPECT_EQ(desk.files.contents.size(), compat ? 1 : 2);
   }
@@ -430,6 +353,129 @@ TEST(Download, TakesUrlsFromTheClipboardAndFromDrops) {
   desk.window.txtURL.SetText("");
   desk.window.Open();
   EXPECT_EQ(desk.window.txtURL.Text(), "");
+}
+
+struct Dialogs : testing::Test, FakePlatform {
+  DownloadOptions options{registry};
+  frmFetchwellOptions general{forms, options, messageBoxes};
+  frmFtpOptions ftp{forms, options, messageBoxes};
+  frmProxy proxy{forms, options, messageBoxes};
+};
+
+// The contents of the boxes in the tab order, in brackets those that are disabled.
+std::string Shown(const forms::Form& form) {
+  std::string shown;
+  for (forms::Control* control : form.Controls()) {
+    const auto* check = dynamic_cast<forms::CheckBox*>(control);
+    if (check == nullptr && dynamic_cast<forms::TextBox*>(control) == nullptr) continue;
+    const std::string text = check == nullptr ? control->Text() : check->Value() ? "1" : "0";
+    shown += (control->Enabled() ? text : "(" + text + ")") + ",";
+  }
+  return shown;
+}
+
+void ChangeAll(const forms::Form& form) {
+  for (forms::Control* control : form.Controls()) {
+    if (auto* check = dynamic_cast<forms::CheckBox*>(control)) check->Press();
+    auto* box = dynamic_cast<forms::TextBox*>(control);
+    EXPECT_TRUE(box == nullptr || box->Press("x5"));
+  }
+}
+
+TEST_F(Dialogs, ShowWhatIsStoredAndStoreAllOfItOrSayThatTheyMayNot) {
+  // The dialog, what it shows at first, what after a change of all, and what is stored then.
+  const std::tuple<OptionsDialog*, std::string, std::string, Texts> cases[] = {
+      {&general,
+       "1,1024,1,1,",
+       "0,10245,0,0,",
+       {"Rollback", "Rollback Amount", "Clipboard", "Download Drop"}},
+      {&ftp, "30,1,", "305,0,", {"FTP Timeout", "FTP PASV"}},
+      {&proxy, "0,(),(),0,", "1,x5,x5,1,", {"Proxy Use", "Proxy IP", "Proxy Port", "Proxy FTP"}}};
+  for (const auto& [shown, defaults, changed, names] : cases) {
+    OptionsDialog& dialog = *shown;
+    for (forms::Button* button : {dialog.cancelButton, dialog.defaultButton}) {
+      dialog.Open();
+      EXPECT_EQ(Shown(dialog), defaults);
+      ChangeAll(dialog);
+      dialog.Open();  // what was typed stays
+      if (button == dialog.defaultButton) {
+        registry.FailWrite(1, kAccessDenied);
+        messageBoxes.expected.push_back(
+            {"The options were not saved. They hold for everyone who uses this computer, and the "
+             "system did not let you change them."});
+        EXPECT_TRUE(button->Press() && dialog.Visible());
+      }
+      EXPECT_EQ(Shown(dialog), changed);
+      EXPECT_TRUE(button->Press() && !dialog.Loaded());
+    }
+    dialog.Open();
+    EXPECT_EQ(Shown(dialog), changed);
+    EXPECT_TRUE(dialog.Close());
+    std::string stored;
+    for (const std::string& name : names) {
+      CRegister store(registry);
+      const std::string key = "Software\\Orvanto\\Settings";
+      stored += store.REGGetSetting("HKLM", key, name, "none") + ",";
+      EXPECT_TRUE(store.REGDeleteSetting("HKLM", "\\" + key, name));
+      EXPECT_EQ(store.REGGetSetting("HKLM", "\\" + key, name, "none"), "none");
+    }
+    EXPECT_EQ(stored, changed);
+  }
+}
+
+TEST_F(Dialogs, WhatIsNoNumberCountsAsTheDefault) {
+  for (const auto& [text, isOn] : {std::pair{"yes", true}, {"", true}, {"0", false}, {"2", true}}) {
+    EXPECT_TRUE(options.Save({{DownloadOptions::kClipboard, text}}));
+    EXPECT_EQ(options.IsOn(DownloadOptions::kClipboard), isOn) << text;
+  }
+  for (const char32_t key : {U'0', U'9', U'\b', U'\r'}) EXPECT_TRUE(ftp.txtTimeout.takesKey(key));
+}
+
+// Each step is one act of a user and the path that is shown then.
+TEST_F(Dialogs, SaveAsWalksThroughDrivesAndFoldersToAPath) {
+  files.listings = {{"C:\\", {"b.txt", "Zoo\\", "a@", "A.txt", "h*"}},
+                    {"C:\\Zoo\\", {"z.txt", "In\\"}},
+                    {"C:\\Zoo\\In\\", {}}};
+  frmSave save(forms, files);
+  Texts told;
+  save.onPicked = [&](const auto& path) { told.push_back(path.value_or("nothing")); };
+  save.Open("c:\\Zoo\\new.txt");
+  EXPECT_EQ(save.cmbDrive.Text(), "C:\\");
+  const auto enter = [&](int index) {
+    return save.lstFolders.Choose(index) && save.lstFolders.PressEnter();
+  };
+  const auto ok = [&](const char* typed) { return save.txtPath.Type(typed) && save.cmdOK.Press(); };
+  const std::pair<std::function<bool()>, const char*> steps[] = {
+      {[&] { return true; }, "c:\\Zoo\\new.txt"},
+      {[&] { return save.cmbDrive.Choose(1); }, "D:\\new.txt"},
+      {[&] { return save.cmbDrive.Choose(0); }, "C:\\new.txt"},
+      {[&] { return save.lstFiles.Choose(1); }, "C:\\b.txt"},
+      {[&] { return enter(1); }, "C:\\Zoo\\b.txt"},
+      {[&] { return enter(1); }, "C:\\Zoo\\In\\b.txt"},
+      {[&] { return enter(0); }, "C:\\Zoo\\b.txt"},
+      {[&] { return save.lstFolders.SelectedIndex() == 1; }, "C:\\Zoo\\b.txt"},
+      {[&] { return enter(0); }, "C:\\b.txt"},
+      {[&] { return ok("zoo\\"); }, "C:\\zoo\\"},
+      {[&] { return ok("\\\\server\\share\\"); }, "\\\\server\\share\\"},
+      {[&] { return !enter(0) && ok("C:"); }, "C:\\"},
+      {[&] { return ok(" "); }, "C:\\"}};
+  for (const auto& [act, path] : steps) {
+    EXPECT_TRUE(act()) << path;
+    EXPECT_EQ(save.txtPath.Text(), path);
+  }
+  EXPECT_EQ(save.lstFolders.Items(), (Texts{"a", "Zoo"}));
+  EXPECT_EQ(save.lstFiles.Items(), (Texts{"A.txt", "b.txt"}));
+  for (const char* typed :
+       {"d.txt", "\\d.txt", "D:d.txt", "D:\\d.txt", "\\\\server\\share\\d.txt"}) {
+    save.Open("");
+    EXPECT_TRUE(ok(typed));
+  }
+  save.Open("C:\\");
+  EXPECT_TRUE(save.lstFiles.Choose(0) && save.txtPath.Type("d") && save.lstFiles.PressEnter());
+  save.Open("");
+  EXPECT_TRUE(!save.lstFiles.PressEnter() && save.cmdCancel.Press() && !save.Loaded());
+  EXPECT_EQ(told, (Texts{"C:\\d.txt", "C:\\d.txt", "D:\\d.txt", "D:\\d.txt",
+                         "\\\\server\\share\\d.txt", "C:\\A.txt", "nothing"}));
 }
 
 }  // namespace

@@ -36,24 +36,17 @@ TEST(Url, HasAHostAndAFileName) {
 }
 
 TEST(Url, GivesANameThatCanBeStored) {
-  const char* const kCases[][2] = {{"a%20b.zip", "a%20b.zip"},
-                                   {"file?x=1", "file_x=1"},
-                                   {"..", "__"},
-                                   {"a\\..\\b", "a_.._b"},
-                                   {"a\x01\xFF.", "a___"},
-                                   {"\xC3\xA4 ", "\xC3\xA4_"},
-                                   {"Con.txt", ""},
-                                   {"com1 .a", ""},
-                                   {"com", "com"},
-                                   {"LPT0", ""},
-                                   {"com\u00B2.x", ""},
-                                   {"Registry.txt.new", ""},
-                                   {"ORVTASK.LOG", ""},
-                                   {"orvanto.exe.local", ""},
-                                   {"Version.DLL", ""},
-                                   {"Scripts", ""},
-                                   {"scripts.zip", "scripts.zip"}};
-  for (const auto& [name, stored] : kCases) EXPECT_EQ(LocalFileName(name), stored) << name;
+  for (const std::string row :
+       {"a%20b.zip>a%20b.zip", "file?x=1>file_x=1", "..>__", "a\\..\\b>a_.._b", "a\x01\xFF.>a___",
+        "\xC3\xA4 >\xC3\xA4_", "Con.txt>", "com1 .a>", "com>com", "LPT0>", "com\u00B2.x>"}) {
+    EXPECT_EQ(LocalFileName(row.substr(0, row.find('>'))), row.substr(row.find('>') + 1)) << row;
+  }
+  // The program's own.
+  for (const char* name :
+       {"Registry.txt.new", "ORVTASK.LOG", "orvanto.exe.local", "Version.DLL", "Scripts"}) {
+    EXPECT_EQ(LocalFileName(name), "") << name;
+  }
+  EXPECT_EQ(LocalFileName("scripts.zip"), "scripts.zip");
 }
 
 TEST(Figures, AreShownAsTheyAlwaysWere) {
