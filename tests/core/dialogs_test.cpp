@@ -251,9 +251,15 @@ TEST_F(SettingsDialogTest, EachTabStoresWhatItShowsAndShowsWhatIsStored) {
   EXPECT_TRUE(dialog.optUsersShare.Value()) << "from this start on";
   // What cannot be stored is shown as it is.
   const auto fails = [&] { registry.FailWrite(1, kAccessDenied); };
-  Save(3, [&] { dialog.optUsersDontShare.Choose(), fails(); });
+  Save(3, [&] {
+    dialog.optUsersDontShare.Choose();
+    fails();
+  });
   EXPECT_TRUE(dialog.optUsersShare.Value());
-  Save(4, [&] { dialog.chkCompat.Press(), fails(); });
+  Save(4, [&] {
+    dialog.chkCompat.Press();
+    fails();
+  });
   EXPECT_FALSE(dialog.chkCompat.Value());
   Save(4, [] {});
   EXPECT_EQ(Changed(), "Inet_Compat=1 servers=21C ") << "it holds until the program ends";

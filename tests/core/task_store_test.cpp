@@ -56,11 +56,15 @@ TEST_F(TaskStoreTest, TheListThroughItsLife) {
   Fill({"One", "Two", "Three"});
   for (const int slot : {2, 0, 3}) store.DeleteTask(static_cast<std::int16_t>(slot));
   EXPECT_EQ(List() + std::to_string(changes), "2: One Three | General One Three4");
-  EXPECT_EQ(Save("Two") + Save("2") + Save("New", "One"), "341");
+  EXPECT_EQ(Save("Two"), "3");
+  EXPECT_EQ(Save("2"), "4");
+  EXPECT_EQ(Save("New", "One"), "1");
   EXPECT_EQ(List(), "4: New Three Two 2 | 2 General New One Three Two") << "its old section stays";
   store.DeleteTask(1);
-  EXPECT_EQ(Save("Three again", "Three") + Save("Gone", "New"), "14") << "it has moved up";
-  EXPECT_EQ(Save("One more", "Two") + Save("Two", "2"), "23");
+  EXPECT_EQ(Save("Three again", "Three"), "1") << "it has moved up";
+  EXPECT_EQ(Save("Gone", "New"), "4");
+  EXPECT_EQ(Save("One more", "Two"), "2");
+  EXPECT_EQ(Save("Two", "2"), "3");
   EXPECT_EQ(List(),
             "4: Three again One more Two Gone | 2 General Gone One One more Three "
             "Three again Two");
@@ -110,8 +114,11 @@ TEST_F(TaskStoreTest, WhatIsEnteredIsJudgedAndStoredAsDigits) {
       {"1", "1", "2026", "7.", "5", "Invlaid Hour given for Time"},
       {"1", "1", "2026", "-0", ".5", "Invalid Minute given for Time"}};
   for (const auto& [day, month, year, hour, minute, expected] : cases) {
-    entry.datePart1 = day, entry.datePart2 = month, entry.year = year;
-    entry.hour = hour, entry.minute = minute;
+    entry.datePart1 = day;
+    entry.datePart2 = month;
+    entry.year = year;
+    entry.hour = hour;
+    entry.minute = minute;
     const std::string told = Save(entry, entry.name);
     EXPECT_EQ(told == "1" ? sched.TreeLine(1) : told,
               (told == "1" ? "Timed | Popup Message | " : "") + expected);

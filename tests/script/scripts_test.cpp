@@ -175,7 +175,8 @@ TEST_F(Runner, OnlyTheLowestDelayCountsAndAStartStopsTheCount) {
     return std::to_string(scripts.Slot(1).delayElapsed) +
            std::to_string(scripts.Slot(2).delayElapsed);
   };
-  EXPECT_EQ(RunText("delay(3)\nbeep()") + RunByPath("b.txt"), 0);
+  EXPECT_EQ(RunText("delay(3)\nbeep()"), 0);
+  EXPECT_EQ(RunByPath("b.txt"), 0);
   loop.Advance(2000);
   EXPECT_EQ(elapsed(), "31");
   // Any start stops the shared timer; the next delay starts it again.
