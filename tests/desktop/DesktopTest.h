@@ -4,19 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "tests/desktop/RunningProgram.h"
 
 namespace orvanto::desktop {
-
-struct Task {
-  std::wstring name;
-  std::wstring type;
-  std::wstring path;
-};
 
 // Begins and ends without any settings.
 class DesktopTest : public testing::Test {
@@ -30,35 +24,17 @@ class DesktopTest : public testing::Test {
   }
   ~DesktopTest() override { RegDeleteTreeW(HKEY_CURRENT_USER, kKey); }
 
-  // All of them are due every day at the given time.
-  static void Import(const std::vector<Task>& tasks, int minuteOfTheDay = 0) {
-    int count = 0;
-    for (const Task& task : tasks) {
-      const std::pair<const wchar_t*, std::wstring> values[] = {
-          {L"TimeType", L"2"},
-          {L"Every", L"1"},
-          {L"In", L"1"},
-          {L"TimeHour", std::to_wstring(minuteOfTheDay / 60)},
-          {L"TimeMinute", std::to_wstring(minuteOfTheDay % 60)},
-          {L"TaskType", task.type},
-          {L"Path", task.path}};
-      for (const auto& [value, text] : values) Store(task.name, value, text);
-      Store(L"General", L"Task" + std::to_wstring(++count), task.name);
+  // "Name=value Other=value". The section may be a task's name.
+  static void Store(const std::wstring& section, const std::wstring& values) {
+    std::wistringstream words(values);
+    for (std::wstring word; words >> word;) {
+      const std::size_t equals = word.find(L'=');
+      RegSetKeyValueW(HKEY_CURRENT_USER, (kKey + (L"\\" + section)).c_str(),
+                      word.substr(0, equals).c_str(), REG_SZ, &word[equals + 1],
+                      static_cast<DWORD>((word.size() - equals) * sizeof(wchar_t)));
     }
-    Store(L"General", L"NoTasks", std::to_wstring(count));
   }
-  static int MinuteOfTheDay(int secondsFromNow = 0) {
-    SYSTEMTIME now;
-    GetLocalTime(&now);
-    return (now.wHour * 60 + now.wMinute + (now.wSecond + secondsFromNow) / 60) % (24 * 60);
-  }
-
-  static void Store(const std::wstring& section, const std::wstring& name,
-                    const std::wstring& text) {
-    RegSetKeyValueW(HKEY_CURRENT_USER, (kKey + (L"\\" + section)).c_str(), name.c_str(), REG_SZ,
-                    text.c_str(), static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
-  }
-  // Stored texts with '|' between them. The section may be a task's name.
+  // Stored texts with '|' between them.
   static std::wstring Stored(const std::wstring& section,
                              std::initializer_list<const wchar_t*> names) {
     std::wstring all;
