@@ -35,9 +35,7 @@ TEST_F(FilesContract, AppendsReadsCopiesAndRemoves) {
   EXPECT_TRUE(files_->Append(In("one"), bytes));
   EXPECT_TRUE(Read("one") == bytes);
   for (const char* name : {"Other", "oTHER"}) EXPECT_TRUE(files_->Append(In(name), name));
-  EXPECT_EQ(Read("OTHER"), "OtheroTHER");
-  EXPECT_FALSE(files_->Append(In("folder"), "x"));
-  EXPECT_FALSE(files_->Append(In("none\\x"), "x"));
+  for (const char* name : {"folder", "none\\x"}) EXPECT_FALSE(files_->Append(In(name), "x"));
   for (const char* none : {"none", "folder"}) EXPECT_EQ(Read(none), "unreadable");
   for (const std::string& reason :
        {files_->Copy(In("other"), In("other")), files_->Copy(In("none"), In("other")),
@@ -48,7 +46,7 @@ TEST_F(FilesContract, AppendsReadsCopiesAndRemoves) {
     EXPECT_EQ(reason.find_first_of("\r\n"), std::string::npos) << reason;
     EXPECT_FALSE(reason.ends_with(' ')) << reason;
   }
-  EXPECT_EQ(Read("other"), "OtheroTHER") << "a failed copy has spoiled it";
+  EXPECT_EQ(Read("OTHER"), "OtheroTHER") << "a failed copy has spoiled it";
   EXPECT_EQ(files_->Copy(In("one"), In("OTHER")), "");
   EXPECT_TRUE(Read("other") == bytes);
   EXPECT_TRUE(files_->Append(In("one"), "more"));
@@ -57,35 +55,6 @@ TEST_F(FilesContract, AppendsReadsCopiesAndRemoves) {
   EXPECT_EQ(Read("other"), bytes + "more");
   EXPECT_EQ(files_->Remove(In("OTHER")), "");
   EXPECT_EQ(Read("other"), "unreadable");
-}
-
-TEST_F(FilesContract, ListsFoldersAndTellsWhatExists) {
-  const std::string name = "\u00e4\U0001F552.txt";
-  ASSERT_TRUE(files_->Append(In(name), "x"));
-  std::filesystem::create_directory(directory_ / "sub.dir");
-  const auto listed = [&](const std::string& folder) {
-    std::multiset<std::string> names;
-    files_->ListFolder(folder, [&](const std::string& entry, Files::EntryKind kind) {
-      names.insert(entry + (kind == Files::EntryKind::Folder ? "\\" : ""));
-      return true;
-    });
-    return names;
-  };
-  const std::string folder = In("");
-  for (const std::string& written : {folder, folder.substr(0, folder.size() - 1)}) {
-    EXPECT_EQ(listed(written), (std::multiset<std::string>{name, "sub.dir\\"}));
-  }
-  for (const std::string& none : {In("none"), In(name), std::string()}) {
-    EXPECT_EQ(listed(none).size(), 0U) << none;
-  }
-  int seen = 0;
-  files_->ListFolder(folder, [&](const std::string&, Files::EntryKind) { return ++seen < 1; });
-  EXPECT_EQ(seen, 1);
-
-  EXPECT_TRUE(files_->Exists(In("\u00c4\U0001F552.TXT")));
-  for (const std::string& none : {In("none"), In("SUB.dir"), In(""), std::string()}) {
-    EXPECT_FALSE(files_->Exists(none)) << none;
-  }
 }
 
 // `far` is where a file may end.
@@ -137,45 +106,73 @@ TEST_F(FilesContract, ReadsAndWritesAnywhereInAFile) {
   EXPECT_EQ(Read("READ"), "x");
 }
 
-TEST_F(FilesContract, ListsWithDetailsAndRemovesFolders) {
-  ASSERT_TRUE(files_->Append(In("file"), std::string(1234, 'x')));
-  std::filesystem::create_directory(directory_ / "folder");
-  ASSERT_TRUE(files_->Append(In("folder\\full"), "x"));
+TEST_F(FilesContract, ListsFoldersAndTellsWhatExistsAndOfWhatKind) {
+  using Kind = Files::EntryKind;
+  const std::string name = "\u00e4\U0001F552.txt", folder = In("");
+  ASSERT_TRUE(files_->Append(In(name), std::string(1234, 'x')));
+  std::filesystem::create_directory(directory_ / "sub.dir");
+  ASSERT_TRUE(files_->Append(In("sub.dir\\full"), "x"));
+  const auto listed = [&](const std::string& in) {
+    std::multiset<std::string> names;
+    files_->ListFolder(in, [&](const std::string& entry, Kind kind) {
+      names.insert(entry + (kind == Kind::Folder ? "\\" : ""));
+      return true;
+    });
+    return names;
+  };
+  for (const std::string& written : {folder, folder.substr(0, folder.size() - 1)}) {
+    EXPECT_EQ(listed(written), (std::multiset<std::string>{name, "sub.dir\\"}));
+  }
+  for (const std::string& none : {In("none"), In(name), std::string()}) {
+    EXPECT_EQ(listed(none).size(), 0U) << none;
+  }
+  int seen = 0;
+  files_->ListFolder(folder, [&](const std::string&, Kind) { return ++seen < 1; });
+  EXPECT_EQ(seen, 1);
+  EXPECT_TRUE(files_->Exists(In("\u00c4\U0001F552.TXT")));
+  for (const std::string& none : {In("none"), In("SUB.dir"), In(""), std::string()}) {
+    EXPECT_FALSE(files_->Exists(none)) << none;
+  }
+
   // A moment in winter and one in summer, of which the zone may make different hours.
   for (const std::time_t moment : {1704445445, 1720173845}) {
     const std::chrono::sys_seconds time{std::chrono::seconds(moment)};
-    std::filesystem::last_write_time(directory_ / "file", std::chrono::file_clock::from_sys(time));
+    const auto* const file = reinterpret_cast<const char8_t*>(name.c_str());
+    std::filesystem::last_write_time(std::filesystem::path(directory_ / "") / file,
+                                     std::chrono::file_clock::from_sys(time));
     const std::tm* local = std::localtime(&moment);
-    EXPECT_EQ(files_->Look(In("FILE"))->changed, moment);
-    std::set<std::string> seen;
-    files_->ListDetails(In(""), [&](const Files::Entry& entry) {
-      seen.insert(entry.name + (entry.kind == Files::EntryKind::Folder ? "\\" : " ") +
-                  std::to_string(entry.size));
-      if (entry.name == "folder") return true;
+    EXPECT_EQ(files_->Look(In(name))->changed, moment);
+    std::set<std::string> details;
+    files_->ListDetails(folder, [&](const Files::Entry& entry) {
+      details.insert(entry.name + (entry.kind == Kind::Folder ? "\\" : " ") +
+                     std::to_string(entry.size));
       const DateTime& is = entry.changed;
-      EXPECT_EQ((std::array{is.year, is.month, is.day, is.hour, is.minute, is.second, is.weekday}),
-                (std::array{2024, local->tm_mon + 1, local->tm_mday, local->tm_hour, local->tm_min,
-                            local->tm_sec, local->tm_wday + 1}));
+      EXPECT_TRUE(
+          entry.kind == Kind::Folder ||
+          (std::array{is.year, is.month, is.day, is.hour, is.minute, is.second, is.weekday}) ==
+              (std::array{2024, local->tm_mon + 1, local->tm_mday, local->tm_hour, local->tm_min,
+                          local->tm_sec, local->tm_wday + 1}));
       return true;
     });
-    EXPECT_EQ(seen, (std::set<std::string>{"file 1234", "folder\\0"}));
+    EXPECT_EQ(details, (std::set<std::string>{name + " 1234", "sub.dir\\0"}));
   }
-  EXPECT_FALSE(files_->Look(In("folder"))->isLink || files_->Look(In("file"))->isLink ||
-               files_->Look(In("none")));
-  std::error_code cannot;  // not everybody may make one
-  for (const char* target : {"folder", "file", "nowhere"}) {
+  std::error_code cannot;  // not everybody may make a link
+  for (const char* target : {"sub.dir", "nowhere"}) {
+    EXPECT_FALSE(files_->Look(In(target)) && files_->Look(In(target))->isLink);
     const std::string link = std::string(target) + "link";
     std::filesystem::create_symlink(target, directory_ / link, cannot);
     EXPECT_TRUE(cannot || files_->Look(In(link))->isLink) << link;
   }
-  EXPECT_NE(files_->RemoveFolder(In("folder")), "") << "it is not empty";
-  EXPECT_NE(files_->RemoveFolder(In("file")), "");
-  EXPECT_EQ(files_->Remove(In("folder\\full")), "");
-  EXPECT_EQ(files_->RemoveFolder(In("FOLDER")), "");
-  EXPECT_FALSE(std::filesystem::exists(directory_ / "folder"));
+  EXPECT_FALSE(files_->Look(In("none")));
+  for (const auto& full : {std::string("sub.dir"), name}) {
+    EXPECT_NE(files_->RemoveFolder(In(full)), "");
+  }
+  EXPECT_EQ(files_->Remove(In("sub.dir\\full")), "");
+  EXPECT_EQ(files_->RemoveFolder(In("SUB.DIR")), "");
+  EXPECT_FALSE(std::filesystem::exists(directory_ / "sub.dir"));
   const auto drives = files_->Drives();
   EXPECT_TRUE(std::any_of(drives.begin(), drives.end(),
-                          [&](const std::string& drive) { return In("").starts_with(drive); }));
+                          [&](const std::string& drive) { return folder.starts_with(drive); }));
 }
 
 }  // namespace

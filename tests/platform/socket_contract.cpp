@@ -92,27 +92,25 @@ TEST_P(SocketContract, TheListenerTakesTheClientOnItself) {
   ConnectEnds();
   EXPECT_EQ(atClient.seen, "C");
   for (const TcpSocket* end : {server.get(), client.get()}) {
-    EXPECT_EQ(end->RemoteAddress(), kHost);
-    EXPECT_EQ(end->BoundAddress(), kHost);
+    EXPECT_EQ(end->RemoteAddress() + end->BoundAddress(), "127.0.0.1127.0.0.1");
     EXPECT_NE(end->LocalAddress(), "");
   }
-  const std::uint16_t port = server->LocalPort();
-
   // Nobody listens any more, or nobody is known.
-  const auto second = NewSocket();
-  const Events refused(*second);
+  const std::uint16_t port = server->LocalPort();
   const std::pair<const char*, int> cases[] = {
       {kHost, kConnectionRefused}, {"localhost", kConnectionRefused}, {"no such", kHostNotFound}};
   for (const auto& [name, error] : cases) {
-    const std::string before = refused.seen;
+    const auto second = NewSocket();
+    const Events refused(*second);
     second->Connect(name, port);
     EXPECT_EQ(second->GetState(), State::Connecting);
-    EXPECT_EQ(refused.seen, before);
-    ASSERT_TRUE(Until([&] { return refused.seen == before + 'E'; }));
+    EXPECT_EQ(refused.seen, "");
+    ASSERT_TRUE(Until([&] { return refused.seen == "E"; }));
     EXPECT_EQ(second->GetState(), State::Failed);
     EXPECT_EQ(second->LastError(), error) << name;
   }
   // A name is looked up while everything goes on, and Close takes the question back.
+  const auto second = NewSocket();
   second->Connect("localhost", port);
   second->Close();
   ASSERT_TRUE(second->Listen(0));
@@ -141,8 +139,7 @@ TEST_P(SocketContract, WhatTheClientSentBeforeItWasTakenArrives) {
   };
   client->Connect(kHost, listener->LocalPort());
   ASSERT_TRUE(Until([&] { return atServer.Ended(); }));
-  EXPECT_EQ(atServer.seen, "DX");
-  EXPECT_EQ(atServer.data, "early");
+  EXPECT_EQ(atServer.seen + atServer.data, "DXearly");
   EXPECT_EQ(atClient.seen, "");
 
   // One that nobody takes is turned away, though the listener goes meanwhile.
@@ -155,15 +152,14 @@ TEST_P(SocketContract, WhatTheClientSentBeforeItWasTakenArrives) {
 TEST_P(SocketContract, MuchArrivesWholeAndThenTheEnd) {
   ConnectEnds();
   const std::string all = Pattern(9 << 20);
-  const std::size_t piece = 3 << 20;
   std::size_t sent = 0;
   int ticks = 0;
   const auto timer = loop->NewTimer([&] { ++ticks; });
   timer->Start(milliseconds(1));
   client->onSendComplete = [&] {
     if (sent == all.size()) return client->Close();
-    client->Send(std::string_view(all).substr(sent, piece));
-    sent += piece;
+    client->Send(std::string_view(all).substr(sent, 3 << 20));
+    sent += 3 << 20;
   };
   client->onSendComplete();
   EXPECT_TRUE(Until([&] { return atServer.Ended(); })) << sent;
@@ -181,10 +177,9 @@ TEST_P(SocketContract, ACloseOnBothSidesLosesNothingThatWasSent) {
   server->Send(text);
   Settle();
   server->CloseGently();
-  ASSERT_TRUE(Until([&] { return atClient.Ended(); }));
+  ASSERT_TRUE(Until([&] { return atClient.Ended() && server->GetState() == State::Closed; }));
   EXPECT_EQ(atClient.seen, "CDX");
   EXPECT_TRUE(atClient.data == text) << atClient.data.size();
-  ASSERT_TRUE(Until([&] { return server->GetState() == State::Closed; }));
 
   // ...nor when the other side has ended first, and goes on reading.
   ConnectEnds();
@@ -194,20 +189,17 @@ TEST_P(SocketContract, ACloseOnBothSidesLosesNothingThatWasSent) {
   server->Send(std::string(TcpSocket::kMostUnsent, 'x'));
   client->CloseGently();
   EXPECT_EQ(client->GetState(), State::Closing);
-  ASSERT_TRUE(Until([&] { return atServer.Ended(); }));
+  ASSERT_TRUE(Until([&] { return atServer.Ended() && client->GetState() == State::Closed; }));
   EXPECT_EQ(atServer.seen.back(), 'X');
   EXPECT_EQ(std::count(atServer.seen.begin(), atServer.seen.end(), 'S'), 1);
-  ASSERT_TRUE(Until([&] { return client->GetState() == State::Closed; }));
   EXPECT_EQ(atClient.seen, "CDXC") << "no event comes of a gentle close";
 }
 
 TEST_P(SocketContract, AHoldKeepsEverythingUntilItsEnd) {
-  const auto second = NewSocket();
-  const auto listener = NewSocket();
-  int requests = 0;
+  const auto second = NewSocket(), listener = NewSocket();
   ConnectEnds();
   ASSERT_TRUE(listener->Listen(0));
-  listener->onConnectionRequest = [&](TcpSocket::RequestId) { ++requests; };
+  listener->onConnectionRequest = [&](TcpSocket::RequestId) { atServer.seen += 'R'; };
   {
     const EventLoop::Hold hold(*loop);
     client->Send("held");
@@ -218,11 +210,10 @@ TEST_P(SocketContract, AHoldKeepsEverythingUntilItsEnd) {
       client->Close();
     }
     EXPECT_EQ(atServer.seen, "");
-    EXPECT_EQ(requests, 0);
   }
-  ASSERT_TRUE(Until([&] { return atServer.Ended() && requests == 1; }));
-  EXPECT_EQ(atServer.seen, "DX");
-  EXPECT_EQ(atServer.data, "held");
+  ASSERT_TRUE(Until([&] { return atServer.Ended() && atServer.seen.size() == 3; }));
+  std::erase(atServer.seen, 'R');
+  EXPECT_EQ(atServer.seen + atServer.data, "DXheld");
 }
 
 }  // namespace
