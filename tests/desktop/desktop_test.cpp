@@ -128,47 +128,43 @@ TEST_F(DesktopTest, MouseMakesATask) {
 // Nothing but keys, from the first task to its end.
 TEST_F(DesktopTest, KeysDoEverything) {
   const RunningProgram program;
-  ASSERT_TRUE(program.MainIsInFront());
-  const HWND tree = program.TreeWindow();
+  const HWND tree = Children(program.MainWindow(), WC_TREEVIEWW).at(0);
   const auto treeHasKeyboard = [&] { return FocusBeside(tree) == tree; };
-  PressKeys("%n");
-  ASSERT_NE(InFront(L"New Task"), nullptr);
-  // The group replaces the one that was selected on the way in; from program to message; past Now,
-  // from once to recurring; past the dates, which are disabled.
-  PressKeys("Typed{TAB}Home{TAB}{DOWN 4}{TAB}Tea is ready{TAB}23{TAB}59{TAB 2}{DOWN}");
-  PressKeys("{TAB}{DOWN}{TAB}{DOWN 2}~");
-  ASSERT_TRUE(program.MainIsInFront());
   const auto stored = [](const wchar_t* task) {
     return Stored(task,
                   {L"TaskType", L"Path", L"TimeHour", L"TimeMinute", L"Every", L"In", L"Group"});
   };
+  // Keys, and whether they lead to that form; to the main window, if none is named.
+  const auto lead = [&](const char* keys, const wchar_t* form = nullptr) {
+    PressKeys(keys);
+    return form != nullptr ? InFront(form) != nullptr : program.MainIsInFront();
+  };
+  ASSERT_TRUE(lead(""));
+  ASSERT_TRUE(lead("%n", L"New Task"));
+  // The group replaces the one that was selected on the way in; from program to message; past Now,
+  // from once to recurring; past the dates, which are disabled.
+  PressKeys("Typed{TAB}Home{TAB}{DOWN 4}{TAB}Tea is ready{TAB}23{TAB}59{TAB 2}{DOWN}");
+  ASSERT_TRUE(lead("{TAB}{DOWN}{TAB}{DOWN 2}~"));
   EXPECT_EQ(stored(L"Typed"), L"6|Tea is ready|23|59|2|3|Home");
 
   // The tree has the keyboard and the new task is selected: up to its group and back.
   PressKeys("{UP}{DOWN}");
   Type("{DELETE}");
   EXPECT_EQ(program.BoxInFront(), L"Delete the task \"Typed\"?");
-  PressKeys("~");  // No
-  ASSERT_TRUE(program.MainIsInFront());
-  PressKeys("~");
-  ASSERT_NE(InFront(L"Edit Task - Typed"), nullptr);
-  PressKeys("Renamed{TAB}~");  // from the group's list
-  ASSERT_TRUE(program.MainIsInFront());
+  ASSERT_TRUE(lead("~")) << "No";
+  ASSERT_TRUE(lead("~", L"Edit Task - Typed"));
+  ASSERT_TRUE(lead("Renamed{TAB}~")) << "from the group's list";
   EXPECT_EQ(stored(L"Renamed"), stored(L"Typed"));
-
   PressKeys("%r");
   EXPECT_EQ(program.BoxInFront(), L"Tea is ready");
-  PressKeys("~");
-  ASSERT_TRUE(program.MainIsInFront());
+  ASSERT_TRUE(lead("~"));
   // Without Alt the letters of the buttons do nothing, though one of them has the keyboard.
-  PressKeys("{TAB}xd%a");
-  ASSERT_NE(InFront(L"About Orvanto"), nullptr);
-  PressKeys("{ESC}");
-  ASSERT_TRUE(program.MainIsInFront());
+  ASSERT_TRUE(lead("{TAB}xd%a", L"About Orvanto"));
+  ASSERT_TRUE(lead("{ESC}"));
   EXPECT_TRUE(WaitFor(treeHasKeyboard));
   // Esc leaves the editor, from a list too, and a list first.
-  PressKeys("%n");
-  const HWND editor = InFront(L"New Task");
+  ASSERT_TRUE(lead("%n", L"New Task"));
+  const HWND editor = GetForegroundWindow();
   const HWND group = FindWindowExW(editor, nullptr, WC_COMBOBOXW, nullptr);
   const auto isOpen = [&] { return SendMessageW(group, CB_GETDROPPEDSTATE, 0, 0) != 0; };
   PressKeys("{TAB}%{DOWN}");
@@ -176,13 +172,11 @@ TEST_F(DesktopTest, KeysDoEverything) {
   PressKeys("{ESC}");
   ASSERT_TRUE(WaitFor([&] { return !isOpen(); }));
   EXPECT_TRUE(IsWindowVisible(editor));
-  PressKeys("{ESC}");
-  ASSERT_TRUE(program.MainIsInFront());
+  ASSERT_TRUE(lead("{ESC}"));
   // Delete by its button, which leaves the keyboard to the tree, for Enter too.
-  const HWND deletes = program.Button(L"&Delete Task");
   PressKeys("{TAB 2} ");
-  EXPECT_TRUE(WaitFor([&] { return TreeView_GetCount(tree) == 0; }));
-  EXPECT_TRUE(WaitFor(treeHasKeyboard));
+  EXPECT_TRUE(WaitFor([&] { return TreeView_GetCount(tree) == 0 && treeHasKeyboard(); }));
+  const HWND deletes = FindWindowExW(program.MainWindow(), nullptr, WC_BUTTONW, L"&Delete Task");
   EXPECT_EQ(GetWindowLongPtrW(deletes, GWL_STYLE) & BS_TYPEMASK, BS_PUSHBUTTON);
   PressKeys("%x");
   EXPECT_EQ(program.ExitCode(), 0);

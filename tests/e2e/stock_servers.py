@@ -35,24 +35,6 @@ write_enable=YES
 dirmessage_enable=YES
 seccomp_sandbox=NO
 """,
-    "proftpd": """DefaultAddress 127.0.0.1
-Port {port}
-UseIPv6 off
-User nobody
-Group nogroup
-AuthPAM off
-DefaultRoot ~
-AllowOverwrite on
-AllowStoreRestart on
-DisplayChdir .message
-UseReverseDNS off
-ControlsEngine off
-DelayEngine off
-PidFile {home}/pid
-ScoreboardFile none
-SystemLog none
-WtmpLog off
-""",
     "nginx": """daemon off;
 master_process off;
 user root users;
@@ -84,7 +66,7 @@ http {{
   }}
 }}
 """}
-COMMANDS = {"vsftpd": "{home}/vsftpd", "proftpd": "-n -q -c {home}/proftpd",
+COMMANDS = {"vsftpd": "{home}/vsftpd",
             "pure-ftpd": "-A -t 20000 -H -S 127.0.0.1,{port} -f none -g {home}/pid -l unix",
             "nginx": "-c {home}/nginx -e stderr"}
 

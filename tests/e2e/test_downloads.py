@@ -42,15 +42,6 @@ class Downloads(support.HomeTest):
             time.sleep(0.001)
         return process
 
-    def test_whole(self):
-        self.enterContext(stock_servers.serve("vsftpd", self.folder, 2121))
-        for url in (HTTP, FTP, FTP.replace("1/", "1:2121/")):
-            self.says("Downloaded big\n", url + "big")
-            self.holds(self.big)
-        for url in ("HTTP://localhost/", SLOW_FTP):
-            self.says("Downloaded small\n", url + "sub/small")
-            self.holds(self.big[:1000], "small")
-
     def test_resumed_after_it_was_stopped_or_killed(self):
         for slow, url, end, size, status in (
                 (SLOW_HTTP, HTTP, signal.SIGINT, 5_000_003, 0),

@@ -72,21 +72,4 @@ class Ftp(HomeTest):
                 output = use(client)
                 self.assertEqual(set(os.listdir(scripts)), {"big", "new", "sub"}, output)
                 self.assertTrue((scripts / "sub/a1").exists())
-        self.end(process)
-
-    def test_by_default_files_come_and_go_with_a_client_that_is_told_how(self):
-        home, local = self.home(), self.home("local")
-        for name, value in (("ServerOn", "1"), ("ServerPort", "6000")):
-            self.orvanto(home, "set", "General", "Inet_" + name, value)
-        process = self.start(home, ftp_port="22")
-        (local / "up").write_bytes(os.urandom(9 << 20))
-        curl = "curl -sSm 30 --disable-eprt --ignore-content-length -P - ftp://anna@127.0.0.1:22/"
-        done = subprocess.run(
-            f"{curl} -T up && {curl}up -o got && {curl} && {curl} -Q 'DELE up' && cmp up got",
-            shell=True, check=False, capture_output=True, cwd=local)
-        self.assertEqual((done.returncode, done.stdout.count(b" 9437184 ")), (0, 1), done.stderr)
-        self.assertFalse((home / "scripts/up").exists())
-        self.stop(process)
-
-    def end(self, process):
         self.assertIn("User anna logged out.", self.stop(process))

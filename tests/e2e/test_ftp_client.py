@@ -20,7 +20,7 @@ COMMANDS = (
 class FtpClient(HomeTest):
     def test_stock_servers(self):
         local, folder, big = self.home("local"), self.home("served"), os.urandom(HUGE)
-        for name, mode in ((name, mode) for name in ("vsftpd", "pure-ftpd", "proftpd")
+        for name, mode in ((name, mode) for name in ("vsftpd", "pure-ftpd")
                            for mode in ("passive", "active")):
             with self.subTest(name, mode=mode), stock_servers.serve(name, folder) as server:
                 (folder / "big").write_bytes(big)
