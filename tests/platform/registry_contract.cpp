@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "tests/platform/contracts.h"
-#include "tests/support/MemoryRegistry.h"
+#include "tests/support/FakePlatform.h"
 
 namespace orvanto {
 namespace {
