@@ -53,16 +53,9 @@ http {{
   server {{
     listen 127.0.0.1:{port};
     root {folder};
-    location /slow/ {{
-      alias {folder}/;
-      limit_rate 40m;
-    }}
-    location /moved/ {{
-      rewrite ^/moved/(.*) /slow/$1 redirect;
-    }}
-    location /refused/ {{
-      return 403;
-    }}
+    location /slow/ {{ alias {folder}/; limit_rate 40m; }}
+    location /moved/ {{ rewrite ^/moved/(.*) /slow/$1 redirect; }}
+    location /refused/ {{ return 403; }}
   }}
 }}
 """}
