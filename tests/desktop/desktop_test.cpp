@@ -29,7 +29,7 @@ TEST_F(DesktopTest, GoesToTheTrayAndComesBackByItsIconOrASecondStart) {
       Type("o");
     }
     EXPECT_TRUE(program.MainIsInFront());
-    EXPECT_FALSE(isThere());
+    EXPECT_TRUE(WaitFor([&] { return !isThere(); }));
     if (event == WM_CONTEXTMENU) break;
     program.Press(L"&System Tray");
     ASSERT_TRUE(WaitFor(isThere));

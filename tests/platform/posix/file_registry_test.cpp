@@ -50,7 +50,7 @@ TEST(RegistryText, IsReadAsItIsWrittenAndOnlyAsAWhole) {
   }
 }
 
-TEST(RegistryText, ReadsWhatAPersonWrites) {
+TEST(RegistryText, ReadsWhatAPersonWritesAndNamesTheLineOfDamage) {
   RegistryTree tree;
   const auto error = ParseRegistry(
       "\xEF\xBB\xBFOrvanto registry 1\r\n; note\r\n\r\n  [hkey_current_user\\Software\\A%5b]  \r\n"
@@ -63,13 +63,9 @@ TEST(RegistryText, ReadsWhatAPersonWrites) {
       HasSubstr("\n[HKEY_CURRENT_USER\\Software\\A[]\n\"d\"=dword:0000000a\n"
                 "\"h\"=hex:01,ff\n\"n\"=\"second\"\n\n[HKEY_CURRENT_USER\\Software\\A[\\b]"));
   EXPECT_EQ(tree.DeleteKey("2"), kAccessDenied) << "a root";
-}
-
-TEST(RegistryText, NamesTheLineOfDamage) {
-  const auto damage = [](const std::string& text) {
-    RegistryTree tree;
-    const auto error = ParseRegistry(text + "\n# end of registry\n", tree);
-    return error ? error->line : 0;
+  const auto damage = [&](const std::string& text) {
+    const auto wrong = ParseRegistry(text + "\n# end of registry\n", tree);
+    return wrong ? wrong->line : 0;
   };
   for (const char* line :
        {"[HKEY_USERS\\A", "[HKEY_NOWHERE\\A]", "[HKEY_USERS\\\\A]", "[HKEY_USERS\\100%]", "n=\"x\"",
@@ -108,8 +104,8 @@ class Store : public FileRegistry {
 
 class FileRegistryTest : public testing::Test {
  protected:
-  bool Locked() const {
-    const Descriptor lock(::open((path_ + ".lock").c_str(), O_RDWR | O_CLOEXEC));
+  static bool Locked(const std::string& path) {
+    const Descriptor lock(::open((path + ".lock").c_str(), O_RDWR | O_CLOEXEC));
     return ::flock(lock.Get(), LOCK_EX | LOCK_NB) != 0;
   }
   // What it holds, the files with their first lines, of a registry's with the value, and how what
@@ -140,38 +136,32 @@ class FileRegistryTest : public testing::Test {
   const FileRegistry::Report report_ = [this](const std::string& what) { said_.push_back(what); };
 };
 
-TEST_F(FileRegistryTest, KeepsWhatWasWrittenWhereLinksLeadAndLeavesNothingBeside) {
-  fs::create_directory(directory_ / "dir");
+TEST_F(FileRegistryTest, AChangeIsOneReplacementUnderALockOrNoneWhereLinksLead) {
   fs::create_symlink("dir/second", path_);
+  fs::create_directory(directory_ / "dir");
   fs::create_symlink("../other/target", directory_ / "dir/second");
   const std::string target = directory_ / "other/target";
   Store registry(path_, report_);
-  ASSERT_EQ(registry.Put("x"), kSuccess);
-  EXPECT_EQ(Store(path_, report_).Get(), "x");
+  ASSERT_EQ(registry.Put("0"), kSuccess);
+  EXPECT_EQ(Store(path_, report_).Get(), "0");
   const fs::perms own = fs::perms::owner_read | fs::perms::owner_write;
   EXPECT_EQ(fs::status(target).permissions(), own);
   fs::permissions(target, own | fs::perms::group_read);
   // What somebody may have left there.
   WriteFile(directory_ / "note", "note");
   fs::create_symlink(directory_ / "note", target + ".new");
-  EXPECT_EQ(After(registry, "y"), "y, dir , note note, other , registry \"n\"=\"y\"");
-  EXPECT_FALSE(fs::exists(fs::symlink_status(target + ".new")));
-  EXPECT_EQ(fs::status(target).permissions(), own | fs::perms::group_read) << "as it was";
-  EXPECT_TRUE(fs::is_symlink(path_) && fs::is_symlink(directory_ / "dir/second"));
-}
-
-TEST_F(FileRegistryTest, AChangeIsOneReplacementUnderALockOrNone) {
-  Store registry(path_, report_);
-  ASSERT_EQ(registry.Put("0"), kSuccess);
   {
     RegistryChange change(registry);
     ASSERT_EQ(registry.Put("1"), kSuccess);
-    EXPECT_TRUE(Locked());
+    EXPECT_TRUE(Locked(target));
     WriteFile(path_, ReadFile(path_) + "\n");
-    EXPECT_EQ(Now(registry), "1, registry \"n\"=\"0\"") << "nobody comes between";
+    EXPECT_EQ(Now(registry), "1, dir , note note, other , registry \"n\"=\"0\"")
+        << "nobody between";
     EXPECT_EQ(change.Commit(), kSuccess);
   }
-  EXPECT_FALSE(Locked());
+  EXPECT_FALSE(Locked(target) || fs::exists(fs::symlink_status(target + ".new")));
+  EXPECT_EQ(fs::status(target).permissions(), own | fs::perms::group_read) << "as it was";
+  EXPECT_TRUE(fs::is_symlink(path_) && fs::is_symlink(directory_ / "dir/second"));
   WriteFile(path_, ReadFile(path_) + "\n");
   const std::string kept = ReadFile(path_);
   EXPECT_EQ(registry.Put("1"), kSuccess) << "which changes nothing";
@@ -181,7 +171,7 @@ TEST_F(FileRegistryTest, AChangeIsOneReplacementUnderALockOrNone) {
   Registry::Key key = 0;
   EXPECT_EQ(registry.CreateKey(RootKey::CurrentUser, "a\\\\b", kSetValue, key), kBadPathname);
   EXPECT_EQ(change.Commit(), kBadPathname);
-  EXPECT_EQ(Now(registry), "1, registry \"n\"=\"1\"");
+  EXPECT_EQ(Now(registry), "1, dir , note note, other , registry \"n\"=\"1\"");
   EXPECT_EQ(ReadFile(path_), kept);
 }
 
@@ -259,7 +249,7 @@ TEST_F(FileRegistryTest, WhatFailsKeepsTheOldFileAndIsToldOnceUntilItSucceeds) {
   EXPECT_TRUE(fs::remove(path_ + ".damaged-1"));
   Store registry(path_, [this](const std::string& message) {
     said_.push_back(message);
-    EXPECT_TRUE(message.find("written") == message.npos || Locked()) << "until it is done";
+    EXPECT_TRUE(message.find("written") == message.npos || Locked(path_)) << "until it is done";
   });
   const auto handler = std::signal(SIGXFSZ, SIG_IGN);
   for (int round = 0; round < 2; ++round) {
