@@ -3,7 +3,6 @@
 
 #include <windows.h>
 
-#include <cctype>
 #include <chrono>
 #include <functional>
 #include <string>
@@ -36,41 +35,6 @@ inline std::wstring Beside(const std::wstring& name) {
 
 // Types where the keyboard is, in the notation of the scripts.
 inline void Type(const std::string& keys) { win32::Win32Keyboard().Type(ParseKeySequence(keys)); }
-
-// The key of the keyboard, and its Shift in the upper byte. Of characters: letters, digits, blanks.
-inline SHORT KeyOf(const KeyEvent& event) {
-  for (const auto& [key, code] : {std::pair<Key, SHORT>{Key::Alt, VK_MENU},
-                                  {Key::Tab, VK_TAB},
-                                  {Key::Enter, VK_RETURN},
-                                  {Key::Escape, VK_ESCAPE},
-                                  {Key::Up, VK_UP},
-                                  {Key::Down, VK_DOWN},
-                                  {Key::Right, VK_RIGHT}}) {
-    if (event.key == key) return code;
-  }
-  const int character = static_cast<int>(event.character);
-  return static_cast<SHORT>(std::toupper(character) | (std::isupper(character) != 0 ? 0x100 : 0));
-}
-
-// The same as a person does: key by key, waiting for nobody. Letters, digits, blanks and some keys.
-inline void PressKeys(const std::string& keys) {
-  const auto send = [](WORD key, DWORD flags) {
-    INPUT input = {};
-    input.type = INPUT_KEYBOARD;
-    input.ki.wVk = key;
-    input.ki.dwFlags = flags;
-    SendInput(1, &input, sizeof input);
-  };
-  for (const KeyEvent& event : ParseKeySequence(keys)) {
-    const SHORT code = KeyOf(event);
-    if (HIBYTE(code) & 1) send(VK_SHIFT, 0);
-    for (std::uint32_t i = 0; i < event.count; ++i) {
-      if (event.action != KeyEvent::Action::Release) send(LOBYTE(code), 0);
-      if (event.action != KeyEvent::Action::Hold) send(LOBYTE(code), KEYEVENTF_KEYUP);
-    }
-    if (HIBYTE(code) & 1) send(VK_SHIFT, KEYEVENTF_KEYUP);
-  }
-}
 
 // The windows of one class on a form, in the order of the controls; the top-level ones on none.
 inline std::vector<HWND> Children(HWND form, const std::wstring& windowClass) {

@@ -106,7 +106,7 @@ TEST_F(DesktopTest, MouseMakesATask) {
   EXPECT_EQ(TextOf(program.Box()), L"Select File");
   EXPECT_EQ(GetWindow(program.Box(), GW_OWNER), editor);
   SendMessageW(FocusBeside(program.Box()), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(file.c_str()));
-  PressKeys("~");
+  Type("~");
   EXPECT_TRUE(WaitFor([&] { return IsWindowEnabled(editor) && TextOf(path) == file; }));
 
   RunningProgram::Press(editor, L"&Every month, on this day number:");
@@ -132,26 +132,25 @@ TEST_F(DesktopTest, KeysDoEverything) {
   };
   // Keys, and whether they lead to that form; to the main window, if none is named.
   const auto lead = [&](const char* keys, const wchar_t* form = nullptr) {
-    PressKeys(keys);
+    Type(keys);
     return form != nullptr ? InFront(form) != nullptr : program.MainIsInFront();
   };
   ASSERT_TRUE(lead(""));
   ASSERT_TRUE(lead("%n", L"New Task"));
   // The group replaces the one that was selected on the way in; from program to message; past Now,
   // from once to recurring; past the dates, which are disabled.
-  PressKeys("Typed{TAB}Home{TAB}{DOWN 4}{TAB}Tea is ready{TAB}23{TAB}59{TAB 2}{DOWN}");
+  Type("Typed{TAB}Home{TAB}{DOWN 4}{TAB}Tea is ready{TAB}23{TAB}59{TAB 2}{DOWN}");
   ASSERT_TRUE(lead("{TAB}{DOWN}{TAB}{DOWN 2}~"));
   EXPECT_EQ(stored(L"Typed"), L"6|Tea is ready|23|59|2|3|Home");
 
   // The tree has the keyboard and the new task is selected: up to its group and back.
-  PressKeys("{UP}{DOWN}");
-  Type("{DELETE}");
+  Type("{UP}{DOWN}{DELETE}");
   EXPECT_EQ(program.BoxInFront(), L"Delete the task \"Typed\"?");
   ASSERT_TRUE(lead("~")) << "No";
   ASSERT_TRUE(lead("~", L"Edit Task - Typed"));
   ASSERT_TRUE(lead("Renamed{TAB}~")) << "from the group's list";
   EXPECT_EQ(stored(L"Renamed"), stored(L"Typed"));
-  PressKeys("%r");
+  Type("%r");
   EXPECT_EQ(program.BoxInFront(), L"Tea is ready");
   ASSERT_TRUE(lead("~"));
   // Without Alt the letters of the buttons do nothing, though one of them has the keyboard.
@@ -161,9 +160,9 @@ TEST_F(DesktopTest, KeysDoEverything) {
   ASSERT_TRUE(lead("%n", L"New Task"));
   ASSERT_TRUE(lead("{TAB}{ESC}")) << "from a list, too";
   // Delete by its button, which leaves the keyboard to the tree, for Enter too.
-  PressKeys("{TAB 2} ");
+  Type("{TAB 2} ");
   EXPECT_TRUE(WaitFor([&] { return TreeView_GetCount(tree) == 0 && treeHasKeyboard(); }));
-  PressKeys("%x");
+  Type("%x");
   EXPECT_EQ(program.ExitCode(), 0);
 }
 
@@ -191,10 +190,10 @@ TEST_F(DesktopTest, SettingsByKeyboard) {
     }));
     const HWND dialog = InFront(L"Settings");
     ASSERT_TRUE(WaitFor([&] { return IsChild(dialog, FocusBeside(dialog)) != 0; }));
-    PressKeys(keys);
+    Type(keys);
     WaitFor([&] { return all() == stored; });
     EXPECT_EQ(all(), stored) << keys;
-    PressKeys("%c");
+    Type("%c");
     ASSERT_TRUE(WaitFor([&] { return !IsWindow(dialog) || !IsWindowVisible(dialog); }));
     ASSERT_TRUE(program.MainIsInFront());
   }

@@ -10,35 +10,6 @@
 namespace orvanto::forms {
 namespace {
 
-// Windows that all have the keyboard, or do not; counts how often one was brought to the front.
-struct Window : FormPeer {
-  void FormChanged(FormProperty property) override { fronts += property == FormProperty::Active; }
-  void ControlChanged(const Control&, Property) override {}
-  void MenuChanged(const MenuItem&) override {}
-  bool HasKeyboard() const override { return hasKeyboard; }
-  Bounds Place() const override { return {}; }
-  static inline bool hasKeyboard = false;
-  static inline int fronts = 0;
-};
-
-struct WindowHost : HeadlessFormHost {
-  std::unique_ptr<FormPeer> Attach(Form&) override { return std::make_unique<Window>(); }
-};
-
-TEST(Forms, TheKeyboardGoesToTheFormBehindAndIsNotTakenFromAnotherProgram) {
-  WindowHost host;
-  Form behind(host, "Behind", {}), front(host, "Front", {});
-  front.formBehind = &behind;
-  for (const auto& [shown, has, fronts] :
-       {std::tuple{false, false, 0}, {false, true, 0}, {true, false, 0}, {true, true, 1}}) {
-    if (shown) behind.Show();
-    front.Show();
-    Window::hasKeyboard = has;
-    front.Unload();
-    EXPECT_EQ(Window::fronts, fronts);
-  }
-}
-
 // A form with a control of each kind that a person can act on.
 struct Acts : Form {
   using Form::Form;

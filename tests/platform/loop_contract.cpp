@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "tests/platform/contracts.h"
+#include "tests/platform/host.h"
 #include "tests/support/FakePlatform.h"
 
 namespace orvanto {
@@ -27,8 +27,8 @@ class EventLoopContract : public testing::TestWithParam<bool> {
 
   FakeClock clock_;
   FakeLoop fake_{clock_};
-  const std::unique_ptr<EventLoop> host_ = NewHostLoop();
-  EventLoop& loop_ = GetParam() ? static_cast<EventLoop&>(fake_) : *host_;
+  HostLoop host_;
+  EventLoop& loop_ = GetParam() ? static_cast<EventLoop&>(fake_) : host_;
 };
 
 INSTANTIATE_TEST_SUITE_P(Loops, EventLoopContract, testing::Bool());
@@ -174,22 +174,22 @@ TEST_P(EventLoopContract, AWaitEndsByItsConditionItsLimitItsOwnerAndTheEnd) {
   EXPECT_EQ(loop_.WaitFor(owner, [] { return true; }, {}), Waited::Met);
 }
 
-TEST(HostLoop, NeitherAFloodOfPostsNorAnExceptionStopsATimer) {
-  const auto loop = NewHostLoop();
+TEST(EventLoop, NeitherAFloodOfPostsNorAnExceptionStopsATimer) {
+  HostLoop loop;
   int calls = 0;
-  const auto timer = loop->NewTimer([&] {
-    if (++calls == 2) loop->Quit();
+  const auto timer = loop.NewTimer([&] {
+    if (++calls == 2) loop.Quit();
     throw std::runtime_error("from a timer");
   });
   timer->Start(kInterval);
-  std::function<void()> again = [&] { loop->Post(again); };
-  loop->Post(again);
-  loop->Post([] { throw 1; });
-  loop->Run();
+  std::function<void()> again = [&] { loop.Post(again); };
+  loop.Post(again);
+  loop.Post([] { throw 1; });
+  loop.Run();
   EXPECT_EQ(calls, 2);
-  EXPECT_TRUE(loop->QuitRequested());
-  loop->DoEvents();
-  loop->Run();  // returns at once
+  EXPECT_TRUE(loop.QuitRequested());
+  loop.DoEvents();
+  loop.Run();  // returns at once
 }
 
 constexpr const char* kHost = "127.0.0.1";
@@ -220,14 +220,14 @@ struct Events {
 
 class SocketContract : public testing::TestWithParam<SocketHost::Use> {
  protected:
-  std::unique_ptr<TcpSocket> NewSocket() const { return host->NewSocket(GetParam()); }
+  std::unique_ptr<TcpSocket> NewSocket() { return host.NewSocket(GetParam()); }
 
   // Runs the loop until `reached`; false when that takes too long.
   bool Until(const std::function<bool()>& reached, milliseconds limit = milliseconds(20'000)) {
     const auto deadline = std::chrono::steady_clock::now() + limit;
     while (!reached()) {
       if (std::chrono::steady_clock::now() > deadline) return false;
-      loop->DoEvents();
+      loop.DoEvents();
       std::this_thread::yield();
     }
     return true;
@@ -250,8 +250,8 @@ class SocketContract : public testing::TestWithParam<SocketHost::Use> {
     }));
   }
 
-  const std::unique_ptr<EventLoop> loop = NewHostLoop();
-  const std::unique_ptr<SocketHost> host = NewHostSockets(*loop);
+  HostLoop loop;
+  HostSockets host{loop};
   const std::unique_ptr<TcpSocket> server = NewSocket();
   const std::unique_ptr<TcpSocket> client = NewSocket();
   Events atServer{*server};
@@ -329,7 +329,7 @@ TEST_P(SocketContract, MuchArrivesWholeAndThenTheEnd) {
   const std::string all = Pattern(9 << 20);
   std::size_t sent = 0;
   int ticks = 0;
-  const auto timer = loop->NewTimer([&] { ++ticks; });
+  const auto timer = loop.NewTimer([&] { ++ticks; });
   timer->Start(milliseconds(1));
   client->onSendComplete = [&] {
     if (sent == all.size()) return client->Close();
@@ -376,7 +376,7 @@ TEST_P(SocketContract, AHoldKeepsEverythingUntilItsEnd) {
   ASSERT_TRUE(listener->Listen(0));
   listener->onConnectionRequest = [&](TcpSocket::RequestId) { atServer.seen += 'R'; };
   {
-    const EventLoop::Hold hold(*loop);
+    const EventLoop::Hold hold(loop);
     client->Send("held");
     second->Connect(kHost, listener->LocalPort());
     for (int i = 0; i < 2; ++i) {

@@ -7,7 +7,7 @@
 #include <ctime>
 #include <set>
 
-#include "tests/platform/contracts.h"
+#include "tests/platform/host.h"
 #include "tests/support/FakePlatform.h"
 #include "tests/support/TemporaryDirectory.h"
 
@@ -25,7 +25,7 @@ class FilesContract : public testing::Test {
   }
 
   const TemporaryDirectory directory_;
-  const std::unique_ptr<Files> files_ = NewHostFiles();
+  const std::unique_ptr<Files> files_ = std::make_unique<HostFiles>();
 };
 
 TEST_F(FilesContract, AppendsReadsCopiesAndRemoves) {
@@ -176,7 +176,7 @@ TEST_F(FilesContract, ListsFoldersAndTellsWhatExistsAndOfWhatKind) {
 }
 
 std::string Below(const std::string& below) {
-  return kScratchKey + (below.empty() ? "" : '\\' + below);
+  return "Software\\OrvantoTest" + (below.empty() ? "" : '\\' + below);
 }
 
 // On the host's, and on the one in memory.
@@ -185,7 +185,7 @@ class RegistryContract : public testing::TestWithParam<bool> {
   ~RegistryContract() override {
     for (const Registry::Key key : made_) registry_->CloseKey(key);
   }
-  // Makes a key and keeps it open; `below` is relative to kScratchKey.
+  // Makes a key and keeps it open; `below` is relative to that.
   Registry::Key Make(const std::string& below,
                      std::uint32_t access = kQueryValue | kSetValue | kCreateSubKey) {
     Registry::Key key = 0;
@@ -212,7 +212,7 @@ class RegistryContract : public testing::TestWithParam<bool> {
   }
 
   const std::unique_ptr<Registry> registry_ =
-      GetParam() ? std::unique_ptr<Registry>(new MemoryRegistry) : NewHostRegistry();
+      GetParam() ? std::unique_ptr<Registry>(new MemoryRegistry) : std::make_unique<HostRegistry>();
   std::vector<Registry::Key> made_;
 };
 

@@ -13,10 +13,9 @@
 #include "platform/win32/Services.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/Win32Clipboard.h"
-#include "platform/win32/Win32Files.h"
 #include "platform/win32/forms/Dialogs.h"
 #include "platform/win32/forms/Win32FormHost.h"
-#include "tests/platform/contracts.h"
+#include "tests/platform/host.h"
 #include "tests/support/TemporaryDirectory.h"
 
 namespace orvanto::win32 {
@@ -34,9 +33,10 @@ TEST(Win32Registry, ReadsForeignStrings) {
       {REG_SZ, L"", "\0"s},
       {REG_EXPAND_SZ, L"%TEMP%\\x\0"s, "%TEMP%\\x\0"s},
       {REG_SZ, std::wstring(9999, L'e') + L'\0', std::string(9999, 'e') + '\0'}};
-  const auto registry = NewHostRegistry();
+  HostRegistry registry;
   Registry::Key key = 0;
-  ASSERT_EQ(registry->CreateKey(RootKey::CurrentUser, kScratchKey, kQueryValue | kSetValue, key),
+  ASSERT_EQ(registry.CreateKey(RootKey::CurrentUser, "Software\\OrvantoTest",
+                               kQueryValue | kSetValue, key),
             kSuccess);
   for (const auto& [stored, bytes, read] : cases) {
     ASSERT_EQ(RegSetValueExW(reinterpret_cast<HKEY>(key), L"foreign", 0, stored,
@@ -45,12 +45,12 @@ TEST(Win32Registry, ReadsForeignStrings) {
               ERROR_SUCCESS);
     ValueType type{};
     std::uint32_t size = 0;
-    registry->QueryValue(key, "foreign", type, nullptr, size);
+    registry.QueryValue(key, "foreign", type, nullptr, size);
     std::string text(size, '?');
-    EXPECT_EQ(registry->QueryValue(key, "foreign", type, text.data(), size), kSuccess);
+    EXPECT_EQ(registry.QueryValue(key, "foreign", type, text.data(), size), kSuccess);
     EXPECT_TRUE(type == ValueType::String && text == read) << text;
   }
-  registry->CloseKey(key);
+  registry.CloseKey(key);
 }
 
 // A message box handles messages by itself; what is due meanwhile has to come after it all the
