@@ -45,6 +45,7 @@ TEST(Forms, APersonCanActOnlyOnWhatIsShownAndEnabledWithAllAroundIt) {
   form.elsewhere.SetValue(true);
   form.other.SetValue(true);
   form.list.Select(0);
+  EXPECT_FALSE(form.second.Visible());
   for (const int page : {1, 0}) form.tabs.Select(page);
   EXPECT_EQ(events, 0) << "the program's own changes raise nothing";
   const std::pair<Control*, std::function<bool()>> acts[] = {

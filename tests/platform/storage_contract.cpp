@@ -57,8 +57,8 @@ TEST_F(FilesContract, AppendsReadsCopiesAndRemoves) {
   EXPECT_EQ(Read("other"), "unreadable");
 }
 
-// `far` is where a file may end.
-void ReadAndWriteAnywhere(Files& files, const std::string& path, std::uint64_t far) {
+// `distant` is where a file may end.
+void ReadAndWriteAnywhere(Files& files, const std::string& path, std::uint64_t distant) {
   using Access = Files::Access;
   EXPECT_EQ(files.Open(path, Access::Read).error, kFileNotFoundError);
   const auto opened = files.Open(path, Access::Write);
@@ -80,10 +80,10 @@ void ReadAndWriteAnywhere(Files& files, const std::string& path, std::uint64_t f
   };
   EXPECT_EQ(read(1), "1ab4567x");
   EXPECT_EQ(read(9), "yz");
-  EXPECT_EQ(read(11) + read(2 * far), "");
-  EXPECT_EQ(file.WriteAt(far, "!"), kNoError);
-  EXPECT_EQ(file.Size(), far + 1);
-  EXPECT_EQ(read(far - 1), std::string("\0!", 2));
+  EXPECT_EQ(read(11) + read(2 * distant), "");
+  EXPECT_EQ(file.WriteAt(distant, "!"), kNoError);
+  EXPECT_EQ(file.Size(), distant + 1);
+  EXPECT_EQ(read(distant - 1), std::string("\0!", 2));
   EXPECT_EQ(files.Remove(path), "") << "an open file is in nobody's way";
 }
 
