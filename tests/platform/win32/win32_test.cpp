@@ -233,14 +233,14 @@ TEST_F(Win32Controls, ShowWhatTheFormHoldsAndTellWhatAPersonDoes) {
   EXPECT_NE(SendMessageW(secret, EM_GETPASSWORDCHAR, 0, 0), 0);
 }
 
-// As the system hands over what another program drags here.
-TEST_F(Win32Controls, TakeTextThatIsDropped) {
+TEST_F(Win32Controls, ALineTakesWhatIsDroppedAndEnterIfItActsOnIt) {
   Win32Clipboard clipboard;
   ASSERT_TRUE(clipboard.SetText("http://caf\u00e9/"));
   EXPECT_EQ(clipboard.Text(), "http://caf\u00e9/");
   IDataObject* data = nullptr;
   ASSERT_EQ(OleGetClipboard(&data), S_OK);
   const HWND box = GetNextDlgTabItem(host_.MainWindow(), Child(WC_BUTTONW, L"&Checked"), FALSE);
+  // As the system hands over what another program drags here.
   auto* const target = static_cast<IDropTarget*>(GetPropW(box, L"OleDropTargetInterface"));
   DWORD effect = DROPEFFECT_COPY | DROPEFFECT_MOVE;
   target->DragEnter(data, MK_LBUTTON, {}, &effect);
@@ -250,13 +250,9 @@ TEST_F(Win32Controls, TakeTextThatIsDropped) {
   EXPECT_EQ(panel_.box.Text(), "") << "not while the other program waits";
   loop_.DoEvents();
   EXPECT_EQ(panel_.box.Text(), "http://caf\u00e9/");
-}
 
-// Enter in a line that acts on it itself; in any other it is the default button's.
-TEST_F(Win32Controls, EnterBelongsToTheLineThatTakesIt) {
   std::string did;
   panel_.save.onClick = [&] { did += "pressed "; };
-  const HWND box = GetNextDlgTabItem(host_.MainWindow(), Child(WC_BUTTONW, L"&Checked"), FALSE);
   SetFocus(box);
   // Not posted: the screen could take the focus away before it came.
   EXPECT_TRUE(Press(box, VK_RETURN));
