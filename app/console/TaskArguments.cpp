@@ -109,6 +109,8 @@ void ReadDate(const std::vector<std::string>& fields, bool monthFirst, TaskEntry
   entry.year = fields[yearFirst ? 0 : 2];
 }
 
+constexpr const char* kWhichDay = "On which day? Say one of --once DATE, --every TEXT and --day N.";
+
 int DayRules(const Options& options) {
   return static_cast<int>(options.count("--once") + options.count("--every") +
                           options.count("--day"));
@@ -118,7 +120,7 @@ int DayRules(const Options& options) {
 void ReadWhen(const Options& options, bool monthFirst, TaskEntry& entry) {
   const auto has = [&](const char* option) { return options.count(option) != 0; };
   if (DayRules(options) > 1) {
-    throw UsageError("On which day? Say one of --once DATE, --every TEXT and --day N.");
+    throw UsageError(kWhichDay);
   }
   if (has("--once")) {
     entry.timeType = kTimeOnce;
@@ -189,7 +191,7 @@ TaskEntry ParseAddArguments(const std::vector<std::string>& words, bool monthFir
   entry.name = *name;
   if (options.count("--at") == 0) throw UsageError("When? Say --at HH:MM.");
   if (DayRules(options) == 0) {
-    throw UsageError("On which day? Say one of --once DATE, --every TEXT and --day N.");
+    throw UsageError(kWhichDay);
   }
   Apply(options, monthFirst, taskPath, entry);
   if (entry.taskType == 0) {

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "platform/forms/Form.h"
+#include "platform/forms/HeadlessFormHost.h"
 #include "platform/text/Lines.h"
 
 namespace orvanto::forms {

@@ -5,6 +5,7 @@
 #include "platform/forms/CheckBox.h"
 #include "platform/forms/Control.h"
 #include "platform/forms/Form.h"
+#include "platform/forms/HeadlessFormHost.h"
 #include "platform/forms/Labels.h"
 #include "platform/forms/Layout.h"
 #include "platform/forms/ListBox.h"

@@ -92,12 +92,10 @@ forms::Bounds FormWindow::Place() const {
   OffsetRect(&place, screen.rcWork.left - screen.rcMonitor.left - main.left,
              screen.rcWork.top - screen.rcMonitor.top - main.top);
   const UINT dpi = MainScreenDpi();
-  RECT frame = {};
-  AdjustWindowRectExForDpi(&frame, StyleOf(*form_), !form_->MenuBar().empty(),
-                           ExtendedStyleOf(*form_), dpi_);
+  const SIZE frame = OuterSize(*form_, {}, dpi_);
   return {ToTwips(place.left, dpi), ToTwips(place.top, dpi),
-          ToTwips(place.right - place.left - (frame.right - frame.left), dpi_),
-          ToTwips(place.bottom - place.top - (frame.bottom - frame.top), dpi_)};
+          ToTwips(place.right - place.left - frame.cx, dpi_),
+          ToTwips(place.bottom - place.top - frame.cy, dpi_)};
 }
 
 void FormWindow::OnSize(WPARAM how) {

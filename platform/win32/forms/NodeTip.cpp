@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/win32/forms/Scale.h"
+#include "platform/win32/forms/Tips.h"
 
 namespace orvanto::win32 {
 namespace {
@@ -27,9 +28,7 @@ NodeTip::NodeTip(HWND tree, std::function<std::wstring(HTREEITEM item)> textOf)
 
 void NodeTip::MakeWindow() {
   if (window_) return;
-  window_.Reset(CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr,
-                                WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0, 0, 0, tree_, nullptr,
-                                nullptr, nullptr));
+  window_.Reset(NewTipWindow(tree_));
   TTTOOLINFOW tool = Tool();
   SendMessageW(window_.Get(), TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
 }

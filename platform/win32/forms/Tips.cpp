@@ -4,12 +4,14 @@
 
 namespace orvanto::win32 {
 
+HWND NewTipWindow(HWND owner) {
+  return CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr,
+                         WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0, 0, 0, owner, nullptr,
+                         nullptr, nullptr);
+}
+
 void Tips::Add(HWND form, HWND control, const std::wstring& text) {
-  if (!window_) {
-    window_.Reset(CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr,
-                                  WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0, 0, 0, form,
-                                  nullptr, nullptr, nullptr));
-  }
+  if (!window_) window_.Reset(NewTipWindow(form));
   std::wstring shown = text;
   TTTOOLINFOW tool = {};
   tool.cbSize = sizeof tool;

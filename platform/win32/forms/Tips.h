@@ -9,6 +9,9 @@
 
 namespace orvanto::win32 {
 
+// Without a tool yet, above the other windows; destroyed with its owner.
+HWND NewTipWindow(HWND owner);
+
 class Tips {
  public:
   // Shown while the mouse rests on a control of `form`.
