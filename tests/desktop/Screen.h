@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <functional>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -33,8 +34,15 @@ inline std::wstring Beside(const std::wstring& name) {
   return program.substr(0, program.find_last_of(L'\\') + 1) + name;
 }
 
-// Types where the keyboard is, in the notation of the scripts.
-inline void Type(const std::string& keys) { win32::Win32Keyboard().Type(ParseKeySequence(keys)); }
+// Types where the keyboard is, in the notation of the scripts; '_' is the space bar.
+inline void Type(const std::string& keys) {
+  std::istringstream pieces(keys);
+  for (std::string piece; std::getline(pieces, piece, '_');) {
+    win32::Win32Keyboard().Type(ParseKeySequence(piece));
+    if (pieces.eof()) return;
+    for (const DWORD flags : {DWORD{0}, DWORD{KEYEVENTF_KEYUP}}) keybd_event(VK_SPACE, 0, flags, 0);
+  }
+}
 
 // The windows of one class on a form, in the order of the controls; the top-level ones on none.
 inline std::vector<HWND> Children(HWND form, const std::wstring& windowClass) {
