@@ -187,6 +187,7 @@ TEST_F(BufferedSocketTest, AGentleCloseSendsTheRestAndDropsWhatArrives) {
       {"any", "wait:30000", "<bye>D[r .]'' closed"},
       {"1", "gently", "<b>[rw]D[rw]'' closing"},
       {"1", "more", "<b>[rw]D[rw]<ye>[r .]'' closing"},
+      {"1", "wait:20000 more wait:20000", "<b>[rw]D[rw]<ye>[r .]'' closing"},
       {"1", "ended receive", "<b>[rw]D[rw][w]'' closing"},
       {"1", "ended receive more", "<b>[rw]D[rw][w]<ye>'' closed"},
       {"1", "sendfails:7 more", "<b>[rw]D[rw]'' closed"},
