@@ -3,9 +3,9 @@
 
 #include <windows.h>
 
+#include <cctype>
 #include <chrono>
 #include <functional>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -34,13 +34,41 @@ inline std::wstring Beside(const std::wstring& name) {
   return program.substr(0, program.find_last_of(L'\\') + 1) + name;
 }
 
-// Types where the keyboard is, in the notation of the scripts; '_' is the space bar.
-inline void Type(const std::string& keys) {
-  std::istringstream pieces(keys);
-  for (std::string piece; std::getline(pieces, piece, '_');) {
-    win32::Win32Keyboard().Type(ParseKeySequence(piece));
-    if (pieces.eof()) return;
-    for (const DWORD flags : {DWORD{0}, DWORD{KEYEVENTF_KEYUP}}) keybd_event(VK_SPACE, 0, flags, 0);
+// Types where the keyboard is, in the notation of the scripts.
+inline void Type(const std::string& keys) { win32::Win32Keyboard().Type(ParseKeySequence(keys)); }
+
+// The key of the keyboard, and its Shift in the upper byte. Of characters: letters, digits, blanks.
+inline SHORT KeyOf(const KeyEvent& event) {
+  for (const auto& [key, code] : {std::pair<Key, SHORT>{Key::Alt, VK_MENU},
+                                  {Key::Tab, VK_TAB},
+                                  {Key::Enter, VK_RETURN},
+                                  {Key::Escape, VK_ESCAPE},
+                                  {Key::Up, VK_UP},
+                                  {Key::Down, VK_DOWN},
+                                  {Key::Right, VK_RIGHT}}) {
+    if (event.key == key) return code;
+  }
+  const int character = static_cast<int>(event.character);
+  return static_cast<SHORT>(std::toupper(character) | (std::isupper(character) != 0 ? 0x100 : 0));
+}
+
+// The same as a person does: key by key, waiting for nobody. Letters, digits, blanks and some keys.
+inline void PressKeys(const std::string& keys) {
+  const auto send = [](WORD key, DWORD flags) {
+    INPUT input = {};
+    input.type = INPUT_KEYBOARD;
+    input.ki.wVk = key;
+    input.ki.dwFlags = flags;
+    SendInput(1, &input, sizeof input);
+  };
+  for (const KeyEvent& event : ParseKeySequence(keys)) {
+    const SHORT code = KeyOf(event);
+    if (HIBYTE(code) & 1) send(VK_SHIFT, 0);
+    for (std::uint32_t i = 0; i < event.count; ++i) {
+      if (event.action != KeyEvent::Action::Release) send(LOBYTE(code), 0);
+      if (event.action != KeyEvent::Action::Hold) send(LOBYTE(code), KEYEVENTF_KEYUP);
+    }
+    if (HIBYTE(code) & 1) send(VK_SHIFT, KEYEVENTF_KEYUP);
   }
 }
 
