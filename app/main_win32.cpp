@@ -1,8 +1,6 @@
 // The entry point of the Windows program.
 #include <windows.h>
 
-#include <objbase.h>
-
 #include <cstdlib>
 #include <exception>
 #include <string>
@@ -32,23 +30,6 @@ namespace {
 
 namespace win32 = orvanto::win32;
 
-// The shell's extensions want COM on the thread that calls the shell.
-class Com {
- public:
-  Com()
-      : begun_(
-            SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE))) {
-  }
-  ~Com() {
-    if (begun_) CoUninitialize();
-  }
-  Com(const Com&) = delete;
-  Com& operator=(const Com&) = delete;
-
- private:
-  bool begun_;
-};
-
 // Services of this system, in the order in which they need each other.
 struct Win32Platform {
   win32::Win32Loop loop;
@@ -66,7 +47,6 @@ struct Win32Platform {
   win32::Win32FileDialogs fileDialogs{loop, forms};
   win32::Win32TrayIcon trayIcon{loop};
   win32::Win32SocketHost sockets{loop};
-  Com com;
   orvanto::Platform platform{loop,         clock,       registry, files,     shell,
                              session,      desktop,     keyboard, clipboard, sound,
                              messageBoxes, fileDialogs, trayIcon, sockets,   forms};

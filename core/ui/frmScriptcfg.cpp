@@ -284,6 +284,7 @@ void frmScriptcfg::Return() {
   services_.trayIcon.Remove();
   treTasks.SetFocus();
   Activate();
+  if (!placeAtFirst_) placeAtFirst_ = Place();
 }
 
 void frmScriptcfg::WireRemoteControl() {
@@ -429,7 +430,9 @@ void frmScriptcfg::Start(const std::string& commandLine, const std::string& prog
   mnuAbout.SetEnabled(showAbout != nullptr);
   mnuSettings.SetEnabled(showSettings != nullptr);
   services_.scheduler.tmrSched.Start();
-  if (!invisible) Show();
+  if (invisible) return;
+  Show();
+  placeAtFirst_ = Place();
 }
 
 void frmScriptcfg::LoadSetting(const Setting& setting) {
@@ -476,12 +479,11 @@ void frmScriptcfg::LayOut() {
 void frmScriptcfg::RestorePlace() {
   const auto place = ParsePlace(SettingOf("Window").Text(services_.settings));
   if (place) SetPlace(*place);
-  placeAtStart_ = Place();
 }
 
 // One that nobody has moved comes to the middle of the screen, whatever screen there is next time.
 void frmScriptcfg::SavePlace() {
-  if (Place() == placeAtStart_) return;
+  if (!placeAtFirst_ || Place() == *placeAtFirst_) return;
   SettingOf("Window").Store(services_.settings, PlaceText(Place()));
 }
 

@@ -136,7 +136,7 @@ class frmScriptcfg : public forms::Form {
   Services services_;
   std::vector<forms::TreeView::NodeId> nodeOfSlot_;                     // from slot 1 on
   std::vector<std::pair<DateTime, forms::TreeView::NodeId>> comeOnce_;  // and have not yet
-  forms::Bounds placeAtStart_;
+  std::optional<forms::Bounds> placeAtFirst_;                           // when it was first shown
   Subscription ticks_;
   Subscription listChanges_;
 };

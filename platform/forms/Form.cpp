@@ -32,6 +32,7 @@ void Form::CentreOnScreen() {
   const Size frame = host_.FrameSize(*this);
   left_ = (screen.width - clientSize_.width - frame.width) / 2;
   top_ = (screen.height - clientSize_.height - frame.height) / 2;
+  placed_ = true;
   Changed(FormProperty::Position);
 }
 
@@ -42,6 +43,7 @@ Bounds Form::Place() const {
 void Form::SetPlace(const Bounds& place) {
   left_ = place.left;
   top_ = place.top;
+  placed_ = true;
   Resize({place.width, place.height});
   Changed(FormProperty::Size);
   Changed(FormProperty::Position);

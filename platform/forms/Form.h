@@ -37,8 +37,8 @@ class FormPeer {
 class FormHost {
  public:
   virtual ~FormHost() = default;
-  // Of a form that is being loaded: all its controls exist, it is not visible yet. The window may
-  // be made as late as when the form is shown.
+  // Of a form that is being loaded: all its controls exist, it is not visible yet. The window is
+  // made when the form is first shown.
   virtual std::unique_ptr<FormPeer> Attach(Form& form) = 0;
   // Takes the window of an unloaded form. A call of the peer's own may be on the stack, so a host
   // that dispatches from it destroys it later.
@@ -65,6 +65,7 @@ class Form {
   void SetClientSize(Size size);
   int Left() const { return left_; }
   int Top() const { return top_; }
+  bool Placed() const { return placed_; }  // given a position; else the system chooses one
   void CentreOnScreen();
   // Left and top from the corner of the main screen's work area, and the size of the client area.
   // What is asked for is moved to where it can be seen; what is told is where the window is or,
@@ -132,6 +133,7 @@ class Form {
   Size clientSize_;
   int left_ = 0;
   int top_ = 0;
+  bool placed_ = false;
   bool visible_ = false;
   bool loaded_ = false;
   bool topMost_ = false;

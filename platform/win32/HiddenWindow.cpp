@@ -4,7 +4,6 @@
 #include <exception>
 #include <string>
 #include <system_error>
-#include <utility>
 
 extern "C" IMAGE_DOS_HEADER __ImageBase;
 
@@ -26,21 +25,22 @@ void ReportException(const char* where) noexcept {
 
 HINSTANCE ThisModule() { return reinterpret_cast<HINSTANCE>(&__ImageBase); }
 
-HiddenWindow::HiddenWindow(const wchar_t* className, Handler handler)
-    : handler_(std::move(handler)) {
+HWND HiddenWindow::Get() {
+  if (window_) return window_.Get();
   WNDCLASSEXW windowClass = {};
   windowClass.cbSize = sizeof windowClass;
   windowClass.lpfnWndProc = Procedure;
   windowClass.hInstance = ThisModule();
-  windowClass.lpszClassName = className;
+  windowClass.lpszClassName = className_;
   RegisterClassExW(&windowClass);  // fails harmlessly when it is registered already
-  window_.Reset(CreateWindowExW(WS_EX_TOOLWINDOW, className, L"", WS_POPUP, 0, 0, 0, 0, nullptr,
+  window_.Reset(CreateWindowExW(WS_EX_TOOLWINDOW, className_, L"", WS_POPUP, 0, 0, 0, 0, nullptr,
                                 nullptr, ThisModule(), nullptr));
   if (!window_) {
     throw std::system_error(static_cast<int>(GetLastError()), std::system_category(),
                             "CreateWindowEx");
   }
   SetWindowLongPtrW(window_.Get(), GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+  return window_.Get();
 }
 
 LRESULT CALLBACK HiddenWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {

@@ -1,11 +1,13 @@
 // A window that nobody sees, for messages: a top-level one, because message-only windows are told
-// neither of a new task bar nor of the end of the session.
+// neither of a new task bar nor of the end of the session. Made when it is first asked for, since
+// every top-level window takes its time at the start.
 #pragma once
 
 #include <windows.h>
 
 #include <functional>
 #include <optional>
+#include <utility>
 
 #include "platform/win32/Handle.h"
 
@@ -23,16 +25,19 @@ class HiddenWindow {
   // Answers a message, or nothing to leave it to the system.
   using Handler = std::function<std::optional<LRESULT>(UINT, WPARAM, LPARAM)>;
 
-  // Throws std::system_error when the system refuses the window.
-  HiddenWindow(const wchar_t* className, Handler handler);
+  // The name is to live as long as the window.
+  HiddenWindow(const wchar_t* className, Handler handler)
+      : className_(className), handler_(std::move(handler)) {}
   HiddenWindow(const HiddenWindow&) = delete;
   HiddenWindow& operator=(const HiddenWindow&) = delete;
 
-  HWND Get() const { return window_.Get(); }
+  // Throws std::system_error when the system refuses the window.
+  HWND Get();
 
  private:
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
+  const wchar_t* className_;
   Handler handler_;
   Handle<HWND, DestroyWindow> window_;
 };

@@ -59,6 +59,7 @@ bool Win32Shell::Execute(const ShellRequest& request) {
   info.lpParameters = orNull(parameters);
   info.lpDirectory = orNull(directory);
   info.nShow = static_cast<int>(request.show);
+  com_.Begin();
   // The shell may handle messages while it looks for the program.
   const EventLoop::Hold hold(loop_);
   return Late<decltype(ShellExecuteExW)>(L"shell32.dll", "ShellExecuteExW")(&info) != 0;

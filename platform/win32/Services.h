@@ -9,6 +9,7 @@
 #include "platform/Clock.h"
 #include "platform/Shell.h"
 #include "platform/Sound.h"
+#include "platform/win32/Com.h"
 #include "platform/win32/Win32Loop.h"
 
 namespace orvanto::win32 {
@@ -32,6 +33,7 @@ class Win32Shell : public Shell {
  private:
   Win32Loop& loop_;
   std::function<HWND()> owner_;
+  Com com_;
 };
 
 class Win32Sound : public Sound {

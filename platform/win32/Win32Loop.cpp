@@ -71,7 +71,9 @@ class Win32Loop::LoopTimer : public Timer {
 Win32Loop::Win32Loop()
     : window_(L"OrvantoLoop", [this](UINT message, WPARAM wParam, LPARAM lParam) {
         return OnMessage(message, wParam, lParam);
-      }) {}
+      }) {
+  window_.Get();  // is told of the end of the session
+}
 
 Win32Loop::~Win32Loop() { work_.Clear(); }
 

@@ -41,7 +41,7 @@ class Win32Loop : public EventLoop {
   using SocketHandler = std::function<void(WPARAM, LPARAM)>;
   UINT BeginSocketMessages(SocketHandler handler);
   void EndSocketMessages(UINT message) { sockets_.erase(message); }
-  HWND Window() const { return window_.Get(); }
+  HWND Window() { return window_.Get(); }
 
   // A timer has fallen due inside a Hold, in which messages come nevertheless. For what shows the
   // time: it may let nothing in.

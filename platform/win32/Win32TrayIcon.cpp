@@ -23,16 +23,15 @@ Win32TrayIcon::Win32TrayIcon(EventLoop& loop)
       taskbarCreated_(RegisterWindowMessageW(L"TaskbarCreated")),
       window_(kWindowClass, [this](UINT message, WPARAM wParam,
                                    LPARAM lParam) { return OnMessage(message, wParam, lParam); }),
-      retry_(loop.NewTimer([this] { Offer(); })) {
-  // The task bar has fewer rights than a program that was started as administrator.
-  ChangeWindowMessageFilterEx(window_.Get(), taskbarCreated_, MSGFLT_ALLOW, nullptr);
-}
+      retry_(loop.NewTimer([this] { Offer(); })) {}
 
 Win32TrayIcon::~Win32TrayIcon() { Remove(); }
 
 void Win32TrayIcon::Add(const std::string& tip) {
   if (wanted_) return;
   wanted_ = true;
+  // The task bar has fewer rights than a program that was started as administrator.
+  ChangeWindowMessageFilterEx(window_.Get(), taskbarCreated_, MSGFLT_ALLOW, nullptr);
   tip_ = ToWide(tip);
   delay_ = kFirstDelay;
   Offer();
@@ -53,7 +52,7 @@ void Win32TrayIcon::Offer() {
   delay_ = std::min(delay_ * 2, kLongestDelay);
 }
 
-bool Win32TrayIcon::Notify(DWORD action) const {
+bool Win32TrayIcon::Notify(DWORD action) {
   const UINT dpi = GetDpiForSystem();
   const Handle<HICON, DestroyIcon> icon(static_cast<HICON>(LoadImageW(
       ThisModule(), MAKEINTRESOURCEW(1), IMAGE_ICON, GetSystemMetricsForDpi(SM_CXSMICON, dpi),

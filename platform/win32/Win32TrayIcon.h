@@ -31,7 +31,7 @@ class Win32TrayIcon : public TrayIcon {
   std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
   void OpenMenu(POINT place);
   void Offer();
-  bool Notify(DWORD action) const;
+  bool Notify(DWORD action);
 
   EventLoop& loop_;
   UINT taskbarCreated_;

@@ -14,6 +14,7 @@ TEST_F(DesktopTest, GoesToTheTrayAndComesBackByItsIconOrASecondStart) {
   program.Press(L"&System Tray");
   NOTIFYICONDATAW icon = {};
   icon.cbSize = sizeof icon;
+  ASSERT_TRUE(WaitFor([&] { return !TopLevel(program.Id(), L"OrvantoTray").empty(); }));
   icon.hWnd = TopLevel(program.Id(), L"OrvantoTray").at(0);
   icon.uID = 1;
   const auto isThere = [&] { return Shell_NotifyIconW(NIM_MODIFY, &icon) != 0; };

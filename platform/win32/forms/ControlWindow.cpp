@@ -6,6 +6,7 @@
 #include "platform/win32/HiddenWindow.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/forms/ControlKinds.h"
+#include "platform/win32/forms/Scale.h"
 
 namespace orvanto::win32 {
 
@@ -18,18 +19,49 @@ std::string WindowText(HWND window) {
   return ToUtf8(text);
 }
 
+// Edges are rounded rather than sizes, so that what touches keeps touching.
+RECT PlaceOf(const forms::Control& control, UINT dpi) {
+  const forms::Bounds& bounds = control.GetBounds();
+  int left = bounds.left;
+  int top = bounds.top;
+  for (auto* frame = control.Container(); frame; frame = frame->Container()) {
+    left += frame->GetBounds().left;
+    top += frame->GetBounds().top;
+  }
+  return {ToPixels(left, dpi), ToPixels(top, dpi), ToPixels(left + bounds.width, dpi),
+          ToPixels(top + bounds.height, dpi)};
+}
+
+DWORD StateOf(const forms::Control& control) {
+  bool visible = true;
+  bool enabled = true;
+  for (const forms::Control* each = &control; each; each = each->Container()) {
+    visible = visible && each->Visible();
+    enabled = enabled && each->Enabled();
+  }
+  return (visible ? WS_VISIBLE : 0) | (enabled ? 0 : DWORD{WS_DISABLED});
+}
+
+// At once where it belongs: each later change would be a message to the system of its own.
 ControlWindow::ControlWindow(forms::Control& control, const Look& look, HWND parent, int id)
-    : window_(CreateWindowExW(look.extendedStyle, look.windowClass, ToWide(control.Text()).c_str(),
-                              WS_CHILD | look.style, 0, 0, 0, 0, parent,
-                              reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ThisModule(),
-                              nullptr)),
-      control_(control) {}
+    : control_(control) {
+  const RECT place = PlaceOf(control, GetDpiForWindow(parent));
+  window_ =
+      CreateWindowExW(look.extendedStyle, look.windowClass, ToWide(control.Text()).c_str(),
+                      WS_CHILD | look.style | StateOf(control), place.left, place.top,
+                      place.right - place.left, place.bottom - place.top, parent,
+                      reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ThisModule(), nullptr);
+}
 
 void ControlWindow::Mirror(Property property) {
   if (property == Property::Text) SetWindowTextIfOther(control_.Text());
 }
 
 void ControlWindow::Place(const RECT& place) {
+  RECT now = {};
+  GetWindowRect(window_, &now);
+  MapWindowPoints(nullptr, GetParent(window_), reinterpret_cast<POINT*>(&now), 2);
+  if (EqualRect(&now, &place)) return;
   SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left,
                place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
 }

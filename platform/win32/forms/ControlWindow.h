@@ -66,13 +66,18 @@ class ControlWindow {
   // Setting an equal text would move the caret of the person who has just typed it.
   void SetWindowTextIfOther(const std::string& text) const;
 
-  HWND window_;  // destroyed with its parent
+  HWND window_ = nullptr;  // destroyed with its parent
 
  private:
   forms::Control& control_;
 };
 
 std::unique_ptr<ControlWindow> MakeControlWindow(forms::Control& control, HWND parent, int id);
+
+// Where it stands on its form, in pixels.
+RECT PlaceOf(const forms::Control& control, UINT dpi);
+// WS_VISIBLE and WS_DISABLED, by itself and by all that it stands in.
+DWORD StateOf(const forms::Control& control);
 
 // The text of a window, as UTF-8.
 std::string WindowText(HWND window);

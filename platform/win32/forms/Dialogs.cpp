@@ -72,6 +72,7 @@ std::optional<std::string> Win32FileDialogs::ChooseFile(const std::string& title
   dialog.lpstrInitialDir = start.empty() ? nullptr : start.c_str();
   dialog.lpstrTitle = caption.c_str();
   dialog.Flags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR | OFN_HIDEREADONLY;
+  com_.Begin();
   const auto open = Late<decltype(GetOpenFileNameW)>(L"comdlg32.dll", "GetOpenFileNameW");
   if (!open(&dialog)) return std::nullopt;
   return ToUtf8(name);

@@ -9,6 +9,7 @@
 
 #include "platform/FileDialogs.h"
 #include "platform/MessageBoxes.h"
+#include "platform/win32/Com.h"
 #include "platform/win32/Win32Loop.h"
 #include "platform/win32/forms/Win32FormHost.h"
 
@@ -52,6 +53,7 @@ class Win32FileDialogs : public FileDialogs {
  private:
   Win32Loop& loop_;
   const Win32FormHost& forms_;
+  Com com_;
 };
 
 }  // namespace orvanto::win32

@@ -48,13 +48,22 @@ SIZE OuterSize(const forms::Form& form, forms::Size client, UINT dpi) {
   return {outer.right - outer.left, outer.bottom - outer.top};
 }
 
-void FormWindow::MoveToPosition() const {
+// Of the window as the form asks for it. It may be on another screen yet, where the program was
+// started from.
+POINT FormWindow::Corner() const {
   const RECT area = MainWorkArea();
-  // The window may be on another screen yet, where the program was started from.
   const UINT dpi = MainScreenDpi();
-  SetWindowPos(window_, nullptr, area.left + ToPixels(form_->Left(), dpi),
-               area.top + ToPixels(form_->Top(), dpi), 0, 0,
-               SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+  return {area.left + ToPixels(form_->Left(), dpi), area.top + ToPixels(form_->Top(), dpi)};
+}
+
+void FormWindow::MoveToPosition() const {
+  const POINT corner = Corner();
+  RECT place = {};
+  GetWindowRect(window_, &place);
+  if (corner.x != place.left || corner.y != place.top) {
+    SetWindowPos(window_, nullptr, corner.x, corner.y, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+  }
   KeepOnScreen();
 }
 

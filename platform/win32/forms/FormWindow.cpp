@@ -66,7 +66,7 @@ FormWindow::FormWindow(forms::Form& form, HWND owner, std::function<void(FormWin
   MakeControls();
   Rescale();
   FormChanged(FormProperty::Size);
-  if (form.Left() != 0 || form.Top() != 0) MoveToPosition();
+  if (form.Placed()) MoveToPosition();
   if (form.TopMost()) FormChanged(FormProperty::TopMost);
 }
 
@@ -79,8 +79,10 @@ FormWindow::~FormWindow() {
 
 void FormWindow::MakeWindow(HWND owner) {
   RegisterFormClass(Procedure);
+  const POINT corner = form_->Placed() ? Corner() : POINT{CW_USEDEFAULT, CW_USEDEFAULT};
+  const SIZE size = OuterSize(*form_, form_->ClientSize(), MainScreenDpi());
   window_ = CreateWindowExW(ExtendedStyleOf(*form_), kWindowClass, ToWide(form_->Caption()).c_str(),
-                            StyleOf(*form_), CW_USEDEFAULT, CW_USEDEFAULT, 100, 100, owner,
+                            StyleOf(*form_), corner.x, corner.y, size.cx, size.cy, owner,
                             menu_.Make(form_->MenuBar()), ThisModule(), nullptr);
   SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
   dpi_ = GetDpiForWindow(window_);
@@ -110,7 +112,6 @@ void FormWindow::MakeControls() {
     afterOption = isOption;
     container = control->Container();
   }
-  for (const auto& window : controls_) MirrorState(*window);
   MirrorOptionStops();
 }
 
@@ -157,27 +158,14 @@ void FormWindow::Rescale() {
   InvalidateRect(window_, nullptr, TRUE);
 }
 
-// Edges are rounded rather than sizes, so that what touches keeps touching.
 void FormWindow::Place(ControlWindow& window) const {
-  const forms::Bounds& bounds = window.GetControl().GetBounds();
-  int left = bounds.left;
-  int top = bounds.top;
-  for (auto* frame = window.GetControl().Container(); frame; frame = frame->Container()) {
-    left += frame->GetBounds().left;
-    top += frame->GetBounds().top;
-  }
-  const int x = ToPixels(left, dpi_);
-  const int y = ToPixels(top, dpi_);
-  window.Place({x, y, ToPixels(left + bounds.width, dpi_), ToPixels(top + bounds.height, dpi_)});
+  window.Place(PlaceOf(window.GetControl(), dpi_));
 }
 
 void FormWindow::MirrorState(const ControlWindow& window) {
-  bool visible = true;
-  bool enabled = true;
-  for (const forms::Control* each = &window.GetControl(); each; each = each->Container()) {
-    visible = visible && each->Visible();
-    enabled = enabled && each->Enabled();
-  }
+  const DWORD state = StateOf(window.GetControl());
+  const bool visible = (state & WS_VISIBLE) != 0;
+  const bool enabled = (state & WS_DISABLED) == 0;
   // A keyboard that talks to a dead window is dead, too.
   const HWND focus = GetFocus();
   const bool focused = focus == window.Get() || IsChild(window.Get(), focus);
@@ -219,6 +207,9 @@ void FormWindow::FormChanged(FormProperty property) {
       break;
     case FormProperty::Size: {
       const SIZE size = OuterSize(*form_, form_->ClientSize(), dpi_);
+      RECT place = {};
+      GetWindowRect(window_, &place);
+      if (place.right - place.left == size.cx && place.bottom - place.top == size.cy) break;
       SetWindowPos(window_, nullptr, 0, 0, size.cx, size.cy,
                    SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
       break;

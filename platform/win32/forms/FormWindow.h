@@ -55,6 +55,7 @@ class FormWindow {
   void Place(ControlWindow& window) const;
   void MirrorState(const ControlWindow& window);
   void MirrorOptionStops() const;
+  POINT Corner() const;
   void MoveToPosition() const;
   void KeepOnScreen() const;
   void OnSize(WPARAM how);

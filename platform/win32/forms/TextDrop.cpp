@@ -5,9 +5,15 @@
 #include <utility>
 
 #include "platform/win32/HiddenWindow.h"
+#include "platform/win32/Library.h"
 #include "platform/win32/Text.h"
 
 namespace orvanto::win32 {
+namespace {
+
+constexpr const wchar_t* kOle = L"ole32.dll";
+
+}  // namespace
 
 // A disabled window, and what stands on it, is never asked. Lives as long as the system holds it,
 // which may be longer than the TextDrop.
@@ -50,7 +56,7 @@ class TextDrop::Target final : public IDropTarget {
     } catch (...) {
       ReportException("drop");
     }
-    ReleaseStgMedium(&medium);
+    Late<decltype(ReleaseStgMedium)>(kOle, "ReleaseStgMedium")(&medium);
     return S_OK;
   }
 
@@ -65,14 +71,16 @@ class TextDrop::Target final : public IDropTarget {
 };
 
 TextDrop::TextDrop(HWND window)
-    : window_(window), target_(new Target(window)), begun_(SUCCEEDED(OleInitialize(nullptr))) {
-  RegisterDragDrop(window_, target_);
+    : window_(window),
+      target_(new Target(window)),
+      begun_(SUCCEEDED(Late<decltype(OleInitialize)>(kOle, "OleInitialize")(nullptr))) {
+  Late<decltype(RegisterDragDrop)>(kOle, "RegisterDragDrop")(window_, target_);
 }
 
 TextDrop::~TextDrop() {
-  RevokeDragDrop(window_);
+  Late<decltype(RevokeDragDrop)>(kOle, "RevokeDragDrop")(window_);
   target_->Release();
-  if (begun_) OleUninitialize();
+  if (begun_) Late<decltype(OleUninitialize)>(kOle, "OleUninitialize")();
 }
 
 std::string TextDrop::Take() { return std::exchange(target_->text, {}); }

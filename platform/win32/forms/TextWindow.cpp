@@ -1,5 +1,7 @@
-#include "platform/win32/HiddenWindow.h"
+#include <optional>
+
 #include "platform/win32/forms/ControlKinds.h"
+#include "platform/win32/forms/Subclass.h"
 #include "platform/win32/forms/TextDrop.h"
 
 namespace orvanto::win32 {
@@ -8,42 +10,16 @@ using forms::Property;
 
 namespace {
 
-// A multi-line edit window wants every key for itself, and takes Esc for the end of a dialog: here
-// Tab, Enter and Esc stay with the form when nothing can be typed.
-LRESULT CALLBACK ReadOnlyTextProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
-                                       UINT_PTR id, DWORD_PTR) {
-  if (message == WM_GETDLGCODE) return DLGC_WANTARROWS;
-  if (message == WM_NCDESTROY) RemoveWindowSubclass(window, ReadOnlyTextProcedure, id);
-  return DefSubclassProc(window, message, wParam, lParam);
-}
-
-// Discards the keys that the box does not take.
-LRESULT CALLBACK KeyProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                              DWORD_PTR box) {
-  try {
-    const auto character = static_cast<char32_t>(wParam);
-    if (message == WM_CHAR && !reinterpret_cast<const forms::TextBox*>(box)->takesKey(character)) {
-      return 0;
-    }
-  } catch (...) {
-    ReportException("key");
-    return 0;
-  }
-  if (message == WM_NCDESTROY) RemoveWindowSubclass(window, KeyProcedure, id);
-  return DefSubclassProc(window, message, wParam, lParam);
-}
-
 class TextWindow : public ControlWindow {
  public:
   TextWindow(forms::TextBox& box, HWND parent, int id)
       : ControlWindow(box, {WC_EDITW, WS_TABSTOP | Style(box), WS_EX_CLIENTEDGE}, parent, id),
         box_(box) {
     SendMessageW(window_, EM_SETLIMITTEXT, static_cast<WPARAM>(box.GetStyle().maxLength), 0);
-    if (box.GetStyle().multiLine && box.GetStyle().readOnly) {
-      SetWindowSubclass(window_, ReadOnlyTextProcedure, 0, 0);
-    }
-    if (box.takesKey) {
-      SetWindowSubclass(window_, KeyProcedure, 0, reinterpret_cast<DWORD_PTR>(&box));
+    if (IsReading() || box.takesKey) {
+      subclass_.emplace(window_, [this](UINT message, WPARAM wParam, LPARAM) {
+        return OnMessage(message, wParam);
+      });
     }
     if (box.onDrop) drop_ = std::make_unique<TextDrop>(window_);
     ScrollToEnd();
@@ -76,6 +52,17 @@ class TextWindow : public ControlWindow {
     return style;
   }
 
+  bool IsReading() const { return box_.GetStyle().multiLine && box_.GetStyle().readOnly; }
+
+  std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam) const {
+    // A multi-line edit window wants every key for itself, and takes Esc for the end of a dialog:
+    // Tab, Enter and Esc stay with the form when nothing can be typed.
+    if (message == WM_GETDLGCODE && IsReading()) return DLGC_WANTARROWS;
+    const bool typed = message == WM_CHAR && box_.takesKey;
+    if (typed && !box_.takesKey(static_cast<char32_t>(wParam))) return 0;
+    return std::nullopt;
+  }
+
   void ScrollToEnd() const {
     if (!box_.GetStyle().multiLine || box_.GetStyle().fromTop) return;
     const auto end = static_cast<WPARAM>(GetWindowTextLengthW(window_));
@@ -84,6 +71,7 @@ class TextWindow : public ControlWindow {
   }
 
   forms::TextBox& box_;
+  std::optional<Subclass> subclass_;
   std::unique_ptr<TextDrop> drop_;
 };
 

@@ -36,36 +36,30 @@ TreeWindow::TreeWindow(TreeView& tree, HWND parent, int id)
                      WS_EX_CLIENTEDGE},
                     parent, id),
       tree_(tree),
-      tip_(window_, [this](HTREEITEM item) { return TipOf(item); }) {
+      tip_(window_, [this](HTREEITEM item) { return TipOf(item); }),
+      subclass_(window_, [this](UINT message, WPARAM wParam, LPARAM lParam) {
+        return OnMessage(message, wParam, lParam);
+      }) {
   DressAsExplorer(window_);
   TreeView_SetExtendedStyle(window_, TVS_EX_DOUBLEBUFFER, TVS_EX_DOUBLEBUFFER);
-  SetWindowSubclass(window_, Procedure, 0, reinterpret_cast<DWORD_PTR>(this));
 }
 
-TreeWindow::~TreeWindow() { RemoveWindowSubclass(window_, Procedure, 0); }
-
-LRESULT CALLBACK TreeWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
-                                       UINT_PTR, DWORD_PTR self) {
+// What the person does may unload the form: nothing of ours is touched after it.
+std::optional<LRESULT> TreeWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   // Wine's tree keeps Alt and F10 to itself; from here they come to the menu.
   if (message == WM_SYSKEYDOWN || message == WM_SYSKEYUP || message == WM_KEYUP) {
-    return DefWindowProcW(window, message, wParam, lParam);
+    return DefWindowProcW(window_, message, wParam, lParam);
   }
   const auto* const asked = reinterpret_cast<const MSG*>(lParam);
   if (message == WM_GETDLGCODE && asked != nullptr && asked->message == WM_KEYDOWN &&
       asked->wParam == VK_RETURN) {
     return DLGC_WANTMESSAGE;  // or it would be the default button's
   }
-  try {
-    // What the person does may unload the form: nothing of ours is touched after it.
-    auto& tree = *reinterpret_cast<TreeWindow*>(self);
-    tree.tip_.OnMessage(message, wParam);
-    if (message == WM_KEYDOWN && tree.TakesKey(wParam)) return 0;
-    if (message == WM_CHAR && wParam == VK_RETURN) return 0;  // it would beep
-    if (message == WM_CONTEXTMENU && tree.OpenMenu(lParam)) return 0;
-  } catch (...) {
-    ReportException("tree");
-  }
-  return DefSubclassProc(window, message, wParam, lParam);
+  tip_.OnMessage(message, wParam);
+  if (message == WM_KEYDOWN && TakesKey(wParam)) return 0;
+  if (message == WM_CHAR && wParam == VK_RETURN) return 0;  // it would beep
+  if (message == WM_CONTEXTMENU && OpenMenu(lParam)) return 0;
+  return std::nullopt;
 }
 
 void TreeWindow::Mirror(Property property) {

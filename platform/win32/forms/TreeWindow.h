@@ -8,13 +8,13 @@
 
 #include "platform/win32/forms/ControlWindow.h"
 #include "platform/win32/forms/NodeTip.h"
+#include "platform/win32/forms/Subclass.h"
 
 namespace orvanto::win32 {
 
 class TreeWindow : public ControlWindow {
  public:
   TreeWindow(forms::TreeView& tree, HWND parent, int id);
-  ~TreeWindow() override;
 
   void Mirror(forms::Property property) override;
   void Place(const RECT& place) override;
@@ -28,8 +28,7 @@ class TreeWindow : public ControlWindow {
   void Rebuild();
   void MirrorSelection();
   void ScrollToSelection() const;
-  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
-                                    UINT_PTR id, DWORD_PTR self);
+  std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
   bool TakesKey(WPARAM key);
   bool SelectFirst(WPARAM key);
   bool OpenMenu(LPARAM where);
@@ -44,6 +43,7 @@ class TreeWindow : public ControlWindow {
 
   forms::TreeView& tree_;
   NodeTip tip_;
+  Subclass subclass_;
   std::vector<HTREEITEM> items_;  // by node
   ImageList images_;
   std::map<std::string, int> imageIndices_;

@@ -19,7 +19,7 @@ class Win32FormHost::Peer : public forms::FormPeer {
     window_ = &host_.MakeWindow(form_);
     window_->FormChanged(forms::FormProperty::Focus);
   }
-  HWND Window() const { return window_->Get(); }
+  const forms::Form& GetForm() const { return form_; }
 
   void FormChanged(forms::FormProperty property) override {
     if (window_ == nullptr && form_.Visible()) Make();
@@ -64,26 +64,22 @@ Win32FormHost::~Win32FormHost() {
 }
 
 std::unique_ptr<forms::FormPeer> Win32FormHost::Attach(forms::Form& form) {
-  auto peer = std::make_unique<Peer>(*this, form);
-  if (mainWindow_ == nullptr) {
-    peer->Make();
-    mainWindow_ = peer->Window();
-  }
-  return peer;
+  if (main_ == nullptr) main_ = &form;
+  return std::make_unique<Peer>(*this, form);
 }
 
 FormWindow& Win32FormHost::MakeWindow(forms::Form& form) {
-  const bool owned = mainWindow_ != nullptr;
-  if (owned && !owner_) {
-    owner_.emplace(L"OrvantoOwner", [](UINT, WPARAM, LPARAM) { return std::nullopt; });
-  }
-  windows_.push_back(std::make_unique<FormWindow>(form, owned ? owner_->Get() : nullptr,
-                                                  [this](FormWindow& gone) { Forget(gone); }));
+  const HWND owner = &form != main_ ? owner_.Get() : nullptr;
+  windows_.push_back(
+      std::make_unique<FormWindow>(form, owner, [this](FormWindow& gone) { Forget(gone); }));
+  if (&form == main_) mainWindow_ = windows_.back()->Get();
   return *windows_.back();
 }
 
 void Win32FormHost::Detach(std::unique_ptr<forms::FormPeer> peer) {
-  static_cast<Peer&>(*peer).Detach();
+  auto& own = static_cast<Peer&>(*peer);
+  if (&own.GetForm() == main_) main_ = nullptr;
+  own.Detach();
 }
 
 void Win32FormHost::Forget(const FormWindow& window) {

@@ -1,10 +1,9 @@
-// Gives every form a real window: the main one when it is loaded, the others when first shown.
+// Gives every form a real window when it is first shown.
 #pragma once
 
 #include <windows.h>
 
 #include <memory>
-#include <optional>
 #include <vector>
 
 #include "platform/forms/forms.h"
@@ -27,7 +26,7 @@ class Win32FormHost : public forms::FormHost {
   forms::Size FrameSize(const forms::Form& form) const override;
   forms::Size TextSize(const std::string& text, int width) const override;
 
-  // Null when there is none.
+  // Null as long as there is none.
   HWND MainWindow() const { return mainWindow_; }
   // The form that the user works in; null when that is another program, or a dialog.
   HWND ActiveForm() const;
@@ -42,7 +41,8 @@ class Win32FormHost : public forms::FormHost {
   void ChooseTaskbar(HWND window) const;
 
   Win32Loop& loop_;
-  std::optional<HiddenWindow> owner_;  // of all but the main one
+  HiddenWindow owner_{L"OrvantoOwner", [](UINT, WPARAM, LPARAM) { return std::nullopt; }};
+  const forms::Form* main_ = nullptr;  // whose window the hidden one does not own
   HWND mainWindow_ = nullptr;
   std::vector<std::unique_ptr<FormWindow>> windows_;
 };
