@@ -3,19 +3,76 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <windows.h>
 
+#include <commctrl.h>
+
+#include <sstream>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
-#include "tests/desktop/RunningProgram.h"
+#include "platform/win32/Text.h"
+#include "platform/win32/Win32Process.h"
+#include "tests/desktop/Screen.h"
 
 namespace orvanto::desktop {
 
-struct Task {
-  std::wstring name;
-  std::wstring type;
-  std::wstring path;
+// A started orvanto.exe, as another program sees it: a process with windows.
+class RunningProgram {
+ public:
+  // Starts the program that lies beside the test program.
+  explicit RunningProgram(const std::wstring& arguments = L"")
+      : process_(
+            win32::StartProcess(win32::ToUtf8(L"\"" + Beside(L"orvanto.exe") + L"\" " + arguments),
+                                ShowCommand::Normal)) {}
+  ~RunningProgram() {  // ends it, the hard way if it still runs
+    TerminateProcess(process_.Get(), 99);
+    WaitForSingleObject(process_.Get(), 5000);
+  }
+
+  DWORD Id() const { return GetProcessId(process_.Get()); }
+  // Waits for the end; -1 when it does not come.
+  int ExitCode() const {
+    DWORD code = 0;
+    const bool ended = WaitForSingleObject(process_.Get(), 20000) == WAIT_OBJECT_0 &&
+                       GetExitCodeProcess(process_.Get(), &code);
+    return ended ? static_cast<int>(code) : -1;
+  }
+  // The main window, or null as long as there is none. Waits for its timer to have written the
+  // caption, so it is started completely then.
+  HWND MainWindow() const {
+    HWND main = nullptr;
+    WaitFor([&] {
+      for (const HWND window : TopLevel(Id(), L"OrvantoForm")) {
+        if (TextOf(window).starts_with(L"Orvanto - ")) main = window;
+      }
+      return main != nullptr;
+    });
+    return main;
+  }
+  // Waits until it is.
+  bool MainIsInFront() const {
+    return WaitFor(
+        [main = MainWindow()] { return IsWindowVisible(main) && GetForegroundWindow() == main; });
+  }
+  HWND Box() const {  // the one that is open, or null
+    for (const HWND window : TopLevel(Id(), L"#32770")) {
+      if (IsWindowVisible(window)) return window;
+    }
+    return nullptr;
+  }
+  // The text of the message box, once one is in front.
+  std::wstring BoxInFront() const {
+    const bool came = WaitFor([&] { return Box() != nullptr && GetForegroundWindow() == Box(); });
+    return came ? TextOf(GetDlgItem(Box(), 0xFFFF)) : L"no box";
+  }
+  // What a person does.
+  void Press(const std::wstring& caption) const { Press(MainWindow(), caption); }
+  static void Press(HWND form, const std::wstring& caption) {
+    PostMessageW(FindWindowExW(form, nullptr, WC_BUTTONW, caption.c_str()), BM_CLICK, 0, 0);
+  }
+
+ private:
+  win32::ProcessHandle process_;
 };
 
 // Begins and ends without any settings.
@@ -30,35 +87,17 @@ class DesktopTest : public testing::Test {
   }
   ~DesktopTest() override { RegDeleteTreeW(HKEY_CURRENT_USER, kKey); }
 
-  // All of them are due every day at the given time.
-  static void Import(const std::vector<Task>& tasks, int minuteOfTheDay = 0) {
-    int count = 0;
-    for (const Task& task : tasks) {
-      const std::pair<const wchar_t*, std::wstring> values[] = {
-          {L"TimeType", L"2"},
-          {L"Every", L"1"},
-          {L"In", L"1"},
-          {L"TimeHour", std::to_wstring(minuteOfTheDay / 60)},
-          {L"TimeMinute", std::to_wstring(minuteOfTheDay % 60)},
-          {L"TaskType", task.type},
-          {L"Path", task.path}};
-      for (const auto& [value, text] : values) Store(task.name, value, text);
-      Store(L"General", L"Task" + std::to_wstring(++count), task.name);
+  // "Name=value Other=value". The section may be a task's name.
+  static void Store(const std::wstring& section, const std::wstring& values) {
+    std::wistringstream words(values);
+    for (std::wstring word; words >> word;) {
+      const std::size_t equals = word.find(L'=');
+      RegSetKeyValueW(HKEY_CURRENT_USER, (kKey + (L"\\" + section)).c_str(),
+                      word.substr(0, equals).c_str(), REG_SZ, &word[equals + 1],
+                      static_cast<DWORD>((word.size() - equals) * sizeof(wchar_t)));
     }
-    Store(L"General", L"NoTasks", std::to_wstring(count));
   }
-  static int MinuteOfTheDay(int secondsFromNow = 0) {
-    SYSTEMTIME now;
-    GetLocalTime(&now);
-    return (now.wHour * 60 + now.wMinute + (now.wSecond + secondsFromNow) / 60) % (24 * 60);
-  }
-
-  static void Store(const std::wstring& section, const std::wstring& name,
-                    const std::wstring& text) {
-    RegSetKeyValueW(HKEY_CURRENT_USER, (kKey + (L"\\" + section)).c_str(), name.c_str(), REG_SZ,
-                    text.c_str(), static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
-  }
-  // Stored texts with '|' between them. The section may be a task's name.
+  // Stored texts with '|' between them.
   static std::wstring Stored(const std::wstring& section,
                              std::initializer_list<const wchar_t*> names) {
     std::wstring all;

@@ -35,24 +35,6 @@ write_enable=YES
 dirmessage_enable=YES
 seccomp_sandbox=NO
 """,
-    "proftpd": """DefaultAddress 127.0.0.1
-Port {port}
-UseIPv6 off
-User nobody
-Group nogroup
-AuthPAM off
-DefaultRoot ~
-AllowOverwrite on
-AllowStoreRestart on
-DisplayChdir .message
-UseReverseDNS off
-ControlsEngine off
-DelayEngine off
-PidFile {home}/pid
-ScoreboardFile none
-SystemLog none
-WtmpLog off
-""",
     "nginx": """daemon off;
 master_process off;
 user root users;
@@ -71,20 +53,13 @@ http {{
   server {{
     listen 127.0.0.1:{port};
     root {folder};
-    location /slow/ {{
-      alias {folder}/;
-      limit_rate 40m;
-    }}
-    location /moved/ {{
-      rewrite ^/moved/(.*) /slow/$1 redirect;
-    }}
-    location /refused/ {{
-      return 403;
-    }}
+    location /slow/ {{ alias {folder}/; limit_rate 40m; }}
+    location /moved/ {{ rewrite ^/moved/(.*) /slow/$1 redirect; }}
+    location /refused/ {{ return 403; }}
   }}
 }}
 """}
-COMMANDS = {"vsftpd": "{home}/vsftpd", "proftpd": "-n -q -c {home}/proftpd",
+COMMANDS = {"vsftpd": "{home}/vsftpd",
             "pure-ftpd": "-A -t 20000 -H -S 127.0.0.1,{port} -f none -g {home}/pid -l unix",
             "nginx": "-c {home}/nginx -e stderr"}
 

@@ -22,10 +22,10 @@ class HomeTest(unittest.TestCase):
         path.mkdir(exist_ok=True)
         return path
 
-    def orvanto(self, home, *words, status=0, env=None):
+    def orvanto(self, home, *words, status=0):
         """Runs one command and returns its output."""
         done = subprocess.run([PROGRAM, "--home", home, *words], capture_output=True, text=True,
-                              timeout=60, env=env, stdin=subprocess.DEVNULL, check=False)
+                              timeout=60, stdin=subprocess.DEVNULL, check=False)
         self.assertEqual(done.returncode, status, done.stdout + done.stderr)
         self.last_error = done.stderr
         return done.stdout

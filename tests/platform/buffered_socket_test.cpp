@@ -3,127 +3,126 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/net/SocketError.h"
+#include <sstream>
+
 #include "tests/support/FakePlatform.h"
 
 namespace orvanto {
 namespace {
 
-using State = TcpSocket::State;
+using namespace std::string_literals;
 using Use = SocketHost::Use;
 using Socket = FakeSocketHost::Socket;
 
 constexpr std::size_t kAny = FakeSocketHost::kAny;
 constexpr std::size_t kMost = TcpSocket::kMostPerArrival;
-constexpr std::uint16_t kPort = 7;
 
+// What happens to a socket, and what comes of it, both in words.
 class BufferedSocketTest : public testing::Test {
  protected:
   BufferedSocketTest() {
-    socket.onConnected = [this] { seen += 'C'; };
-    socket.onSendComplete = [this] { seen += 'S'; };
-    socket.onDataArrival = [this] { seen += 'D'; };
-    socket.onClosed = [this] { seen += 'X'; };
-    socket.onError = [this](int error) { seen += 'E' + std::to_string(error); };
+    socket.onConnected = [this] { told += 'C'; };
+    socket.onSendComplete = [this] { told += 'S'; };
+    socket.onDataArrival = [this] { told += 'D'; };
+    socket.onClosed = [this] { told += 'X'; };
+    socket.onError = [this](int error) { told += 'E' + std::to_string(error); };
+  }
+  // A new connection, and all that, "send:abc more", one after the other. Returns the events (as
+  // above), <what was sent>, [what is waited for], (the addresses tried), 'what was fetched', and
+  // at the end what the socket is, when it is not connected.
+  std::string After(const std::string& happenings) {
     Begin();
-  }
-  void Begin() {
-    socket.Close();
-    socket.waiting.clear();
-    socket.ended = false;
-    socket.receiveError = socket.sendError = 0;
-    socket.room = kAny;
-    socket.Connected();
-    socket.sent.clear();
-    seen.clear();
-  }
-  // The events since the last call, those that are due now among them.
-  std::string Seen() {
-    loop.DoEvents();
-    return std::exchange(seen, {});
-  }
-
-  // More than is read at once, of which that much is read.
-  void ReceiveMuch() {
-    socket.waiting = std::string(kMost + 3, 'x');
-    for (int i = 0; i < 2; ++i) socket.Receive();
-  }
-  // The addresses since the last call.
-  std::string Tried() {
-    std::string all;
-    for (const auto& [address, port] : std::exchange(socket.tried, {})) {
-      EXPECT_EQ(port, kPort);
-      all += std::to_string(address) + ' ';
+    std::istringstream words(happenings);
+    for (std::string word; words >> word;) {
+      const std::size_t colon = std::min(word.find(':'), word.size() - 1);
+      Happen(word.substr(0, word.find(':')), word.substr(colon + 1));
+      if (const std::string sent = socket.Sent(); !sent.empty()) told += '<' + Short(sent) + '>';
+      const std::string wants = std::exchange(socket.wants, {});
+      if (!wants.empty()) told += '[' + wants.substr(0, wants.find_last_not_of(' ') + 1) + ']';
+      for (const auto& tried : std::exchange(socket.tried, {})) {
+        told += '(' + std::to_string(tried.first) + ':' + std::to_string(tried.second) + ')';
+      }
     }
-    return all;
+    const char* states[] = {" closed", " listens", " connecting", "", " closing", " failed "};
+    told += states[static_cast<int>(socket.GetState())];
+    if (told.ends_with(' ')) told += std::to_string(socket.LastError());
+    if (!socket.waiting.empty()) told += " unread";
+    return std::exchange(told, {});
   }
 
   FakeClock clock;
   FakeLoop loop{clock};
   FakeSocketHost host{loop};
   Socket socket{host, Use::Conversation};
-  std::string seen;
+  std::string told;
+
+ private:
+  static std::string Short(std::string_view text) {
+    return text.size() < 20 ? std::string(text) : text[0] + std::to_string(text.size());
+  }
+  void Begin() {
+    socket.Close();
+    socket.waiting.clear();
+    socket.ended = false;
+    socket.receiveError = socket.sendError = 0;
+    socket.room = socket.atOnce = kAny;
+    socket.Connected();
+    socket.Sent();
+    socket.wants.clear();
+    told.pop_back();
+  }
+  void Happen(const std::string& what, const std::string& with) {
+    const std::size_t size = std::strtoul(with.c_str(), nullptr, 10);
+    const int number = static_cast<int>(size);
+    if (what == "begin") return Begin();
+    if (what == "connect") return socket.Connect(with, 7);
+    if (what == "answered") return socket.Connected();
+    if (what == "refused") return socket.ConnectFailed(number);
+    if (what == "send") return socket.Send(with);
+    if (what == "fill") return socket.Send(std::string(size, 'x'));
+    if (what == "room") socket.room = with == "any" ? kAny : size;
+    if (what == "atonce") socket.atOnce = size;
+    if (what == "more") return socket.SendMore();
+    if (what == "unsent") told += std::to_string(socket.Unsent());
+    if (what == "sendfails") socket.sendError = number;
+    if (what == "fail") return socket.FailSending(number);
+    if (what == "peer") socket.waiting += with;
+    if (what == "flood") socket.waiting.append(kMost + 3, 'f');
+    if (what == "ended") socket.ended = true;
+    if (what == "receivefails") socket.receiveError = number;
+    if (what == "receive") return socket.Receive();
+    if (what == "rest") return socket.ReceiveRest();
+    if (what == "get") told += '\'' + Short(socket.GetData()) + '\'';
+    if (what == "loop") return loop.DoEvents();
+    if (what == "wait") return loop.Advance(number);
+    if (what == "gently") return socket.CloseGently();
+    if (what == "close") return socket.Close();
+  }
 };
 
-TEST_F(BufferedSocketTest, SendsAllInOrderAndTellsOnce) {
-  socket.atOnce = 2;
-  socket.room = 3;
-  for (const char* text : {"abcdef", "", "gh"}) {
-    socket.Send(text);
-    EXPECT_EQ(socket.sent, "abc");
-    socket.room = 5;  // nothing overtakes what waits
+using Rows = std::initializer_list<std::pair<std::string, const char*>>;
+
+TEST_F(BufferedSocketTest, SendsAllInOrderAndTellsOnceUpToALimitOfWhatWaits) {
+  for (const auto& [what, then] :
+       Rows{{"send:i send:j send: loop send:k loop", "<i><j>S<k>S"},
+            {"atonce:2 room:3 send:abcdef room:5 send: send:gh unsent loop more unsent loop",
+             "<abc>[rw][rw]5S<defgh>[r]0"},
+            {"room:3 send:abcdef room:2 more unsent loop room:any more more loop",
+             "<abc>[rw]<de>1S<f>[r]"},
+            {"send:k room:0 send:l loop room:any more loop", "<k>[rw]S<l>[r]"},
+            {"room:0 send:abcdef room:5 more send:g room:any more", "[rw]<abcde>[rw]S<fg>[r]"},
+            {"room:0 send:abcdef room:2 more send:g room:any more", "[rw]<ab>[rw]S<cdefg>[r]"},
+            {"room:0 fill:4194304 room:9 more fill:9 loop room:any more",
+             "[rw]<xxxxxxxxx>[rw]S<x4194304>[r]"},
+            {"room:0 fill:4194304 send:y", "[rw][r]"},  // it ends from the loop
+            {"room:0 fill:4194304 send:y peer:more loop", "[rw][r]E10055 failed 10055 unread"}}) {
+    EXPECT_EQ(After(what), then) << what;
   }
-  EXPECT_EQ(socket.Unsent(), 5U);
-  EXPECT_EQ(Seen(), "");
-  socket.room = 2;
-  socket.SendMore();
-  EXPECT_EQ(socket.Unsent(), 3U);
-  EXPECT_EQ(Seen(), "");
-  socket.room = kAny;
-  for (int i = 0; i < 2; ++i) socket.SendMore();
-  EXPECT_EQ(socket.sent, "abcdefgh");
-  EXPECT_EQ(Seen(), "S");
-  EXPECT_EQ(socket.wants, "r rw rw r ");
-  for (const char* text : {"i", "j", ""}) socket.Send(text);
-  EXPECT_EQ(seen, "") << "never from inside";
-  EXPECT_EQ(Seen(), "S");
-  socket.Send("k");
-  socket.room = 0;
-  socket.Send("l");
-  EXPECT_EQ(Seen(), "") << "the rest is not sent yet";
-  socket.room = kAny;
-  socket.SendMore();
-  EXPECT_EQ(Seen(), "S");
-  EXPECT_EQ(socket.sent, "abcdefghijkl");
-}
-
-TEST_F(BufferedSocketTest, WhatWaitsToBeSentHasALimit) {
-  std::string text(TcpSocket::kMostUnsent + (3 << 20), '\0');
-  for (std::size_t i = 0; i < text.size(); ++i) text[i] = static_cast<char>(i * 2654435761U >> 13);
-  socket.room = 0;
-  socket.Send(std::string_view(text).substr(0, TcpSocket::kMostUnsent));
-  socket.room = 3 << 20;
-  socket.SendMore();
-  socket.Send(std::string_view(text).substr(TcpSocket::kMostUnsent));
-  EXPECT_EQ(Seen(), "") << "what was sent makes room";
-  socket.room = kAny;
-  socket.SendMore();
-  EXPECT_EQ(Seen(), "S");
-  EXPECT_TRUE(socket.sent == text);
-
-  socket.room = 0;
-  socket.Send(std::string(TcpSocket::kMostUnsent, 'x'));
-  socket.Send("y");
-  EXPECT_EQ(socket.GetState(), State::Connected) << "it ends from the loop";
-  socket.waiting = "a peer that goes on";
-  EXPECT_EQ(Seen(), "E10055");
-  EXPECT_EQ(socket.GetState(), State::Failed);
-  EXPECT_EQ(socket.LastError(), kNoBufferSpace);
 }
 
 TEST_F(BufferedSocketTest, ArrivalsInsideOneAnotherKeepTheirOwn) {
   Socket other(host, Use::Data);
-  other.Connected();
+  for (Socket* each : {&socket, &other}) each->Connected();
   for (const char* text : {"one", "two"}) socket.PeerSends(text);
   for (const char* text : {"uno", "due"}) {
     other.PeerSends(text);
@@ -136,184 +135,104 @@ TEST_F(BufferedSocketTest, ArrivalsInsideOneAnotherKeepTheirOwn) {
   EXPECT_EQ(other.GetData().size(), TcpSocket::kMostDataPerArrival);
   {
     Socket brief(host, Use::Data);
+    brief.onSendComplete = [] { ADD_FAILURE() << "it has gone"; };
     brief.Connected();
     brief.PeerSends("gone");
+    brief.Send("posts");
   }
   socket.PeerSends("here");
   EXPECT_EQ(socket.GetData(), "here");
+  loop.DoEvents();
 }
 
 TEST_F(BufferedSocketTest, EndsAfterWhatHasArrived) {
-  enum Report { None, Rest, SendFailed };
-  // By which nothing more is reported, the receive's error, whether it has ended, the last event.
-  const std::tuple<Report, int, bool, const char*> cases[] = {
-      {None, 0, false, ""},         {None, 0, true, "X"},       {None, 7, false, "E7"},
-      {Rest, 0, false, "X"},        {Rest, 0, true, "X"},       {Rest, 7, false, "E7"},
-      {SendFailed, 0, false, "E5"}, {SendFailed, 0, true, "X"}, {SendFailed, 7, false, "E7"}};
-  for (int number = 0; const auto& [report, receiveError, ended, last] : cases) {
-    SCOPED_TRACE(number++);
-    Begin();
-    socket.Send("a");
-    socket.waiting = std::string(kMost + 3, 'x');
-    socket.receiveError = receiveError;
-    socket.ended = ended;
-    if (report == SendFailed) {
-      for (const int error : {5, 6}) socket.FailSending(error);
-      socket.Send("lost");
-      EXPECT_EQ(Seen(), "D") << "and no sending is complete";
-    } else {
-      report == Rest ? socket.ReceiveRest() : socket.Receive();
-      EXPECT_EQ(Seen().size(), 2U);
-    }
-    if (report == None) socket.Receive();
-    EXPECT_EQ(Seen(), "") << "until it is fetched";
-    EXPECT_FALSE(socket.wants.ends_with("r ")) << "nor is anything read";
-    EXPECT_EQ(socket.GetData().size(), kMost);
-    EXPECT_EQ(Seen(), "D");
-    if (report == None) socket.Receive();
-    EXPECT_EQ(Seen(), last);
-    EXPECT_EQ(socket.GetData(), "xxx") << "after the end too";
-    EXPECT_EQ(socket.sent, "a");
+  // What has been received waits to be fetched, and only then does more, and the end, come.
+  for (const auto& [what, then] : Rows{
+           {"receive receive loop get loop receive loop", "<a>D[]S'f16384'[r]D'fff'"},
+           {"ended receive receive loop get loop receive loop", "<a>D[]S'f16384'[r]DX'fff' closed"},
+           {"receivefails:7 receive receive loop get loop receive loop",
+            "<a>D[]S'f16384'[r]DE7'fff' failed 7"},
+           {"rest loop loop get loop loop", "<a>SD[]'f16384'[r]DX'fff' closed"},
+           {"ended rest loop loop get loop loop", "<a>SD[]'f16384'[r]DX'fff' closed"},
+           {"receivefails:7 rest loop loop get loop loop", "<a>SD[]'f16384'[r]DE7'fff' failed 7"},
+           {"fail:5 fail:6 send:lost loop loop get loop loop",
+            "<a>[r]D[]'f16384'[r]DE5'fff' failed 5"},
+           {"ended fail:5 loop loop get loop loop", "<a>[r]D[]'f16384'[r]DX'fff' closed"},
+           {"receivefails:7 fail:5 loop loop get loop loop",
+            "<a>[r]D[]'f16384'[r]DE7'fff' failed 7"}}) {
+    EXPECT_EQ(After("send:a flood " + what + " get"), then) << what;
   }
 }
 
 TEST_F(BufferedSocketTest, WhatWasSentBeforeThePeersEndStillGoesOut) {
-  for (const int error : {0, 7}) {
-    Begin();
-    socket.room = 2;
-    socket.Send("sent");
-    socket.ReceiveRest();
-    socket.ended = true;
-    EXPECT_EQ(Seen(), "");
-    EXPECT_EQ(socket.wants, "r rw w ");
-    socket.room = kAny;
-    socket.sendError = error;
-    socket.onSendComplete = [this] {
-      seen += 'S';
-      if (seen == "SSS") throw 1;
-      socket.Send("more");
-    };
-    try {
-      socket.SendMore();
-    } catch (int) {  // a loop would report it
-    }
-    for (int i = 0; i < 3; ++i) loop.DoEvents();
-    EXPECT_EQ(Seen(), error == 0 ? "SSSX" : "X") << "it has closed in good order";
-    EXPECT_EQ(socket.sent, error == 0 ? "sentmoremore" : "se");
-    EXPECT_EQ(socket.GetState(), State::Closed);
-  }
+  int left = 3;
+  socket.onSendComplete = [&] {
+    told += 'S';
+    if (--left == 0) throw 1;  // a loop would report it
+    socket.Send("more");
+  };
+  const std::string before = "room:2 send:sent rest ended loop room:any ";
+  EXPECT_EQ(After(before + "sendfails:7 more loop"), "<se>[rw][w][]X closed") << "in good order";
+  EXPECT_THROW(After(before + "more"), int);
+  loop.DoEvents();
+  EXPECT_EQ(told + socket.sent, "<se>[rw][w]SSSXntmoremore");
 }
 
 TEST_F(BufferedSocketTest, AGentleCloseSendsTheRestAndDropsWhatArrives) {
-  // The room for what is sent at first, what happens then, and what comes of it.
-  const std::tuple<std::size_t, std::function<void()>, State, const char*, const char*> cases[] = {
-      {kAny, [] {}, State::Closing, "r r .", "bye"},
-      {1, [] {}, State::Closing, "r rw rw ", "b"},
-      {1, [this] { socket.CloseGently(); }, State::Closing, "r rw rw ", "b"},
-      {1, [this] { socket.SendMore(); }, State::Closing, "r rw rw r .", "bye"},
-      {kAny, [this] { socket.PeerCloses(); }, State::Closed, "", "bye"},
-      {1, [this] { socket.PeerCloses(); }, State::Closing, "r rw rw w ", "b"},
-      {1, [this] { socket.PeerCloses(), socket.SendMore(); }, State::Closed, "", "bye"},
-      {1, [this] { socket.sendError = 7, socket.SendMore(); }, State::Closed, "", "b"},
-      {1, [this] { socket.receiveError = 7, socket.Receive(); }, State::Closed, "", "bye"},
-      {1, [this] { socket.Close(); }, State::Closed, "", "bye"},
-      {kAny, [this] { loop.Advance(29'999); }, State::Closing, "r r .", "bye"},
-      {kAny, [this] { loop.Advance(30'000); }, State::Closed, "", "bye"},
-  };
-  for (int number = 0; const auto& [room, then, state, wants, sent] : cases) {
-    SCOPED_TRACE(number++);
-    Begin();
-    socket.room = room;
-    socket.Send("bye");
-    socket.waiting = std::string(3 * kMost, 'x');
-    socket.Receive();
-    socket.CloseGently();
-    seen.clear();
-    for (int i = 0; i < 3; ++i) socket.Receive();
-    EXPECT_EQ(socket.waiting, "");
-    socket.Send("not this");
-    socket.room = kAny;
-    then();
-    EXPECT_EQ(Seen(), "");
-    EXPECT_EQ(socket.GetState(), state);
-    EXPECT_EQ(socket.wants, wants);
-    EXPECT_EQ(socket.sent, sent);
-    EXPECT_EQ(socket.GetData(), "");
+  // The room for what is sent at first, what happens after the close, and what comes of it.
+  const std::array<const char*, 3> cases[] = {
+      {"any", "", "<bye>D[r .]'' closing"},
+      {"any", "ended receive", "<bye>D[r .]'' closed"},
+      {"any", "wait:29999", "<bye>D[r .]'' closing"},
+      {"any", "wait:30000", "<bye>D[r .]'' closed"},
+      {"1", "gently", "<b>[rw]D[rw]'' closing"},
+      {"1", "more", "<b>[rw]D[rw]<ye>[r .]'' closing"},
+      {"1", "wait:20000 more wait:20000", "<b>[rw]D[rw]<ye>[r .]'' closing"},
+      {"1", "ended receive", "<b>[rw]D[rw][w]'' closing"},
+      {"1", "ended receive more", "<b>[rw]D[rw][w]<ye>'' closed"},
+      {"1", "sendfails:7 more", "<b>[rw]D[rw]'' closed"},
+      {"1", "receivefails:7 receive", "<b>[rw]D[rw]<ye>'' closed"},
+      {"1", "close", "<b>[rw]D[rw]<ye>'' closed"}};
+  for (const auto& [room, then, expected] : cases) {
+    const std::string before = " send:bye flood flood receive gently receive receive receive";
+    EXPECT_EQ(After("room:" + (room + before) + " send:not room:any " + then + " loop get"),
+              expected);
   }
 }
 
 TEST_F(BufferedSocketTest, NothingOfAConnectionReachesTheNext) {
-  // What has happened, and what of it has been sent by the end.
-  const std::pair<std::function<void()>, const char*> pasts[] = {
-      {[&] { socket.Send("a"); }, "a"},
-      {[&] { socket.ReceiveRest(); }, ""},
-      {[&] { socket.FailSending(7); }, ""},
-      {[&] {
-         socket.room = 2;
-         socket.Send("byes");
-         socket.room = 1;
-       },
-       "bye"},
-      {[&] { socket.CloseGently(); }, ""},
-      {[&] { ReceiveMuch(); }, ""},
-      {[&] { ReceiveMuch(), socket.GetData(); }, ""}};
-  for (const auto& [past, sent] : pasts) {
-    Begin();
-    past();
-    for (int i = 0; i < 2; ++i) socket.Close();
-    EXPECT_EQ(socket.sent, sent);
-    Begin();
-    loop.Advance(60'000);
-    EXPECT_EQ(Seen(), "");
-    socket.Send("new");
-    socket.waiting = std::string(kMost, 'y');
-    for (int i = 0; i < 2; ++i) socket.Receive();
-    EXPECT_EQ(Seen(), "DS");
-    EXPECT_EQ(socket.sent, "new");
-    socket.waiting = "z";
-    EXPECT_EQ(socket.GetData(), std::string(kMost, 'y'));
-    EXPECT_EQ(Seen(), "D");
+  const std::string next = " close close begin wait:60000 send:new flood receive receive loop get";
+  for (const auto& [what, then] : Rows{{"send:a", "<a>"},
+                                       {"rest", ""},
+                                       {"fail:7", "[r]"},
+                                       {"room:2 send:byes room:1", "<by>[rw]<e>"},
+                                       {"gently", "[r .]"},
+                                       {"flood receive receive", "D[]"},
+                                       {"flood receive receive get", "D[]'f16384'[r]"}}) {
+    EXPECT_EQ(After(what + next), then + "<new>D[]S'f16384'[r] unread"s) << what;
   }
-  Socket brief(host, Use::Conversation);
-  brief.Connected();
-  brief.onSendComplete = [] { ADD_FAILURE() << "it has gone"; };
-  brief.Send("posts");
 }
 
-TEST_F(BufferedSocketTest, ConnectsToTheFirstAddressThatAnswers) {
+TEST_F(BufferedSocketTest, ConnectsToTheFirstAddressThatAnswersAndListensOnNumericOnes) {
   host.names = {{"many", {1, 2, 3, 4}}, {"silent", {}}, {"", {7}}};
   host.unreachable = {{2, 5}, {4, 6}};
-  for (const bool answers : {true, false}) {
-    socket.Connect("many", kPort);
-    EXPECT_EQ(Tried(), "1 ");
-    socket.ConnectFailed(8);
-    EXPECT_EQ(Tried(), "2 3 ");
-    EXPECT_EQ(Seen(), "");
-    answers ? socket.Connected() : socket.ConnectFailed(9);
-    EXPECT_EQ(socket.GetState(), answers ? State::Connected : State::Connecting);
-    EXPECT_EQ(Seen(), answers ? "C" : "E6");
-    EXPECT_EQ(Tried(), answers ? "" : "4 ");
+  for (const auto& [what, then] :
+       Rows{{"connect:many refused:8 loop answered loop refused:9", "(1:7)(2:7)(3:7)C[r]"},
+            {"connect:many refused:8 loop refused:9 loop connect:many refused:8 answered",
+             "(1:7)(2:7)(3:7)(4:7)E6(1:7)(2:7)(3:7)C[r]"},
+            {"connect:many refused:8 loop refused:9 loop", "(1:7)(2:7)(3:7)(4:7)E6 failed 6"},
+            {"connect:10.0.255.3", "(167837443:7) connecting"},
+            {"connect:nobody", " connecting"},
+            {"connect:nobody loop", "E11001 failed 11001"},
+            {"connect: loop", "E11001 failed 11001"},
+            {"connect:nobody close loop", " closed"},
+            {"connect:silent close loop", " closed"}}) {
+    EXPECT_EQ(After(what), then) << what;
   }
-  EXPECT_EQ(socket.GetState(), State::Failed);
-  EXPECT_EQ(socket.LastError(), 6);
-
-  for (const auto& [name, closed] :
-       {std::pair{"nobody", false}, {"", false}, {"nobody", true}, {"silent", true}}) {
-    socket.Connect(name, kPort);
-    EXPECT_EQ(socket.GetState(), State::Connecting);
-    if (closed) socket.Close();
-    EXPECT_EQ(Seen(), closed ? "" : "E11001");
-    EXPECT_EQ(socket.GetState(), closed ? State::Closed : State::Failed);
-  }
-}
-
-TEST_F(BufferedSocketTest, NeedsNoLookUpForANumericAddressAndListensOnNothingElse) {
-  socket.Connect("10.0.255.3", kPort);
-  EXPECT_EQ(Tried(), std::to_string(0x0A00FF03) + ' ');
-  EXPECT_TRUE(socket.Listen(kPort, "10.0.255.3"));
+  EXPECT_TRUE(socket.Listen(7, "10.0.255.3"));
   for (const char* text : {"", "name", "1.2.3", "1.2.3.", "1.2.3.4.5", "1.2.3.4 ", " 1.2.3.4",
                            "1.2.3.256", "1.2.3.04", "1.2.3.-0", "1..2.3", "1,2,3,4"}) {
-    EXPECT_FALSE(socket.Listen(kPort, text)) << text;
+    EXPECT_FALSE(socket.Listen(7, text)) << text;
     EXPECT_EQ(socket.LastError(), kAddressNotAvailable);
   }
 }

@@ -16,9 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::string_literals;
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 // What means something to the format, and what is no text.
 const std::string kWritten = R"(Orvanto registry 1
@@ -52,7 +50,7 @@ TEST(RegistryText, IsReadAsItIsWrittenAndOnlyAsAWhole) {
   }
 }
 
-TEST(RegistryText, ReadsWhatAPersonWrites) {
+TEST(RegistryText, ReadsWhatAPersonWritesAndNamesTheLineOfDamage) {
   RegistryTree tree;
   const auto error = ParseRegistry(
       "\xEF\xBB\xBFOrvanto registry 1\r\n; note\r\n\r\n  [hkey_current_user\\Software\\A%5b]  \r\n"
@@ -65,13 +63,9 @@ TEST(RegistryText, ReadsWhatAPersonWrites) {
       HasSubstr("\n[HKEY_CURRENT_USER\\Software\\A[]\n\"d\"=dword:0000000a\n"
                 "\"h\"=hex:01,ff\n\"n\"=\"second\"\n\n[HKEY_CURRENT_USER\\Software\\A[\\b]"));
   EXPECT_EQ(tree.DeleteKey("2"), kAccessDenied) << "a root";
-}
-
-TEST(RegistryText, NamesTheLineOfDamage) {
-  const auto damage = [](const std::string& text) {
-    RegistryTree tree;
-    const auto error = ParseRegistry(text + "\n# end of registry\n", tree);
-    return error ? error->line : 0;
+  const auto damage = [&](const std::string& text) {
+    const auto wrong = ParseRegistry(text + "\n# end of registry\n", tree);
+    return wrong ? wrong->line : 0;
   };
   for (const char* line :
        {"[HKEY_USERS\\A", "[HKEY_NOWHERE\\A]", "[HKEY_USERS\\\\A]", "[HKEY_USERS\\100%]", "n=\"x\"",
@@ -110,62 +104,66 @@ class Store : public FileRegistry {
 
 class FileRegistryTest : public testing::Test {
  protected:
-  bool Locked() const {
-    const Descriptor lock(::open((path_ + ".lock").c_str(), O_RDWR | O_CLOEXEC));
+  static bool Locked(const std::string& path) {
+    const Descriptor lock(::open((path + ".lock").c_str(), O_RDWR | O_CLOEXEC));
     return ::flock(lock.Get(), LOCK_EX | LOCK_NB) != 0;
   }
+  // What it holds, the files with their first lines, of a registry's with the value, and how what
+  // has been said since begins.
+  std::string Now(Store& store) {
+    std::map<std::string, std::string> files;
+    for (const auto& each : fs::directory_iterator(directory_ / "")) {
+      const std::string text = ReadFile(each.path());
+      const std::size_t begin = text.find("\"n\"") == text.npos ? 0 : text.find("\"n\"");
+      files[each.path().filename()] = text.substr(begin, text.find('\n', begin) - begin);
+    }
+    files.erase("registry.lock");
+    std::string all = store.Get();
+    for (const auto& [name, text] : files) all += ", " + name + ' ' + text;
+    const std::size_t begin = ("The registry file " + path_).size();
+    for (const auto& what : std::exchange(said_, {})) all += ';' + what.substr(begin, 19);
+    return all;
+  }
+  // The same after a write, and its error.
+  std::string After(Store& store, const std::string& text) {
+    const Status status = store.Put(text);
+    return Now(store) + (status == kSuccess ? "" : " = " + std::to_string(status));
+  }
+
   const TemporaryDirectory directory_;
   const std::string path_ = directory_ / "registry";
-  const std::string new_ = path_ + ".new";
-  const std::string damaged_ = path_ + ".damaged-";
   std::vector<std::string> said_;
   const FileRegistry::Report report_ = [this](const std::string& what) { said_.push_back(what); };
 };
 
-TEST_F(FileRegistryTest, KeepsWhatWasWrittenWhereLinksLeadAndLeavesNothingBeside) {
-  fs::create_directory(directory_ / "dir");
+TEST_F(FileRegistryTest, AChangeIsOneReplacementUnderALockOrNoneWhereLinksLead) {
   fs::create_symlink("dir/second", path_);
+  fs::create_directory(directory_ / "dir");
   fs::create_symlink("../other/target", directory_ / "dir/second");
   const std::string target = directory_ / "other/target";
   Store registry(path_, report_);
-  ASSERT_EQ(registry.Put("x"), kSuccess);
-  EXPECT_EQ(Store(path_, report_).Get(), "x");
+  ASSERT_EQ(registry.Put("0"), kSuccess);
+  EXPECT_EQ(Store(path_, report_).Get(), "0");
   const fs::perms own = fs::perms::owner_read | fs::perms::owner_write;
   EXPECT_EQ(fs::status(target).permissions(), own);
   fs::permissions(target, own | fs::perms::group_read);
   // What somebody may have left there.
   WriteFile(directory_ / "note", "note");
   fs::create_symlink(directory_ / "note", target + ".new");
-  EXPECT_EQ(registry.Put("y"), kSuccess);
-  EXPECT_EQ(ReadFile(directory_ / "note"), "note");
-  EXPECT_FALSE(fs::exists(fs::symlink_status(target + ".new")));
-  EXPECT_EQ(fs::status(target).permissions(), own | fs::perms::group_read) << "as it was";
-  EXPECT_TRUE(fs::is_symlink(path_) && fs::is_symlink(directory_ / "dir/second"));
-  for (const auto& open : fs::directory_iterator("/proc/self/fd")) {
-    std::error_code gone;
-    if (fs::read_symlink(open, gone) != target) continue;
-    EXPECT_EQ(open.symlink_status().permissions() & fs::perms::owner_write, fs::perms::none);
-  }
-  EXPECT_THAT(said_, IsEmpty());
-}
-
-TEST_F(FileRegistryTest, AChangeIsOneReplacementUnderALockOrNone) {
-  Store registry(path_, report_);
-  ASSERT_EQ(registry.Put("0"), kSuccess);
-  std::string kept = ReadFile(path_);
   {
     RegistryChange change(registry);
     ASSERT_EQ(registry.Put("1"), kSuccess);
-    EXPECT_TRUE(Locked());
-    EXPECT_EQ(ReadFile(path_), kept);
-    WriteFile(path_, kept + "\n");
-    EXPECT_EQ(registry.Get(), "1") << "nobody comes between";
+    EXPECT_TRUE(Locked(target));
+    WriteFile(path_, ReadFile(path_) + "\n");
+    EXPECT_EQ(Now(registry), "1, dir , note note, other , registry \"n\"=\"0\"")
+        << "nobody between";
     EXPECT_EQ(change.Commit(), kSuccess);
   }
-  EXPECT_FALSE(Locked());
-  kept = ReadFile(path_) + "\n";
-  EXPECT_THAT(kept, HasSubstr("\"n\"=\"1\""));
-  WriteFile(path_, kept);
+  EXPECT_FALSE(Locked(target) || fs::exists(fs::symlink_status(target + ".new")));
+  EXPECT_EQ(fs::status(target).permissions(), own | fs::perms::group_read) << "as it was";
+  EXPECT_TRUE(fs::is_symlink(path_) && fs::is_symlink(directory_ / "dir/second"));
+  WriteFile(path_, ReadFile(path_) + "\n");
+  const std::string kept = ReadFile(path_);
   EXPECT_EQ(registry.Put("1"), kSuccess) << "which changes nothing";
   // One with a failed write is undone as a whole.
   RegistryChange change(registry);
@@ -173,7 +171,7 @@ TEST_F(FileRegistryTest, AChangeIsOneReplacementUnderALockOrNone) {
   Registry::Key key = 0;
   EXPECT_EQ(registry.CreateKey(RootKey::CurrentUser, "a\\\\b", kSetValue, key), kBadPathname);
   EXPECT_EQ(change.Commit(), kBadPathname);
-  EXPECT_EQ(registry.Get(), "1");
+  EXPECT_EQ(Now(registry), "1, dir , note note, other , registry \"n\"=\"1\"");
   EXPECT_EQ(ReadFile(path_), kept);
 }
 
@@ -191,33 +189,31 @@ TEST_F(FileRegistryTest, TwoOnOneFileLoseNoUpdateAndSeeEachOther) {
   std::replace(edited.begin(), edited.end(), 'c', 'z');
   WriteFile(path_, edited);
   EXPECT_EQ(one.Get(), "zz") << "an edit in place, of the same size";
-  EXPECT_THAT(said_, IsEmpty());
   fs::remove(path_);
-  for (int i = 0; i < 2; ++i) EXPECT_EQ(one.Get(), "nothing");
-  EXPECT_THAT(said_, ElementsAre(HasSubstr("is gone")));
+  EXPECT_EQ(Now(one), "nothing; is gone. The regis");
+  EXPECT_EQ(Now(one), "nothing");
 }
 
 TEST_F(FileRegistryTest, ADamagedFileIsSetAsideAtTheStartAndLaterByTheNextWrite) {
-  WriteFile(damaged_ + "1", "older");
-  WriteFile(path_, "Orvanto registry 1\nrubbish\n");
+  WriteFile(path_ + ".damaged-1", "older");
+  WriteFile(path_, "Orvanto registry 1\nrubbish");
   Store registry(path_, report_);
-  EXPECT_EQ(registry.Get(), "nothing");
-  EXPECT_FALSE(fs::exists(path_));
-  EXPECT_THAT(said_, ElementsAre(AllOf(HasSubstr("line 2: "), HasSubstr(damaged_ + "2"))));
+  EXPECT_THAT(said_, testing::ElementsAre(HasSubstr("as " + path_ + ".damaged-2; ")));
+  const std::string both = ", registry.damaged-1 older, registry.damaged-2 Orvanto registry 1";
+  const std::string all = both + ", registry.damaged-3 half";
+  EXPECT_EQ(Now(registry), "nothing" + both + "; is damaged: line 2");
   ASSERT_EQ(registry.Put("good"), kSuccess);
-  WriteFile(path_, "half an edit");
-  for (int i = 0; i < 2; ++i) EXPECT_EQ(registry.Get(), "good");
-  EXPECT_EQ(said_.size(), 2u) << "said once";
-  EXPECT_EQ(ReadFile(path_), "half an edit");
+  WriteFile(path_, "half");
+  EXPECT_EQ(Now(registry), "good, registry half" + both + "; is damaged: line 1");
   // A write that fails sets it aside no more than once.
-  fs::create_directory(new_);
-  EXPECT_EQ(registry.Put("better"), kWriteFault);
-  fs::remove(new_);
-  for (const char* text : {"better", "best"}) EXPECT_EQ(registry.Put(text), kSuccess);
-  EXPECT_EQ(said_.size(), 4u) << said_.back();
-  EXPECT_EQ(Store(path_, nullptr).Get(), "best");
-  const char* asides[] = {"older", "Orvanto registry 1\nrubbish\n", "half an edit", ""};
-  for (int i = 0; i < 4; ++i) EXPECT_EQ(ReadFile(damaged_ + std::to_string(i + 1)), asides[i]);
+  fs::create_directory(path_ + ".new");
+  EXPECT_EQ(After(registry, "best"),
+            "good, registry half" + all + ", registry.new ; cannot be written: = 29");
+  fs::remove(path_ + ".new");
+  EXPECT_EQ(After(registry, "best"),
+            "best, registry \"n\"=\"best\"" + all + "; was damaged and ha");
+  EXPECT_EQ(After(registry, "x"), "x, registry \"n\"=\"x\"" + all);
+  EXPECT_EQ(Store(path_, nullptr).Get(), "x");
 }
 
 TEST_F(FileRegistryTest, WhoOnlyLooksInLeavesADamagedFileAlone) {
@@ -226,73 +222,54 @@ TEST_F(FileRegistryTest, WhoOnlyLooksInLeavesADamagedFileAlone) {
   Store before(path_, report_, FileRegistry::OnDamage::Refuse);
   WriteFile(path_, "half");
   Store after(path_, report_, FileRegistry::OnDamage::Refuse);
-  for (Store* registry : {&before, &after}) {
-    EXPECT_EQ(registry->Put("x"), kAccessDenied);
-    EXPECT_EQ(RegistryChange(*registry).Commit(), kAccessDenied);
-    EXPECT_EQ(registry->Get(), registry == &before ? "good" : "nothing");
-  }
-  EXPECT_THAT(said_, ElementsAre(HasSubstr("line 1: "), HasSubstr("line 1: ")));
-  EXPECT_EQ(ReadFile(path_), "half");
-  EXPECT_FALSE(fs::exists(damaged_ + "1"));
+  EXPECT_EQ(After(before, "x"), "good, registry half; is damaged: line 1; is damaged: line 1 = 5");
+  EXPECT_EQ(After(after, "x"), "nothing, registry half = 5");
+  EXPECT_EQ(RegistryChange(after).Commit(), kAccessDenied);
   WriteFile(path_, good);
-  EXPECT_EQ(after.Get(), "good");
+  EXPECT_EQ(Now(after), "good, registry \"n\"=\"good\"");
   EXPECT_EQ(before.Put("better"), kSuccess);
 }
 
-// A limit of this process, for the time of a scope.
-class Limit {
- public:
-  Limit(__rlimit_resource resource, rlim_t value) : resource_(resource) {
-    ::getrlimit(resource, &old_);
-    const rlimit low{value, old_.rlim_max};
-    ::setrlimit(resource, &low);
-  }
-  ~Limit() { ::setrlimit(resource_, &old_); }
-
- private:
-  const __rlimit_resource resource_;
-  rlimit old_{};
-};
-
-TEST_F(FileRegistryTest, AFailedWriteKeepsTheOldFileAndTheOldContent) {
-  Store registry(path_, [this](const std::string& message) {
-    said_.push_back(message);
-    EXPECT_TRUE(Locked()) << "until it is done";
-  });
-  ASSERT_EQ(registry.Put("old"), kSuccess);
-  const std::string before = ReadFile(path_);
-  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-  for (const std::size_t failures : {1U, 2U}) {
-    std::optional<Limit> full(std::in_place, RLIMIT_FSIZE, before.size());
-    for (int i = 0; i < 2; ++i) EXPECT_EQ(registry.Put("a longer text"), kDiskFull);
-    full.reset();
-    EXPECT_EQ(registry.Get(), "old");
-    EXPECT_EQ(ReadFile(path_), before);
-    EXPECT_FALSE(fs::exists(new_));
-    EXPECT_EQ(said_.size(), failures) << "again after a success";
-    EXPECT_THAT(said_.back(), HasSubstr("cannot be written"));
-    for (const char* text : {"young", "old"}) EXPECT_EQ(registry.Put(text), kSuccess);
-  }
-  std::signal(SIGXFSZ, handler);
+// Sets a limit of this process, and returns what it was.
+rlim_t Limit(__rlimit_resource resource, rlim_t value) {
+  rlimit limit{};
+  ::getrlimit(resource, &limit);
+  std::swap(limit.rlim_cur, value);
+  ::setrlimit(resource, &limit);
+  return value;
 }
 
-TEST_F(FileRegistryTest, WhatCannotBeReadIsTriedAgainAndNotOverwritten) {
+TEST_F(FileRegistryTest, WhatFailsKeepsTheOldFileAndIsToldOnceUntilItSucceeds) {
   fs::create_directory(path_);
-  EXPECT_EQ(Store(path_, report_).Put("x"), kAccessDenied);
-  EXPECT_THAT(said_, ElementsAre(HasSubstr("cannot be read")));
+  Store folder(path_, report_);
+  EXPECT_EQ(After(folder, "x"), "nothing, registry ; cannot be read: Is = 5");
   fs::remove(path_);
   ASSERT_EQ(::mkfifo(path_.c_str(), 0600), 0);
-  ASSERT_EQ(Store(path_, nullptr).Put("x"), kSuccess) << "an empty one, which is replaced";
-  Store registry(path_, report_);
-  for (const std::size_t times : {2U, 3U}) {
-    WriteFile(path_, ReadFile(path_) + "\n");
-    std::optional<Limit> noDescriptors(std::in_place, RLIMIT_NOFILE, 0);
-    for (int i = 0; i < 2; ++i) EXPECT_EQ(registry.Get(), "x");
-    noDescriptors.reset();
-    EXPECT_EQ(said_.size(), times) << "once until it could be read";
-    EXPECT_EQ(registry.Get(), "x");
+  ASSERT_EQ(Store(path_, nullptr).Put("old"), kSuccess) << "an empty one, which is set aside";
+  EXPECT_TRUE(fs::remove(path_ + ".damaged-1"));
+  Store registry(path_, [this](const std::string& message) {
+    said_.push_back(message);
+    EXPECT_TRUE(message.find("written") == message.npos || Locked(path_)) << "until it is done";
+  });
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  for (int round = 0; round < 2; ++round) {
+    const std::string before = ReadFile(path_);
+    const rlim_t sizes = Limit(RLIMIT_FSIZE, before.size());
+    EXPECT_EQ(registry.Put("a longer text"), kDiskFull);
+    EXPECT_EQ(After(registry, "a longer text"),
+              "old, registry \"n\"=\"old\"; cannot be written: = 112");
+    Limit(RLIMIT_FSIZE, sizes);
+    EXPECT_EQ(ReadFile(path_), before);
+    for (const char* text : {"young", "old"}) EXPECT_EQ(registry.Put(text), kSuccess);
+
+    WriteFile(path_, before + "\n");
+    const rlim_t descriptors = Limit(RLIMIT_NOFILE, 0);
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(registry.Get(), "old");
+    Limit(RLIMIT_NOFILE, descriptors);
+    EXPECT_EQ(Now(registry), "old, registry \"n\"=\"old\"; cannot be read: To");
   }
-  EXPECT_EQ(registry.Put("y"), kSuccess);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_EQ(registry.Put("new"), kSuccess);
 }
 
 }  // namespace

@@ -1,16 +1,18 @@
+// What the services of this host do beyond their contracts.
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <poll.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <pty.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <termios.h>
-#include <unistd.h>
 
+#include <array>
 #include <csignal>
-#include <cstdlib>
 #include <set>
-#include <tuple>
+#include <thread>
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/Paths.h"
@@ -18,6 +20,7 @@
 #include "platform/posix/PosixFiles.h"
 #include "platform/posix/PosixSession.h"
 #include "platform/posix/PosixShell.h"
+#include "platform/posix/PosixSocket.h"
 #include "platform/posix/PosixSound.h"
 #include "platform/posix/TerminalMessageBoxes.h"
 #include "tests/support/TemporaryDirectory.h"
@@ -45,55 +48,51 @@ TEST(PosixClock, TellsLocalTimeAndTheShortDate) {
   EXPECT_EQ(PosixClock("no such locale").ShortDate(2026, 1, 2), "01/02/26");
 }
 
-TEST(PosixFiles, KnowsWhatOnlyThisSystemHas) {
-  const TemporaryDirectory directory;
-  fs::create_directory(directory / "folder");
-  fs::create_symlink("folder", directory / "link");
-  fs::create_symlink("nothing", directory / "broken");
-  for (const char* name : {".hidden", "back\\slash"}) WriteFile(directory / name, "");
-  ASSERT_EQ(::mkfifo((directory / "pipe").c_str(), 0600), 0);
-  PosixFiles files;
-  std::string text;
-  EXPECT_FALSE(files.Read(FromNative(directory / "pipe"), text));
-  EXPECT_FALSE(files.Read("Z:\\dev\\null", text));
-  std::set<std::string> listed;
-  files.ListFolder(FromNative(directory / ""), [&](const std::string& name, auto kind) {
-    return listed.insert(name + " *\\@"[static_cast<int>(kind)]).second;
-  });
-  EXPECT_EQ(listed, (std::set<std::string>{"folder\\", "link@", "broken ", "pipe ", ".hidden*"}));
-  EXPECT_EQ(files.FromCodePage("a\xe4\x80\x9f"), "a\u00e4\u20ac\u0178");
-}
-
-TEST(Paths, FindTheBranchInWhichTheWholePathExists) {
+TEST(PosixFiles, FindTheBranchInWhichTheWholePathExistsAndKnowWhatOnlyThisSystemHas) {
   const TemporaryDirectory directory;
   for (const char* made : {"D/foo", "d/FOO/sub", "d/Foo/Bin", "d/foo"}) {
     fs::create_directories(directory / made);
   }
-  for (const char* made : {"d/FOO/same.txt", "d/Foo/Bin/run.sh", "d/Foo/same.txt", "d/Fool"}) {
+  for (const char* made : {"d/FOO/same.txt", "d/Foo/Bin/run.sh", "d/Foo/same.txt", "d/Fool",
+                           "d/.hidden", "d/back\\slash"}) {
     WriteFile(directory / made, "");
   }
   fs::create_symlink("nothing", directory / "d/FOOL");
+  fs::create_symlink("Foo", directory / "d/link");
+  ASSERT_EQ(::mkfifo((directory / "d/pipe").c_str(), 0600), 0);
+  const std::string in = directory / "";
   // What is asked for, what is meant; one that is spelt as given is.
-  for (const std::string row :
-       {"d/fOO/bin/RUN.SH => d/Foo/Bin/run.sh", "d/fOO/same.txt => d/FOO/same.txt",
-        "d/foo/same.txt => d/foo/same.txt", "d/fOO/SUB/New.txt => d/FOO/sub/New.txt",
-        "d/fOO/New.txt => d/FOO/New.txt", "D/Foo/ => D/foo/", "d/fool => d/Fool",
-        "d/FOOL => d/FOOL", "none/Foo => none/Foo"}) {
-    const std::size_t arrow = row.find(" => ");
-    EXPECT_EQ(ToNative(directory / row.substr(0, arrow)), directory / row.substr(arrow + 4));
-  }
-}
-
-TEST(Paths, MapBetweenTheTwoForms) {
-  const std::pair<const char*, const char*> cases[] = {{"Z:\\", "/"},
-                                                       {"z:\\no\\Such", "/no/Such"},
-                                                       {"Z:no\\such", "/no/such"},
-                                                       {"no\\such", "no/such"},
-                                                       {"C:\\no\\such", "C:/no/such"},
-                                                       {"/no/such", "/no/such"},
-                                                       {"", ""}};
+  const std::pair<std::string, std::string> cases[] = {
+      {in + "d/fOO/bin/RUN.SH", in + "d/Foo/Bin/run.sh"},
+      {in + "d/fOO/same.txt", in + "d/FOO/same.txt"},
+      {in + "d/foo/same.txt", in + "d/foo/same.txt"},
+      {in + "d/fOO/SUB/New.txt", in + "d/FOO/sub/New.txt"},
+      {in + "d/fOO/New.txt", in + "d/FOO/New.txt"},
+      {in + "D/Foo/", in + "D/foo/"},
+      {in + "d/fool", in + "d/Fool"},
+      {in + "d/FOOL", in + "d/FOOL"},
+      {in + "none/Foo", in + "none/Foo"},
+      {"Z:\\", "/"},
+      {"z:\\no\\Such", "/no/Such"},
+      {"Z:no\\such", "/no/such"},
+      {"no\\such", "no/such"},
+      {"C:\\no\\such", "C:/no/such"},
+      {"/no/such", "/no/such"},
+      {"", ""}};
   for (const auto& [shown, native] : cases) EXPECT_EQ(ToNative(shown), native);
   EXPECT_EQ(FromNative("/a/b") + FromNative("a/b"), "Z:\\a\\ba\\b");
+
+  PosixFiles files;
+  std::string text;
+  EXPECT_FALSE(files.Read(FromNative(in + "d/pipe"), text));
+  EXPECT_FALSE(files.Read("Z:\\dev\\null", text));
+  std::set<std::string> listed;
+  files.ListFolder(FromNative(in + "d"), [&](const std::string& name, auto kind) {
+    return listed.insert(name + " *\\@"[static_cast<int>(kind)]).second;
+  });
+  EXPECT_THAT(listed, testing::ElementsAre(".hidden*", "FOOL ", "FOO\\", "Foo\\", "Fool ", "foo\\",
+                                           "link@", "pipe "));
+  EXPECT_EQ(files.FromCodePage("a\xe4\x80\x9f"), "a\u00e4\u20ac\u0178");
 }
 
 // Writes down its name and its arguments, its folder, its standard input, and what it should not
@@ -116,9 +115,11 @@ class ProgramsTest : public testing::Test {
   }
   ~ProgramsTest() override { ::setenv("PATH", pathBefore_.c_str(), 1); }
 
-  void MakeProgram(const std::string& name) {
-    WriteFile(directory_ / name, kProgram);
-    fs::permissions(directory_ / name, fs::perms::owner_all);
+  void MakePrograms(std::initializer_list<std::string> names) {
+    for (const auto& name : names) {
+      WriteFile(directory_ / name, kProgram);
+      fs::permissions(directory_ / name, fs::perms::owner_all);
+    }
   }
   std::string Record() {
     for (int i = 0; i < 10000 && !fs::exists(record_); ++i) ::usleep(1000);
@@ -136,7 +137,7 @@ class ProgramsTest : public testing::Test {
 };
 
 TEST_F(ProgramsTest, FindsTheTargetInTheText) {
-  for (const char* name : {"bin/tool", "bin/two words", "two"}) MakeProgram(name);
+  MakePrograms({"bin/tool", "bin/two words", "two"});
   for (const char* name : {"two words.txt", "bin/plain"}) WriteFile(directory_ / name, "");
   fs::create_directory(directory_ / "bin/folder");
   const std::string dir = FromNative(directory_ / "");
@@ -159,7 +160,7 @@ TEST_F(ProgramsTest, FindsTheTargetInTheText) {
 }
 
 TEST_F(ProgramsTest, RunsProgramsAndHandsDocumentsOn) {
-  for (const char* name : {"tool", "bin/xdg-open", "bin/lpr", "bad"}) MakeProgram(name);
+  MakePrograms({"tool", "bin/xdg-open", "bin/lpr", "bad"});
   for (const char* name : {"text.txt", "bad"}) WriteFile(directory_ / name, "#!/no/interpreter\n");
   const std::string text = directory_ / "text.txt";
   const std::string tool = FromNative(directory_ / "TOOL");
@@ -176,7 +177,7 @@ TEST_F(ProgramsTest, RunsProgramsAndHandsDocumentsOn) {
   ASSERT_TRUE(execute("Open", FromNative(text)));
   EXPECT_THAT(Record(), StartsWith("xdg-open|" + text + '\n'));
   for (const std::string printer : {"lpr", "lp"}) {
-    MakeProgram("bin/" + printer);
+    MakePrograms({"bin/" + printer});
     ASSERT_TRUE(execute("print", FromNative(text)));
     EXPECT_THAT(Record(), StartsWith(printer + '|' + text + '\n'));
   }
@@ -214,21 +215,16 @@ TEST_F(ProgramsTest, EndingTheSystemAndPlayingASoundAreOtherPrograms) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "orvanto: sdown: the program shutdown is not on PATH; the system is not ended\n"
             "orvanto: sdown: no sound: neither paplay, pw-play nor aplay is on PATH\n");
-  MakeProgram("bin/shutdown");
+  MakePrograms({"bin/shutdown"});
   EXPECT_TRUE(session.End(kReboot));
   EXPECT_THAT(Record(), StartsWith("shutdown|-r|now\n"));
   EXPECT_FALSE(session.End(kShutdown | kReboot));
   for (const std::string player : {"aplay", "pw-play", "paplay"}) {
-    MakeProgram("bin/" + player);
+    MakePrograms({"bin/" + player});
     ASSERT_TRUE(sound.Play(file));
     EXPECT_THAT(Record(), StartsWith(player + '|' + (directory_ / "-s.wav") + '\n'));
   }
   EXPECT_FALSE(sound.Play("SystemAsterisk"));
-  const fs::path before = fs::current_path();
-  fs::current_path(directory_ / "");
-  EXPECT_TRUE(sound.Play("-s.wav"));
-  fs::current_path(before);
-  EXPECT_THAT(Record(), StartsWith("paplay|./-s.wav\n")) << "no option of the player's";
 }
 
 constexpr char kEnd = 4;  // ends the input
@@ -265,7 +261,6 @@ class TerminalTest : public testing::Test {
 };
 
 TEST_F(TerminalTest, AsksUntilItUnderstands) {
-  const std::string kText = "Title?\nSure?\n?[2J ??\n";
   const std::string kOk = "[Enter] ", kOkCancel = "[o]k/[c]ancel: ", kYesNo = "[y]es/[n]o: ";
   const std::tuple<Buttons, std::string, Answer, std::string> cases[] = {
       {Buttons::Ok, "\n", Answer::Ok, kOk},
@@ -278,32 +273,134 @@ TEST_F(TerminalTest, AsksUntilItUnderstands) {
       {Buttons::YesNo, {kEnd}, Answer::No, kYesNo + '\n'},
       {Buttons::RetryCancel, "R\n", Answer::Retry, "[r]etry/[c]ancel: "}};
   for (const auto& [buttons, typed, answer, asked] : cases) {
-    SCOPED_TRACE(typed);
     ASSERT_TRUE(WriteAll(user_, typed.data(), typed.size()));
-    EXPECT_EQ(Show(buttons, program_), answer);
-    EXPECT_EQ(Shown(kText + asked), kText + asked);
+    EXPECT_EQ(Show(buttons, program_), answer) << typed;
+    const std::string shown = "Title?\nSure?\n?[2J ??\n" + asked;
+    EXPECT_EQ(Shown(shown), shown);
   }
   // Where nobody can answer.
-  const std::string kTold = "Title?: Sure?\n?[2J ??\n";
+  const std::string told = "Title?: Sure?\n?[2J ??\n";
   EXPECT_EQ(Show(Buttons::NoUnlessYes, Descriptor(::open("/dev/null", O_RDWR)).Get()), Answer::No);
-  EXPECT_EQ(Shown(kTold), kTold);
+  EXPECT_EQ(Shown(told), told);
 }
 
-TEST_F(TerminalTest, ASignalTakesTheSafeAnswerAndIsHandledBeforeTheReturn) {
+TEST_F(TerminalTest, ASignalTakesTheSafeAnswerAndIsHandledBeforeTheReturnUnlessTheLoopIsHeld) {
   int signals = 0;
   loop_.OnSignals({SIGTERM}, [&](int) { ++signals; });
-  std::raise(SIGTERM);
-  EXPECT_EQ(Show(Buttons::YesNo, program_), Answer::No);
-  EXPECT_EQ(signals, 1);
-  // Boxes of somebody who holds the loop leave it to the loop.
-  {
-    const EventLoop::Hold hold(loop_);
+  std::optional<EventLoop::Hold> hold;
+  for (const bool held : {false, true}) {
+    if (held) hold.emplace(loop_);
     std::raise(SIGTERM);
     EXPECT_EQ(Show(Buttons::YesNo, program_), Answer::No);
     EXPECT_EQ(signals, 1);
   }
+  hold.reset();
   loop_.DoEvents();
   EXPECT_EQ(signals, 2);
+}
+
+struct Pipe {
+  Pipe() { EXPECT_EQ(::pipe2(ends, O_NONBLOCK), 0); }
+  ~Pipe() {
+    for (const int end : ends) ::close(end);
+  }
+  void Put(char c) const { EXPECT_EQ(::write(ends[1], &c, 1), 1); }
+  char Take() const {
+    char c = 0;
+    EXPECT_EQ(::read(ends[0], &c, 1), 1);
+    return c;
+  }
+  int ends[2] = {};
+};
+
+// DoEvents looks at the descriptors only now and then.
+void LookAgain(PosixLoop& loop) {
+  std::this_thread::sleep_for(std::chrono::microseconds(150));
+  loop.DoEvents();
+}
+
+TEST(PosixLoop, CallsWatchesWhileTheirDescriptorsAreReady) {
+  PosixLoop loop;
+  const Pipe a, b;
+  std::string taken;
+  std::unique_ptr<PosixLoop::Watch> watchB;
+  const auto watch = [&](const std::function<void()>& then) {
+    watchB.reset();
+    watchB = loop.WatchFd(b.ends[0], POLLIN, [&, then](short) {
+      taken += b.Take();
+      then();
+    });
+  };
+  const auto watchA = loop.WatchFd(a.ends[0], POLLIN, [&](short events) {
+    EXPECT_EQ(events, POLLIN);
+    taken += a.Take();
+    watchB.reset();  // ready as well, but ended by now
+  });
+  watch([] {});
+  for (const char c : {'a', 'A'}) a.Put(c);
+  b.Put('b');
+  LookAgain(loop);
+  watchA->SetEvents(0);
+  LookAgain(loop);
+  watchA->SetEvents(POLLIN);
+  {
+    const EventLoop::Hold hold(loop);
+    LookAgain(loop);
+  }
+  EXPECT_EQ(taken, "a");
+  LookAgain(loop);
+  EXPECT_EQ(taken, "aA");
+  // One may end in its own handler, and another begin there.
+  watchB = loop.WatchFd(b.ends[0], POLLIN, [&](short) { watch([&] { loop.Quit(); }); });
+  loop.Run();
+  EXPECT_EQ(taken, "aAb");
+  // What an event inside another has taken does not come again.
+  watch([&] { LookAgain(loop); });
+  LookAgain(loop);  // so that they are reported in this order
+  for (const Pipe* pipe : {&b, &a}) pipe->Put('c');
+  LookAgain(loop);
+  EXPECT_EQ(taken, "aAbcc");
+}
+
+TEST(PosixLoop, HandsSignalsToTheHandlerFromTheLoop) {
+  std::multiset<int> signals;
+  sigset_t blocked;
+  const auto interrupt = std::signal(SIGINT, SIG_IGN);
+  const auto hangUp = std::signal(SIGHUP, SIG_DFL);
+  {
+    PosixLoop loop;
+    loop.OnSignals({SIGTERM, SIGHUP, SIGINT}, [&](int signal) {
+      signals.insert(signal);
+      if (signals.size() == 2) loop.Quit();
+    });
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::raise(signal);
+    EXPECT_TRUE(signals.empty());
+    loop.Run();
+  }
+  std::signal(SIGINT, interrupt);
+  std::signal(SIGHUP, hangUp);
+  EXPECT_EQ(signals, (std::multiset<int>{SIGTERM, SIGHUP})) << "the other is ignored";
+  ::sigprocmask(SIG_BLOCK, nullptr, &blocked);
+  EXPECT_EQ(::sigismember(&blocked, SIGTERM), 0);
+}
+
+TEST(PosixSocket, WaitsForNothingButAsksSilentPeers) {
+  PosixLoop loop;
+  PosixSocketHost host(loop);
+  const auto listener = host.NewSocket(SocketHost::Use::Conversation);
+  const int next = Descriptor(::dup(STDERR_FILENO)).Get();  // the number that is free again
+  ASSERT_TRUE(listener->Listen(0));
+  const std::array<int, 3> expected[] = {{IPPROTO_TCP, TCP_NODELAY, 1},
+                                         {SOL_SOCKET, SO_OOBINLINE, 1},
+                                         {SOL_SOCKET, SO_KEEPALIVE, 1},
+                                         {IPPROTO_TCP, TCP_KEEPIDLE, 60},
+                                         {IPPROTO_TCP, TCP_KEEPINTVL, 15}};
+  for (const auto& [level, name, value] : expected) {
+    int is = 0;
+    socklen_t size = sizeof is;
+    EXPECT_EQ(::getsockopt(next, level, name, &is, &size), 0);
+    EXPECT_EQ(is, value) << level << ' ' << name;
+  }
 }
 
 }  // namespace

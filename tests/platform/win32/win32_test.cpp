@@ -1,18 +1,21 @@
+// What the services and the forms of this host do beyond their contracts.
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <commctrl.h>
+#include <ole2.h>
+
 #include <set>
-#include <string>
+#include <stdexcept>
 #include <thread>
-#include <tuple>
 
 #include "platform/win32/Handle.h"
 #include "platform/win32/Services.h"
 #include "platform/win32/Text.h"
-#include "platform/win32/Win32Files.h"
+#include "platform/win32/Win32Clipboard.h"
 #include "platform/win32/forms/Dialogs.h"
 #include "platform/win32/forms/Win32FormHost.h"
-#include "tests/platform/contracts.h"
+#include "tests/platform/host.h"
 #include "tests/support/TemporaryDirectory.h"
 
 namespace orvanto::win32 {
@@ -30,9 +33,10 @@ TEST(Win32Registry, ReadsForeignStrings) {
       {REG_SZ, L"", "\0"s},
       {REG_EXPAND_SZ, L"%TEMP%\\x\0"s, "%TEMP%\\x\0"s},
       {REG_SZ, std::wstring(9999, L'e') + L'\0', std::string(9999, 'e') + '\0'}};
-  const auto registry = NewHostRegistry();
+  HostRegistry registry;
   Registry::Key key = 0;
-  ASSERT_EQ(registry->CreateKey(RootKey::CurrentUser, kScratchKey, kQueryValue | kSetValue, key),
+  ASSERT_EQ(registry.CreateKey(RootKey::CurrentUser, "Software\\OrvantoTest",
+                               kQueryValue | kSetValue, key),
             kSuccess);
   for (const auto& [stored, bytes, read] : cases) {
     ASSERT_EQ(RegSetValueExW(reinterpret_cast<HKEY>(key), L"foreign", 0, stored,
@@ -41,12 +45,12 @@ TEST(Win32Registry, ReadsForeignStrings) {
               ERROR_SUCCESS);
     ValueType type{};
     std::uint32_t size = 0;
-    registry->QueryValue(key, "foreign", type, nullptr, size);
+    registry.QueryValue(key, "foreign", type, nullptr, size);
     std::string text(size, '?');
-    EXPECT_EQ(registry->QueryValue(key, "foreign", type, text.data(), size), kSuccess);
+    EXPECT_EQ(registry.QueryValue(key, "foreign", type, text.data(), size), kSuccess);
     EXPECT_TRUE(type == ValueType::String && text == read) << text;
   }
-  registry->CloseKey(key);
+  registry.CloseKey(key);
 }
 
 // A message box handles messages by itself; what is due meanwhile has to come after it all the
@@ -88,27 +92,22 @@ TEST(Win32MessageBoxes, HoldsTimersAndPosts) {
 
 std::wstring Long(const std::string& path) { return ToWide("\\\\?\\" + path); }
 
-class Win32FilesTest : public testing::Test {
- protected:
-  const TemporaryDirectory directory_;
-  const std::string top_ = directory_ / "";
-  Win32Files files_;
-};
-
-TEST_F(Win32FilesTest, GoesBeyondTheOldLimitOfPaths) {
-  const std::string outer = top_ + std::string(150, 'f');
+TEST(Win32Files, GoBeyondTheOldLimitOfPathsAndLeaveWhatIsLocked) {
+  const TemporaryDirectory directory;
+  const std::string top = directory / "", outer = top + std::string(150, 'f');
   const std::string deep = outer + '\\' + std::string(150, 'g');
+  Win32Files files;
   for (const auto& folder : {outer, deep}) CreateDirectoryW(Long(folder).c_str(), nullptr);
   const std::pair<std::string, DWORD> made[] = {{deep + "\\plain", FILE_ATTRIBUTE_NORMAL},
                                                 {deep + "\\hidden", FILE_ATTRIBUTE_HIDDEN},
                                                 {deep + "\\system", FILE_ATTRIBUTE_SYSTEM}};
   for (const auto& [path, attributes] : made) {
-    EXPECT_TRUE(files_.Append(path, "x") && files_.Exists(path));
+    EXPECT_TRUE(files.Append(path, "x") && files.Exists(path));
     SetFileAttributesW(Long(path).c_str(), attributes);
   }
   const auto listed = [&](const std::string& folder) {
     std::set<std::string> names;
-    files_.ListFolder(folder, [&](const std::string& name, Files::EntryKind kind) {
+    files.ListFolder(folder, [&](const std::string& name, Files::EntryKind kind) {
       return names.insert(name + " *\\@"[static_cast<int>(kind)]).second;
     });
     return names;
@@ -118,36 +117,211 @@ TEST_F(Win32FilesTest, GoesBeyondTheOldLimitOfPaths) {
   const bool wine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
   EXPECT_TRUE(wine ? listed("Z:\\proc\\self").contains("cwd@")
                    : listed("C:\\").contains("Documents and Settings@"));
-  EXPECT_EQ(files_.Copy(deep + "\\plain", top_ + "copy"), "");
-  for (const auto& [path, attributes] : made) EXPECT_EQ(files_.Remove(path), "");
+  EXPECT_EQ(files.Copy(deep + "\\plain", top + "a.txt"), "");
+
+  // A file exists when its folder lists it.
+  for (const std::string& none :
+       {top + "a.txt.", top + "a.txt ", top + "a.*", top + "con", top + std::string("a.txt\0b", 7),
+        std::string("c:"), std::string("c:\\"), std::string("con")}) {
+    EXPECT_FALSE(files.Exists(none)) << none;
+  }
+  // What another writes can be read; what it has locked is left.
+  constexpr DWORD kAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  std::string got;
+  for (const DWORD share : {DWORD{0}, kAll}) {
+    const Handle<HANDLE, CloseHandle, -1> other(
+        CreateFileW(Long(top + "a.txt").c_str(), share == 0 ? GENERIC_READ : GENERIC_WRITE, share,
+                    nullptr, OPEN_EXISTING, 0, nullptr));
+    ASSERT_TRUE(other);
+    EXPECT_EQ(files.Read(top + "a.txt", got), share != 0);
+    EXPECT_TRUE(share != 0 || !files.Copy(deep + "\\plain", top + "a.txt").empty());
+    EXPECT_EQ(files.Remove(top + "a.txt").empty(), share != 0);
+  }
+  for (const auto& [path, attributes] : made) EXPECT_EQ(files.Remove(path), "");
   // Nobody else could.
   for (const auto& folder : {deep, outer}) EXPECT_TRUE(RemoveDirectoryW(Long(folder).c_str()));
 }
 
-TEST_F(Win32FilesTest, AFileExistsWhenItsFolderListsIt) {
-  files_.Append(top_ + "a.txt", "x");
-  for (const std::string& none : {top_ + "a.txt.", top_ + "a.txt ", top_ + "a.*", top_ + "con",
-                                  top_ + std::string("a.txt\0b", 7), std::string("c:"),
-                                  std::string("c:\\"), std::string("con")}) {
-    EXPECT_FALSE(files_.Exists(none)) << none;
+// What the tests below look at.
+struct Panel : forms::Form {
+  explicit Panel(forms::FormHost& host) : Form(host, "Controls", {6000, 4200}) {
+    check.SetValue(true);
+    option.SetValue(true);
+    secret.SetText("secret");
+    box.onDrop = [this](const std::string& text) { box.SetText(text); };
+    list.SetItems({"first", "second", "third, " + std::string(99, 'x')});
+    list.Select(0);
+    digits.takesKey = [](char32_t key) {
+      if (key == 'x') throw std::runtime_error("from a key");
+      return (key >= '0' && key <= '9') || key == 8;
+    };
+    defaultButton = &save;
   }
+  forms::TabStrip tabs{*this, nullptr, {120, 120, 5760, 3360}};
+  forms::TabPage first{*this, tabs, "First page"}, second{*this, tabs, "Second page"};
+  forms::CheckBox check{*this, &first, "&Checked", {180, 180, 2400, 270}};
+  forms::TextBox box{*this, &first, {}, {1440, 585, 2100, 345}};
+  forms::TextBox secret{*this, &first, {.password = true}, {1440, 1050, 2100, 345}};
+  forms::TextBox digits{*this, &first, {}, {3600, 1050, 1980, 345}};
+  forms::Frame frame{*this, &first, "Frame", {180, 1560, 5400, 1260}};
+  forms::OptionButton option{*this, &frame, "&One", {180, 300, 1200, 270}};
+  forms::ListBox list{*this, &second, {180, 180, 5400, 1080}};
+  forms::TreeView tree{*this, &second, {180, 2160, 2400, 660}};
+  forms::Button save{*this, nullptr, "&Save", {4590, 3660, 1290, 375}};
+};
+
+class Win32Controls : public testing::Test {
+ protected:
+  Win32Controls() { panel_.Show(); }
+
+  HWND Child(const wchar_t* windowClass, const wchar_t* text = nullptr) const {
+    return FindWindowExW(host_.MainWindow(), nullptr, windowClass, text);
+  }
+  bool Press(HWND window, WPARAM key) {
+    MSG pressed = {window, WM_KEYDOWN, key, 1, 0, {}};
+    return loop_.preTranslate(pressed);
+  }
+
+  Win32Loop loop_;
+  Win32FormHost host_{loop_};
+  Panel panel_{host_};
+};
+
+TEST_F(Win32Controls, ShowWhatTheFormHoldsAndTellWhatAPersonDoes) {
+  const HWND check = Child(WC_BUTTONW, L"&Checked");
+  EXPECT_EQ(SendMessageW(check, BM_GETCHECK, 0, 0), BST_CHECKED);
+  const HWND tabs = Child(WC_TABCONTROLW);
+  const HWND list = Child(WC_LISTBOXW);
+  SetFocus(tabs);
+  Press(tabs, VK_TAB);
+  EXPECT_EQ(GetFocus(), check);
+  EXPECT_FALSE(IsWindowVisible(list));
+  TabCtrl_SetCurFocus(tabs, 1);
+  EXPECT_EQ(panel_.tabs.Selected(), 1);
+  EXPECT_TRUE(IsWindowVisible(list) && !IsWindowVisible(check));
+
+  EXPECT_EQ(SendMessageW(list, LB_GETCURSEL, 0, 0), 0);
+  const auto item = static_cast<int>(SendMessageW(list, LB_GETITEMHEIGHT, 0, 0));
+  int entered = 0;
+  panel_.list.onEnter = [&] { ++entered; };
+  for (const UINT click : {WM_LBUTTONDOWN, WM_LBUTTONDBLCLK}) {
+    SendMessageW(list, click, MK_LBUTTON, MAKELPARAM(5, item + item / 2));
+    SendMessageW(list, WM_LBUTTONUP, 0, MAKELPARAM(5, item + item / 2));
+    EXPECT_EQ(panel_.list.SelectedIndex(), 1);
+  }
+  SetFocus(list);
+  Press(list, VK_RETURN);
+  EXPECT_EQ(entered, 2);
+  panel_.list.Add("last");
+  EXPECT_EQ(SendMessageW(list, LB_GETCOUNT, 0, 0), 4);
+  panel_.list.followsEnd = true;
+  for (const bool scrolledBack : {false, true}) {
+    if (scrolledBack) SendMessageW(list, LB_SETTOPINDEX, 2, 0);
+    for (int i = 0; i < 20; ++i) panel_.list.Add("more");
+    if (scrolledBack) panel_.list.SetItems({panel_.list.Items()});
+    const LRESULT top = SendMessageW(list, LB_GETTOPINDEX, 0, 0);
+    EXPECT_TRUE(scrolledBack ? top == 2 : top > 10) << top;
+  }
+
+  panel_.tabs.Select(0);
+  EXPECT_EQ(TabCtrl_GetCurSel(tabs), 0);
+  const HWND digits = GetNextDlgTabItem(host_.MainWindow(), Child(WC_BUTTONW, L"&One"), TRUE);
+  for (const WPARAM key : {'7', 'x', '8', '9', ':', '\b'}) SendMessageW(digits, WM_CHAR, key, 1);
+  EXPECT_EQ(panel_.digits.Text(), "78");
+  const HWND secret = GetNextDlgTabItem(host_.MainWindow(), digits, TRUE);
+  EXPECT_EQ(WindowText(secret), "secret");
+  EXPECT_NE(SendMessageW(secret, EM_GETPASSWORDCHAR, 0, 0), 0);
 }
 
-TEST_F(Win32FilesTest, ReadsWhatAnotherWritesAndLeavesWhatIsLocked) {
-  for (const char* name : {"one", "locked"}) files_.Append(top_ + name, name);
-  using FileHandle = Handle<HANDLE, CloseHandle, -1>;
-  constexpr DWORD kAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-  const FileHandle writer(CreateFileW(Long(top_ + "one").c_str(), GENERIC_WRITE, kAll, nullptr,
-                                      OPEN_EXISTING, 0, nullptr));
-  const FileHandle owner(CreateFileW(Long(top_ + "locked").c_str(), GENERIC_READ, 0, nullptr,
-                                     OPEN_EXISTING, 0, nullptr));
-  ASSERT_TRUE(writer && owner);
-  std::string got;
-  EXPECT_TRUE(files_.Read(top_ + "one", got));
-  EXPECT_EQ(got, "one");
-  EXPECT_FALSE(files_.Read(top_ + "locked", got));
-  EXPECT_NE(files_.Copy(top_ + "one", top_ + "locked"), "");
-  EXPECT_NE(files_.Remove(top_ + "locked"), "");
+TEST_F(Win32Controls, ALineTakesWhatIsDroppedAndEnterIfItActsOnIt) {
+  Win32Clipboard clipboard;
+  ASSERT_TRUE(clipboard.SetText("http://caf\u00e9/"));
+  EXPECT_EQ(clipboard.Text(), "http://caf\u00e9/");
+  IDataObject* data = nullptr;
+  ASSERT_EQ(OleGetClipboard(&data), S_OK);
+  const HWND box = GetNextDlgTabItem(host_.MainWindow(), Child(WC_BUTTONW, L"&Checked"), FALSE);
+  // As the system hands over what another program drags here.
+  auto* const target = static_cast<IDropTarget*>(GetPropW(box, L"OleDropTargetInterface"));
+  DWORD effect = DROPEFFECT_COPY | DROPEFFECT_MOVE;
+  target->DragEnter(data, MK_LBUTTON, {}, &effect);
+  EXPECT_EQ(effect, DWORD{DROPEFFECT_COPY});
+  target->Drop(data, MK_LBUTTON, {}, &effect);
+  data->Release();
+  EXPECT_EQ(panel_.box.Text(), "") << "not while the other program waits";
+  loop_.DoEvents();
+  EXPECT_EQ(panel_.box.Text(), "http://caf\u00e9/");
+
+  std::string did;
+  panel_.save.onClick = [&] { did += "pressed "; };
+  SetFocus(box);
+  // Not posted: the screen could take the focus away before it came.
+  EXPECT_TRUE(Press(box, VK_RETURN));
+  panel_.box.onEnter = [&] { did += "entered "; };
+  EXPECT_TRUE(Press(box, VK_RETURN));
+  EXPECT_EQ(did, "pressed entered ");
+  panel_.box.onEnter = [&] { panel_.Unload(); };  // the line may unload its form
+  Press(box, VK_RETURN);
+  EXPECT_FALSE(panel_.Loaded());
+}
+
+TEST_F(Win32Controls, AFormStaysOnTheScreenWhateverIsDoneToIt) {
+  forms::Form sized(host_, "Sized", {6000, 3000});
+  sized.resizable = true;
+  sized.helpPage = "page";
+  sized.Show();
+  const HWND window = FindWindowW(nullptr, L"Sized");
+  const auto isOnScreen = [&] {
+    RECT place, work, common;
+    GetWindowRect(window, &place);
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    return IntersectRect(&common, &place, &work) && EqualRect(&common, &place);
+  };
+  sized.SetPlace({-30000, 100000, 90000, 3000});
+  EXPECT_TRUE(isOnScreen());
+  const forms::Bounds place = sized.Place();
+  sized.SetPlace(place);
+  EXPECT_EQ(sized.Place(), place);
+  EXPECT_EQ(sized.ClientSize().width, place.width) << "which the screen has";
+  int resized = 0;
+  sized.onResize = [&] { ++resized; };
+  SetWindowPos(window, nullptr, 5000, 10, 10, 10, SWP_NOZORDER);
+  EXPECT_EQ(sized.ClientSize().width, 6000);
+  EXPECT_EQ(resized, 1);
+  EXPECT_FALSE(isOnScreen()) << "a person may";
+  SendMessageW(window, WM_DISPLAYCHANGE, 32, MAKELPARAM(640, 480));
+  EXPECT_TRUE(isOnScreen());
+  ShowWindow(window, SW_MAXIMIZE);
+  sized.Hide();
+  sized.Show();
+  EXPECT_TRUE(IsZoomed(window)) << "as it was left";
+  std::string asked;
+  host_.onHelp = [&](const std::string& page) { asked = page; };
+  SendMessageW(window, WM_HELP, 0, 0);
+  EXPECT_EQ(asked, "page");
+}
+
+// Who closes a group that the selected task is in has the group selected then.
+TEST_F(Win32Controls, AClosedGroupTakesTheSelection) {
+  panel_.tabs.Select(1);
+  const auto group = panel_.tree.Add({{}, "", "group", "", ""});
+  const auto task = panel_.tree.Add({group, "", "task", "", ""});
+  panel_.tree.EnsureVisible(task);
+  panel_.tree.ClickNode(task);
+  int clicks = 0;
+  panel_.tree.onNodeClick = [&] { ++clicks; };
+  const HWND window = Child(WC_TREEVIEWW);
+  TVHITTESTINFO hit = {};
+  hit.pt = {1, 5};
+  while (hit.pt.x < 100 && (TreeView_HitTest(window, &hit), hit.flags != TVHT_ONITEMBUTTON)) {
+    ++hit.pt.x;
+  }
+  const LPARAM place = MAKELPARAM(hit.pt.x, hit.pt.y);
+  PostMessageW(window, WM_LBUTTONUP, 0, place);
+  SendMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, place);
+  EXPECT_FALSE(panel_.tree.Nodes()[group].expanded);
+  EXPECT_EQ(TreeView_GetSelection(window), TreeView_GetRoot(window));
+  EXPECT_EQ(panel_.tree.Selected(), group);
+  EXPECT_EQ(clicks, 1);
 }
 
 }  // namespace
