@@ -98,6 +98,7 @@ class ModelRun {
   }
   Entry Wish(bool valid);  // what a user may want to enter
   std::string FreshName() { return "Fresh " + std::to_string(++fresh_); }
+  bool ScriptIsMissing(int slot) const;
   int AnySlot();  // one that is there, or nearly
   void Say(const std::string& what) { done.push_back(what); }
 

@@ -51,7 +51,7 @@ class RunningProgram {
   }
   // Waits until it is.
   bool MainIsInFront() const {
-    return WaitFor(
+    return WaitForGood(
         [main = MainWindow()] { return IsWindowVisible(main) && GetForegroundWindow() == main; });
   }
   HWND Box() const {  // the one that is open, or null
@@ -62,7 +62,8 @@ class RunningProgram {
   }
   // The text of the message box, once one is in front.
   std::wstring BoxInFront() const {
-    const bool came = WaitFor([&] { return Box() != nullptr && GetForegroundWindow() == Box(); });
+    const bool came =
+        WaitForGood([&] { return Box() != nullptr && GetForegroundWindow() == Box(); });
     return came ? TextOf(GetDlgItem(Box(), 0xFFFF)) : L"no box";
   }
   // What a person does.

@@ -105,14 +105,20 @@ inline bool IsTopMost(HWND window) {
   return (GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
 }
 
-// The window with this caption, once it is in front and stays there: where the window manager is
-// late, the one before it comes up again for a moment. Null when that never happens.
-inline HWND InFront(const std::wstring& caption, int looksEnough = 6) {
+// The same, until it has held for some looks: where the window manager is late, the window before
+// comes up again for a moment, or the keyboard comes later than the window.
+inline bool WaitForGood(const std::function<bool()>& condition, int looksEnough = 6) {
   int looks = 0;
-  const bool came = WaitFor([&] {
-    looks = TextOf(GetForegroundWindow()) == caption ? looks + 1 : 0;
+  return WaitFor([&] {
+    looks = condition() ? looks + 1 : 0;
     return looks == looksEnough;
   });
+}
+
+// The window with this caption, once it is in front. Null when that never happens.
+inline HWND InFront(const std::wstring& caption, int looksEnough = 6) {
+  const bool came =
+      WaitForGood([&] { return TextOf(GetForegroundWindow()) == caption; }, looksEnough);
   return came ? GetForegroundWindow() : nullptr;
 }
 

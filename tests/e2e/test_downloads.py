@@ -16,8 +16,10 @@ class Downloads(support.HomeTest):
     def setUp(self):
         super().setUp()
         self.folder = self.home("served")
+        (self.folder / "sub").mkdir()
         self.big = os.urandom(SIZE)
         (self.folder / "big").write_bytes(self.big)
+        (self.folder / "sub/small").write_bytes(self.big[:1000])
         self.got = self.home() / "big"
         self.nginx = self.enterContext(stock_servers.serve("nginx", self.folder, 80))
         self.enterContext(stock_servers.serve("pure-ftpd", self.folder, 21))
@@ -26,9 +28,9 @@ class Downloads(support.HomeTest):
         self.assertIn(said, self.orvanto(self.home(), "download", url, status=status)
                       + self.last_error)
 
-    def holds(self, contents):
-        self.assertTrue(self.got.read_bytes() == contents)
-        self.got.unlink()
+    def holds(self, contents, name="big"):
+        self.assertTrue((self.home() / name).read_bytes() == contents, name)
+        (self.home() / name).unlink()
 
     def begins(self, url, size):
         """Starts a download and returns once so much is in the file."""
@@ -39,6 +41,15 @@ class Downloads(support.HomeTest):
             self.assertIsNone(process.poll())
             time.sleep(0.001)
         return process
+
+    def test_whole(self):
+        self.enterContext(stock_servers.serve("vsftpd", self.folder, 2121))
+        for url in (HTTP, FTP, FTP.replace("1/", "1:2121/")):
+            self.says("Downloaded big\n", url + "big")
+            self.holds(self.big)
+        for url in ("HTTP://localhost/", SLOW_FTP):
+            self.says("Downloaded small\n", url + "sub/small")
+            self.holds(self.big[:1000], "small")
 
     def test_resumed_after_it_was_stopped_or_killed(self):
         for slow, url, end, size, status in (
@@ -81,3 +92,13 @@ class Downloads(support.HomeTest):
         self.nginx.process.kill()
         self.assertIn("The connection ended at byte", process.communicate(timeout=20)[0])
         self.assertEqual(process.returncode, 1)
+
+    def test_those_of_a_script_one_after_the_other(self):
+        urls = (SLOW_HTTP + "big", HTTP + "none", FTP + "sub/small")
+        (self.home() / "scripts").mkdir()
+        (self.home() / "scripts/three").write_text("".join(f"download('{u}',)\n" for u in urls))
+        self.orvanto(self.home(), "add", "Three", "--at", "00:00", "--day", "1", "--script", "three")
+        said = self.orvanto(self.home(), "run", "1", status=1)
+        self.assertRegex(said, "^Downloaded big\nFile Not Found(.*\n)*Downloaded small\n$")
+        self.holds(self.big)
+        self.holds(self.big[:1000], "small")

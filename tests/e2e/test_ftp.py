@@ -29,10 +29,17 @@ USES = (
     typed("inetutils-ftp -n", "ls\\nget big got\\nput up new\\n"),
     f"ncftpls -l {URL}; ncftpget {NCFTP} . /big; mv big got; ncftpput -c {NCFTP} new <up",
 )
+# Each deletes what begins with "a", and tries to delete a folder with all that is in it.
+DELETES = (
+    LFTP + "'rm -r sub; glob rm a*; bye'",
+    f"printf 'open {NCFTP}\\nrm -r sub\\nrm a*\\nquit\\n' | ncftp",
+    typed("inetutils-ftp -n", "cd sub\\nmdelete a*\\n"),
+    typed("tnftp -n", "cd sub\\nmdelete a*\\n"),
+)
 
 
 class Ftp(HomeTest):
-    def test_stock_clients_list_fetch_and_store(self):
+    def test_stock_clients_list_fetch_store_and_delete(self):
         home = self.home()
         (home / "scripts").mkdir(exist_ok=True)  # without the samples
         for name, value in (("ServerOn", "1"), ("ServerPort", "6000"), ("Compat", "1"),
@@ -44,11 +51,15 @@ class Ftp(HomeTest):
         for file in ("big", "sub/a1"):
             (scripts / file).write_bytes(os.urandom(10 << 20))
         (local / "up").write_bytes(os.urandom(9 << 20))
+
+        def use(client):
+            return subprocess.run(["timeout", "60", "sh", "-c", client], capture_output=True,
+                                  check=False, cwd=local, env={**os.environ, "HOME": local})
+
         for client in USES:
             with self.subTest(client):
                 (scripts / "new").write_bytes(bytes(10 << 20))  # longer than what replaces it
-                done = subprocess.run(["timeout", "60", "sh", "-c", client], capture_output=True,
-                                      check=False, cwd=local, env={**os.environ, "HOME": local})
+                done = use(client)
                 self.assertIn(b" 10485760 ", done.stdout, done.stderr)
                 # Not assertEqual, which would print them.
                 self.assertTrue((local / "got").read_bytes() == (scripts / "big").read_bytes())
@@ -56,6 +67,29 @@ class Ftp(HomeTest):
                     stored = (scripts / "new").read_bytes()
                     self.assertTrue(stored == (local / "up").read_bytes(), done.stderr)
                 (local / "got").unlink()
+        for client in DELETES:
+            with self.subTest(client):
+                (scripts / "a2").write_bytes(b"")
+                output = use(client)
+                self.assertEqual(set(os.listdir(scripts)), {"big", "new", "sub"}, output)
+                self.assertTrue((scripts / "sub/a1").exists())
+        self.end(process)
+
+    def test_by_default_files_come_and_go_with_a_client_that_is_told_how(self):
+        home, local = self.home(), self.home("local")
+        for name, value in (("ServerOn", "1"), ("ServerPort", "6000")):
+            self.orvanto(home, "set", "General", "Inet_" + name, value)
+        process = self.start(home, ftp_port="22")
+        (local / "up").write_bytes(os.urandom(9 << 20))
+        curl = "curl -sSm 30 --disable-eprt --ignore-content-length -P - ftp://anna@127.0.0.1:22/"
+        done = subprocess.run(
+            f"{curl} -T up && {curl}up -o got && {curl} && {curl} -Q 'DELE up' && cmp up got",
+            shell=True, check=False, capture_output=True, cwd=local)
+        self.assertEqual((done.returncode, done.stdout.count(b" 9437184 ")), (0, 1), done.stderr)
+        self.assertFalse((home / "scripts/up").exists())
+        self.stop(process)
+
+    def end(self, process):
         self.assertIn("User anna logged out.", self.stop(process))
 
 

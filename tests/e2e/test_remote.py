@@ -8,10 +8,16 @@ import socket
 import termios
 import time
 
-from support import HomeTest
+from support import HomeTest, PROGRAM
 
 MENU_END = b"7) Logout\r\n>"
 PATIENCE = 15
+
+
+def free_port():
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]
 
 
 def wait_until(condition, what):
@@ -25,11 +31,11 @@ def wait_until(condition, what):
 class Terminal:
     """A program on a terminal of its own."""
 
-    def __init__(self, *command):
+    def __init__(self, *command, **environment):
         self.seen = b""
         self.pid, self.fd = pty.fork()
         if self.pid == 0:
-            os.environ["TERM"] = "dumb"
+            os.environ.update(environment)
             os.execvp(command[0], command)
 
     def expect(self, text):
@@ -70,21 +76,27 @@ class Terminal:
 
 
 class Remote(HomeTest):
-    def real_client(self, *command, compat="0"):
-        """What a client's keys and its protocol could spoil."""
-        with socket.create_server(("127.0.0.1", 0)) as probe:
-            port = probe.getsockname()[1]
+    def serve(self, **settings):
+        self.port = free_port()
         home = self.home()
-        for name, value in (("ServerOn", "1"), ("ServerPort", str(port)), ("Compat", compat),
-                            ("Passwd_Required", "1"), ("Passwd", "Secret")):
-            self.orvanto(home, "set", "General", "Inet_" + name, value)
-        (home / "scripts" / "night.txt").write_text("*(nothing)\n")
-        self.start(home)
-        # Without a connection of its own, after which the next one would be refused.
-        listens = f":{port:04X} 00000000:0000 0A"
+        values = {"Inet_ServerOn": "1", "Inet_ServerPort": str(self.port), **settings}
+        for name, value in values.items():
+            self.orvanto(home, "set", "General", name, value)
+        return home
+
+    def wait_until_listening(self):
+        """Without a connection of its own, after which the next one would be refused."""
+        listens = f":{self.port:04X} 00000000:0000 0A"
         wait_until(lambda: listens in pathlib.Path("/proc/net/tcp").read_text(encoding="ascii"),
                    "the server does not listen")
-        terminal = Terminal(*command, str(port))
+
+    def real_client(self, *command, compat="0"):
+        """What a client's keys and its protocol could spoil."""
+        home = self.serve(Inet_Passwd_Required="1", Inet_Passwd="Secret", Inet_Compat=compat)
+        (home / "scripts" / "night.txt").write_text("*(nothing)\n")
+        self.start(home)
+        self.wait_until_listening()
+        terminal = Terminal(*command, str(self.port), TERM="dumb")
         self.addCleanup(terminal.close)
         terminal.expect(b"Enter Password: ")
         wait_until(lambda: not terminal.echoes(), "the client still echoes")
@@ -101,3 +113,20 @@ class Remote(HomeTest):
 
     def test_plink(self):
         self.real_client("plink", "-telnet", "127.0.0.1", "-P")
+
+    def test_chat_with_the_terminal_of_the_console_host(self):
+        host = Terminal(PROGRAM, "--home", str(self.serve(Inet_Compat="1")))
+        self.addCleanup(host.close)
+        host.expect(b"runs the tasks in")
+        self.wait_until_listening()
+        with socket.create_connection(("127.0.0.1", self.port), PATIENCE) as client:
+            seen = client.makefile("rb")
+            client.sendall(b"6\n")
+            host.expect(b"Accept Chat Request?")
+            os.write(host.fd, b"y\n")
+            host.expect(b"A chat with the remote client has begun")
+            client.sendall(b"hi\n")
+            host.expect(b"Client: hi")
+            os.write(host.fd, b"hello there\n/\n")
+            self.assertIn(b"Server: hello there\r\n", seen)
+            self.assertIn(b"Chat Ended by Server\r\n", seen)
