@@ -10,7 +10,7 @@ namespace {
 
 // The system hands out posted messages before input, painting and timers, so a flood of the first
 // would starve the others. A round therefore takes some of each kind in turn. Of input it takes
-// one: the characters that a key makes are posted, and have to come before the next key.
+// one, and the characters that it makes: they are posted, and have to come before the next key.
 struct Kind {
   UINT queue;
   int share;
@@ -112,20 +112,32 @@ bool Win32Loop::PumpRound() {
     for (int i = 0; i < kind.share; ++i) {
       if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | (kind.queue << 16))) break;
       any = true;
-      if (message.message == WM_QUIT) {
-        quit_ = true;
-      } else {
-        bool done = false;
-        if (preTranslate) Guarded("message", [&] { done = preTranslate(message); });
-        if (!done) {
-          TranslateMessage(&message);
-          DispatchMessageW(&message);
-        }
-      }
+      Handle(message);
+      if (kind.queue == QS_INPUT) HandleCharacters();
       if (quit_) return true;
     }
   }
   return any;
+}
+
+void Win32Loop::Handle(MSG& message) {
+  if (message.message == WM_QUIT) {
+    quit_ = true;
+    return;
+  }
+  bool done = false;
+  if (preTranslate) Guarded("message", [&] { done = preTranslate(message); });
+  if (done) return;
+  TranslateMessage(&message);
+  DispatchMessageW(&message);
+}
+
+// Those that the last key has made.
+void Win32Loop::HandleCharacters() {
+  for (const UINT first : {WM_CHAR, WM_SYSCHAR}) {
+    MSG message;
+    while (!quit_ && PeekMessageW(&message, nullptr, first, first + 1, PM_REMOVE)) Handle(message);
+  }
 }
 
 void Win32Loop::Wake() {

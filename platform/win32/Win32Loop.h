@@ -71,6 +71,8 @@ class Win32Loop : public EventLoop {
 
   std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
   bool PumpRound();
+  void Handle(MSG& message);
+  void HandleCharacters();
   void Wake();
   void WakeForRest();
   void Deliver();
