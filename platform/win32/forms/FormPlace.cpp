@@ -48,8 +48,8 @@ SIZE OuterSize(const forms::Form& form, forms::Size client, UINT dpi) {
   return {outer.right - outer.left, outer.bottom - outer.top};
 }
 
-// Of the window as the form asks for it. It may be on another screen yet, where the program was
-// started from.
+// What the form asks for, by the main screen's resolution: the window may be on another screen yet,
+// where the program was started from.
 POINT FormWindow::Corner() const {
   const RECT area = MainWorkArea();
   const UINT dpi = MainScreenDpi();
