@@ -18,9 +18,9 @@ class LineReader {
   // Without its end; nothing where no line is left.
   std::optional<std::string_view> Next() {
     if (rest_.empty()) return std::nullopt;
-    const std::size_t end = std::min(rest_.find_first_of(kCrLf), rest_.size());
-    const std::string_view line = rest_.substr(0, end);
-    rest_.remove_prefix(end);
+    const auto end = std::ranges::find_if(rest_, [](char c) { return c == '\r' || c == '\n'; });
+    const std::string_view line(rest_.begin(), end);
+    rest_.remove_prefix(line.size());
     rest_.remove_prefix(rest_.starts_with(kCrLf) ? 2 : rest_.empty() ? 0 : 1);
     return line;
   }

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cassert>
 #include <deque>
 #include <functional>
 #include <string>
