@@ -6,26 +6,10 @@ import select
 import signal
 import socket
 import termios
-import time
 
-from support import HomeTest, PROGRAM
+from support import HomeTest, PATIENCE, PROGRAM, wait_until
 
 MENU_END = b"7) Logout\r\n>"
-PATIENCE = 15
-
-
-def free_port():
-    with socket.socket() as probe:
-        probe.bind(("127.0.0.1", 0))
-        return probe.getsockname()[1]
-
-
-def wait_until(condition, what):
-    deadline = time.monotonic() + PATIENCE
-    while not condition():
-        if time.monotonic() > deadline:
-            raise AssertionError(what)
-        time.sleep(0.05)
 
 
 class Terminal:
@@ -40,16 +24,10 @@ class Terminal:
 
     def expect(self, text):
         """Reads until the text has come; returns all that came up to its end."""
-        deadline = time.monotonic() + PATIENCE
         while text not in self.seen:
-            ready, _, _ = select.select([self.fd], [], [], max(0, deadline - time.monotonic()))
-            try:
-                data = os.read(self.fd, 4096) if ready else b""
-            except OSError:
-                data = b""
-            if not data:
+            if not select.select([self.fd], [], [], PATIENCE)[0]:
                 raise AssertionError(f"{text} did not come: {self.seen!r}")
-            self.seen += data
+            self.seen += os.read(self.fd, 4096)
         end = self.seen.index(text) + len(text)
         came, self.seen = self.seen[:end], self.seen[end:]
         return came
@@ -77,11 +55,10 @@ class Terminal:
 
 class Remote(HomeTest):
     def serve(self, **settings):
-        self.port = free_port()
+        with socket.create_server(("127.0.0.1", 0)) as free:
+            self.port = free.getsockname()[1]
         home = self.home()
-        values = {"Inet_ServerOn": "1", "Inet_ServerPort": str(self.port), **settings}
-        for name, value in values.items():
-            self.orvanto(home, "set", "General", name, value)
+        self.set(home, Inet_ServerOn="1", Inet_ServerPort=str(self.port), **settings)
         return home
 
     def wait_until_listening(self):

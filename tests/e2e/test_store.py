@@ -9,10 +9,6 @@ CHANGES = 500
 
 
 class Store(HomeTest):
-    def add_words(self, name):
-        return ["add", name, "--at", "10:00", "--every", "Every Day", "--message", "Text", "--group",
-                "G"]
-
     def test_killed_at_any_moment_the_store_is_the_old_or_the_new_one(self):
         home = self.home()
         # Most kills should come near the moment of the change, wherever this machine has it.
@@ -24,7 +20,8 @@ class Store(HomeTest):
                 slot = random.randrange(len(old))
                 words, new = ["delete", str(slot + 1)], old[:slot] + old[slot + 1:]
             else:
-                words, new = self.add_words(f"task {number}"), [*old, f"task {number}"]
+                name = f"task {number}"
+                words, new = ["add", name, *"--at 10:00 --day 1 --message Text".split()], [*old, name]
             process = subprocess.Popen([PROGRAM, "--home", home, *words],
                                        stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
             time.sleep(random.uniform(0, 2) * delay)
@@ -34,7 +31,7 @@ class Store(HomeTest):
             self.assertEqual(self.last_error, "")
             now = [line.split(") ", 1)[1].split(" | ")[0] for line in lines]
             self.assertEqual(
-                lines, [f"{i}) {name} | Popup Message | 10:00 on Every Day In Every Month"
+                lines, [f"{i}) {name} | Popup Message | 10:00 on Day Number: 1"
                         for i, name in enumerate(now, 1)])
             self.assertIn(now, (old, new), f"change {number}: {words}")
             outcomes["old" if now == old else "new"] += 1
@@ -47,7 +44,7 @@ class Store(HomeTest):
     def test_a_damaged_file_is_set_aside_by_the_one_scheduler_and_said_so(self):
         home = self.home()
         (home / "registry.txt").write_text("damage")
-        self.orvanto(home, *self.add_words("first"), status=1)
+        self.orvanto(home, "set", "General", "OnTop", "1", status=1)
         self.assertIn("damaged", self.last_error)
         self.assertEqual((home / "registry.txt").read_text(), "damage")
         process = self.start(home, first="damaged")
