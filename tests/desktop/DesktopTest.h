@@ -38,12 +38,12 @@ class RunningProgram : public Program {
     return WaitForGood(
         [main = MainWindow()] { return IsWindowVisible(main) && GetForegroundWindow() == main; });
   }
-  // What a person does.
-  void Press(const std::wstring& caption) const { Press(MainWindow(), caption); }
-  static void Press(HWND form, const std::wstring& caption) {
-    PostMessageW(FindWindowExW(form, nullptr, WC_BUTTONW, caption.c_str()), BM_CLICK, 0, 0);
-  }
 };
+
+// Presses a button, as a person does.
+inline void Press(HWND form, const wchar_t* caption) {
+  PostMessageW(FindWindowExW(form, nullptr, WC_BUTTONW, caption), BM_CLICK, 0, 0);
+}
 
 // Begins and ends without any settings.
 class DesktopTest : public testing::Test {

@@ -56,12 +56,12 @@ class Program {
     TerminateProcess(process_.Get(), 99);
     WaitForSingleObject(process_.Get(), 5000);
   }
-  // Waits for the end; -1 when it does not come.
+  // Waits for the end; STILL_ACTIVE when it does not come.
   int ExitCode() const {
-    DWORD code = 0;
-    const bool ended = WaitForSingleObject(process_.Get(), 20000) == WAIT_OBJECT_0 &&
-                       GetExitCodeProcess(process_.Get(), &code);
-    return ended ? static_cast<int>(code) : -1;
+    DWORD code = STILL_ACTIVE;
+    WaitForSingleObject(process_.Get(), 20000);
+    GetExitCodeProcess(process_.Get(), &code);
+    return static_cast<int>(code);
   }
   // Its top-level windows of this class, visible or not.
   std::vector<HWND> Windows(const std::wstring& windowClass) const {

@@ -15,7 +15,8 @@ MENU_END = b"7) Logout\r\n>"
 class Terminal:
     """A program on a terminal of its own."""
 
-    def __init__(self, *command, **environment):
+    def __init__(self, test, *command, **environment):
+        test.addCleanup(self.close)
         self.seen = b""
         self.pid, self.fd = pty.fork()
         if self.pid == 0:
@@ -44,9 +45,6 @@ class Terminal:
         os.write(self.fd, b"\r")
         return came + self.expect(then)
 
-    def echoes(self):
-        return termios.tcgetattr(self.fd)[3] & termios.ECHO
-
     def close(self):
         os.kill(self.pid, signal.SIGKILL)
         os.waitpid(self.pid, 0)
@@ -73,10 +71,9 @@ class Remote(HomeTest):
         (home / "scripts" / "night.txt").write_text("*(nothing)\n")
         self.start(home)
         self.wait_until_listening()
-        terminal = Terminal(*command, str(self.port), TERM="dumb")
-        self.addCleanup(terminal.close)
+        terminal = Terminal(self, *command, str(self.port), TERM="dumb")
         terminal.expect(b"Enter Password: ")
-        wait_until(lambda: not terminal.echoes(), "the client still echoes")
+        wait_until(lambda: not termios.tcgetattr(terminal.fd)[3] & termios.ECHO, "it still echoes")
         came = terminal.line("Secret", MENU_END, echo=b"*")
         self.assertIn(b"******", came)
         self.assertNotIn(b"Secret", came)
@@ -92,8 +89,7 @@ class Remote(HomeTest):
         self.real_client("plink", "-telnet", "127.0.0.1", "-P")
 
     def test_chat_with_the_terminal_of_the_console_host(self):
-        host = Terminal(PROGRAM, "--home", str(self.serve(Inet_Compat="1")))
-        self.addCleanup(host.close)
+        host = Terminal(self, PROGRAM, "--home", str(self.serve(Inet_Compat="1")))
         host.expect(b"runs the tasks in")
         self.wait_until_listening()
         with socket.create_connection(("127.0.0.1", self.port), PATIENCE) as client:

@@ -6,6 +6,7 @@ import time
 from support import HomeTest, PROGRAM
 
 CHANGES = 500
+TASK = "--at 10:00 --day 1 --message Text".split()
 
 
 def listing(names):
@@ -26,7 +27,7 @@ class Store(HomeTest):
                 words, new = ["delete", str(slot + 1)], old[:slot] + old[slot + 1:]
             else:
                 name = f"task {number}"
-                words, new = ["add", name, *"--at 10:00 --day 1 --message Text".split()], [*old, name]
+                words, new = ["add", name, *TASK], [*old, name]
             process = subprocess.Popen([PROGRAM, "--home", home, *words],
                                        stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
             time.sleep(random.uniform(0, 2) * delay)
@@ -48,9 +49,7 @@ class Store(HomeTest):
         (home / "registry.txt").write_text("damage")
         self.orvanto(home, "set", "General", "OnTop", "1", status=1)
         self.assertIn("damaged", self.last_error)
-        self.assertEqual((home / "registry.txt").read_text(), "damage")
         process = self.start(home, first="damaged")
-        self.assertIn("runs the tasks in", process.stdout.readline())
         self.orvanto(home, status=1)
         self.assertIn("already", self.last_error)
         self.stop(process)
