@@ -79,10 +79,8 @@ class Program {
 };
 
 inline std::wstring TextOf(HWND window) {
-  std::wstring text(1024, L'\0');
-  const LRESULT length =
-      SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
-  text.resize(static_cast<std::size_t>(length));
+  wchar_t text[1024] = L"";
+  SendMessageW(window, WM_GETTEXT, std::size(text), reinterpret_cast<LPARAM>(text));
   return text;
 }
 

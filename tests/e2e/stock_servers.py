@@ -24,9 +24,7 @@ FILES = {
              "ftp:x:1001:1000::{folder}:/bin/false\n",
     "group": "root:x:0:\nnogroup:x:65534:\nusers:x:1000:\n",
     "vsftpd": """listen=YES
-listen_address=127.0.0.1
 listen_port={port}
-anonymous_enable=NO
 local_enable=YES
 pam_service_name=other
 chroot_local_user=YES

@@ -71,6 +71,16 @@ class Downloads(support.HomeTest):
                     self.says(said, url + "big", status)
                 self.holds(left if status else left + self.big[size:])
 
+    def test_ends_where_the_server_goes(self):
+        self.set(self.home(), Inet_Compat="1")
+        self.says("https is not spoken", "https://127.0.0.1/big", 1)
+        with stock_servers.serve("nginx", self.folder, 8080):
+            process = self.begin(support.PROGRAM, "--home", self.home(), "download",
+                                 "http://127.0.0.1:8080/slow/big")
+            support.wait_until(self.got.exists, "nothing comes")
+        self.assertIn("The connection ended at byte", process.communicate(timeout=20)[0])
+        self.assertEqual(process.returncode, 1)
+
     def test_those_of_a_script_one_after_the_other(self):
         urls = (SLOW_HTTP + "big", HTTP + "none", FTP + "sub/small")
         (self.home() / "scripts").mkdir()

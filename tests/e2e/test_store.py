@@ -26,8 +26,7 @@ class Store(HomeTest):
                 slot = random.randrange(len(old))
                 words, new = ["delete", str(slot + 1)], old[:slot] + old[slot + 1:]
             else:
-                name = f"task {number}"
-                words, new = ["add", name, *TASK], [*old, name]
+                words, new = ["add", f"task {number}", *TASK], [*old, f"task {number}"]
             process = subprocess.Popen([PROGRAM, "--home", home, *words],
                                        stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
             time.sleep(random.uniform(0, 2) * delay)

@@ -22,8 +22,7 @@ class Notepad : public desktop::Program {
   Notepad() : Program("notepad.exe") {
     WaitFor([this] {
       window = GetForegroundWindow();
-      const auto windows = Windows(L"Notepad");
-      return std::ranges::find(windows, window) != windows.end();
+      return std::ranges::count(Windows(L"Notepad"), window) == 1;
     });
     edit = FindWindowExW(window, nullptr, L"Edit", nullptr);
   }
