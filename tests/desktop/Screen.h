@@ -3,7 +3,6 @@
 
 #include <windows.h>
 
-#include <cctype>
 #include <chrono>
 #include <functional>
 #include <string>
@@ -11,6 +10,7 @@
 #include <vector>
 
 #include "platform/win32/Win32Keyboard.h"
+#include "platform/win32/Win32Process.h"
 #include "script/KeySequence.h"
 
 namespace orvanto::desktop {
@@ -37,41 +37,6 @@ inline std::wstring Beside(const std::wstring& name) {
 // Types where the keyboard is, in the notation of the scripts.
 inline void Type(const std::string& keys) { win32::Win32Keyboard().Type(ParseKeySequence(keys)); }
 
-// The key of the keyboard, and its Shift in the upper byte. Of characters: letters, digits, blanks.
-inline SHORT KeyOf(const KeyEvent& event) {
-  for (const auto& [key, code] : {std::pair<Key, SHORT>{Key::Alt, VK_MENU},
-                                  {Key::Tab, VK_TAB},
-                                  {Key::Enter, VK_RETURN},
-                                  {Key::Escape, VK_ESCAPE},
-                                  {Key::Up, VK_UP},
-                                  {Key::Down, VK_DOWN},
-                                  {Key::Right, VK_RIGHT}}) {
-    if (event.key == key) return code;
-  }
-  const int character = static_cast<int>(event.character);
-  return static_cast<SHORT>(std::toupper(character) | (std::isupper(character) != 0 ? 0x100 : 0));
-}
-
-// The same as a person does: key by key, waiting for nobody. Letters, digits, blanks and some keys.
-inline void PressKeys(const std::string& keys) {
-  const auto send = [](WORD key, DWORD flags) {
-    INPUT input = {};
-    input.type = INPUT_KEYBOARD;
-    input.ki.wVk = key;
-    input.ki.dwFlags = flags;
-    SendInput(1, &input, sizeof input);
-  };
-  for (const KeyEvent& event : ParseKeySequence(keys)) {
-    const SHORT code = KeyOf(event);
-    if (HIBYTE(code) & 1) send(VK_SHIFT, 0);
-    for (std::uint32_t i = 0; i < event.count; ++i) {
-      if (event.action != KeyEvent::Action::Release) send(LOBYTE(code), 0);
-      if (event.action != KeyEvent::Action::Hold) send(LOBYTE(code), KEYEVENTF_KEYUP);
-    }
-    if (HIBYTE(code) & 1) send(VK_SHIFT, KEYEVENTF_KEYUP);
-  }
-}
-
 // The windows of one class on a form, in the order of the controls; the top-level ones on none.
 inline std::vector<HWND> Children(HWND form, const std::wstring& windowClass) {
   std::vector<HWND> found;
@@ -82,27 +47,45 @@ inline std::vector<HWND> Children(HWND form, const std::wstring& windowClass) {
   return found;
 }
 
-// All top-level windows, visible or not, of a process (0: of any) with this class.
-inline std::vector<HWND> TopLevel(DWORD process, const std::wstring& windowClass) {
-  std::vector<HWND> found = Children(nullptr, windowClass);
-  std::erase_if(found, [process](HWND window) {
-    DWORD owner = 0;
-    GetWindowThreadProcessId(window, &owner);
-    return process != 0 && owner != process;
-  });
-  return found;
-}
+// A program that was started; it ends with this, the hard way if it still runs.
+class Program {
+ public:
+  explicit Program(const std::string& commandLine)
+      : process_(win32::StartProcess(commandLine, ShowCommand::Normal)) {}
+  ~Program() {
+    TerminateProcess(process_.Get(), 99);
+    WaitForSingleObject(process_.Get(), 5000);
+  }
+  // Waits for the end; STILL_ACTIVE when it does not come.
+  int ExitCode() const {
+    DWORD code = STILL_ACTIVE;
+    WaitForSingleObject(process_.Get(), 20000);
+    GetExitCodeProcess(process_.Get(), &code);
+    return static_cast<int>(code);
+  }
+  // Its top-level windows of this class, visible or not.
+  std::vector<HWND> Windows(const std::wstring& windowClass) const {
+    std::vector<HWND> found = Children(nullptr, windowClass);
+    std::erase_if(found, [this](HWND window) {
+      DWORD owner = 0;
+      GetWindowThreadProcessId(window, &owner);
+      return owner != GetProcessId(process_.Get());
+    });
+    return found;
+  }
+
+ private:
+  win32::ProcessHandle process_;
+};
 
 inline std::wstring TextOf(HWND window) {
-  std::wstring text(1024, L'\0');
-  const LRESULT length =
-      SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
-  text.resize(static_cast<std::size_t>(length));
+  wchar_t text[1024] = L"";
+  SendMessageW(window, WM_GETTEXT, std::size(text), reinterpret_cast<LPARAM>(text));
   return text;
 }
 
-inline bool IsTopMost(HWND window) {
-  return (GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
+inline bool HasStyle(HWND window, LONG_PTR extendedStyle) {
+  return (GetWindowLongPtrW(window, GWL_EXSTYLE) & extendedStyle) != 0;
 }
 
 // The same, until it has held for some looks: where the window manager is late, the window before
@@ -120,6 +103,11 @@ inline HWND InFront(const std::wstring& caption, int looksEnough = 6) {
   const bool came =
       WaitForGood([&] { return TextOf(GetForegroundWindow()) == caption; }, looksEnough);
   return came ? GetForegroundWindow() : nullptr;
+}
+
+// The text of the message box with this caption, once it is in front.
+inline std::wstring BoxInFront(const std::wstring& caption = L"Orvanto") {
+  return TextOf(GetDlgItem(InFront(caption), 0xFFFF));
 }
 
 // The window that has the keyboard, of the thread that this one belongs to.

@@ -30,15 +30,12 @@ class OnWindows:
         (path / "scripts").mkdir()
         return path
 
-    def orvanto(self, home, *words, **_):
-        _, section, name, text = words
-        reg("add", f"{KEY}\\{section}", "/v", name, "/d", text, "/f")
+    def set(self, home, **values):
+        for name, text in values.items():
+            reg("add", f"{KEY}\\General", "/v", name, "/d", text, "/f")
 
     def start(self, home, first="", ftp_port=None):
-        process = subprocess.Popen(["wine", home / "orvanto.exe"], stdin=subprocess.DEVNULL,
-                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        self.running.append(process)
-        return process
+        self.begin("wine", home / "orvanto.exe", output=subprocess.DEVNULL)
 
 
 class RealClients(OnWindows, test_remote.Remote):
@@ -54,10 +51,6 @@ class RealFtpClients(OnWindows, test_ftp.Ftp):
             self.skipTest(f"the server's port 21 cannot be had: {error}")
 
     def start(self, home, first="", ftp_port=None):
-        process = super().start(home)
+        super().start(home)
         self.port = 21
         test_remote.Remote.wait_until_listening(self)
-        return process
-
-    def end(self, process):
-        """Its log is in a window."""

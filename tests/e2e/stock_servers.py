@@ -10,8 +10,9 @@ import signal
 import socket
 import subprocess
 import tempfile
-import time
 import types
+
+from support import wait_until
 
 HOST = "127.0.0.1"
 PEERS = pathlib.Path(__file__).resolve().parents[2] / "build/peers"
@@ -23,16 +24,13 @@ FILES = {
              "ftp:x:1001:1000::{folder}:/bin/false\n",
     "group": "root:x:0:\nnogroup:x:65534:\nusers:x:1000:\n",
     "vsftpd": """listen=YES
-listen_address=127.0.0.1
 listen_port={port}
-anonymous_enable=NO
 local_enable=YES
 pam_service_name=other
 chroot_local_user=YES
 allow_writeable_chroot=YES
 secure_chroot_dir=/proc/sys
 write_enable=YES
-dirmessage_enable=YES
 seccomp_sandbox=NO
 """,
     "nginx": """daemon off;
@@ -48,14 +46,12 @@ http {{
   proxy_temp_path {home};
   scgi_temp_path {home};
   uwsgi_temp_path {home};
-  default_type application/octet-stream;
   sendfile on;
   server {{
     listen 127.0.0.1:{port};
     root {folder};
     location /slow/ {{ alias {folder}/; limit_rate 40m; }}
     location /moved/ {{ rewrite ^/moved/(.*) /slow/$1 redirect; }}
-    location /refused/ {{ return 403; }}
   }}
 }}
 """}
@@ -64,14 +60,12 @@ COMMANDS = {"vsftpd": "{home}/vsftpd",
             "nginx": "-c {home}/nginx -e stderr"}
 
 
-def await_server(port, greeting):
-    for _ in range(1000):
-        with contextlib.suppress(ConnectionRefusedError):
-            with socket.create_connection((HOST, port), 10) as connection:
-                assert connection.recv(len(greeting)) == greeting
-                return
-        time.sleep(0.01)
-    raise TimeoutError("the server does not listen")
+def greets(port, greeting):
+    try:
+        with socket.create_connection((HOST, port), 10) as connection:
+            return connection.recv(len(greeting)) == greeting
+    except ConnectionRefusedError:
+        return False
 
 
 @contextlib.contextmanager
@@ -80,7 +74,7 @@ def serve(name, folder, port=0):
 
     By FTP one user may do everything, in both modes; pure-ftpd lets the anonymous read, at 20 MB a
     second. nginx serves the folder once more as /slow, at 40 MiB a second, the first at once;
-    /moved leads there, /refused nowhere.
+    /moved leads there.
     """
     with socket.create_server((HOST, port)) as free:
         port = free.getsockname()[1]
@@ -95,8 +89,9 @@ def serve(name, folder, port=0):
                  "NSS_WRAPPER_PASSWD": f"{home}/passwd", "NSS_WRAPPER_GROUP": f"{home}/group"},
             stdin=subprocess.DEVNULL, start_new_session=True)
         try:
-            await_server(port, b"" if name == "nginx" else b"220")
-            yield types.SimpleNamespace(process=process, port=port, user="anna", password="secret")
+            greeting = b"" if name == "nginx" else b"220"
+            wait_until(lambda: greets(port, greeting), "the server does not listen")
+            yield types.SimpleNamespace(port=port, user="anna", password="secret")
         finally:
             os.killpg(process.pid, signal.SIGKILL)  # Its sessions are of its group.
             process.wait()

@@ -6,32 +6,17 @@ import select
 import signal
 import socket
 import termios
-import time
 
-from support import HomeTest, PROGRAM
+from support import HomeTest, PATIENCE, PROGRAM, wait_until
 
 MENU_END = b"7) Logout\r\n>"
-PATIENCE = 15
-
-
-def free_port():
-    with socket.socket() as probe:
-        probe.bind(("127.0.0.1", 0))
-        return probe.getsockname()[1]
-
-
-def wait_until(condition, what):
-    deadline = time.monotonic() + PATIENCE
-    while not condition():
-        if time.monotonic() > deadline:
-            raise AssertionError(what)
-        time.sleep(0.05)
 
 
 class Terminal:
     """A program on a terminal of its own."""
 
-    def __init__(self, *command, **environment):
+    def __init__(self, test, *command, **environment):
+        test.addCleanup(self.close)
         self.seen = b""
         self.pid, self.fd = pty.fork()
         if self.pid == 0:
@@ -40,16 +25,10 @@ class Terminal:
 
     def expect(self, text):
         """Reads until the text has come; returns all that came up to its end."""
-        deadline = time.monotonic() + PATIENCE
         while text not in self.seen:
-            ready, _, _ = select.select([self.fd], [], [], max(0, deadline - time.monotonic()))
-            try:
-                data = os.read(self.fd, 4096) if ready else b""
-            except OSError:
-                data = b""
-            if not data:
+            if not select.select([self.fd], [], [], PATIENCE)[0]:
                 raise AssertionError(f"{text} did not come: {self.seen!r}")
-            self.seen += data
+            self.seen += os.read(self.fd, 4096)
         end = self.seen.index(text) + len(text)
         came, self.seen = self.seen[:end], self.seen[end:]
         return came
@@ -66,9 +45,6 @@ class Terminal:
         os.write(self.fd, b"\r")
         return came + self.expect(then)
 
-    def echoes(self):
-        return termios.tcgetattr(self.fd)[3] & termios.ECHO
-
     def close(self):
         os.kill(self.pid, signal.SIGKILL)
         os.waitpid(self.pid, 0)
@@ -77,11 +53,10 @@ class Terminal:
 
 class Remote(HomeTest):
     def serve(self, **settings):
-        self.port = free_port()
+        with socket.create_server(("127.0.0.1", 0)) as free:
+            self.port = free.getsockname()[1]
         home = self.home()
-        values = {"Inet_ServerOn": "1", "Inet_ServerPort": str(self.port), **settings}
-        for name, value in values.items():
-            self.orvanto(home, "set", "General", name, value)
+        self.set(home, Inet_ServerOn="1", Inet_ServerPort=str(self.port), **settings)
         return home
 
     def wait_until_listening(self):
@@ -96,10 +71,9 @@ class Remote(HomeTest):
         (home / "scripts" / "night.txt").write_text("*(nothing)\n")
         self.start(home)
         self.wait_until_listening()
-        terminal = Terminal(*command, str(self.port), TERM="dumb")
-        self.addCleanup(terminal.close)
+        terminal = Terminal(self, *command, str(self.port), TERM="dumb")
         terminal.expect(b"Enter Password: ")
-        wait_until(lambda: not terminal.echoes(), "the client still echoes")
+        wait_until(lambda: not termios.tcgetattr(terminal.fd)[3] & termios.ECHO, "it still echoes")
         came = terminal.line("Secret", MENU_END, echo=b"*")
         self.assertIn(b"******", came)
         self.assertNotIn(b"Secret", came)
@@ -115,8 +89,7 @@ class Remote(HomeTest):
         self.real_client("plink", "-telnet", "127.0.0.1", "-P")
 
     def test_chat_with_the_terminal_of_the_console_host(self):
-        host = Terminal(PROGRAM, "--home", str(self.serve(Inet_Compat="1")))
-        self.addCleanup(host.close)
+        host = Terminal(self, PROGRAM, "--home", str(self.serve(Inet_Compat="1")))
         host.expect(b"runs the tasks in")
         self.wait_until_listening()
         with socket.create_connection(("127.0.0.1", self.port), PATIENCE) as client:

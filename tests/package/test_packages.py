@@ -4,10 +4,10 @@ import pathlib
 import re
 import shutil
 import subprocess
-import tempfile
-import time
-import unittest
 import zipfile
+from unittest import mock
+
+from support import HomeTest, wait_until
 
 TOP = pathlib.Path(__file__).resolve().parent.parent.parent
 SAMPLES = {path.name for path in (TOP / "scripts").iterdir()}
@@ -24,60 +24,52 @@ def run(*words, **options):
     return done.stdout + done.stderr
 
 
-def wait_until(condition, what):
-    deadline = time.monotonic() + 30
-    while not condition():
-        if time.monotonic() > deadline:
-            raise AssertionError(what)
-        time.sleep(0.1)
+def call_quietly(*words):
+    return subprocess.call(words, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
-class Packages(unittest.TestCase):
-    def setUp(self):
-        scratch = tempfile.TemporaryDirectory()
-        self.addCleanup(scratch.cleanup)
-        self.scratch = pathlib.Path(scratch.name)
-
-
-class Windows(Packages):
+class Windows(HomeTest):
     RUN = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Run"
     UNINSTALL = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\Orvanto"
     TASKS = r"HKCU\Software\Quellmark\Orvanto\General"
 
     def setUp(self):
         super().setUp()
-        self.env = {**os.environ, "WINEPREFIX": str(self.scratch / "wine"), "WINEDEBUG": "-all"}
-        run(TOP / "tools/wine-prefix", self.env["WINEPREFIX"])
+        prefix = str(self.home("wine"))
+        self.enterContext(mock.patch.dict(os.environ, WINEPREFIX=prefix, WINEDEBUG="-all"))
+        run(TOP / "tools/wine-prefix", prefix)
         # Not kept waiting for by whoever reads a program's output: see tools/on-screen.
-        subprocess.call(["wine", "rundll32", "user32.dll,GetDesktopWindow"], env=self.env,
-                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        self.addCleanup(subprocess.call, ["wineserver", "-w"], env=self.env)
-        self.addCleanup(subprocess.call, ["wineserver", "-k"], env=self.env)
+        call_quietly("wine", "rundll32", "user32.dll,GetDesktopWindow")
+        self.addCleanup(call_quietly, "wineserver", "-w")
+        self.addCleanup(call_quietly, "wineserver", "-k")
         users = self.scratch / "wine/drive_c/users"
         self.user = next(path for path in users.iterdir() if path.name != "Public") / "AppData"
         self.folder = self.user / "Local/Programs/Orvanto"
 
     def value(self, key, name):
         """A text of the registry, "" where there is none."""
-        said = subprocess.run(["wine", "reg", "query", key, "/v", name], env=self.env, timeout=60,
+        said = subprocess.run(["wine", "reg", "query", key, "/v", name], timeout=60,
                               capture_output=True, text=True, check=False).stdout
         return said.split("REG_SZ")[1].strip() if "REG_SZ" in said else ""
 
     def files(self):
         return {path.name for path in self.folder.rglob("*") if path.is_file()}
 
-    def test_installed_updated_while_it_runs_and_removed(self):
+    def traces(self):
+        """Outside the folder: the link, the name in the list of programs, the start with Windows."""
         link = self.user / "Roaming/Microsoft/Windows/Start Menu/Programs/Orvanto.lnk"
+        name = self.value(self.UNINSTALL, "DisplayName")
+        return link.exists(), name, self.value(self.RUN, "Orvanto")
+
+    def test_installed_updated_while_it_runs_and_removed(self):
         setup = ["wine", package("*-setup.exe"), "/S"]
-        run(*setup, env=self.env)
+        run(*setup)
         self.assertLessEqual({"orvanto.exe", "index.html", "LICENSE.txt", "README.txt", *SAMPLES},
                              self.files())
         with zipfile.ZipFile(package("*-win64.zip")) as portable:
             self.assertEqual({pathlib.Path(name).name for name in portable.namelist()
                               if not name.endswith("/")}, self.files() - {"uninstall.exe"})
-        self.assertTrue(link.exists())
-        self.assertEqual(self.value(self.UNINSTALL, "DisplayName"), "Orvanto")
-        self.assertEqual(self.value(self.RUN, "Orvanto"), "")
+        self.assertEqual(self.traces(), (True, "Orvanto", ""))
 
         scripts = self.folder / "scripts"
         (scripts / "mine.txt").write_text("beep()")
@@ -88,37 +80,32 @@ class Windows(Packages):
         sample.write_text("an older version's")
         os.utime(sample, ns=(installed.st_atime_ns, installed.st_mtime_ns))
         for key, name, text in ((self.RUN, "Orvanto", "elsewhere"), (self.TASKS, "NoTasks", "7")):
-            run("wine", "reg", "add", key, "/v", name, "/d", text, env=self.env)
+            run("wine", "reg", "add", key, "/v", name, "/d", text)
         shown = ["xdotool", "search", "--onlyvisible", "--name", "^Orvanto - "]
-        program = subprocess.Popen(["wine", self.folder / "orvanto.exe"], env=self.env,
-                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        wait_until(lambda: subprocess.call(shown, stdout=subprocess.DEVNULL) == 0, "not started")
+        program = self.begin("wine", self.folder / "orvanto.exe", output=subprocess.DEVNULL)
+        wait_until(lambda: call_quietly(*shown) == 0, "not started")
         # Unread: the program that it starts keeps the output.
-        subprocess.check_call(setup, env=self.env, stdout=subprocess.DEVNULL,
-                              stderr=subprocess.DEVNULL)
+        self.assertEqual(call_quietly(*setup), 0)
         self.assertEqual(program.wait(1), 0)
-        wait_until(lambda: subprocess.call(shown, stdout=subprocess.DEVNULL) == 0, "not restarted")
+        wait_until(lambda: call_quietly(*shown) == 0, "not restarted")
         self.assertEqual(self.value(self.RUN, "Orvanto"),
                          r'"C:\users\%s\AppData\Local\Programs\Orvanto\orvanto.exe" invisible'
                          % self.user.parent.name)
         self.assertEqual(sample.read_text(), (TOP / "scripts/backup.txt").read_text())
         self.assertEqual(set(os.listdir(scripts)), (SAMPLES | {"mine.txt"}) - {"question.txt"})
 
-        subprocess.check_call(["wine", self.folder / "uninstall.exe", "/S"], env=self.env)
+        self.assertEqual(call_quietly("wine", self.folder / "uninstall.exe", "/S"), 0)
         wait_until(lambda: not (self.folder / "uninstall.exe").exists(), "not removed")
         self.assertEqual(self.files() - {"ORVTASK.LOG"}, {"mine.txt", "note.txt"})
         self.assertEqual((scripts / "note.txt").read_text(), "beep()")
-        self.assertFalse(link.exists())
-        self.assertEqual(self.value(self.UNINSTALL, "DisplayName"), "")
-        self.assertEqual(self.value(self.RUN, "Orvanto"), "")
+        self.assertEqual(self.traces(), (False, "", ""))
         self.assertEqual(self.value(self.TASKS, "NoTasks"), "7")
 
 
-class Debian(Packages):
+class Debian(HomeTest):
     def test_installed_used_and_removed(self):
-        root, home = self.scratch / "root", self.scratch / "home"
-        for folder in ("info", "updates"):
-            (root / "var/lib/dpkg" / folder).mkdir(parents=True)
+        root, home = self.home("root"), self.home()
+        (root / "var/lib/dpkg/updates").mkdir(parents=True)
         (root / "var/lib/dpkg/status").touch()
         dpkg = ["dpkg", f"--root={root}", "--force-not-root", "--force-depends", "--force-bad-path"]
         if os.geteuid() != 0:
