@@ -21,7 +21,6 @@ TEST(Convert, ReadsNumbersAsUsersAndStoresWriteThem) {
   }
   for (const char* text : {"32768", "-32769", "99999999999999999999", "1e999"}) {
     EXPECT_EQ(ErrorOf([&] { ToInt16(text); }), kOverflow) << text;
-    EXPECT_EQ(ToInt16Or(text, 77), 77) << text;
   }
   for (const char* text : {"", " ", "-", "--1", "1x", "0x10", "nan", "inf", "1 2"}) {
     EXPECT_EQ(ErrorOf([&] { ToInt16(text); }), kTypeMismatch) << text;
