@@ -55,22 +55,7 @@ TEST_P(EventLoopContract, WorkComesInOrderAndNotAtOnceAndReentersAndCanBeTakenBa
   EXPECT_EQ(order, "abcdbe");
 }
 
-TEST_P(EventLoopContract, ATimerComesWhenDueAndMissedPeriodsCollapse) {
-  int calls = 0;
-  const auto timer = loop_.NewTimer([&] { ++calls; });
-  timer->Start(milliseconds::max());
-  EXPECT_TRUE(timer->Enabled());
-  Busy(kInterval);
-  loop_.DoEvents();
-  EXPECT_EQ(calls, 0);
-  timer->Start(kInterval);
-  Busy(50 * kInterval);
-  EXPECT_EQ(calls, 0);
-  for (int i = 0; i < 2; ++i) loop_.DoEvents();
-  EXPECT_TRUE(1 <= calls && calls < 25) << "a busy machine lets some periods pass in here";
-}
-
-TEST_P(EventLoopContract, AHandlerMayStopAndRestartItsTimerAndDestroyOthers) {
+TEST_P(EventLoopContract, ATimerComesWhenDueAndMayStopAndRestartItselfAndDestroyOthers) {
   int calls = 0;
   std::unique_ptr<Timer> other = loop_.NewTimer([] { ADD_FAILURE() << "it was destroyed"; });
   std::unique_ptr<Timer> timer = loop_.NewTimer([&] {
@@ -78,6 +63,11 @@ TEST_P(EventLoopContract, AHandlerMayStopAndRestartItsTimerAndDestroyOthers) {
     timer->Stop();
     if (++calls == 1) timer->Start(2 * kInterval);
   });
+  timer->Start(milliseconds::max());
+  EXPECT_TRUE(timer->Enabled());
+  Busy(kInterval);
+  loop_.DoEvents();
+  EXPECT_EQ(calls, 0);
   timer->Start(milliseconds(0));  // taken as one
   other->Start(4 * kInterval);
   for (int i = 0; i < 9; ++i) {
@@ -291,26 +281,11 @@ TEST_P(SocketContract, WhatTheClientSentBeforeItWasTakenArrives) {
   EXPECT_TRUE(Until([&] { return atClient.Ended(); }));
 }
 
-TEST_P(SocketContract, MuchArrivesWholeAndThenTheEnd) {
-  ConnectEnds();
-  const std::string all = Pattern(9 << 20);
-  std::size_t sent = 0;
-  client->onSendComplete = [&] {
-    if (sent == all.size()) return client->Close();
-    client->Send(std::string_view(all).substr(sent, 3 << 20));
-    sent += 3 << 20;
-  };
-  client->onSendComplete();
-  EXPECT_TRUE(Until([&] { return atServer.Ended(); })) << sent;
-  EXPECT_TRUE(atServer.data == all) << atServer.data.size();
-  EXPECT_EQ(atServer.seen, "DX");
-}
-
 TEST_P(SocketContract, ACloseOnBothSidesLosesNothingThatWasSent) {
   // Neither over what the closing side has not read...
   ConnectEnds();
   server->onDataArrival = [] {};
-  const std::string text = Pattern(1 << 20);
+  const std::string text = Pattern(TcpSocket::kMostUnsent);
   client->Send(std::string(100 << 10, 'x'));
   server->Send(text);
   Settle();

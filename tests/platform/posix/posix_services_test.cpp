@@ -4,6 +4,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <pty.h>
+#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -71,21 +72,16 @@ TEST(PosixFiles, FindTheBranchInWhichTheWholePathExistsAndKnowWhatOnlyThisSystem
       {in + "D/Foo/", in + "D/foo/"},
       {in + "d/fool", in + "d/Fool"},
       {in + "d/FOOL", in + "d/FOOL"},
-      {in + "none/Foo", in + "none/Foo"},
       {"Z:\\", "/"},
       {"z:\\no\\Such", "/no/Such"},
       {"Z:no\\such", "/no/such"},
-      {"no\\such", "no/such"},
-      {"C:\\no\\such", "C:/no/such"},
-      {"/no/such", "/no/such"},
-      {"", ""}};
+      {"C:\\no\\such", "C:/no/such"}};
   for (const auto& [shown, native] : cases) EXPECT_EQ(ToNative(shown), native);
   EXPECT_EQ(FromNative("/a/b") + FromNative("a/b"), "Z:\\a\\ba\\b");
 
   PosixFiles files;
   std::string text;
   EXPECT_FALSE(files.Read(FromNative(in + "d/pipe"), text));
-  EXPECT_FALSE(files.Read("Z:\\dev\\null", text));
   std::set<std::string> listed;
   files.ListFolder(FromNative(in + "d"), [&](const std::string& name, auto kind) {
     return listed.insert(name + " *\\@"[static_cast<int>(kind)]).second;
@@ -142,7 +138,6 @@ TEST_F(ProgramsTest, FindsTheTargetInTheText) {
   fs::create_directory(directory_ / "bin/folder");
   const std::string dir = FromNative(directory_ / "");
   const std::tuple<std::string, std::string, std::vector<std::string>> cases[] = {
-      {"tool", "bin/tool", {}},
       {"tool  a \"b  c\"d \"\"", "bin/tool", {"a", "b  cd", ""}},
       {"two words x", "bin/two words", {"x"}},
       {dir + "TWO WORDS.TXT", "two words.txt", {}},
@@ -264,7 +259,6 @@ TEST_F(TerminalTest, AsksUntilItUnderstands) {
   const std::string kOk = "[Enter] ", kOkCancel = "[o]k/[c]ancel: ", kYesNo = "[y]es/[n]o: ";
   const std::tuple<Buttons, std::string, Answer, std::string> cases[] = {
       {Buttons::Ok, "\n", Answer::Ok, kOk},
-      {Buttons::Ok, {kEnd}, Answer::Ok, kOk + '\n'},
       {Buttons::OkCancel, "o\n", Answer::Ok, kOkCancel},
       {Buttons::OkCancel, "yes\n Cancel \n", Answer::Cancel, kOkCancel + kOkCancel},
       {Buttons::OkCancel, {kEnd}, Answer::Cancel, kOkCancel + '\n'},
@@ -299,67 +293,35 @@ TEST_F(TerminalTest, ASignalTakesTheSafeAnswerAndIsHandledBeforeTheReturnUnlessT
   EXPECT_EQ(signals, 2);
 }
 
-struct Pipe {
-  Pipe() { EXPECT_EQ(::pipe2(ends, O_NONBLOCK), 0); }
-  ~Pipe() {
-    for (const int end : ends) ::close(end);
-  }
-  void Put(char c) const { EXPECT_EQ(::write(ends[1], &c, 1), 1); }
-  char Take() const {
-    char c = 0;
-    EXPECT_EQ(::read(ends[0], &c, 1), 1);
-    return c;
-  }
-  int ends[2] = {};
-};
-
 // DoEvents looks at the descriptors only now and then.
 void LookAgain(PosixLoop& loop) {
   std::this_thread::sleep_for(std::chrono::microseconds(150));
   loop.DoEvents();
 }
 
-TEST(PosixLoop, CallsWatchesWhileTheirDescriptorsAreReady) {
+TEST(PosixLoop, AHandlerMayTakeWhatIsReportedAndEndAWatchThatIsReady) {
   PosixLoop loop;
-  const Pipe a, b;
+  const Descriptor a(::eventfd(0, EFD_NONBLOCK)), b(::eventfd(0, EFD_NONBLOCK));
   std::string taken;
-  std::unique_ptr<PosixLoop::Watch> watchB;
-  const auto watch = [&](const std::function<void()>& then) {
-    watchB.reset();
-    watchB = loop.WatchFd(b.ends[0], POLLIN, [&, then](short) {
-      taken += b.Take();
-      then();
-    });
+  const auto take = [&](const Descriptor& from, char name) {
+    eventfd_t count = 0;
+    EXPECT_EQ(::eventfd_read(from.Get(), &count), 0);
+    taken += name;
   };
-  const auto watchA = loop.WatchFd(a.ends[0], POLLIN, [&](short events) {
-    EXPECT_EQ(events, POLLIN);
-    taken += a.Take();
-    watchB.reset();  // ready as well, but ended by now
+  auto watchB = loop.WatchFd(b.Get(), POLLIN, [&](short) {
+    take(b, 'b');
+    LookAgain(loop);  // the other comes in here, and not once more
   });
-  watch([] {});
-  for (const char c : {'a', 'A'}) a.Put(c);
-  b.Put('b');
-  LookAgain(loop);
-  watchA->SetEvents(0);
-  LookAgain(loop);
-  watchA->SetEvents(POLLIN);
-  {
-    const EventLoop::Hold hold(loop);
+  const auto watchA = loop.WatchFd(a.Get(), POLLIN, [&](short) {
+    take(a, 'a');
+    if (taken.size() > 2) watchB.reset();
+  });
+  for (const auto& order : {std::array{&b, &a}, std::array{&a, &b}}) {
+    for (const Descriptor* each : order) EXPECT_EQ(::eventfd_write(each->Get(), 1), 0);
     LookAgain(loop);
+    LookAgain(loop);  // so that the next are reported in their order
   }
-  EXPECT_EQ(taken, "a");
-  LookAgain(loop);
-  EXPECT_EQ(taken, "aA");
-  // One may end in its own handler, and another begin there.
-  watchB = loop.WatchFd(b.ends[0], POLLIN, [&](short) { watch([&] { loop.Quit(); }); });
-  loop.Run();
-  EXPECT_EQ(taken, "aAb");
-  // What an event inside another has taken does not come again.
-  watch([&] { LookAgain(loop); });
-  LookAgain(loop);  // so that they are reported in this order
-  for (const Pipe* pipe : {&b, &a}) pipe->Put('c');
-  LookAgain(loop);
-  EXPECT_EQ(taken, "aAbcc");
+  EXPECT_EQ(taken, "baa");
 }
 
 TEST(PosixLoop, HandsSignalsToTheHandlerFromTheLoop) {
