@@ -154,13 +154,6 @@ TEST(EventLoop, NeitherAFloodOfPostsNorAnExceptionStopsATimer) {
 
 constexpr const char* kHost = "127.0.0.1";
 
-// Different at every place, so that what is lost, doubled or exchanged shows.
-std::string Pattern(std::size_t size) {
-  std::string text(size, '\0');
-  for (std::size_t i = 0; i < size; ++i) text[i] = static_cast<char>(i * 2654435761U >> 13);
-  return text;
-}
-
 // The events of a socket, a letter for each.
 struct Events {
   explicit Events(TcpSocket& socket) {
@@ -285,7 +278,9 @@ TEST_P(SocketContract, ACloseOnBothSidesLosesNothingThatWasSent) {
   // Neither over what the closing side has not read...
   ConnectEnds();
   server->onDataArrival = [] {};
-  const std::string text = Pattern(TcpSocket::kMostUnsent);
+  // Different at every place, so that what is lost, doubled or exchanged shows.
+  std::string text(TcpSocket::kMostUnsent, '\0');
+  for (std::size_t i = 0; i < text.size(); ++i) text[i] = static_cast<char>(i * 2654435761U >> 13);
   client->Send(std::string(100 << 10, 'x'));
   server->Send(text);
   Settle();
