@@ -143,7 +143,6 @@ TEST(Event, TellsWhoListensInOrderAsLongAsTheyDo) {
   one.reset();
   event.Raise();
   EXPECT_EQ(heard, "121LL");
-  const Subscription outlives = Event<>().Subscribe([] {});
 }
 
 TEST(Text, APrintableLineHoldsNothingThatATerminalObeys) {
@@ -151,10 +150,9 @@ TEST(Text, APrintableLineHoldsNothingThatATerminalObeys) {
       {"Grüße ~ \u00a0Ж € \U0001D11E", "Grüße ~ \u00a0Ж € \U0001D11E"},
       {std::string("\0\x07\t\r\n\x1B[2J\x1F\x7F", 11), "??????[2J??"},
       {"\xC2\x80\xC2\x9B\xC2\x9F", "???"},
-      {"a\xE2\x82", "a??"},                                // cut off
+      {"\xC3(a\xE2\x82", "?(a??"},                         // cut off
       {"\xC0\x9B\xE0\x80\x9B \xED\xA0\x80", "????? ???"},  // overlong, a surrogate
-      {"\xF4\x90\x80\x80 \xE0\x90\x80", "???? ???"},
-      {"\xC3(", "?("}};
+      {"\xF4\x90\x80\x80 \xE0\x90\x80", "???? ???"}};
   for (const auto& [text, line] : cases) EXPECT_EQ(PrintableLine(text), line);
 }
 

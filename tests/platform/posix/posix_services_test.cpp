@@ -50,7 +50,7 @@ TEST(PosixClock, TellsLocalTimeAndTheShortDate) {
 
 TEST(PosixFiles, FindTheBranchInWhichTheWholePathExistsAndKnowWhatOnlyThisSystemHas) {
   const TemporaryDirectory directory;
-  for (const char* made : {"D/foo", "d/FOO/sub", "d/Foo/Bin", "d/foo"}) {
+  for (const char* made : {"d/FOO/sub", "d/Foo/Bin", "d/foo"}) {
     fs::create_directories(directory / made);
   }
   for (const char* made : {"d/FOO/same.txt", "d/Foo/Bin/run.sh", "d/Foo/same.txt", "d/Fool",
@@ -68,13 +68,10 @@ TEST(PosixFiles, FindTheBranchInWhichTheWholePathExistsAndKnowWhatOnlyThisSystem
       {in + "d/foo/same.txt", in + "d/foo/same.txt"},
       {in + "d/fOO/SUB/New.txt", in + "d/FOO/sub/New.txt"},
       {in + "d/fOO/New.txt", in + "d/FOO/New.txt"},
-      {in + "D/Foo/", in + "D/foo/"},
       {in + "d/fool", in + "d/Fool"},
       {in + "d/FOOL", in + "d/FOOL"},
-      {"Z:\\", "/"},
       {"z:\\no\\Such", "/no/Such"},
-      {"Z:no\\such", "/no/such"},
-      {"C:\\no\\such", "C:/no/such"}};
+      {"Z:no\\such", "/no/such"}};
   for (const auto& [shown, native] : cases) EXPECT_EQ(ToNative(shown), native);
   EXPECT_EQ(FromNative("/a/b") + FromNative("a/b"), "Z:\\a\\ba\\b");
 
