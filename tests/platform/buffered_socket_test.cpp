@@ -119,8 +119,8 @@ TEST_F(BufferedSocketTest, SendsAllInOrderAndTellsOnceUpToALimitOfWhatWaits) {
 TEST_F(BufferedSocketTest, ArrivalsInsideOneAnotherKeepTheirOwn) {
   Socket other(host, Use::Data);
   for (Socket* each : {&socket, &other}) each->Connected();
-  for (const char* text : {"one", "two"}) socket.PeerSends(text);
   other.PeerSends("uno");
+  for (const char* text : {"one", "two"}) socket.PeerSends(text);
   EXPECT_EQ(socket.GetData(), "onetwo");
   EXPECT_EQ(other.GetData(), "uno");
   {
