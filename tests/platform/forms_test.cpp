@@ -72,15 +72,16 @@ TEST(Forms, APersonCanActOnlyOnWhatIsShownAndEnabledWithAllAroundIt) {
   form.list.onEnter = form.tree.onNodeClick = form.item.onClick = count;
   form.box.onDrop = [&](const std::string&) { ++events; };
   form.combo.SetItems({"a"});
-  form.list.SetItems({"a"});
-  form.list.Add("b");
+  form.list.SetItems({"a", "b"});
   form.tree.Add({});
   form.check.SetValue(true);
   form.elsewhere.SetValue(true);
   form.other.SetValue(true);
   form.list.Select(0);
   EXPECT_FALSE(form.second.Visible());
-  for (const int page : {1, 0}) form.tabs.Select(page);
+  form.tabs.Select(1);
+  EXPECT_FALSE(form.first.Visible());
+  form.tabs.Select(0);
   EXPECT_EQ(events, 0) << "the program's own changes raise nothing";
   const std::pair<Control*, std::function<bool()>> acts[] = {
       {&form.button, [&] { return form.button.Press(); }},
@@ -108,10 +109,6 @@ TEST(Forms, APersonCanActOnlyOnWhatIsShownAndEnabledWithAllAroundIt) {
       EXPECT_FALSE(act() || !control->ShownToUser());
       each->SetEnabled(true);
     }
-    form.tabs.Select(1);  // the other page
-    EXPECT_TRUE(control == &form.tabs || !act());
-    form.tabs.Select(0);
-    EXPECT_EQ(events, 0);
     EXPECT_TRUE(act());
     EXPECT_EQ(std::exchange(events, 0), 1);
     form.Hide();
@@ -119,8 +116,6 @@ TEST(Forms, APersonCanActOnlyOnWhatIsShownAndEnabledWithAllAroundIt) {
   form.Show();
   EXPECT_FALSE(form.check.Value() || form.other.Value());
   EXPECT_TRUE(form.option.Value() && form.elsewhere.Value());
-  EXPECT_EQ(form.list.SelectedIndex(), 1);
-  EXPECT_EQ(form.tabs.Selected(), 1);
   form.tabs.Select(0);
   EXPECT_FALSE(form.list.Choose(2) || form.tabs.Choose(2) || form.readOnly.Type("x"));
   EXPECT_TRUE(form.item.Choose());
@@ -129,40 +124,35 @@ TEST(Forms, APersonCanActOnlyOnWhatIsShownAndEnabledWithAllAroundIt) {
 }
 
 TEST(Event, TellsWhoListensInOrderAsLongAsTheyDo) {
-  Event<std::string> event;
+  Event<> event;
   std::string heard;
-  const auto listener = [&](const char* name) {
-    return event.Subscribe([&heard, name](const std::string& what) { heard += name + what; });
+  const auto listener = [&](char name) {
+    return event.Subscribe([&heard, name] { heard += name; });
   };
-  Subscription one = listener("1"), two, three, late;
+  Subscription one = listener('1'), two, three, late;
   // Ends the next, and itself while it is being called, and subscribes another.
-  two = event.Subscribe([&](const std::string& what) {
-    heard += "2" + what;
+  two = event.Subscribe([&] {
+    heard += '2';
     three.reset();
-    if (!late) late = listener("L");
+    late = listener('L');
     two.reset();
-    if (what == "a") event.Raise("x");
+    event.Raise();
   });
-  three = listener("3");
-  event.Raise("a");
-  EXPECT_EQ(heard, "1a2a1xLx");
+  three = listener('3');
+  event.Raise();
   one.reset();
-  event.Raise("b");
-  EXPECT_EQ(heard, "1a2a1xLxLb");
-  const Subscription outlives = Event<>().Subscribe([] {});
+  event.Raise();
+  EXPECT_EQ(heard, "121LL");
 }
 
 TEST(Text, APrintableLineHoldsNothingThatATerminalObeys) {
   const std::pair<std::string, std::string> cases[] = {
-      {"plain ~ text", "plain ~ text"},
-      {"Grüße \u00a0Ж € \U0001D11E", "Grüße \u00a0Ж € \U0001D11E"},
+      {"Grüße ~ \u00a0Ж € \U0001D11E", "Grüße ~ \u00a0Ж € \U0001D11E"},
       {std::string("\0\x07\t\r\n\x1B[2J\x1F\x7F", 11), "??????[2J??"},
       {"\xC2\x80\xC2\x9B\xC2\x9F", "???"},
-      {"\x80\x9B\xFF", "???"},
-      {"a\xE2\x82", "a??"},                                // cut off
+      {"\xC3(a\xE2\x82", "?(a??"},                         // cut off
       {"\xC0\x9B\xE0\x80\x9B \xED\xA0\x80", "????? ???"},  // overlong, a surrogate
-      {"\xF4\x90\x80\x80 \xE0\x90\x80", "???? ???"},
-      {"\xC3(", "?("}};
+      {"\xF4\x90\x80\x80 \xE0\x90\x80", "???? ???"}};
   for (const auto& [text, line] : cases) EXPECT_EQ(PrintableLine(text), line);
 }
 

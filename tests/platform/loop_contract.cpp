@@ -33,44 +33,29 @@ class EventLoopContract : public testing::TestWithParam<bool> {
 
 INSTANTIATE_TEST_SUITE_P(Loops, EventLoopContract, testing::Bool());
 
-TEST_P(EventLoopContract, PostedWorkComesInOrderAndNotAtOnceAndReenters) {
+TEST_P(EventLoopContract, WorkComesInOrderAndNotAtOnceAndReentersAndCanBeTakenBack) {
   std::string order;
+  const auto again = loop_.NewDeferred([&] { order += 'b'; });
+  const auto cancelled = loop_.NewDeferred([] { ADD_FAILURE() << "it was cancelled"; });
+  auto gone = loop_.NewDeferred([] { ADD_FAILURE() << "it was destroyed"; });
   loop_.Post([&] {
     order += 'a';
+    gone.reset();
     loop_.DoEvents();
-    order += 'c';
-    loop_.Post([&] { order += 'd'; });
+    order += 'd';
+    again->Post();
     loop_.DoEvents();
     order += 'e';
   });
-  loop_.Post([&] { order += 'b'; });
+  for (Deferred* each : {gone.get(), cancelled.get(), again.get(), again.get()}) each->Post();
+  cancelled->Cancel();
+  loop_.Post([&] { order += 'c'; });
   EXPECT_EQ(order, "");
   loop_.DoEvents();
-  EXPECT_EQ(order, "abcde");
+  EXPECT_EQ(order, "abcdbe");
 }
 
-TEST_P(EventLoopContract, ATimerComesWhenDueAndMissedPeriodsCollapse) {
-  int calls = 0;
-  const auto timer = loop_.NewTimer([&] { ++calls; });
-  EXPECT_FALSE(timer->Enabled());
-  timer->Start(milliseconds::max());
-  EXPECT_TRUE(timer->Enabled());
-  Busy(kInterval);
-  loop_.DoEvents();
-  EXPECT_EQ(calls, 0);
-  timer->Start(kInterval);
-  Busy(50 * kInterval);
-  EXPECT_EQ(calls, 0);
-  for (int i = 0; i < 2; ++i) loop_.DoEvents();
-  const int before = calls;
-  EXPECT_TRUE(1 <= calls && calls < 25) << "a busy machine lets some periods pass in here";
-  timer->Stop();
-  Busy(3 * kInterval);
-  loop_.DoEvents();
-  EXPECT_EQ(calls, before);
-}
-
-TEST_P(EventLoopContract, AHandlerMayStopAndRestartItsTimerAndDestroyOthers) {
+TEST_P(EventLoopContract, ATimerComesWhenDueAndMayStopAndRestartItselfAndDestroyOthers) {
   int calls = 0;
   std::unique_ptr<Timer> other = loop_.NewTimer([] { ADD_FAILURE() << "it was destroyed"; });
   std::unique_ptr<Timer> timer = loop_.NewTimer([&] {
@@ -78,6 +63,11 @@ TEST_P(EventLoopContract, AHandlerMayStopAndRestartItsTimerAndDestroyOthers) {
     timer->Stop();
     if (++calls == 1) timer->Start(2 * kInterval);
   });
+  timer->Start(milliseconds::max());
+  EXPECT_TRUE(timer->Enabled());
+  Busy(kInterval);
+  loop_.DoEvents();
+  EXPECT_EQ(calls, 0);
   timer->Start(milliseconds(0));  // taken as one
   other->Start(4 * kInterval);
   for (int i = 0; i < 9; ++i) {
@@ -108,61 +98,27 @@ TEST_P(EventLoopContract, AHoldKeepsEverythingUntilItsEnd) {
   EXPECT_TRUE(order.size() > 1 && order.size() < 25) << order;
 }
 
-TEST_P(EventLoopContract, DeferredWorkIsQueuedOnceAndCanBeTakenBack) {
-  std::string order;
-  std::unique_ptr<Deferred> again;
-  again = loop_.NewDeferred([&] {
-    order += 'd';
-    if (order.size() < 4) again->Post();
-  });
-  const auto cancelled = loop_.NewDeferred([&] { order += 'c'; });
-  auto gone = loop_.NewDeferred([] { ADD_FAILURE() << "it was destroyed"; });
-  loop_.Post([&] {
-    order += 'a';
-    gone.reset();
-  });
-  for (Deferred* each : {gone.get(), cancelled.get(), again.get(), again.get()}) each->Post();
-  cancelled->Cancel();
-  loop_.Post([&] { order += 'b'; });
-  loop_.DoEvents();
-  EXPECT_EQ(order.substr(0, 3), "adb");
-  cancelled->Post();
-  for (int i = 0; i < 2; ++i) loop_.DoEvents();
-  EXPECT_EQ(order, "adbdc");
-}
-
 TEST_P(EventLoopContract, AWaitEndsByItsConditionItsLimitItsOwnerAndTheEnd) {
   using Waited = EventLoop::Waited;
   auto owner = std::make_shared<int>();
   bool reached = false;
-  int calls = 0;
   std::function<void()> happens;
   const auto timer = loop_.NewTimer([&] {
-    ++calls;
     if (const auto now = happens) now();
   });
   timer->Start(kInterval);
-  const auto reach = [&] { reached = true; };
   const auto wait = [&](std::optional<milliseconds> limit) {
     reached = false;
     return loop_.WaitFor(
         owner, [&] { return !owner || reached; }, limit);
   };
   EXPECT_EQ(wait(5 * kInterval), Waited::TimedOut);
-  EXPECT_GE(calls, 1) << "others run meanwhile";
-  happens = reach;
-  EXPECT_EQ(wait(std::chrono::hours(1)), Waited::Met);
   {
     const EventLoop::Hold hold(loop_);
     EXPECT_EQ(wait({}), Waited::TimedOut) << "nothing could come";
   }
   const std::pair<std::function<void()>, Waited> cases[] = {
-      {[&] { loop_.Post(reach); }, Waited::Met},
-      {[&] {  // one inside another
-         happens = reach;
-         EXPECT_EQ(wait({}), Waited::Met);
-       },
-       Waited::Met},
+      {[&] { loop_.Post([&] { reached = true; }); }, Waited::Met},
       {[&] { owner.reset(); }, Waited::OwnerGone},
       {[&] { loop_.Quit(); }, Waited::Quit},
       {nullptr, Waited::Quit}};
@@ -187,19 +143,10 @@ TEST(EventLoop, NeitherAFloodOfPostsNorAnExceptionStopsATimer) {
   loop.Post([] { throw 1; });
   loop.Run();
   EXPECT_EQ(calls, 2);
-  EXPECT_TRUE(loop.QuitRequested());
-  loop.DoEvents();
   loop.Run();  // returns at once
 }
 
 constexpr const char* kHost = "127.0.0.1";
-
-// Different at every place, so that what is lost, doubled or exchanged shows.
-std::string Pattern(std::size_t size) {
-  std::string text(size, '\0');
-  for (std::size_t i = 0; i < size; ++i) text[i] = static_cast<char>(i * 2654435761U >> 13);
-  return text;
-}
 
 // The events of a socket, a letter for each.
 struct Events {
@@ -265,7 +212,6 @@ TEST_P(SocketContract, TheListenerTakesTheClientOnItself) {
   EXPECT_EQ(server->LocalPort(), 0);
   EXPECT_EQ(server->RemoteAddress() + server->BoundAddress(), "");
   ConnectEnds();
-  EXPECT_EQ(atClient.seen, "C");
   for (const TcpSocket* end : {server.get(), client.get()}) {
     EXPECT_EQ(end->RemoteAddress() + end->BoundAddress(), "127.0.0.1127.0.0.1");
     EXPECT_NE(end->LocalAddress(), "");
@@ -278,10 +224,8 @@ TEST_P(SocketContract, TheListenerTakesTheClientOnItself) {
     const auto second = NewSocket();
     const Events refused(*second);
     second->Connect(name, port);
-    EXPECT_EQ(second->GetState(), State::Connecting);
     EXPECT_EQ(refused.seen, "");
     ASSERT_TRUE(Until([&] { return refused.seen == "E"; }));
-    EXPECT_EQ(second->GetState(), State::Failed);
     EXPECT_EQ(second->LastError(), error) << name;
   }
   // A name is looked up while everything goes on, and Close takes the question back.
@@ -324,30 +268,13 @@ TEST_P(SocketContract, WhatTheClientSentBeforeItWasTakenArrives) {
   EXPECT_TRUE(Until([&] { return atClient.Ended(); }));
 }
 
-TEST_P(SocketContract, MuchArrivesWholeAndThenTheEnd) {
-  ConnectEnds();
-  const std::string all = Pattern(9 << 20);
-  std::size_t sent = 0;
-  int ticks = 0;
-  const auto timer = loop.NewTimer([&] { ++ticks; });
-  timer->Start(milliseconds(1));
-  client->onSendComplete = [&] {
-    if (sent == all.size()) return client->Close();
-    client->Send(std::string_view(all).substr(sent, 3 << 20));
-    sent += 3 << 20;
-  };
-  client->onSendComplete();
-  EXPECT_TRUE(Until([&] { return atServer.Ended(); })) << sent;
-  EXPECT_TRUE(atServer.data == all) << atServer.data.size();
-  EXPECT_EQ(atServer.seen, "DX");
-  EXPECT_GT(ticks, 0) << "a flood does not starve a timer";
-}
-
 TEST_P(SocketContract, ACloseOnBothSidesLosesNothingThatWasSent) {
   // Neither over what the closing side has not read...
   ConnectEnds();
   server->onDataArrival = [] {};
-  const std::string text = Pattern(1 << 20);
+  // Different at every place, so that what is lost, doubled or exchanged shows.
+  std::string text(TcpSocket::kMostUnsent, '\0');
+  for (std::size_t i = 0; i < text.size(); ++i) text[i] = static_cast<char>(i * 2654435761U >> 13);
   client->Send(std::string(100 << 10, 'x'));
   server->Send(text);
   Settle();
@@ -359,26 +286,19 @@ TEST_P(SocketContract, ACloseOnBothSidesLosesNothingThatWasSent) {
   // ...nor when the other side has ended first, and goes on reading.
   ConnectEnds();
   atServer.seen.clear();
-  server->onSendComplete = [&] { atServer.seen += 'S'; };
   client->Send("last words");
   server->Send(std::string(TcpSocket::kMostUnsent, 'x'));
   client->CloseGently();
-  EXPECT_EQ(client->GetState(), State::Closing);
   ASSERT_TRUE(Until([&] { return atServer.Ended() && client->GetState() == State::Closed; }));
   EXPECT_EQ(atServer.seen.back(), 'X');
-  EXPECT_EQ(std::count(atServer.seen.begin(), atServer.seen.end(), 'S'), 1);
   EXPECT_EQ(atClient.seen, "CDXC") << "no event comes of a gentle close";
 }
 
 TEST_P(SocketContract, AHoldKeepsEverythingUntilItsEnd) {
-  const auto second = NewSocket(), listener = NewSocket();
   ConnectEnds();
-  ASSERT_TRUE(listener->Listen(0));
-  listener->onConnectionRequest = [&](TcpSocket::RequestId) { atServer.seen += 'R'; };
   {
     const EventLoop::Hold hold(loop);
     client->Send("held");
-    second->Connect(kHost, listener->LocalPort());
     for (int i = 0; i < 2; ++i) {
       Settle();
       RunSystemLoop();
@@ -386,8 +306,7 @@ TEST_P(SocketContract, AHoldKeepsEverythingUntilItsEnd) {
     }
     EXPECT_EQ(atServer.seen, "");
   }
-  ASSERT_TRUE(Until([&] { return atServer.Ended() && atServer.seen.size() == 3; }));
-  std::erase(atServer.seen, 'R');
+  ASSERT_TRUE(Until([&] { return atServer.Ended(); }));
   EXPECT_EQ(atServer.seen + atServer.data, "DXheld");
 }
 

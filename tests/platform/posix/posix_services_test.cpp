@@ -4,6 +4,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <pty.h>
+#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -12,7 +13,6 @@
 #include <array>
 #include <csignal>
 #include <set>
-#include <thread>
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/Paths.h"
@@ -50,7 +50,7 @@ TEST(PosixClock, TellsLocalTimeAndTheShortDate) {
 
 TEST(PosixFiles, FindTheBranchInWhichTheWholePathExistsAndKnowWhatOnlyThisSystemHas) {
   const TemporaryDirectory directory;
-  for (const char* made : {"D/foo", "d/FOO/sub", "d/Foo/Bin", "d/foo"}) {
+  for (const char* made : {"d/FOO/sub", "d/Foo/Bin", "d/foo"}) {
     fs::create_directories(directory / made);
   }
   for (const char* made : {"d/FOO/same.txt", "d/Foo/Bin/run.sh", "d/Foo/same.txt", "d/Fool",
@@ -68,24 +68,16 @@ TEST(PosixFiles, FindTheBranchInWhichTheWholePathExistsAndKnowWhatOnlyThisSystem
       {in + "d/foo/same.txt", in + "d/foo/same.txt"},
       {in + "d/fOO/SUB/New.txt", in + "d/FOO/sub/New.txt"},
       {in + "d/fOO/New.txt", in + "d/FOO/New.txt"},
-      {in + "D/Foo/", in + "D/foo/"},
       {in + "d/fool", in + "d/Fool"},
       {in + "d/FOOL", in + "d/FOOL"},
-      {in + "none/Foo", in + "none/Foo"},
-      {"Z:\\", "/"},
       {"z:\\no\\Such", "/no/Such"},
-      {"Z:no\\such", "/no/such"},
-      {"no\\such", "no/such"},
-      {"C:\\no\\such", "C:/no/such"},
-      {"/no/such", "/no/such"},
-      {"", ""}};
+      {"Z:no\\such", "/no/such"}};
   for (const auto& [shown, native] : cases) EXPECT_EQ(ToNative(shown), native);
   EXPECT_EQ(FromNative("/a/b") + FromNative("a/b"), "Z:\\a\\ba\\b");
 
   PosixFiles files;
   std::string text;
   EXPECT_FALSE(files.Read(FromNative(in + "d/pipe"), text));
-  EXPECT_FALSE(files.Read("Z:\\dev\\null", text));
   std::set<std::string> listed;
   files.ListFolder(FromNative(in + "d"), [&](const std::string& name, auto kind) {
     return listed.insert(name + " *\\@"[static_cast<int>(kind)]).second;
@@ -142,7 +134,6 @@ TEST_F(ProgramsTest, FindsTheTargetInTheText) {
   fs::create_directory(directory_ / "bin/folder");
   const std::string dir = FromNative(directory_ / "");
   const std::tuple<std::string, std::string, std::vector<std::string>> cases[] = {
-      {"tool", "bin/tool", {}},
       {"tool  a \"b  c\"d \"\"", "bin/tool", {"a", "b  cd", ""}},
       {"two words x", "bin/two words", {"x"}},
       {dir + "TWO WORDS.TXT", "two words.txt", {}},
@@ -264,13 +255,11 @@ TEST_F(TerminalTest, AsksUntilItUnderstands) {
   const std::string kOk = "[Enter] ", kOkCancel = "[o]k/[c]ancel: ", kYesNo = "[y]es/[n]o: ";
   const std::tuple<Buttons, std::string, Answer, std::string> cases[] = {
       {Buttons::Ok, "\n", Answer::Ok, kOk},
-      {Buttons::Ok, {kEnd}, Answer::Ok, kOk + '\n'},
       {Buttons::OkCancel, "o\n", Answer::Ok, kOkCancel},
       {Buttons::OkCancel, "yes\n Cancel \n", Answer::Cancel, kOkCancel + kOkCancel},
       {Buttons::OkCancel, {kEnd}, Answer::Cancel, kOkCancel + '\n'},
       {Buttons::YesNo, "Y\n", Answer::Yes, kYesNo},
       {Buttons::YesNo, "\nno\n", Answer::No, kYesNo + kYesNo},
-      {Buttons::YesNo, {kEnd}, Answer::No, kYesNo + '\n'},
       {Buttons::RetryCancel, "R\n", Answer::Retry, "[r]etry/[c]ancel: "}};
   for (const auto& [buttons, typed, answer, asked] : cases) {
     ASSERT_TRUE(WriteAll(user_, typed.data(), typed.size()));
@@ -299,87 +288,47 @@ TEST_F(TerminalTest, ASignalTakesTheSafeAnswerAndIsHandledBeforeTheReturnUnlessT
   EXPECT_EQ(signals, 2);
 }
 
-struct Pipe {
-  Pipe() { EXPECT_EQ(::pipe2(ends, O_NONBLOCK), 0); }
-  ~Pipe() {
-    for (const int end : ends) ::close(end);
-  }
-  void Put(char c) const { EXPECT_EQ(::write(ends[1], &c, 1), 1); }
-  char Take() const {
-    char c = 0;
-    EXPECT_EQ(::read(ends[0], &c, 1), 1);
-    return c;
-  }
-  int ends[2] = {};
-};
-
-// DoEvents looks at the descriptors only now and then.
-void LookAgain(PosixLoop& loop) {
-  std::this_thread::sleep_for(std::chrono::microseconds(150));
-  loop.DoEvents();
-}
-
-TEST(PosixLoop, CallsWatchesWhileTheirDescriptorsAreReady) {
+TEST(PosixLoop, AHandlerMayTakeWhatIsReportedAndEndAWatchThatIsReady) {
   PosixLoop loop;
-  const Pipe a, b;
+  std::vector<Descriptor> ready(3);
+  for (Descriptor& each : ready) each = Descriptor(::eventfd(1, EFD_NONBLOCK));
   std::string taken;
-  std::unique_ptr<PosixLoop::Watch> watchB;
-  const auto watch = [&](const std::function<void()>& then) {
-    watchB.reset();
-    watchB = loop.WatchFd(b.ends[0], POLLIN, [&, then](short) {
-      taken += b.Take();
-      then();
-    });
+  const auto take = [&](std::size_t which) {
+    eventfd_t count = 0;
+    EXPECT_EQ(::eventfd_read(ready[which].Get(), &count), 0);
+    taken += std::to_string(which);
   };
-  const auto watchA = loop.WatchFd(a.ends[0], POLLIN, [&](short events) {
-    EXPECT_EQ(events, POLLIN);
-    taken += a.Take();
-    watchB.reset();  // ready as well, but ended by now
+  const auto first = loop.WatchFd(ready[0].Get(), POLLIN, [&](short) {
+    take(0);
+    loop.DoEvents();  // the next comes in here, and not once more
   });
-  watch([] {});
-  for (const char c : {'a', 'A'}) a.Put(c);
-  b.Put('b');
-  LookAgain(loop);
-  watchA->SetEvents(0);
-  LookAgain(loop);
-  watchA->SetEvents(POLLIN);
-  {
-    const EventLoop::Hold hold(loop);
-    LookAgain(loop);
-  }
-  EXPECT_EQ(taken, "a");
-  LookAgain(loop);
-  EXPECT_EQ(taken, "aA");
-  // One may end in its own handler, and another begin there.
-  watchB = loop.WatchFd(b.ends[0], POLLIN, [&](short) { watch([&] { loop.Quit(); }); });
+  std::unique_ptr<PosixLoop::Watch> last;
+  const auto next = loop.WatchFd(ready[1].Get(), POLLIN, [&](short) {
+    take(1);
+    last.reset();
+    loop.Quit();
+  });
+  last = loop.WatchFd(ready[2].Get(), POLLIN, [&](short) { take(2); });
   loop.Run();
-  EXPECT_EQ(taken, "aAb");
-  // What an event inside another has taken does not come again.
-  watch([&] { LookAgain(loop); });
-  LookAgain(loop);  // so that they are reported in this order
-  for (const Pipe* pipe : {&b, &a}) pipe->Put('c');
-  LookAgain(loop);
-  EXPECT_EQ(taken, "aAbcc");
+  EXPECT_EQ(taken, "01");
 }
 
 TEST(PosixLoop, HandsSignalsToTheHandlerFromTheLoop) {
   std::multiset<int> signals;
-  sigset_t blocked;
   const auto interrupt = std::signal(SIGINT, SIG_IGN);
-  const auto hangUp = std::signal(SIGHUP, SIG_DFL);
   {
     PosixLoop loop;
-    loop.OnSignals({SIGTERM, SIGHUP, SIGINT}, [&](int signal) {
+    loop.OnSignals({SIGTERM, SIGINT}, [&](int signal) {
       signals.insert(signal);
-      if (signals.size() == 2) loop.Quit();
+      loop.Quit();
     });
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::raise(signal);
+    for (const int signal : {SIGINT, SIGTERM}) std::raise(signal);
     EXPECT_TRUE(signals.empty());
     loop.Run();
   }
   std::signal(SIGINT, interrupt);
-  std::signal(SIGHUP, hangUp);
-  EXPECT_EQ(signals, (std::multiset<int>{SIGTERM, SIGHUP})) << "the other is ignored";
+  EXPECT_EQ(signals, std::multiset<int>{SIGTERM}) << "the other is ignored";
+  sigset_t blocked;
   ::sigprocmask(SIG_BLOCK, nullptr, &blocked);
   EXPECT_EQ(::sigismember(&blocked, SIGTERM), 0);
 }
