@@ -38,7 +38,6 @@ struct Wire : TcpSocket {
     Check(std::none_of(request.begin(), request.end(),
                        [](unsigned char c) { return c < ' ' || c == 0x7F; }));
   }
-  std::size_t Unsent() const override { return 0; }
   std::string_view GetData() override { return std::exchange(arrived, {}); }
   void Close() override { state = State::Closed; }
   void CloseGently() override { Close(); }

@@ -43,7 +43,6 @@ class BufferedSocket : public TcpSocket {
   bool Listen(std::uint16_t port, const std::string& address) override;
   void Connect(const std::string& host, std::uint16_t port) override;
   void Send(std::string_view bytes) override;
-  std::size_t Unsent() const override { return unsent_.size() - sent_; }
   std::string_view GetData() override;
   void Close() override;
   void CloseGently() override;
@@ -107,6 +106,7 @@ class BufferedSocket : public TcpSocket {
   void TryNextAddress(int error);
   Moved ReceiveSome();
   void KeepArrivals();
+  std::size_t Unsent() const { return unsent_.size() - sent_; }
   void DropUnsent();
   int SendUnsent();  // the error
   void SendCompleted();

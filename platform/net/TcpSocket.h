@@ -65,8 +65,6 @@ class TcpSocket {
 
   // Queues the bytes; never blocks. Nothing happens without a connection.
   virtual void Send(std::string_view bytes) = 0;
-  // What of it the system has not taken yet, in bytes.
-  virtual std::size_t Unsent() const = 0;
 
   // What has arrived since the last call; in onClosed and after it too. It is the socket's memory,
   // and stays valid until events are handled or a member that is not const is called. While the
