@@ -71,6 +71,7 @@ TEST(Download, PutsEveryByteWhereItBelongs) {
        {"01content-type: " + EndedAt("16 of 10"), {ok + "|01|content-type: "}},
        {"0123" + EndedAt("4 of 10"), {ok + "0123"}},
        {"404 not found[whole]", {typed + "404 not found"}},
+       {"Content-Type: never ends[whole]", {"Content-Type: never ends"}},
        {"none[The server has sent nothing.]", {""}},
        {std::string(30, 'x') + "[The file cannot be written.]", {typed + std::string(31, 'x')}},
        {"0123" + EndedAt("4 of 12"), {"HTTP/1.1 200 OK~content-length:12~Content-Type: x~~0123"}},

@@ -191,7 +191,6 @@ TEST(FtpClient, ComparesTheReplyWithWhatIsExpected) {
   Desk desk;
   desk.Says("> PWD|257 \"/a \"\"b\"\"\" it|> CWD c|250 x|> CDUP|250 x|> CDUP|250 x|> RNFR x|550 x");
   EXPECT_TRUE(desk.ftp->GetCurrentDirectory());
-  EXPECT_EQ(desk.ftp->CurrentDirectory(), "/a \"b\"");
   EXPECT_TRUE(desk.ftp->SetCurrentDirectory("c") && desk.ftp->SetCurrentDirectory(""));
   EXPECT_EQ(desk.ftp->CurrentDirectory(), "/a \"b\"/c");
   EXPECT_TRUE(desk.ftp->SetParentAsCurrentDirectory() && desk.ftp->SetParentAsCurrentDirectory());
