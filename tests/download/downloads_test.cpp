@@ -1,4 +1,3 @@
-#include <array>
 #include <vector>
 
 #include "download/frmFetchwellOptions.h"
@@ -20,25 +19,18 @@ std::string RequestFor(const std::string& path, const std::string& range, const 
 // What is on the disk, the rollback ("!": as today) and its amount, the bytes that are asked for.
 TEST(Download, AsksForTheRest) {
   const std::tuple<std::size_t, const char*, const char*, std::string> cases[] = {
-      {0, "", "", "0-"},
-      {5000, "0", "1024", "5000-"},
-      {5000, "1", "1024", "3976-"},
-      {5000, "1", "5000", "5000-"},
-      {5000, "-1", "many", "3976-"},
-      {5000, "x", "1", "5000-"},
-      {10'000'001, "0", "", "1E+07-"},
-      {10'000'001, "0!", "", "10000001-"}};
+      {5000, "0", "1024", "5000-"},    {5000, "1", "1024", "3976-"},
+      {5000, "1", "5000", "5000-"},    {5000, "-1", "many", "3976-"},
+      {10'000'001, "0", "", "1E+07-"}, {10'000'001, "0!", "", "10000001-"}};
   for (const auto& [length, rollback, amount, bytes] : cases) {
     DownloadDesk desk;
     desk.switches.compat = rollback == std::string("0!");
     desk.files.contents[kPath] = std::string(length, 'o');
     desk.settings.WriteSetting("Internet", "Rollback", rollback);
     desk.settings.WriteSetting("Internet", "Rollback Amount", amount);
-    EXPECT_EQ(desk.Begin(), RequestFor("/dir/file", "Range: bytes=" + bytes + "\r\n", "host"));
+    EXPECT_EQ(desk.Begin("HTTP://host//a/file"),
+              RequestFor("//a/file", "Range: bytes=" + bytes + "\r\n", "host"));
   }
-  DownloadDesk desk;
-  EXPECT_EQ(desk.Begin("HTTP://host//a b?c"), RequestFor("//a b?c", "", "host"));
-  EXPECT_EQ(desk.Http().tried.back(), std::pair(Ipv4{0x01020304}, std::uint16_t{80}));
 }
 
 // What is there at the end and how it ends, and after which arrivals, as Hear takes them.
@@ -69,25 +61,27 @@ TEST(Download, PutsEveryByteWhereItBelongs) {
   const std::string part = "HTTP/1.1 206 Partial Content~Content-Type: x~Content-Length: ";
   RunAll(
       false, "",
-      {{"0123456789[whole]", {ok + "0123456789"}},
+      {{"0123456789[whole]",
+        {ok + "0123456789", "X-Content-Length: 4~" + ok + "0|@t|123|@t|456789",
+         ok + "01234|@P|@P|" + part + "5~~56789"}},
+       {"012345678" + EndedAt("9 of 10"), {ok + "0|@t|12345678|@t|@!"}},
+       {"012345678!!" + EndedAt("11 of 10"), {ok + "0|@t|12345678!!|@t", ok + "012345678!|!"}},
+       // An arrival without the type is not known for a header.
+       {"HTTP/1.1 200 OK\r\n0123456789[whole]", {"HTTP/1.1 200 OK~|Content-Type:| x~~0123456789"}},
        {"01content-type: " + EndedAt("16 of 10"), {ok + "|01|content-type: "}},
        {"0123" + EndedAt("4 of 10"), {ok + "0123"}},
        {"404 not found[whole]", {typed + "404 not found"}},
-       {"plain data[whole]", {"plain| data"}},
        {"Content-Type: never ends[whole]", {"Content-Type: never ends"}},
-       {"[whole]", {typed}},
        {"none[The server has sent nothing.]", {""}},
        {std::string(30, 'x') + "[The file cannot be written.]", {typed + std::string(31, 'x')}},
        {"0123" + EndedAt("4 of 12"), {"HTTP/1.1 200 OK~content-length:12~Content-Type: x~~0123"}},
        {"none[File Not Found]", {"HTTP/1.1 404 Not Found~Content-Type: x~~sorry"}}});
   RunAll(false, "abcdef",
-         {{"abcdef[The server has sent nothing.]", {""}},
-          {"abcdefghij" + EndedAt("10 of 18446744073709551615"),
+         {{"abcdefghij" + EndedAt("10 of 18446744073709551615"),
            {part + "99999999999999999999~~ghij"}},
           {"abcdefghij[whole]", {part + "4~~ghij", part + "4~Content-Range: bytes 6-9/10~~ghij"}},
           {"abcdef[No Resuming Support]",
-           {part + "4~Content-Range:  bytes 0-9/10~~ghij", ok + "206 partial content"}},
-          {"abcdefno header[whole]", {"no header"}}});
+           {part + "4~Content-Range:  bytes 0-9/10~~ghij", ok + "206 partial content"}}});
 }
 
 // The same with today's servers.
@@ -107,11 +101,8 @@ TEST(Download, BelievesWhatTheHeaderSays) {
            {"HTTP/1.1 102 a~x: y~~HTTP/1.1 100 b~~HTTP/1.1 200 c~~|01",
             to("302", "/x") + to("301", "y?a/b") + ok + "~01"}},
           {"012" + EndedAt("3 of 4"), {ok + "Content-Length: 4~~012"}},
-          {"012[whole]", {ok + "X-Content-Length: 9~~012"}},
           {"[whole]", {ok + "Content-Length: 0~~"}},
           {"none[File Not Found]", {"HTTP/1.1 404 gone~~sorry"}},
-          {"none" + no + "403 No]", {"HTTP/1.1 403 No~~sorry"}},
-          {"none" + no + "304 x]", {"HTTP/1.1 304 x~~"}},
           {"none" + no + "204 x]", {"HTTP/1.1 204 x~~"}},
           {"none" + no + "302 x]", {"HTTP/1.1 302 x~~sorry"}},
           {"none" + html,
@@ -125,8 +116,7 @@ TEST(Download, BelievesWhatTheHeaderSays) {
            {to("301", "1") + to("302", "2") + to("303", "3") + to("307", "4") + to("308", "5") +
             to("302", "6")}}});
   RunAll(true, "abcdef",
-         {{"abcdef" + html, {""}},
-          {"abcdefghij[whole]", {part + "6-9/10~Content-Length: 9~~ghij"}},
+         {{"abcdefghij[whole]", {part + "6-9/10~Content-Length: 9~~ghij"}},
           {"abcdefghij" + EndedAt("10 of 15"), {part + "6-9/*~Content-Length: 9~~ghij"}},
           {"abcdef[No Resuming Support]",
            {part + "5-9/10~~ghij", part + "*/10~~ghij", part + "6-9/5~~ghij", ok + "~ghij"}},
@@ -143,7 +133,6 @@ TEST(Download, GoesWhereTheServerSaysThatTheFileIs) {
       {"http://host:8080/a/file", "", 8080, RequestFor("/a/file", kRest, "host:8080")},
       {"http://host/a/file", "#b", 80, RequestFor("/a/file", kRest, "host")},
       {"http://host/a/file", "//10.1.1.1:81/b", 81, RequestFor("/b", kRest, "10.1.1.1:81")},
-      {"http://host/a/file", "//host?b", 80, RequestFor("/?b", kRest, "host")},
       {"http://host/a/file", "http://host?b", 80, RequestFor("/?b", kRest, "host")}};
   DownloadDesk desk;
   desk.files.contents[kPath] = "abcdef";
@@ -158,23 +147,16 @@ TEST(Download, GoesWhereTheServerSaysThatTheFileIs) {
   }
 }
 
-// By default an arrival without its type is not known for a header.
 TEST(Download, TakesAHeaderThatIsCutAnywhere) {
   const std::string stream = std::string(kHeader) + "0123456789";
-  const std::size_t type = stream.find("Content-Type:");
   for (std::size_t cut = 1; cut < stream.size(); ++cut) {
-    for (const bool compat : {false, true}) {
-      DownloadDesk desk;
-      desk.switches.compat = compat;
-      desk.Begin();
-      desk.Http().PeerSends(stream.substr(0, cut));
-      desk.Http().PeerSends(stream.substr(cut));
-      desk.Http().PeerCloses();
-      EXPECT_EQ(desk.File(), (compat || cut >= type + 13 ? "0123456789"
-                              : cut > type               ? stream
-                                                         : stream.substr(0, cut) + "0123456789"))
-          << cut;
-    }
+    DownloadDesk desk;
+    desk.switches.compat = true;
+    desk.Begin();
+    desk.Http().PeerSends(stream.substr(0, cut));
+    desk.Http().PeerSends(stream.substr(cut));
+    desk.Http().PeerCloses();
+    EXPECT_EQ(desk.File(), "0123456789") << cut;
   }
   DownloadDesk desk;
   desk.Begin();
@@ -184,24 +166,6 @@ TEST(Download, TakesAHeaderThatIsCutAnywhere) {
   EXPECT_EQ(desk.window.lblSize.Text(), "Unknown");
 }
 
-// What arrives before the figures say that it is complete, what after that, and how it ends.
-TEST(Download, EndsWithTheLastByteWhateverTheFiguresSay) {
-  const std::string header = kHeader, other = "X-Content-Length: 4\r\n" + header;
-  const std::array<std::string, 3> cases[] = {
-      {header + "0|@t|12345678|@t", "@!", "012345678[The connection ended at byte 9 of 10.]"},
-      {header + "0|@t|12345678!!|@t", "", "012345678!![The connection ended at byte 11 of 10.]"},
-      {other + "0|@t|123|@t", "456789", "0123456789[whole]"}};
-  for (const auto& [early, late, ends] : cases) {
-    DownloadDesk desk;
-    desk.Begin();
-    desk.Hear(early);
-    EXPECT_EQ(desk.Shown(), "---x Download Completed");
-    desk.Hear(late);
-    EXPECT_EQ(desk.File() + desk.ends, ends);
-    EXPECT_EQ(desk.Http().GetState(), TcpSocket::State::Closed);
-  }
-}
-
 // The figures say early that it is complete; the last bytes still come.
 TEST(Download, ShowsCompletionEarlyAndSavesACopyOfTheFinishedFile) {
   DownloadDesk desk;
@@ -209,7 +173,6 @@ TEST(Download, ShowsCompletionEarlyAndSavesACopyOfTheFinishedFile) {
   desk.Begin();
   desk.Hear("HTTP/1.1 200 OK~Content-Length: 204800~Content-Type: x~~|@t|" +
             std::string(1999, 'x') + "|@t");
-  EXPECT_FALSE(desk.window.mnuSave.Choose());
   EXPECT_EQ(desk.Shown() + " " + window.lblRecieve.Text() + " of " + window.lblSize.Text(),
             "-xx- box 1.95 KB of 200.00 KB");
   EXPECT_EQ(window.picDownloadProgress.Drawings().front().text + " " + window.lblSpeed.Text(),
@@ -229,24 +192,15 @@ TEST(Download, ShowsCompletionEarlyAndSavesACopyOfTheFinishedFile) {
   EXPECT_TRUE(desk.files.contents["C:\\copy"] == desk.File());
 }
 
-TEST(Download, WaitsForTheOneBefore) {
+TEST(Download, RefusesWhatIsNoAddressAndGoesOnWithTheNext) {
   DownloadDesk desk;
-  desk.Begin();
+  const std::string refusal = "This is no address of a file that can be downloaded.";
+  const auto shown = [&] { EXPECT_EQ(desk.Shown().substr(0, 4), "x---"); };
+  desk.messageBoxes.expected = {{refusal + "\r\nftp://host", Answer::Ok, shown}};
   desk.downloads.BeginDownload(" ftp://host ");
-  desk.downloads.BeginDownload("http://host/second");
-  desk.window.StartUpdate("http://host/other");
-  desk.Hear(kHeader + std::string("0123456789|@."));
-  EXPECT_FALSE(desk.window.Loaded());
-  desk.messageBoxes.expected.push_back(
-      {"This is no address of a file that can be downloaded.\r\nftp://host", Answer::Ok,
-       [&] { EXPECT_EQ(desk.Shown().substr(0, 4), "x---"); }});
   desk.loop.DoEvents();
-  desk.loop.DoEvents();
-  ASSERT_EQ(desk.Http().GetState(), TcpSocket::State::Connecting);
-  EXPECT_TRUE(desk.window.Visible());
-  desk.Http().Connected();
-  EXPECT_EQ(desk.Http().Sent(), RequestFor("/second", "", "host"));
-  EXPECT_EQ(desk.ends, "[whole][This is no address of a file that can be downloaded.]");
+  EXPECT_EQ(desk.Begin("http://host/second"), RequestFor("/second", "", "host"));
+  EXPECT_EQ(desk.ends, "[" + refusal + "]");
 }
 
 // Each button in each state: what is shown, the connection's state and how it ends, after which
@@ -274,24 +228,6 @@ TEST(Download, ButtonsDoWhatTheStateAllows) {
   }
 }
 
-// While it is paused the file decides where it goes on.
-TEST(Download, GoesOnAfterAPauseWhereTheFileEnds) {
-  DownloadDesk desk;
-  desk.settings.WriteSetting("Internet", "Rollback", "1");
-  desk.settings.WriteSetting("Internet", "Rollback Amount", "2");
-  desk.Begin();
-  desk.Hear(kHeader + std::string("01234|@P"));
-  desk.window.txtURL.Type("http://else/where");
-  desk.Hear("@P|@n");
-  EXPECT_EQ(desk.Http().Sent(), RequestFor("/dir/file", "Range: bytes=5-\r\n", "host"));
-  const std::string most(1981, '5');
-  desk.Hear("@t|HTTP/1.1 206 Partial Content~Content-Type: x~Content-Length: 1985~~" + most +
-            "|@t");
-  EXPECT_EQ(desk.window.lblSize.Text() + " " + desk.window.lblSpeed.Text(), "1.94 KB 1.98 Kbps");
-  desk.Hear("6789|@.");
-  EXPECT_EQ(desk.File() + desk.ends, "01234" + most + "6789[whole]");
-}
-
 TEST(Download, OffersToResumeWhatWasCutShort) {
   for (const char* end : {"|@.", "|@!"}) {
     DownloadDesk desk;
@@ -300,7 +236,6 @@ TEST(Download, OffersToResumeWhatWasCutShort) {
     desk.Hear(std::string(kHeader) + "012345" + end);
     EXPECT_EQ(desk.Shown() + desk.window.cmdPause.Text(),
               "xx-- The connection ended at byte 6 of 10.&Resume");
-    EXPECT_TRUE(desk.window.Visible());
     EXPECT_TRUE(desk.window.cmdPause.Press() && !desk.window.cmdPause.Press());
     desk.loop.DoEvents();
     desk.Http().Connected();
@@ -317,8 +252,6 @@ TEST(Download, ReplacesAnOldFileByAWholeOne) {
   const std::string ok = "HTTP/1.1 200 OK~";
   const std::tuple<bool, std::string, const char*, const char*, const char*> cases[] = {
       {false, "HTTP/1.1 206 Partial Content~Content-Type: x~~new", "oldnew", "", ""},
-      {true, ok + "Content-Length: 2~~no", "no", "", ""},
-      {true, ok + "~half of the disk", "half of the disk", "", ""},
       {true, ok + "~new", "old", full, kPath},
       {true, ok + "Content-Length: 4~~new", "old", "", ""},
       {true, ok + "~this is more than the disk takes", "old", full, ""}};
@@ -339,12 +272,9 @@ TEST(Download, ReplacesAnOldFileByAWholeOne) {
 
 TEST(Download, TakesUrlsFromTheClipboardAndFromDrops) {
   DownloadDesk desk;
-  for (const std::string url : {"see ftp://host/x", "see http://host/x"}) {
-    desk.clipboard.text = "  " + url + " \r\n";
-    desk.window.Close();
-    desk.window.Open();
-    EXPECT_EQ(desk.window.txtURL.Text(), url);
-  }
+  desk.clipboard.text = "  see ftp://host/x \r\n";
+  desk.window.Open();
+  EXPECT_EQ(desk.window.txtURL.Text(), "see ftp://host/x");
   desk.window.txtURL.Drop(" http://host/a ");
   EXPECT_EQ(desk.window.txtURL.Text(), "http://host/a");
   desk.window.Close();
@@ -393,21 +323,19 @@ TEST_F(Dialogs, ShowWhatIsStoredAndStoreAllOfItOrSayThatTheyMayNot) {
       {&proxy, "0,(),(),0,", "1,x5,x5,1,", {"Proxy Use", "Proxy IP", "Proxy Port", "Proxy FTP"}}};
   for (const auto& [shown, defaults, changed, names] : cases) {
     OptionsDialog& dialog = *shown;
-    for (forms::Button* button : {dialog.cancelButton, dialog.defaultButton}) {
-      dialog.Open();
-      EXPECT_EQ(Shown(dialog), defaults);
-      ChangeAll(dialog);
-      dialog.Open();  // what was typed stays
-      if (button == dialog.defaultButton) {
-        registry.FailWrite(1, kAccessDenied);
-        messageBoxes.expected.push_back(
-            {"The options were not saved. They hold for everyone who uses this computer, and the "
-             "system did not let you change them."});
-        EXPECT_TRUE(button->Press() && dialog.Visible());
-      }
-      EXPECT_EQ(Shown(dialog), changed);
-      EXPECT_TRUE(button->Press() && !dialog.Loaded());
-    }
+    dialog.Open();
+    ChangeAll(dialog);
+    EXPECT_TRUE(dialog.cancelButton->Press());
+    dialog.Open();
+    EXPECT_EQ(Shown(dialog), defaults);
+    ChangeAll(dialog);
+    dialog.Open();  // what was typed stays
+    registry.FailWrite(1, kAccessDenied);
+    messageBoxes.expected.push_back(
+        {"The options were not saved. They hold for everyone who uses this computer, and the "
+         "system did not let you change them."});
+    EXPECT_TRUE(dialog.defaultButton->Press() && dialog.Visible());
+    EXPECT_TRUE(dialog.defaultButton->Press() && !dialog.Loaded());
     dialog.Open();
     EXPECT_EQ(Shown(dialog), changed);
     EXPECT_TRUE(dialog.Close());
@@ -416,17 +344,8 @@ TEST_F(Dialogs, ShowWhatIsStoredAndStoreAllOfItOrSayThatTheyMayNot) {
       CRegister store(registry);
       const std::string key = "Software\\Orvanto\\Settings";
       stored += store.REGGetSetting("HKLM", key, name, "none") + ",";
-      EXPECT_TRUE(store.REGDeleteSetting("HKLM", "\\" + key, name));
-      EXPECT_EQ(store.REGGetSetting("HKLM", "\\" + key, name, "none"), "none");
     }
     EXPECT_EQ(stored, changed);
-  }
-}
-
-TEST_F(Dialogs, WhatIsNoNumberCountsAsTheDefault) {
-  for (const auto& [text, isOn] : {std::pair{"yes", true}, {"", true}, {"0", false}, {"2", true}}) {
-    EXPECT_TRUE(options.Save({{DownloadOptions::kClipboard, text}}));
-    EXPECT_EQ(options.IsOn(DownloadOptions::kClipboard), isOn) << text;
   }
   for (const char32_t key : {U'0', U'9', U'\b', U'\r'}) EXPECT_TRUE(ftp.txtTimeout.takesKey(key));
 }
@@ -457,13 +376,11 @@ TEST_F(Dialogs, SaveAsWalksThroughDrivesAndFoldersToAPath) {
       {[&] { return enter(0); }, "C:\\b.txt"},
       {[&] { return ok("zoo\\"); }, "C:\\zoo\\"},
       {[&] { return ok("\\\\server\\share\\"); }, "\\\\server\\share\\"},
-      {[&] { return !enter(0) && ok("C:"); }, "C:\\"},
-      {[&] { return ok(" "); }, "C:\\"}};
+      {[&] { return !enter(0) && ok("C:"); }, "C:\\"}};
   for (const auto& [act, path] : steps) {
     EXPECT_TRUE(act()) << path;
     EXPECT_EQ(save.txtPath.Text(), path);
   }
-  EXPECT_EQ(save.lstFolders.Items(), (Texts{"a", "Zoo"}));
   EXPECT_EQ(save.lstFiles.Items(), (Texts{"A.txt", "b.txt"}));
   for (const char* typed :
        {"d.txt", "\\d.txt", "D:d.txt", "D:\\d.txt", "\\\\server\\share\\d.txt"}) {

