@@ -16,6 +16,9 @@ TEST(Sched, DescribesTasks) {
   EXPECT_EQ(desk.sched.TimeOfSlot(1).hour + desk.sched.TimeOfSlot(1).minute, "0905");
   EXPECT_EQ(desk.sched.DescribeTask(100), " | Run | 14:11 on ");
   desk.Put(kGeneral, "Task2=Bare");
+  EXPECT_EQ(desk.Told(2), "Bare | Run | 14:11 on ,   1 General");
+  desk.Put("Bare", "TimeType=2");
+  EXPECT_EQ(desk.Told(2), "Bare | Run | 14:11 on  In ,   1 General");
   desk.Put("Bare", "TaskType=9 TimeType=3");
   EXPECT_EQ(desk.Told(2), "Bare | Unknown Type | 14:11 on Day Number: 1,   1 General");
   for (const std::int16_t none : {std::int16_t{0}, std::int16_t{101}}) {

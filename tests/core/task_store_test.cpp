@@ -66,7 +66,9 @@ TEST_F(TaskStoreTest, SectionsOfOthersAreNotTouched) {
   for (int i = 0; i < 3; ++i) store.DeleteTask(1);
   Fill({"Größe", "Backup"});
   EXPECT_EQ(Save("gRÖßE", "Backup"), TaskStore::kSameSection);
+  Put(kGeneral, "NoTasks=Internet");  // a section named like the count goes, but for this
   EXPECT_EQ(Save("gRÖßE", "Größe"), "1") << "its own slot";
+  Put(kGeneral, "NoTasks=2");
   Fill({"GRÖßE"});  // before they were refused
   store.DeleteTask(3);
   EXPECT_EQ(List(), "2: gRÖßE Backup | Backup General Größe Internet");

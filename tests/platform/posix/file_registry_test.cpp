@@ -201,8 +201,9 @@ TEST_F(FileRegistryTest, ADamagedFileIsSetAsideByTheNextStartOrWriteNotByWhoOnly
   ASSERT_EQ(registry.Put("good"), kSuccess);
   Store looker(path_, report_, FileRegistry::OnDamage::Refuse);
   WriteFile(path_, "half");
-  Store late(path_, nullptr, FileRegistry::OnDamage::Refuse);
-  EXPECT_EQ(After(looker, "x"), "good, registry half" + both + "; is damaged: line 1 = 5");
+  Store late(path_, report_, FileRegistry::OnDamage::Refuse);
+  EXPECT_EQ(After(looker, "x"),
+            "good, registry half" + both + "; is damaged: line 1; is damaged: line 1 = 5");
   EXPECT_EQ(After(late, "x"), "nothing, registry half" + both + " = 5");
   EXPECT_EQ(Now(registry), "good, registry half" + both + "; is damaged: line 1");
   // A write that fails sets it aside no more than once.
