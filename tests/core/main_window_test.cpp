@@ -214,7 +214,6 @@ TEST_F(MainWindowTest, AFailedStepIsLoggedAndTheNextOnesFollow) {
   EXPECT_EQ(files.contents["ORVTASK.LOG"],
             "\"Error Code:53\"\r\n\"Error Code:13\"\r\n\"Error Code:6\"\r\n\"Error Code:9\"\r\n");
   EXPECT_EQ(store.DateOrderMonthFirst, 0) << "the year stands first";
-  EXPECT_EQ(folder.AppDir, "C:\\Orvanto\\");
   EXPECT_TRUE(window.Visible() && scheduler.tmrSched.Enabled());
   // The first hundred are shown all the same: their one group and themselves.
   EXPECT_EQ(Lines().size(), 101U);

@@ -197,10 +197,12 @@ TEST(Download, RefusesWhatIsNoAddressAndGoesOnWithTheNext) {
   const std::string refusal = "This is no address of a file that can be downloaded.";
   const auto shown = [&] { EXPECT_EQ(desk.Shown().substr(0, 4), "x---"); };
   desk.messageBoxes.expected = {{refusal + "\r\nftp://host", Answer::Ok, shown}};
+  desk.Begin();
+  desk.Hear(std::string(kHeader) + "0123456789|@.");
   desk.downloads.BeginDownload(" ftp://host ");
   desk.loop.DoEvents();
   EXPECT_EQ(desk.Begin("http://host/second"), RequestFor("/second", "", "host"));
-  EXPECT_EQ(desk.ends, "[" + refusal + "]");
+  EXPECT_EQ(desk.ends, "[whole][" + refusal + "]");
 }
 
 // Each button in each state: what is shown, the connection's state and how it ends, after which
@@ -244,6 +246,15 @@ TEST(Download, OffersToResumeWhatWasCutShort) {
     desk.Hear("HTTP/1.1 206 x~Content-Length: 4~~6789|@.");
     EXPECT_EQ(desk.File() + desk.ends, "0123456789[The connection ended at byte 6 of 10.][whole]");
   }
+}
+
+TEST(Download, ShowsTheSizeOfTheWholeAndTheSpeedOfTheRestAfterAPause) {
+  DownloadDesk desk;
+  desk.Begin();
+  desk.Hear(std::string(kHeader) + "01234|@P|@P|@n|@t|" +
+            "HTTP/1.1 206 Partial Content~Content-Type: x~Content-Length: 1985~~" +
+            std::string(1981, '5') + "|@t");
+  EXPECT_EQ(desk.window.lblSize.Text() + " " + desk.window.lblSpeed.Text(), "1.94 KB 1.98 Kbps");
 }
 
 // Whether the switch is on, what arrives, what is there then, the box that comes, what is locked.

@@ -142,6 +142,7 @@ TEST(FtpClient, LogsIn) {
       {"anna x", "120 soon|220 hello|> USER anna|230 in", "true01234"},
       {" ", "220 a|> USER anonymous|331 b|> PASS anonymous@example.com|230 c", "true01234"},
       {"anna ", "220 hello", "62 Connect0123"},
+      {"anna x", "220 hello|> USER anna|332 who", "39 USER0123"},
       {"anna x", "220 hello|> USER anna|331 who|> PASS x|202 in", "0 PASS0123"},
       {"anna x\r\nNOOP", "220 hello|> USER anna|331 who", "48 PASS0123"},
       {"anna x", "x", "9 Connect012"}};
@@ -196,6 +197,8 @@ TEST(FtpClient, ComparesTheReplyWithWhatIsExpected) {
   EXPECT_TRUE(desk.ftp->SetParentAsCurrentDirectory() && desk.ftp->SetParentAsCurrentDirectory());
   EXPECT_EQ(desk.ftp->CurrentDirectory(), "/");
   EXPECT_EQ(desk.Outcome(desk.ftp->RenameFile("x", "y")), "54 RNFR");
+  EXPECT_TRUE(desk.Says("> PWD|257 \"/b").ftp->GetCurrentDirectory());
+  EXPECT_EQ(desk.ftp->CurrentDirectory(), "/b");
   EXPECT_TRUE(desk.Says("> ABOR|225 x").ftp->CancelTransfer());
   EXPECT_TRUE(desk.Says("> QUIT|221 x").ftp->CloseConnection());
   EXPECT_EQ(desk.Outcome(desk.ftp->DeleteFile("x")), "19 DELE");
@@ -269,6 +272,14 @@ TEST(FtpClient, TheFinalReplyDecides) {
   desk.sockets.taken.insert(0);
   EXPECT_EQ(desk.Fetch(), "4 PORT");
   EXPECT_EQ(desk.Outcome(desk.ftp->UploadFile("C:\\none", "x")), "64 UploadData");
+  desk.ftp->PassiveMode = true;
+  desk.files.contents["C:\\up"] = std::string(9000, 'u');
+  for (const auto& [reply, outcome] :
+       {std::pair("226 b", "9 UploadData"), {"452 b", "46 UploadData"}}) {
+    desk.Says("TYPE|PASV|> STOR up|150 a|!|" + std::string(reply)).Data().room = 5000;
+    EXPECT_EQ(desk.Outcome(desk.ftp->UploadFile("C:\\up", "up")), outcome);
+    desk.Data().receiveError = 0;
+  }
 }
 
 TEST(FtpClient, AsksWhetherToWaitLonger) {
@@ -314,6 +325,10 @@ TEST(FtpClient, CancelsATransfer) {
       EXPECT_EQ(desk.ftp->FtpGetLastError(), 59);
       EXPECT_EQ(desk.ftp->CancelTransfer(), cancels) << answers;
       ended = desk.ticks;
+    };
+    // Once is enough.
+    desk.ftp->ReplyMessage = [&](const std::string& line) {
+      EXPECT_FALSE(line == "ABOR\r\n" && desk.ftp->CancelTransfer());
     };
     desk.script.push_back("200 spare");
     EXPECT_EQ(desk.Fetch(), "43 RETR");

@@ -117,6 +117,7 @@ TEST(Listing, TellsUnixAndDosLines) {
   EXPECT_EQ(all.Item("sub").FilePath, "/sub");
   all.Remove("sub");
   EXPECT_EQ(ErrorOf([&] { all.Item("sub"); }), kIllegalCall);
+  EXPECT_EQ(ErrorOf([&] { all.Item(12); }), kSubscriptOutOfRange);
   EXPECT_EQ(ErrorOf([&] { all.Remove(std::size_t{0}); }), kSubscriptOutOfRange);
 }
 

@@ -301,6 +301,7 @@ TEST_F(FtpServerTest, AnswersWhatTodaysClientsAsk) {
       {"MDTM ./f", "213 20261105140709\n"},
       {"SIZE sub|MDTM sub|CWD sub", "550 sub" + kNone},
       {"CWD .", kInRoot},
+      {"CDUP", "550 .." + kNone},
       {"RMD /", "550 Delete directory failed.\n"},
       {"PORT 1,2,3,4,255,255|EPRT !1!1.2.3.4!65535!", kPortDone},
       {"EPRT !2!::1!2000!|EPSV 2", "522 Network protocol not supported, use (1)\n"},

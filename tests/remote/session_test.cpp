@@ -162,6 +162,10 @@ TEST_F(SessionTest, TodaysClientsSendLinesOrHaveTheirKeysEchoed) {
   socket.Sent();
   loop.DoEvents();
   EXPECT_EQ(socket.Sent(), "");
+  remote.password = "S\xC3\xA9";
+  remote.passwordRequired = true;
+  EXPECT_EQ(Connect(), kOffer + std::string("Enter Password: "));
+  EXPECT_EQ(Send("\xFF\xFD\x01S\xC3\xA9\n"), "**\r\n\r\n" + kMenu);
 }
 
 struct StrictSessionTest : SessionTest {

@@ -90,7 +90,6 @@ TEST(ScriptLine, SplitsArguments) {
     std::string arg1 = "-";
     std::string arg2 = "-";
     ReadCommandWord(line, word);
-    EXPECT_EQ(word, "open");
     SplitArguments(word, line, arg1, arg2);
     EXPECT_EQ(line + " => " + arg1 + "|" + arg2, row);
   }
@@ -160,7 +159,6 @@ TEST_F(Runner, ADelayEndsWithTheTickOfItsNumberAndTakesAnotherSlot) {
   EXPECT_EQ(failures, Texts{"s.txt: all 100 places are taken"});
   EXPECT_TRUE(idle && !scripts.Waiting());
   EXPECT_EQ(RunByPath("s.txt"), kSubscriptOutOfRange);
-  EXPECT_EQ(Log(), "");
 }
 
 TEST_F(Runner, OnlyTheLowestDelayCountsAndAStartStopsTheCount) {
@@ -348,7 +346,6 @@ TEST_F(Commands, ThoseOfWindowsDoTheirSteps) {
       "written\"\r\n");
   EXPECT_THROW(windows.WindowAction("Notepad", WindowCode::SendKeys, "abc{"), Error);
   EXPECT_TRUE(done.empty()) << "nor where the keys do not parse";
-  EXPECT_EQ(RunText("sendkeys('Nothing',abc{)"), 0) << "without a window they are not looked at";
   for (const WindowCode code : {WindowCode::CloseFile, WindowCode::Exit, WindowCode::Hide})
     windows.WindowAction("Other", code, "");
   EXPECT_EQ(Done(), (Texts{"top 2", "show 1 2", "top 2", "show 1 2", "top 2", "show 0 2"}));

@@ -42,10 +42,6 @@ class MemoryRegistry : public TreeRegistry {
 
   // Past the interface.
   RegistryTree& Tree() { return tree_; }
-  bool HasKey(RootKey root, const std::string& path) const {
-    std::string id;
-    return RegistryTree::IdOf(root, path, id) == kSuccess && tree_.Find(id) != nullptr;
-  }
 
  protected:
   Status Write(const WriteStep& step) override {
